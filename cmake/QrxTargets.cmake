@@ -1,0 +1,52 @@
+# How this project's own targets are built: one static library a folder, warnings as errors.
+
+if(WIN32)
+  enable_language(RC)
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+# Flags, definitions and include paths that every target of ours takes.
+add_library(qrx_common INTERFACE)
+target_include_directories(qrx_common INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
+target_compile_options(qrx_common INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+target_compile_definitions(qrx_common INTERFACE UNICODE _UNICODE NO_DSHOW_STRSAFE NOMINMAX)
+
+if(QRX_SANITIZE)
+  # Wine's headers give the COM interfaces and the DirectShow structures on Linux; no Wine code is linked, the
+  # few Win32 functions that the sources use come from tests/native.
+  target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
+  target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
+  target_compile_options(qrx_common INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_link_options(qrx_common INTERFACE -fsanitize=address,undefined)
+  find_package(Threads REQUIRED)
+  target_link_libraries(qrx_common INTERFACE Threads::Threads)
+else()
+  target_compile_definitions(qrx_common INTERFACE
+    WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN)
+  target_link_options(qrx_common INTERFACE -static)
+endif()
+
+# qrx_library(NAME SOURCES … LINK …): the static library of one source folder.
+function(qrx_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC qrx_common ${arg_LINK})
+endfunction()
+
+# qrx_test(NAME SOURCES … LINK …): one GoogleTest program; ./dev test and ./dev sanitize run every program
+# in build/*/bin whose name begins with test_.
+function(qrx_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  add_executable(test_${name} ${arg_SOURCES})
+  target_link_libraries(test_${name} PRIVATE ${arg_LINK} test_support GTest::gmock)
+  set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  if(QRX_SANITIZE)
+    target_link_libraries(test_${name} PRIVATE native_win32)
+    add_test(NAME ${name} COMMAND test_${name})
+  endif()
+endfunction()

@@ -1,0 +1,102 @@
+// Quorlex Matroska Muxer: all that an application needs to load and steer the filter.
+//
+// Plain C++17; includes platform headers only. The identifiers are declared here; in exactly one source file of
+// the application, include <initguid.h> first, and this header defines them there.
+//
+// Strings are BSTRs: whoever holds a record frees its strings with SysFreeString.
+#ifndef QRX_MKVMUXER_H
+#define QRX_MKVMUXER_H
+
+#include <windows.h>
+
+#include <oaidl.h>
+#include <objbase.h>
+#include <objidl.h>
+#include <oleauto.h>
+
+// clang-format off
+
+// ---- Classes of the module QRX_MKVMuxer.ax ----------------------------------------------------------------------
+
+// The filter. {BDCE2C3A-4B83-480E-9B5F-8E96F0A9D3C1}
+DEFINE_GUID(CLSID_MatroskaMuxer, 0xbdce2c3a, 0x4b83, 0x480e, 0x9b, 0x5f, 0x8e, 0x96, 0xf0, 0xa9, 0xd3, 0xc1);
+// Its property pages. {5B0E1F2D-93C8-4A61-8D37-2C6E5FA1B904} {E49A7D16-0C52-4F8B-A1E3-7790B86C1D25}
+DEFINE_GUID(CLSID_MKVMuxerAboutPage, 0x5b0e1f2d, 0x93c8, 0x4a61, 0x8d, 0x37, 0x2c, 0x6e, 0x5f, 0xa1, 0xb9, 0x04);
+DEFINE_GUID(CLSID_MKVMuxerPropertyPage, 0xe49a7d16, 0x0c52, 0x4f8b, 0xa1, 0xe3, 0x77, 0x90, 0xb8, 0x6c, 0x1d, 0x25);
+
+// ---- Parameter keys of IModuleConfig ----------------------------------------------------------------------------
+
+// Set and get, VARIANT::byref: a TrackSettings record; its index chooses the row.
+DEFINE_GUID(MKVMUX_TrackInfo, 0x3f6c2b91, 0x7d04, 0x4e5a, 0xb8, 0x13, 0x60, 0x9d, 0x4c, 0xe2, 0x57, 0xa8);
+// Set only, VARIANT::byref: a MuxAttachment record, added to the file as a copy.
+DEFINE_GUID(MKVMUX_Attachment, 0x8a15d0e7, 0x26bf, 0x43c9, 0x9e, 0x70, 0xd4, 0x3b, 0x81, 0x0f, 0x62, 0x5c);
+// Set and get, VARIANT::ulVal: 0 "matroska", 1 "webm"; greater values are ignored.
+DEFINE_GUID(MKVMUX_DocType, 0xc7e94f03, 0x51a8, 0x4d26, 0x87, 0xbe, 0x1f, 0x6a, 0xd3, 0x95, 0x0b, 0x74);
+// Set only, VARIANT::bstrVal: the directory of the trace log; an empty string switches it off.
+DEFINE_GUID(MKVMUX_LogDirectory, 0x14b2a86d, 0xe97c, 0x4058, 0xa6, 0x2f, 0x83, 0xc0, 0x5e, 0x19, 0xf4, 0xb7);
+// Get only, VARIANT::llVal: the length written so far, in units of 100 ns.
+DEFINE_GUID(MKVMUX_Position, 0x6d80f35a, 0xb241, 0x4c97, 0x95, 0x08, 0xae, 0x7f, 0x23, 0xd6, 0x4b, 0x10);
+// Get only, VARIANT::uiVal: the number of input pins without the spare one.
+DEFINE_GUID(MKVMUX_InputCount, 0xf2573ec4, 0x0896, 0x4ab3, 0xbd, 0x54, 0x3e, 0x12, 0x9c, 0x68, 0xa7, 0xd1);
+
+// {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
+DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
+
+// clang-format on
+
+// ---- Records passed by reference --------------------------------------------------------------------------------
+
+// The settings of one track; the filter has 100 rows, one for each of its first input pins.
+struct TrackSettings {
+    INT32 index;     // the input pin, from 0
+    BYTE bEnabled;   // 0: the pin's stream is not written
+    BYTE bDefault;   // written as the track's default flag and as its forced flag
+    BYTE bReserved;  // kept and saved, but not read by the muxer
+    BSTR language;   // English name as in ISO 639-2, for example "English"
+    BSTR name;       // the track's name; not written when empty
+    INT32 trackType; // read back: 1 video, 2 audio, 17 subtitle, of the connected pin; -1 otherwise
+};
+
+// A file that is attached to the output. Null or empty fields are left out of the file.
+struct MuxAttachment {
+    BSTR fileName;
+    BSTR description;
+    char* mimeType;  // zero-terminated
+    UINT32 dataSize; // bytes
+    BYTE* data;
+    UINT64 uid; // not 0, unique among the attachments of a file
+};
+
+// ---- The parameter interface ------------------------------------------------------------------------------------
+
+// Named parameters of the filter, and its persisted configuration. Values take effect at once; track rows and the
+// document type are read when streaming starts. The VARIANT's type tag is neither checked nor set.
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone
+#endif
+struct IModuleConfig : public IPersistStream {
+    virtual HRESULT STDMETHODCALLTYPE SetValue(const GUID* key, const VARIANT* value) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetValue(const GUID* key, VARIANT* value) = 0;
+
+    // These answer E_NOTIMPL: there are no descriptions, no defaults and no pending changes.
+    virtual HRESULT STDMETHODCALLTYPE DescribeValue(const GUID* key, IUnknown** description) = 0;
+    virtual HRESULT STDMETHODCALLTYPE IsSupported(const GUID* key) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetDefaults() = 0;
+    virtual HRESULT STDMETHODCALLTYPE EnumValues(LONG* count, GUID** keys) = 0;
+    virtual HRESULT STDMETHODCALLTYPE CommitChanges() = 0;
+    virtual HRESULT STDMETHODCALLTYPE DeclineChanges() = 0;
+    virtual HRESULT STDMETHODCALLTYPE SaveToRegistry(HKEY root, BSTR path) = 0;
+    virtual HRESULT STDMETHODCALLTYPE LoadFromRegistry(HKEY root, BSTR path) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Unadvise(IUnknown* sink) = 0;
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46)
+#endif
+
+#endif

@@ -1,0 +1,52 @@
+// CLogger: the module's trace log, a plain text file for support. Nothing reads it back.
+//
+// Threads: any. The lock is held for one insertion, so lines composed of several may interleave piece by piece.
+// Errors: silent; a log that cannot be opened or written is a log that stays empty.
+#pragma once
+
+#include <atomic>
+
+#include "win/critical_section.h"
+#include "win/platform.h"
+#include "win/wide_string.h"
+
+class CLogger {
+  public:
+    CLogger() = default;
+    virtual ~CLogger();
+    CLogger(const CLogger&) = delete;
+    CLogger& operator=(const CLogger&) = delete;
+
+    // Each text may also be a string resource identifier of the module (MAKEINTRESOURCE).
+    CLogger& operator<<(const WCHAR* text);
+    CLogger& operator<<(INT32 number);
+    CLogger& operator<<(INT64 number);
+
+    // Creates the directory with its parents and opens "<baseName>.log" in it. Nonzero on success.
+    int OpenNamedLog(const WCHAR* directory, const WCHAR* baseName, bool overwrite);
+    // Opens directory\fileName, for appending unless overwrite is set. Nonzero on success, or when switched off.
+    int CreateLog(const WCHAR* directory, const WCHAR* fileName, bool overwrite);
+    // Always 1; leaves the logger enabled.
+    int CloseLog();
+
+    // Switches every operation on or off; closes nothing.
+    void SetEnabled(bool enabled) { m_enabled.store(enabled ? 1 : 0, std::memory_order_relaxed); }
+    [[nodiscard]] bool IsEnabled() const { return m_enabled.load(std::memory_order_relaxed) != 0; }
+    [[nodiscard]] const WideString& Directory() const { return m_directory; }
+
+  private:
+    bool WriteText(WideStringView text);
+    void WriteOpenFile(WideStringView text);
+    void CloseOpenFile();
+
+    HANDLE m_file = INVALID_HANDLE_VALUE;
+    win::CriticalSection m_lock; // guards m_file and m_directory
+    WideString m_directory;      // as last passed to CreateLog
+    std::atomic<INT32> m_enabled{0};
+};
+
+// Creates every missing directory of the path, shortest first; failures are ignored.
+void CreateDirectoryPath(WideStringView path);
+
+// The module's one log.
+extern CLogger g_Logger;

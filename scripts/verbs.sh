@@ -1,0 +1,24 @@
+# The verbs of ./dev, one function each. Sourced by ./dev.
+
+verb_help() {
+  cat <<'HELP'
+usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or sudo)
+
+  demo            make a real AVI, mux it with the registered module, show tracks and layout
+  test [NAME…]    build and run all tests, or the named suites
+  mkvmux ARG…     run the command-line tool under Wine, with Linux paths
+  build           build the module, the tool, the tests and the benchmarks
+  sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
+  bench           the benchmarks, printed as a table
+  lint            clang-format (check only) and clang-tidy
+  format          clang-format, in place
+HELP
+}
+
+verb_build() { build_windows "$@"; }
+
+verb_deps() {
+  need_packages "${PACKAGES_BUILD[@]}"
+  need_mkv_libraries
+  need_wine_prefix
+}

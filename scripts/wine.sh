@@ -1,0 +1,31 @@
+# The Wine prefix of this build, and how programs run in it.
+# Sourced by ./dev; expects `die`, `say`, $BUILD.
+
+export WINEARCH=win64
+export WINEPREFIX="${QRX_WINEPREFIX:-$BUILD/wineprefix}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+# No menu entries, no browser or Mono installer windows.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml=}"
+WINE=/usr/lib/wine/wine64
+WINESERVER=/usr/lib/wine/wineserver64
+
+need_wine_prefix() {
+  need_packages "${PACKAGES_WINE[@]}"
+  [ -x "$WINE" ] || die "$WINE is missing although the package wine64 is installed"
+  if [ ! -f "$WINEPREFIX/.ready" ]; then
+    say "making a Wine prefix in $WINEPREFIX"
+    "$WINE" wineboot -i >"$BUILD/wineboot.log" 2>&1 || die "wineboot failed; see $BUILD/wineboot.log"
+    touch "$WINEPREFIX/.ready"
+  fi
+  # One server for many short programs: it leaves by itself a minute after the last one.
+  [ -x "$WINESERVER" ] && "$WINESERVER" -p60 >/dev/null 2>&1
+  return 0
+}
+
+# windows_path PATH: the path as a Windows program under Wine sees it (drive Z: is the whole file system).
+windows_path() {
+  local path=$1
+  case "$path" in /*) ;; *) path="$PWD/$path" ;; esac
+  path=${path//\//\\}
+  printf 'Z:%s' "$path"
+}
