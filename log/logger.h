@@ -36,7 +36,7 @@ class CLogger {
 
   private:
     bool WriteText(WideStringView text);
-    void WriteOpenFile(WideStringView text);
+    bool WriteOpenFile(WideStringView text);
     void CloseOpenFile();
 
     HANDLE m_file = INVALID_HANDLE_VALUE;
