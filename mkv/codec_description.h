@@ -1,0 +1,58 @@
+// CodecDescription: what a media type becomes in a Matroska track entry. A plain value without libmatroska.
+//
+// Units: times in nanoseconds, sizes in pixels unless said otherwise.
+// Errors: a type without a mapping, and one whose format block is too short for what it claims to hold, is
+// described by an empty codec identifier.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "win/platform.h"
+
+namespace mkv {
+
+// Track types as Matroska numbers them.
+inline constexpr INT32 kTrackTypeVideo = 1;
+inline constexpr INT32 kTrackTypeAudio = 2;
+inline constexpr INT32 kTrackTypeSubtitle = 17;
+
+struct DisplaySize {
+    UINT64 width = 0;
+    UINT64 height = 0;
+};
+
+struct VideoDescription {
+    UINT64 pixelWidth = 0;
+    UINT64 pixelHeight = 0;
+    // The picture aspect ratio pair itself for formats that carry one, for example 16 and 9.
+    std::optional<DisplaySize> display;
+};
+
+struct AudioDescription {
+    UINT32 samplingFrequencyHz = 0;
+    UINT32 channels = 0;
+    std::optional<UINT32> bitDepth;
+};
+
+struct CodecDescription {
+    std::string codecId;
+    std::optional<bool> lacing;
+    std::optional<UINT64> defaultDurationNs;
+    std::optional<VideoDescription> video;
+    std::optional<AudioDescription> audio;
+    // Present and empty differs from absent: the element is then written with no bytes.
+    std::optional<std::vector<BYTE>> codecPrivate;
+};
+
+// The Matroska track type of the major type. Throws kUnsupportedTypeError.
+[[nodiscard]] INT32 TrackTypeOf(const AM_MEDIA_TYPE& type);
+
+// Throws kUnsupportedTypeError for a major type that is no track type.
+[[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
+
+// The codec identifier that the stream would get; empty for every type that cannot be written.
+[[nodiscard]] std::string CodecIdOf(const AM_MEDIA_TYPE& type);
+
+} // namespace mkv

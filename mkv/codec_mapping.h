@@ -1,0 +1,20 @@
+// From a media type to the codec-specific part of a track entry: CodecPrivate, the Video or Audio element, the
+// default duration and the lacing flag.
+#pragma once
+
+#include <string>
+
+#include "mkv/codec_description.h"
+#include "win/platform.h"
+
+namespace libmatroska {
+class KaxTrackEntry;
+}
+
+namespace mkv {
+
+// Fills the entry and returns the codec identifier for KaxCodecID; empty when the type has no mapping, and the
+// entry is then of no use. Throws kUnsupportedTypeError.
+[[nodiscard]] std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entry);
+
+} // namespace mkv

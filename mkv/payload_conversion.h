@@ -1,0 +1,18 @@
+// What a sample's bytes become before they are written as a block. H.264 and H.265 byte streams (start codes) are
+// rewritten with 4-byte lengths; every other payload is kept as it came.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "win/platform.h"
+
+namespace mkv {
+
+// Whether samples of this type carry start codes that Matroska does not want.
+[[nodiscard]] bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type);
+
+// A copy of the payload, converted where the type needs it. Empty when nothing is left to be written.
+[[nodiscard]] std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload);
+
+} // namespace mkv
