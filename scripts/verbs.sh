@@ -1,13 +1,13 @@
-# The verbs of ./dev, one function each. Sourced by ./dev.
+# The verbs of ./dev that need no file of their own. Sourced by ./dev.
 
 verb_help() {
   cat <<'HELP'
 usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or sudo)
 
   demo            make a real AVI, mux it with the registered module, show tracks and layout
-  test [NAME…]    build and run all tests, or the named suites
+  test [NAME…]    build and run all tests, or the named suites (./dev test list names them)
   mkvmux ARG…     run the command-line tool under Wine, with Linux paths
-  build           build the module, the tool, the tests and the benchmarks
+  build           build the module, the tool, the tests and the benchmarks into build/windows/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
   bench           the benchmarks, printed as a table
   lint            clang-format (check only) and clang-tidy
@@ -15,10 +15,20 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
 HELP
 }
 
-verb_build() { build_windows "$@"; }
+verb_build() {
+  build_windows "$@"
+  say "built: $BUILD/windows/bin"
+}
 
+# Only the set-up: packages, libraries, Wine prefix.
 verb_deps() {
   need_packages "${PACKAGES_BUILD[@]}"
   need_mkv_libraries
   need_wine_prefix
+}
+
+verb_bench() {
+  build_windows bench
+  need_wine_prefix
+  "$WINE" "$BUILD/windows/bin/bench_mux.exe" "$@"
 }

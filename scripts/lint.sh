@@ -1,0 +1,31 @@
+# ./dev lint and ./dev format. Sourced by ./dev; expects `die`, `say`, $ROOT, $BUILD.
+
+source_files() { git -C "$ROOT" ls-files -- '*.cpp' '*.h' "$@"; }
+
+verb_format() {
+  need_packages "${PACKAGES_LINT[@]}"
+  (cd "$ROOT" && source_files | xargs -r clang-format -i)
+}
+
+# clang-tidy reads the cross build's compile commands, with the compiler's own headers named for clang.
+tidy_one() {
+  clang-tidy --quiet -p "$BUILD/windows" \
+    --extra-arg=--target=x86_64-w64-mingw32 \
+    --extra-arg=-isystem/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include/c++ \
+    --extra-arg=-isystem/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include/c++/x86_64-w64-mingw32 \
+    "$1" 2>/dev/null
+}
+
+verb_lint() {
+  need_packages "${PACKAGES_BUILD[@]}" "${PACKAGES_LINT[@]}"
+  (cd "$ROOT" && source_files | xargs -r clang-format --dry-run -Werror) || die "some files are not formatted: ./dev format"
+  need_mkv_libraries
+  build_preset windows help >/dev/null # configures: clang-tidy needs the compile commands
+  say "clang-tidy"
+  export -f tidy_one
+  export BUILD
+  local sources
+  sources=$(source_files | grep -E '\.cpp$' | grep -vE '^(tests|bench|fuzz)/')
+  (cd "$ROOT" && printf '%s\n' "$sources" | xargs -P "$(nproc)" -I{} bash -c 'tidy_one {} || exit 255') || die "clang-tidy found something"
+  say "lint is clean"
+}
