@@ -1,0 +1,280 @@
+#include "tests/support/memory_stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace test_support {
+
+namespace {
+
+// Far above what a test writes: a runaway seek must not take the machine's memory.
+constexpr UINT64 kDefaultCapacityBytes = UINT64{1} << 30;
+
+} // namespace
+
+MemoryStream::MemoryStream(IUnknown* outer) : m_outer(outer), m_capacity(kDefaultCapacityBytes) {}
+
+void MemoryStream::AddRule(StreamOperation operation, UINT64 n, bool onlyOnce, HRESULT result) {
+    const std::lock_guard guard(m_lock);
+    m_rules.push_back({operation, n == 0 ? 0 : n - 1, onlyOnce, result});
+}
+
+void MemoryStream::FailNth(StreamOperation operation, UINT64 n, HRESULT result) {
+    AddRule(operation, n, true, result);
+}
+
+void MemoryStream::FailFrom(StreamOperation operation, UINT64 n, HRESULT result) {
+    AddRule(operation, n, false, result);
+}
+
+void MemoryStream::ClearFailures() {
+    const std::lock_guard guard(m_lock);
+    m_rules.clear();
+}
+
+void MemoryStream::SetCapacity(UINT64 bytes) {
+    const std::lock_guard guard(m_lock);
+    m_capacity = bytes;
+}
+
+void MemoryStream::SetRecording(bool record) {
+    const std::lock_guard guard(m_lock);
+    m_recording = record;
+}
+
+void MemoryStream::SetBytes(std::vector<BYTE> bytes) {
+    const std::lock_guard guard(m_lock);
+    m_bytes = std::move(bytes);
+    m_position = 0;
+}
+
+std::vector<BYTE> MemoryStream::Bytes() const {
+    const std::lock_guard guard(m_lock);
+    return m_bytes;
+}
+
+UINT64 MemoryStream::Position() const {
+    const std::lock_guard guard(m_lock);
+    return m_position;
+}
+
+std::vector<StreamCall> MemoryStream::Calls() const {
+    const std::lock_guard guard(m_lock);
+    return m_calls;
+}
+
+std::vector<StreamCall> MemoryStream::Calls(StreamOperation operation) const {
+    std::vector<StreamCall> calls = Calls();
+    std::erase_if(calls, [operation](const StreamCall& call) { return call.operation != operation; });
+    return calls;
+}
+
+void MemoryStream::ClearCalls() {
+    const std::lock_guard guard(m_lock);
+    m_calls.clear();
+}
+
+// Every rule of that kind counts the call; the first one that applies decides. S_OK when none does.
+HRESULT MemoryStream::FailureDue(StreamOperation operation) {
+    HRESULT due = S_OK;
+    for (auto rule = m_rules.begin(); rule != m_rules.end();) {
+        if (rule->operation != operation) {
+            ++rule;
+        } else if (rule->callsUntil > 0) {
+            --rule->callsUntil;
+            ++rule;
+        } else {
+            due = due == S_OK ? rule->result : due;
+            rule = rule->onlyOnce ? m_rules.erase(rule) : rule + 1;
+        }
+    }
+    return due;
+}
+
+HRESULT MemoryStream::Record(const StreamCall& call) {
+    if (m_recording) {
+        m_calls.push_back(call);
+    }
+    return call.result;
+}
+
+HRESULT MemoryStream::QueryInterface(REFIID iid, void** object) {
+    if (m_outer != nullptr) {
+        return m_outer->QueryInterface(iid, object);
+    }
+    if (object == nullptr) {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != IID_ISequentialStream && iid != IID_IStream) {
+        return E_NOINTERFACE;
+    }
+    *object = static_cast<IStream*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG MemoryStream::AddRef() {
+    if (m_outer != nullptr) {
+        m_outer->AddRef();
+    }
+    return m_references.Add();
+}
+
+ULONG MemoryStream::Release() {
+    const ULONG left = m_references.Release();
+    if (m_outer != nullptr) {
+        m_outer->Release();
+    }
+    return left;
+}
+
+HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
+    const std::lock_guard guard(m_lock);
+    if (read != nullptr) {
+        *read = 0;
+    }
+    const UINT64 start = m_position;
+    HRESULT result = FailureDue(StreamOperation::Read);
+    if (SUCCEEDED(result) && buffer == nullptr) {
+        result = STG_E_INVALIDPOINTER;
+    }
+    if (SUCCEEDED(result) && start < m_bytes.size()) {
+        const auto count = static_cast<ULONG>(std::min<UINT64>(size, m_bytes.size() - start));
+        if (count > 0) {
+            std::memcpy(buffer, m_bytes.data() + start, count);
+        }
+        m_position += count;
+        if (read != nullptr) {
+            *read = count;
+        }
+    }
+    return Record({StreamOperation::Read, start, size, 0, 0, result});
+}
+
+HRESULT MemoryStream::WriteAtPosition(const BYTE* bytes, ULONG size) {
+    if (bytes == nullptr && size > 0) {
+        return STG_E_INVALIDPOINTER;
+    }
+    if (size == 0) {
+        return S_OK;
+    }
+    if (m_position > m_capacity || size > m_capacity - m_position) {
+        return STG_E_MEDIUMFULL;
+    }
+    const UINT64 end = m_position + size;
+    if (end > m_bytes.size()) {
+        m_bytes.resize(end); // a gap left by a seek beyond the end reads as zeros
+    }
+    std::memcpy(m_bytes.data() + m_position, bytes, size);
+    m_position = end;
+    return S_OK;
+}
+
+HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
+    const std::lock_guard guard(m_lock);
+    if (written != nullptr) {
+        *written = 0;
+    }
+    const UINT64 start = m_position;
+    HRESULT result = FailureDue(StreamOperation::Write);
+    if (SUCCEEDED(result)) {
+        result = WriteAtPosition(static_cast<const BYTE*>(buffer), size);
+    }
+    if (SUCCEEDED(result) && written != nullptr) {
+        *written = size;
+    }
+    return Record({StreamOperation::Write, start, size, 0, 0, result});
+}
+
+HRESULT MemoryStream::MoveTo(INT64 move, DWORD origin) {
+    UINT64 base = 0;
+    switch (origin) {
+    case STREAM_SEEK_SET:
+        break;
+    case STREAM_SEEK_CUR:
+        base = m_position;
+        break;
+    case STREAM_SEEK_END:
+        base = m_bytes.size();
+        break;
+    default:
+        return STG_E_INVALIDFUNCTION;
+    }
+    const bool beforeStart = move < 0 && UINT64{0} - static_cast<UINT64>(move) > base;
+    if (beforeStart) {
+        return STG_E_INVALIDFUNCTION;
+    }
+    m_position = base + static_cast<UINT64>(move);
+    return S_OK;
+}
+
+HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) {
+    const std::lock_guard guard(m_lock);
+    HRESULT result = FailureDue(StreamOperation::Seek);
+    if (SUCCEEDED(result)) {
+        result = MoveTo(move.QuadPart, origin);
+    }
+    if (SUCCEEDED(result) && newPosition != nullptr) {
+        newPosition->QuadPart = m_position;
+    }
+    return Record({StreamOperation::Seek, m_position, 0, move.QuadPart, origin, result});
+}
+
+HRESULT MemoryStream::SetSize(ULARGE_INTEGER size) {
+    const std::lock_guard guard(m_lock);
+    HRESULT result = FailureDue(StreamOperation::SetSize);
+    if (SUCCEEDED(result) && size.QuadPart > m_capacity) {
+        result = STG_E_MEDIUMFULL;
+    }
+    if (SUCCEEDED(result)) {
+        m_bytes.resize(size.QuadPart);
+    }
+    return Record({StreamOperation::SetSize, m_position, size.QuadPart, 0, 0, result});
+}
+
+HRESULT MemoryStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) {
+    return E_NOTIMPL;
+}
+
+HRESULT MemoryStream::Commit(DWORD) {
+    const std::lock_guard guard(m_lock);
+    return Record({StreamOperation::Other, m_position, 0, 0, 0, FailureDue(StreamOperation::Other)});
+}
+
+HRESULT MemoryStream::Revert() {
+    return E_NOTIMPL;
+}
+
+HRESULT MemoryStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
+    return STG_E_INVALIDFUNCTION;
+}
+
+HRESULT MemoryStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) {
+    return STG_E_INVALIDFUNCTION;
+}
+
+HRESULT MemoryStream::Stat(STATSTG* stat, DWORD) {
+    if (stat == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    const std::lock_guard guard(m_lock);
+    *stat = {};
+    const HRESULT result = FailureDue(StreamOperation::Stat);
+    if (SUCCEEDED(result)) {
+        stat->type = STGTY_STREAM;
+        stat->cbSize.QuadPart = m_bytes.size();
+    }
+    return Record({StreamOperation::Stat, m_position, 0, 0, 0, result});
+}
+
+HRESULT MemoryStream::Clone(IStream** clone) {
+    if (clone == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    *clone = nullptr;
+    return E_NOTIMPL;
+}
+
+} // namespace test_support

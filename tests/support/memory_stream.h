@@ -1,0 +1,99 @@
+// MemoryStream: an IStream over memory with a file's semantics, which records every call and fails on demand.
+//
+// Units: bytes. Owner: the test; references are counted, none deletes it.
+// Threads: any; one lock around each call.
+// Errors: the HRESULTs asked for with FailNth and FailFrom; STG_E_MEDIUMFULL above the capacity.
+#pragma once
+
+#include <mutex>
+#include <vector>
+
+#include "tests/support/reference_count.h"
+#include "win/platform.h"
+
+namespace test_support {
+
+enum class StreamOperation { Read, Write, Seek, SetSize, Stat, Other };
+
+struct StreamCall {
+    StreamOperation operation;
+    UINT64 position; // Read, Write: where it began. Seek: where it led to; the old position if it failed
+    UINT64 size;     // Read, Write: the bytes asked for. SetSize: the new size
+    INT64 move;      // Seek: the offset given
+    DWORD origin;    // Seek: STREAM_SEEK_SET, _CUR or _END as given
+    HRESULT result;
+};
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
+class MemoryStream final : public IStream {
+  public:
+    // With an outer object, references count there too, and it answers QueryInterface.
+    explicit MemoryStream(IUnknown* outer = nullptr);
+    ~MemoryStream() = default;
+
+    // The n-th call (from 1, counted from now on) of that kind fails; nothing else happens in it.
+    void FailNth(StreamOperation operation, UINT64 n, HRESULT result);
+    // So do all calls of that kind from the n-th on.
+    void FailFrom(StreamOperation operation, UINT64 n, HRESULT result);
+    void ClearFailures();
+    // Growing beyond this many bytes fails with STG_E_MEDIUMFULL, as a full disk does.
+    void SetCapacity(UINT64 bytes);
+    // Switches the list of calls off and on; the counters of FailNth go on.
+    void SetRecording(bool record);
+
+    void SetBytes(std::vector<BYTE> bytes); // and goes to the start
+    [[nodiscard]] std::vector<BYTE> Bytes() const;
+    [[nodiscard]] UINT64 Position() const;
+    [[nodiscard]] std::vector<StreamCall> Calls() const;
+    [[nodiscard]] std::vector<StreamCall> Calls(StreamOperation operation) const;
+    void ClearCalls();
+    [[nodiscard]] LONG References() const { return m_references.Count(); }
+
+    // IUnknown
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override;
+    ULONG STDMETHODCALLTYPE Release() override;
+    // ISequentialStream
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG size, ULONG* read) override;
+    HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG size, ULONG* written) override;
+    // IStream
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) override;
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override;
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream* target, ULARGE_INTEGER size, ULARGE_INTEGER* read,
+                                     ULARGE_INTEGER* written) override;
+    HRESULT STDMETHODCALLTYPE Commit(DWORD flags) override;
+    HRESULT STDMETHODCALLTYPE Revert() override;
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER size, DWORD type) override;
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER size, DWORD type) override;
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD flags) override;
+    HRESULT STDMETHODCALLTYPE Clone(IStream** clone) override;
+
+  private:
+    struct FailureRule {
+        StreamOperation operation;
+        UINT64 callsUntil; // calls of that kind left before the rule applies
+        bool onlyOnce;
+        HRESULT result;
+    };
+
+    void AddRule(StreamOperation operation, UINT64 n, bool onlyOnce, HRESULT result);
+    HRESULT FailureDue(StreamOperation operation);
+    HRESULT Record(const StreamCall& call);
+    HRESULT WriteAtPosition(const BYTE* bytes, ULONG size);
+    HRESULT MoveTo(INT64 move, DWORD origin);
+
+    IUnknown* const m_outer; // not owned; null when this object is one of its own
+    ReferenceCount m_references{"a memory stream"};
+
+    mutable std::mutex m_lock; // guards all below
+    std::vector<BYTE> m_bytes;
+    UINT64 m_position = 0;
+    UINT64 m_capacity;
+    bool m_recording = true;
+    std::vector<StreamCall> m_calls;
+    std::vector<FailureRule> m_rules;
+};
+#pragma GCC diagnostic pop
+
+} // namespace test_support
