@@ -1,0 +1,111 @@
+// Critical sections: recursive locks. Misuse that is undefined on Windows ends the program here.
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+
+#include "tests/native/kernel_object.h"
+#include "tests/native/native_hooks.h"
+
+namespace {
+
+std::atomic<std::size_t> g_liveSections{0};
+
+struct Section {
+    std::recursive_mutex mutex;
+    DWORD owner = 0; // thread identifier; guarded by the mutex
+    int depth = 0;
+};
+
+[[noreturn]] void Misuse(const char* what) {
+    std::fprintf(stderr, "critical section %s\n", what);
+    std::abort();
+}
+
+// The lock itself lives on the heap, so that a section which is never deleted shows up as a leak.
+Section& Of(CRITICAL_SECTION* section) {
+    if (section->DebugInfo == nullptr) {
+        Misuse("used before InitializeCriticalSection or after DeleteCriticalSection");
+    }
+    return *reinterpret_cast<Section*>(section->DebugInfo);
+}
+
+void Entered(CRITICAL_SECTION* section, Section& lock) {
+    lock.owner = GetCurrentThreadId();
+    ++lock.depth;
+    section->RecursionCount = lock.depth;
+    section->OwningThread = ULongToHandle(lock.owner);
+}
+
+} // namespace
+
+namespace native {
+
+std::size_t LiveCriticalSectionCount() {
+    return g_liveSections;
+}
+
+} // namespace native
+
+void WINAPI InitializeCriticalSection(CRITICAL_SECTION* section) {
+    *section = {};
+    // Freed by DeleteCriticalSection.
+    section->DebugInfo = reinterpret_cast<PRTL_CRITICAL_SECTION_DEBUG>(std::make_unique<Section>().release());
+    ++g_liveSections;
+}
+
+BOOL WINAPI InitializeCriticalSectionAndSpinCount(CRITICAL_SECTION* section, DWORD) {
+    InitializeCriticalSection(section);
+    return TRUE;
+}
+
+BOOL WINAPI InitializeCriticalSectionEx(CRITICAL_SECTION* section, DWORD, DWORD) {
+    InitializeCriticalSection(section);
+    return TRUE;
+}
+
+void WINAPI DeleteCriticalSection(CRITICAL_SECTION* section) {
+    const std::unique_ptr<Section> lock(&Of(section));
+    if (lock->depth != 0) {
+        Misuse("deleted while a thread is inside");
+    }
+    *section = {};
+    --g_liveSections;
+}
+
+void WINAPI EnterCriticalSection(CRITICAL_SECTION* section) {
+    Section& lock = Of(section);
+    if (!lock.mutex.try_lock()) {
+        native::Count(native::KernelCall::Contended);
+        lock.mutex.lock();
+    }
+    Entered(section, lock);
+}
+
+BOOL WINAPI TryEnterCriticalSection(CRITICAL_SECTION* section) {
+    Section& lock = Of(section);
+    if (!lock.mutex.try_lock()) {
+        return FALSE;
+    }
+    Entered(section, lock);
+    return TRUE;
+}
+
+void WINAPI LeaveCriticalSection(CRITICAL_SECTION* section) {
+    Section& lock = Of(section);
+    if (!lock.mutex.try_lock()) { // succeeds, recursively, on the owner's thread alone
+        Misuse("left by a thread that is not inside");
+    }
+    if (lock.depth == 0) {
+        Misuse("left more often than entered");
+    }
+    --lock.depth;
+    section->RecursionCount = lock.depth;
+    if (lock.depth == 0) {
+        lock.owner = 0;
+        section->OwningThread = nullptr;
+    }
+    lock.mutex.unlock();
+    lock.mutex.unlock();
+}
