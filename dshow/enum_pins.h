@@ -1,0 +1,46 @@
+// CEnumPins: enumerates the pins of a filter.
+//
+// Owner: its references, counted from 1; it keeps the filter alive. Threads: one at a time, as its clients agree.
+// Errors: VFW_E_ENUM_OUT_OF_SYNC once the filter's pins have changed, until Reset.
+#pragma once
+
+#include <atomic>
+
+#include "dshow/base_filter.h"
+#include "win/com_ptr.h"
+#include "win/platform.h"
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
+class CEnumPins final : public IEnumPins {
+  public:
+    // Begins at the first pin, or where pEnumPins stands.
+    CEnumPins(CBaseFilter* pFilter, const CEnumPins* pEnumPins);
+    CEnumPins(const CEnumPins&) = delete;
+    CEnumPins& operator=(const CEnumPins&) = delete;
+    virtual ~CEnumPins() = default;
+
+    // IUnknown
+    STDMETHODIMP QueryInterface(REFIID riid, void** ppv) noexcept override;
+    STDMETHODIMP_(ULONG) AddRef() noexcept override;
+    STDMETHODIMP_(ULONG) Release() noexcept override;
+    // IEnumPins
+    STDMETHODIMP Next(ULONG cPins, IPin** ppPins, ULONG* pcFetched) noexcept override;
+    STDMETHODIMP Skip(ULONG cPins) noexcept override;
+    STDMETHODIMP Reset() noexcept override;
+    STDMETHODIMP Clone(IEnumPins** ppEnum) noexcept override;
+
+  private:
+    [[nodiscard]] bool IsOutOfSync() const;
+    [[nodiscard]] ULONG Remaining() const;
+    HRESULT Fetch(ULONG count, IPin** ppPins, ULONG* fetched);
+    void Refresh();
+
+    std::atomic<LONG> m_cRef{1};
+    CBaseFilter* m_pFilter; // held by m_filterReference
+    win::ComPtr<IBaseFilter> m_filterReference;
+    int m_Position = 0;
+    int m_PinCount = 0;
+    LONG m_Version = 0;
+};
+#pragma GCC diagnostic pop

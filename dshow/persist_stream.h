@@ -1,0 +1,39 @@
+// CPersistStream: IPersistStream with a version header, a decimal number of 11 digits and a space as text.
+//
+// Owner: a base of the object that persists; that object implements IUnknown and GetClassID.
+// Threads: as the object. Errors: the stream's; VFW_E_INVALID_FILE_FORMAT for a header that is no number.
+#pragma once
+
+#include "win/platform.h"
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
+class CPersistStream : public IPersistStream {
+  public:
+    CPersistStream(IUnknown* punk, HRESULT* phr);
+    virtual ~CPersistStream();
+
+    // IPersistStream
+    STDMETHODIMP IsDirty() noexcept override;
+    STDMETHODIMP Load(LPSTREAM pStm) noexcept override;
+    STDMETHODIMP Save(LPSTREAM pStm, BOOL fClearDirty) noexcept override;
+    STDMETHODIMP GetSizeMax(ULARGE_INTEGER* pcbSize) noexcept override;
+
+    // Bytes that WriteToStream writes at most.
+    virtual int SizeMax() { return 0; }
+    virtual HRESULT WriteToStream(IStream* pStream);
+    virtual HRESULT ReadFromStream(IStream* pStream);
+    // Written before the body; mPS_dwFileVersion holds what Load found there.
+    virtual DWORD GetSoftwareVersion() { return 0; }
+
+  protected:
+    HRESULT SetDirty(BOOL fDirty);
+
+    BOOL mPS_fDirty = FALSE;
+    DWORD mPS_dwFileVersion = 0;
+
+  private:
+    HRESULT LoadFrom(IStream* pStream);
+    HRESULT SaveTo(IStream* pStream, BOOL fClearDirty);
+};
+#pragma GCC diagnostic pop
