@@ -10,8 +10,8 @@ constexpr GUID SubtypeFromFourCC(DWORD fourcc) {
 }
 
 constexpr GUID SubtypeFromFourCC(char a, char b, char c, char d) {
-    const auto byte = [](char value) { return static_cast<DWORD>(static_cast<unsigned char>(value)); };
-    return SubtypeFromFourCC(byte(a) | byte(b) << 8 | byte(c) << 16 | byte(d) << 24);
+    const auto letter = [](char value) { return static_cast<DWORD>(static_cast<unsigned char>(value)); };
+    return SubtypeFromFourCC(letter(a) | letter(b) << 8 | letter(c) << 16 | letter(d) << 24);
 }
 
 constexpr GUID SubtypeFromWaveTag(WORD tag) {
