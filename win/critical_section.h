@@ -17,6 +17,8 @@ class CriticalSection {
     void unlock() { LeaveCriticalSection(&m_section); }
     bool try_lock() { return TryEnterCriticalSection(&m_section) != FALSE; }
 
+    [[nodiscard]] CRITICAL_SECTION* Native() { return &m_section; }
+
   private:
     CRITICAL_SECTION m_section;
 };
