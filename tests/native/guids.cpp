@@ -7,3 +7,5 @@
 
 #include <ocidl.h>
 #include <olectl.h>
+
+extern "C" const IID GUID_NULL __attribute__((weak)) = {};

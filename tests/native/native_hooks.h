@@ -87,7 +87,10 @@ class ScopedClass {
 
 // ---- The module's resources -----------------------------------------------------------------------------------
 
-// While it lives, the module's string table holds the text under that identifier.
+// From now on the module's string table holds the text under that identifier.
+void SetStringResource(UINT id, std::basic_string_view<WCHAR> text);
+
+// The same, for as long as it lives.
 class ScopedString {
   public:
     ScopedString(UINT id, std::basic_string_view<WCHAR> text);

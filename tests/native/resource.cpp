@@ -14,8 +14,6 @@
 
 #include "tests/native/native_hooks.h"
 
-struct HRSRC__;
-
 namespace {
 
 using Key = std::pair<WORD, WORD>; // type, name
@@ -39,9 +37,13 @@ const int g_module = 0;
 
 namespace native {
 
-ScopedString::ScopedString(UINT id, std::basic_string_view<WCHAR> text) : m_id(id) {
+void SetStringResource(UINT id, std::basic_string_view<WCHAR> text) {
     const std::lock_guard lock(Resources().mutex);
     Resources().strings.insert_or_assign(id, std::vector<WCHAR>(text.begin(), text.end()));
+}
+
+ScopedString::ScopedString(UINT id, std::basic_string_view<WCHAR> text) : m_id(id) {
+    SetStringResource(id, text);
 }
 
 ScopedString::~ScopedString() {
