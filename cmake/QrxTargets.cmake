@@ -21,7 +21,9 @@ if(QRX_SANITIZE)
   target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
   target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
   target_compile_options(qrx_common INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g
+    # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
+    -Wno-ignored-attributes)
   target_link_options(qrx_common INTERFACE -fsanitize=address,undefined)
   find_package(Threads REQUIRED)
   target_link_libraries(qrx_common INTERFACE Threads::Threads)
@@ -53,4 +55,13 @@ function(qrx_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT 600
       ENVIRONMENT "QRX_SOURCE_DIR=${CMAKE_SOURCE_DIR};QRX_JUDGE_DIR=${CMAKE_BINARY_DIR}/judged/${name}")
   endif()
+endfunction()
+
+# qrx_version_resource(TARGET FILENAME DESCRIPTION FILETYPE): the version resource, from the project's version.
+function(qrx_version_resource target filename description filetype)
+  set(QRX_VERSION_FILENAME ${filename})
+  set(QRX_VERSION_DESCRIPTION ${description})
+  set(QRX_VERSION_FILETYPE ${filetype})
+  configure_file(${CMAKE_SOURCE_DIR}/module/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
 endfunction()
