@@ -1,0 +1,74 @@
+#include "mkv/attachment_writer.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include <matroska/KaxAttached.h>
+
+#include "mkv/element_values.h"
+
+namespace {
+
+using libmatroska::KaxAttached;
+
+void FillAttached(KaxAttached& attached, const MuxAttachment& record) {
+    if (SysStringLen(record.description) > 0) {
+        mkv::SetTextChild<libmatroska::KaxFileDescription>(attached, record.description);
+    }
+    if (SysStringLen(record.fileName) > 0) {
+        mkv::SetTextChild<libmatroska::KaxFileName>(attached, record.fileName);
+    }
+    if (record.mimeType != nullptr && *record.mimeType != '\0') {
+        mkv::SetChild<libmatroska::KaxMimeType>(attached, std::string(record.mimeType));
+    }
+    if (record.data != nullptr && record.dataSize > 0) {
+        libebml::GetChild<libmatroska::KaxFileData>(attached).SetBuffer(record.data, record.dataSize);
+    }
+    if (record.uid != 0) {
+        mkv::SetChild<libmatroska::KaxFileUID>(attached, record.uid);
+    }
+}
+
+// The library makes every mandatory child beforehand; one that got no value would be written with an undefined one.
+void RemoveChildrenWithoutValue(KaxAttached& attached) {
+    auto& children = attached.GetElementList();
+    const auto isValued = [](const libebml::EbmlElement* child) { return child->ValueIsSet(); };
+    const auto firstWithout = std::stable_partition(children.begin(), children.end(), isValued);
+    std::for_each(firstWithout, children.end(), std::default_delete<libebml::EbmlElement>());
+    children.erase(firstWithout, children.end());
+}
+
+} // namespace
+
+CAttachmentWriter::CAttachmentWriter(const std::vector<const MuxAttachment*>& records) {
+    try {
+        for (const MuxAttachment* record : records) {
+            auto& attached = libebml::AddNewChild<KaxAttached>(m_attachments);
+            FillAttached(attached, *record);
+            RemoveChildrenWithoutValue(attached);
+        }
+    } catch (...) {
+        returnBorrowedData();
+        throw;
+    }
+}
+
+CAttachmentWriter::~CAttachmentWriter() {
+    returnBorrowedData();
+}
+
+UINT64 CAttachmentWriter::render(libebml::IOCallback& io) {
+    // Forced, since the library otherwise insists on the children that were left out.
+    return m_attachments.Render(io, false, false, true);
+}
+
+// The elements would free the bytes that they were lent.
+void CAttachmentWriter::returnBorrowedData() noexcept {
+    for (libebml::EbmlElement* attached : m_attachments.GetElementList()) {
+        auto* const data = libebml::FindChild<libmatroska::KaxFileData>(static_cast<KaxAttached&>(*attached));
+        if (data != nullptr) {
+            data->SetBuffer(nullptr, 0);
+        }
+    }
+}

@@ -1,0 +1,20 @@
+// When a cluster has to end. Units: nanoseconds, bytes.
+#pragma once
+
+#include "win/platform.h"
+
+namespace mkv {
+
+inline constexpr UINT64 kTimecodeScaleNs = 1000000; // 1 ms, in the whole file
+inline constexpr UINT64 kMaxClusterSpanMs = 32767;
+inline constexpr UINT64 kMaxClusterPayloadBytes = UINT64{4} << 20;
+
+// Whether a block that ends there, with this much payload together with the blocks before it, is too much for the
+// cluster that started at clusterStartNs.
+[[nodiscard]] bool ExceedsCluster(UINT64 endNs, UINT64 clusterStartNs, UINT64 payloadBytes);
+
+// Whether a block of that time can be written into a cluster that starts there: a block's time is a signed 16-bit
+// offset from its cluster's.
+[[nodiscard]] bool FitsBlockOffset(UINT64 timeNs, UINT64 clusterStartNs);
+
+} // namespace mkv

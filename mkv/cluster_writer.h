@@ -1,0 +1,58 @@
+// CClusterWriter: from packets to blocks in clusters: shifts the times, decides when a cluster ends, tells the cues.
+// Units: packets in 100 ns, all else in nanoseconds and bytes. Owner: the file being written; segment, cues, tracks
+// and entries outlive it. Threads: the writer's. Errors: kTrackOutOfRangeError, kUnsupportedTypeError, what the
+// output throws, std::bad_alloc; the cluster that could not be written is dropped then, and the next packet opens
+// another.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "mkv/gathering_io.h"
+#include "mkv/mkv_cues.h"
+#include "mkv/mkv_packet.h"
+#include "mkv/mkv_track.h"
+#include "mkv/open_cluster.h"
+#include "mkv/time_shifter.h"
+
+inline constexpr INT32 kNoCueTrack = -1;
+
+class CClusterWriter {
+  public:
+    CClusterWriter(CGatheringIO& io, const libmatroska::KaxSegment& segment, CMkvCues& cues);
+    ~CClusterWriter();
+    CClusterWriter(const CClusterWriter&) = delete;
+    CClusterWriter& operator=(const CClusterWriter&) = delete;
+
+    // The entries of the tracks, in their order; the track whose keyframes begin clusters and are cue points.
+    void setTracks(const MkvTrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries, INT32 cueTrack);
+    [[nodiscard]] size_t trackEntryCount() const { return m_entries.size(); }
+
+    void startCluster(UINT64 timeNs);
+    // Writes the current cluster, even one without blocks; nothing when there is none.
+    void flushCluster();
+    // The end time of the block written; none when the packet left no payload.
+    std::optional<UINT64> addFrameToCurrentCluster(const MkvPacket& packet);
+
+    [[nodiscard]] UINT64 writtenBytes() const { return m_writtenBytes; }
+    [[nodiscard]] UINT64 lastCueTimeNs() const { return m_lastCueTimeNs; }
+
+  private:
+    void makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes);
+    void addBlock(const MkvPacket& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload);
+    void addCuePoint(const libmatroska::KaxBlockBlob& blob, UINT64 timeNs);
+    [[nodiscard]] bool isCueTrack(UINT32 stream) const;
+
+    CGatheringIO& m_io;
+    const libmatroska::KaxSegment& m_segment;
+    CMkvCues& m_cues;
+    const MkvTrackList* m_tracks = nullptr;
+    std::vector<libmatroska::KaxTrackEntry*> m_entries; // owned by the segment
+    INT32 m_cueTrack = kNoCueTrack;
+
+    std::unique_ptr<COpenCluster> m_cluster;
+    CTimeShifter m_shifter;
+    UINT64 m_writtenBytes = 0;
+    UINT64 m_lastCueTimeNs = 0;
+};

@@ -1,0 +1,36 @@
+// CMkvIO: the byte sink of the Matroska libraries; every call goes straight to a COM stream, whose seek pointer is
+// the file position. Without a stream every operation does nothing and reports 0.
+// Units: bytes. Owner: the filter; the stream is a counted reference. Threads: under the filter's writer lock.
+// Errors: a failed write is only remembered, and the size asked for is reported, so that the element sizes stay
+// consistent; a failed seek throws kSeekFailedError.
+#pragma once
+
+#include <ebml/IOCallback.h>
+
+#include "win/com_ptr.h"
+#include "win/platform.h"
+
+class CMkvIO : public libebml::IOCallback {
+  public:
+    CMkvIO() = default;
+    CMkvIO(const CMkvIO&) = delete;
+    CMkvIO& operator=(const CMkvIO&) = delete;
+
+    // Lets the old stream go first, then takes a reference on the new one, which may be null.
+    void setStream(IStream* stream);
+    void releaseStream();
+    // What the last write to a stream returned; 0 before the first one.
+    [[nodiscard]] HRESULT lastWriteResult() const { return m_lastWriteResult; }
+
+    // libebml::IOCallback
+    uint32 read(void* buffer, size_t size) override;
+    void setFilePointer(int64 offset, libebml::seek_mode mode = libebml::seek_beginning) override;
+    size_t write(const void* buffer, size_t size) override;
+    uint64 getFilePointer() override;
+    // Does nothing: the stream is let go by releaseStream.
+    void close() override {}
+
+  private:
+    win::ComPtr<IStream> m_stream;
+    HRESULT m_lastWriteResult = S_OK;
+};

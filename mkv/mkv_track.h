@@ -1,0 +1,14 @@
+// MkvTrack: an input that becomes a track: its media type and its settings row, both copies.
+#pragma once
+
+#include <vector>
+
+#include "dshow/media_type.h"
+#include "mkv/track_settings_row.h"
+
+struct MkvTrack {
+    CMediaType type;
+    CTrackSettingsRow settings;
+};
+
+using MkvTrackList = std::vector<MkvTrack>; // the track number is the position, from 1

@@ -1,0 +1,83 @@
+#include "mkv/mkv_writer.h"
+
+#include "log/logger.h"
+#include "mkv/codec_description.h"
+#include "mkv/debug_trace.h"
+#include "mkv/writer_errors.h"
+
+namespace {
+
+constexpr const char* kMatroskaDocType = "matroska";
+constexpr const char* kWebMDocType = "webm";
+
+void LogPacket(const MkvPacket& packet) {
+    if (!g_Logger.IsEnabled()) {
+        return;
+    }
+    g_Logger << OLESTR("CMkvWriter::WritePacket stream=") << static_cast<INT32>(packet.stream) << OLESTR(" start=")
+             << packet.start << OLESTR(" stop=") << packet.stop << OLESTR(" size=") << static_cast<INT32>(packet.size)
+             << OLESTR("\r\n");
+}
+
+} // namespace
+
+int CMkvWriter::getTrackType(const AM_MEDIA_TYPE& type) {
+    return mkv::TrackTypeOf(type);
+}
+
+void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings) {
+    m_tracks.push_back({CMediaType(type), CTrackSettingsRow(settings)});
+}
+
+void CMkvWriter::setOutputFormat(UINT32 format) {
+    if (format == kMatroskaFormat || format == kWebMFormat) {
+        m_outputFormat = format;
+    }
+}
+
+void CMkvWriter::Open(CMkvIO* io) {
+    m_file.reset(); // of an open that failed
+    m_durationNs = 0.0;
+    m_io = io;
+    writeMatroskaHead();
+    m_file->writeTracks(m_tracks);
+    m_file->writeAttachments(m_attachments.all());
+    m_file->startFirstCluster();
+}
+
+void CMkvWriter::writeMatroskaHead() {
+    if (m_io == nullptr) {
+        throw mkv::kNoOutputError;
+    }
+    m_file = std::make_unique<CMatroskaFile>(*m_io);
+    m_file->writeHead(m_outputFormat == kWebMFormat ? kWebMDocType : kMatroskaDocType);
+}
+
+void CMkvWriter::WritePacket(const MkvPacket& packet) {
+    LogPacket(packet);
+    if (!m_file || packet.stream >= m_file->clusters().trackEntryCount()) {
+        return;
+    }
+    const auto endNs = m_file->clusters().addFrameToCurrentCluster(packet);
+    if (endNs && static_cast<double>(*endNs) > m_durationNs) {
+        m_durationNs = static_cast<double>(*endNs);
+    }
+}
+
+void CMkvWriter::Close() {
+    if (m_file) {
+        m_file->finalise(m_durationNs);
+    }
+    releaseFile();
+    mkv::DebugTrace("Stoped.... ");
+}
+
+void CMkvWriter::abandon() noexcept {
+    releaseFile();
+    detach();
+}
+
+void CMkvWriter::releaseFile() noexcept {
+    m_file.reset();
+    m_tracks.clear();
+}

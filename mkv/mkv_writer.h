@@ -1,0 +1,68 @@
+// CMkvWriter: writes one Matroska or WebM file a start of streaming: tracks are registered and attachments added
+// while it is closed, packets are written while it is open.
+// Units: packets in 100 ns, the duration in nanoseconds. Owner: the filter; the output is not owned.
+// Threads: under the filter's writer lock; duration, output format and attachments from any thread.
+// Errors: the C strings of writer_errors.h, std::bad_alloc; after a failed Open or Close call abandon.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "mkv/attachment_list.h"
+#include "mkv/matroska_file.h"
+#include "mkv/mkv_io.h"
+#include "mkv/mkv_packet.h"
+#include "mkv/mkv_track.h"
+
+class CMkvWriter {
+  public:
+    static constexpr UINT32 kMatroskaFormat = 0;
+    static constexpr UINT32 kWebMFormat = 1;
+
+    CMkvWriter() = default;
+    CMkvWriter(const CMkvWriter&) = delete;
+    CMkvWriter& operator=(const CMkvWriter&) = delete;
+    ~CMkvWriter() = default;
+
+    // The track type that Matroska gives the major type: 1 video, 2 audio, 17 subtitle.
+    [[nodiscard]] static int getTrackType(const AM_MEDIA_TYPE& type);
+
+    // The next track of the next file; Close forgets the tracks. Copies both.
+    void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings);
+
+    // Attachments stay for all files to come. False, and no effect, for 2 GiB of data or more.
+    bool addAttachment(const MuxAttachment& attachment) { return m_attachments.add(attachment); }
+    [[nodiscard]] size_t attachmentCount() const { return m_attachments.count(); }
+    // Null beyond the end.
+    [[nodiscard]] const MuxAttachment* attachment(size_t i) const { return m_attachments.at(i); }
+
+    // Other values are ignored.
+    void setOutputFormat(UINT32 format);
+    [[nodiscard]] UINT32 outputFormat() const { return m_outputFormat; }
+
+    // Writes the head of the file; what was written stays there when it throws.
+    void Open(CMkvIO* io);
+    // A packet of a stream that is no track is dropped.
+    void WritePacket(const MkvPacket& packet);
+    // Finalises the file; once it has begun to patch the head it swallows every exception.
+    void Close();
+    // Forgets the output.
+    void detach() noexcept { m_io = nullptr; }
+    // Releases all that belongs to the file, the tracks and the output, and writes nothing.
+    void abandon() noexcept;
+    [[nodiscard]] bool isOpen() const { return m_io != nullptr; }
+
+    // The greatest end time of a block of the file, in nanoseconds.
+    [[nodiscard]] double duration() const { return m_durationNs; }
+
+  private:
+    void writeMatroskaHead();
+    void releaseFile() noexcept;
+
+    CMkvIO* m_io = nullptr;
+    std::atomic<UINT32> m_outputFormat{kMatroskaFormat};
+    std::atomic<double> m_durationNs{0.0};
+    CAttachmentList m_attachments;
+    MkvTrackList m_tracks;
+    std::unique_ptr<CMatroskaFile> m_file; // the last, since it uses the tracks
+};

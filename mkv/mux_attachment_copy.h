@@ -1,0 +1,30 @@
+// CMuxAttachmentCopy: a MuxAttachment record that owns its strings and bytes; copies are deep.
+// Units: bytes. Owner: itself. Threads: as a value. Errors: std::bad_alloc.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <qrx_mkvmuxer.h>
+
+#include "win/bstr.h"
+
+class CMuxAttachmentCopy {
+  public:
+    // What is given stays its holder's. A data size without data counts as no data.
+    explicit CMuxAttachmentCopy(const MuxAttachment& attachment);
+    CMuxAttachmentCopy(const CMuxAttachmentCopy& other) : CMuxAttachmentCopy(other.m_record) {}
+    CMuxAttachmentCopy& operator=(const CMuxAttachmentCopy&) = delete;
+    ~CMuxAttachmentCopy() = default;
+
+    // The record; what it points at lives as long as this object.
+    [[nodiscard]] const MuxAttachment& get() const { return m_record; }
+
+  private:
+    win::Bstr m_fileName;
+    win::Bstr m_description;
+    std::optional<std::string> m_mimeType;
+    std::vector<BYTE> m_data;
+    MuxAttachment m_record;
+};

@@ -1,0 +1,24 @@
+// CTimeShifter: from the times of packets to the times of blocks. A track whose first packet starts before 0 is
+// shifted as a whole so that it starts at 0; a later packet that still starts before 0 moves to 0.
+// Units: in: 100 ns (REFERENCE_TIME); out: nanoseconds. Times beyond what 63 bits of nanoseconds hold stay there.
+// Owner: the cluster writer. Threads: the writer's. Errors: std::bad_alloc.
+#pragma once
+
+#include <map>
+
+#include "win/platform.h"
+
+struct BlockTimes {
+    UINT64 timeNs = 0;
+    UINT64 durationNs = 0; // 0 when the packet stops before it starts
+    UINT64 endNs = 0;      // where the packet stops
+};
+
+class CTimeShifter {
+  public:
+    // The first call for a track fixes that track's offset.
+    [[nodiscard]] BlockTimes toBlockTimes(UINT32 track, INT64 start, INT64 stop);
+
+  private:
+    std::map<UINT32, UINT64> m_offsets; // in units of 100 ns
+};

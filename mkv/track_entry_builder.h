@@ -1,0 +1,17 @@
+// The fields of a track entry that do not depend on the codec, around those that do.
+#pragma once
+
+#include <matroska/KaxTracks.h>
+
+#include "mkv/mkv_track.h"
+
+namespace mkv {
+
+// The code of the language as the file has it: looked up by its English name, empty for a name that is not known,
+// cannot be spelled in the ANSI code page, or is absent.
+[[nodiscard]] std::string LanguageCodeOf(const TrackSettings& settings);
+
+// Fills the entry; number counts from 1. Throws kUnsupportedTypeError, kUnsupportedCodecError.
+void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvTrack& track);
+
+} // namespace mkv
