@@ -1,0 +1,171 @@
+#include "matroska_muxer/matroska_muxer.h"
+
+#include <memory>
+#include <new>
+
+#include "log/logger.h"
+#include "matroska_muxer/input_types.h"
+#include "matroska_muxer/writer_guard.h"
+#include "mux/base_mux_output_pin.h"
+
+CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
+    return new CMatroskaMuxer(outer, result); // counted from 0: the class factory's first reference owns it
+}
+
+CMatroskaMuxer::CMatroskaMuxer(LPUNKNOWN outer, HRESULT* result)
+    : CBaseMux(OLESTR("CMatroskaMuxer"), outer, CLSID_MatroskaMuxer), CPersistStream(GetOwner(), result) {
+    HRESULT pinResult = S_OK;
+    m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &pinResult, OLESTR("Out"));
+    AddInputPin();
+    if (result != nullptr && FAILED(pinResult)) {
+        *result = pinResult;
+    }
+}
+
+CMatroskaMuxer::~CMatroskaMuxer() {
+    Stop(); // the hooks below must outlive the worker
+}
+
+HRESULT CMatroskaMuxer::NonDelegatingQueryInterface(REFIID iid, void** object) {
+    if (object == nullptr) {
+        return E_POINTER;
+    }
+    if (IsEqualGUID(iid, IID_ISpecifyPropertyPages)) {
+        return GetInterface(static_cast<ISpecifyPropertyPages*>(this), object);
+    }
+    if (IsEqualGUID(iid, IID_IModuleConfig)) {
+        return GetInterface(static_cast<IModuleConfig*>(this), object);
+    }
+    if (IsEqualGUID(iid, IID_IPersistStream)) {
+        return GetInterface(static_cast<CPersistStream*>(this), object);
+    }
+    return CBaseMux::NonDelegatingQueryInterface(iid, object);
+}
+
+HRESULT CMatroskaMuxer::GetPages(CAUUID* pages) noexcept {
+    if (pages == nullptr) {
+        return E_POINTER;
+    }
+    constexpr ULONG kPageCount = 2;
+    *pages = {};
+    pages->pElems = static_cast<GUID*>(CoTaskMemAlloc(kPageCount * sizeof(GUID)));
+    if (pages->pElems == nullptr) {
+        return E_OUTOFMEMORY;
+    }
+    pages->cElems = kPageCount;
+    pages->pElems[0] = CLSID_MKVMuxerAboutPage;
+    pages->pElems[1] = CLSID_MKVMuxerPropertyPage;
+    return S_OK;
+}
+
+HRESULT CMatroskaMuxer::GetClassID(CLSID* clsid) noexcept {
+    return CBaseMux::GetClassID(clsid);
+}
+
+int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
+    if (pin == nullptr) {
+        return kMuxFailed;
+    }
+    HRESULT result = S_OK;
+    *pin = new (std::nothrow) CBaseMuxInputPin(OLESTR("InPin"), this, &m_filterLock, &result, name); // the caller's
+    return *pin == nullptr ? kMuxFailed : kMuxOk;
+}
+
+HRESULT CMatroskaMuxer::CheckInputType(const CMediaType* type) {
+    return IsAcceptedInputType(*type) ? S_OK : kMuxFailedResult;
+}
+
+MuxStreamKind CMatroskaMuxer::GetStreamKind(const CMediaType* type) {
+    return StreamKindOf(*type);
+}
+
+bool CMatroskaMuxer::IsInputActive(int index) {
+    return CBaseMux::IsInputActive(index) && m_settings.IsEnabled(index);
+}
+
+HRESULT CMatroskaMuxer::OnStartStreaming() {
+    CBaseMux::OnStartStreaming();
+    const CAutoLock lock(&m_writerLock);
+    if (!m_downstream) {
+        return kMuxFailedResult; // runs on without a file
+    }
+    m_writer.detach();
+    m_io.releaseStream();
+    const HRESULT result = GuardWriter(OLESTR("OnStartStreaming"), [this] { return OpenWriter(); });
+    if (FAILED(result)) {
+        m_writer.abandon();
+        m_io.releaseStream();
+    }
+    return result;
+}
+
+HRESULT CMatroskaMuxer::OpenWriter() {
+    RegisterTracks();
+    m_io.setStream(m_downstream.Get());
+    m_writer.Open(&m_io);
+    return S_OK;
+}
+
+void CMatroskaMuxer::RegisterTracks() {
+    int index = 0;
+    for (const auto& pin : m_inputPins) {
+        if (IsInputActive(index)) {
+            const CTrackSettingsRow row = m_settings.At(index).value_or(CTrackSettingsRow(index));
+            m_writer.registerTrack(pin->CurrentMediaType(), row.get());
+        }
+        ++index;
+    }
+}
+
+HRESULT CMatroskaMuxer::OnStopStreaming() {
+    const CAutoLock lock(&m_writerLock);
+    g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n");
+    if (m_writer.isOpen()) {
+        CloseWriter();
+    }
+    CBaseMux::OnStopStreaming();
+    return S_OK;
+}
+
+void CMatroskaMuxer::CloseWriter() {
+    const HRESULT result = GuardWriter(OLESTR("OnStopStreaming"), [this] {
+        m_writer.Close();
+        return S_OK;
+    });
+    if (FAILED(result)) {
+        m_writer.abandon();
+    }
+    m_io.releaseStream();
+    m_writer.detach();
+}
+
+int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {
+    const CAutoLock lock(&m_writerLock);
+    CMuxInterStream* const stream = pin->Stream();
+    if (const HRESULT written = m_io.lastWriteResult(); written != S_OK && stream != nullptr) {
+        stream->SetStreamResult(written);
+    }
+    if (IsTextOrSubtitle(pin->CurrentMediaType())) {
+        packet->muxerFlag = kBlockGroupFlag;
+    }
+    if (m_writer.isOpen()) {
+        const HRESULT result = GuardWriter(OLESTR("ProcessPacket"), [&] { return WriteToWriter(*packet); });
+        if (FAILED(result) && stream != nullptr) {
+            stream->SetStreamResult(result);
+        }
+    }
+    return kMuxOk;
+}
+
+HRESULT CMatroskaMuxer::WriteToWriter(const CMuxInterPacket& packet) {
+    MkvPacket out;
+    out.start = packet.start;
+    out.stop = packet.stop;
+    out.data = packet.data.get();
+    out.size = packet.size;
+    out.syncPoint = packet.syncPoint;
+    out.stream = static_cast<UINT32>(packet.streamIndex);
+    out.blockGroup = packet.muxerFlag == kBlockGroupFlag;
+    m_writer.WritePacket(out);
+    return S_OK;
+}

@@ -1,0 +1,48 @@
+#include "matroska_muxer/track_settings_table.h"
+
+#include <mutex>
+#include <utility>
+
+CTrackSettingsTable::CTrackSettingsTable() {
+    m_rows.reserve(kDefaultRows);
+    for (INT32 index = 0; index < kDefaultRows; ++index) {
+        m_rows.emplace_back(index);
+    }
+}
+
+size_t CTrackSettingsTable::Count() const {
+    const std::lock_guard lock(m_lock);
+    return m_rows.size();
+}
+
+std::optional<CTrackSettingsRow> CTrackSettingsTable::At(INT32 index) const {
+    const std::lock_guard lock(m_lock);
+    if (!Has(index)) {
+        return std::nullopt;
+    }
+    return m_rows[static_cast<size_t>(index)];
+}
+
+bool CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
+    const std::lock_guard lock(m_lock);
+    if (!Has(index)) {
+        return false;
+    }
+    m_rows[static_cast<size_t>(index)] = std::move(row);
+    return true;
+}
+
+void CTrackSettingsTable::Clear() {
+    const std::lock_guard lock(m_lock);
+    m_rows.clear();
+}
+
+void CTrackSettingsTable::Append(CTrackSettingsRow row) {
+    const std::lock_guard lock(m_lock);
+    m_rows.push_back(std::move(row));
+}
+
+bool CTrackSettingsTable::IsEnabled(INT32 index) const {
+    const std::lock_guard lock(m_lock);
+    return !Has(index) || m_rows[static_cast<size_t>(index)].get().bEnabled != 0;
+}

@@ -1,0 +1,35 @@
+// CTrackSettingsTable: the settings rows of the inputs, 100 of them until a saved configuration brings its own.
+//
+// Owner: the filter; rows own their strings. Threads: any, one lock. Errors: std::bad_alloc.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "mkv/track_settings_row.h"
+#include "win/critical_section.h"
+
+class CTrackSettingsTable {
+  public:
+    static constexpr INT32 kDefaultRows = 100;
+
+    CTrackSettingsTable();
+
+    [[nodiscard]] size_t Count() const;
+    // The row at that position; none outside the table.
+    [[nodiscard]] std::optional<CTrackSettingsRow> At(INT32 index) const;
+    // False, and nothing changes, outside the table.
+    bool Replace(INT32 index, CTrackSettingsRow row);
+
+    void Clear();
+    void Append(CTrackSettingsRow row);
+
+    // Whether the input's stream is written; inputs without a row always are.
+    [[nodiscard]] bool IsEnabled(INT32 index) const;
+
+  private:
+    [[nodiscard]] bool Has(INT32 index) const { return index >= 0 && static_cast<size_t>(index) < m_rows.size(); }
+
+    mutable win::CriticalSection m_lock; // guards m_rows
+    std::vector<CTrackSettingsRow> m_rows;
+};

@@ -1,0 +1,64 @@
+// The module's classes, as the table that creation and registration read, and its exports.
+#include <qrx_mkvmuxer.h>
+
+#include "dshow/factory_template.h"
+#include "dshow/module_functions.h"
+#include "dshow/registration.h"
+#include "matroska_muxer/matroska_muxer.h"
+#include "win/module_instance.h"
+
+namespace {
+
+const AMOVIESETUP_MEDIATYPE kInputTypes[] = {{&MEDIATYPE_Video, &GUID_NULL}, {&MEDIATYPE_Audio, &GUID_NULL}};
+const AMOVIESETUP_MEDIATYPE kOutputTypes[] = {{&MEDIATYPE_Stream, &GUID_NULL}};
+
+WCHAR g_inputName[] = OLESTR("Input");
+WCHAR g_outputName[] = OLESTR("Output");
+
+// For the filter mapper only: the live pins have names of their own, and accept more than is registered.
+// Columns: name, rendered, output, zero, many, connects to filter, connects to pin, types.
+const AMOVIESETUP_PIN kPins[] = {
+    {g_inputName, FALSE, FALSE, FALSE, TRUE, &GUID_NULL, nullptr, 2, kInputTypes},
+    {g_outputName, FALSE, TRUE, FALSE, FALSE, &GUID_NULL, nullptr, 1, kOutputTypes},
+};
+
+const AMOVIESETUP_FILTER kFilter = {&CLSID_MatroskaMuxer, OLESTR("Quorlex Matroska Muxer"), MERIT_DO_NOT_USE, 2, kPins};
+
+// The property pages are known by name before they exist.
+CUnknown* CreateNoPage(LPUNKNOWN /*outer*/, HRESULT* result) {
+    *result = E_NOTIMPL;
+    return nullptr;
+}
+
+} // namespace
+
+// Every row carries the filter's setup data, so registration files the filter once a row, each time alike.
+CFactoryTemplate g_Templates[] = {
+    {kFilter.strName, &CLSID_MatroskaMuxer, CMatroskaMuxer::CreateInstance, nullptr, &kFilter},
+    {OLESTR("MKV Muxer about page"), &CLSID_MKVMuxerAboutPage, CreateNoPage, nullptr, &kFilter},
+    {OLESTR("MKV Muxer property page"), &CLSID_MKVMuxerPropertyPage, CreateNoPage, nullptr, &kFilter},
+};
+int g_cTemplates = static_cast<int>(sizeof(g_Templates) / sizeof(g_Templates[0]));
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
+    return AMovieDllGetClassObject(clsid, iid, object);
+}
+
+STDAPI DllCanUnloadNow() {
+    return AMovieDllCanUnloadNow();
+}
+
+STDAPI DllRegisterServer() {
+    return AMovieDllRegisterServer2(TRUE);
+}
+
+STDAPI DllUnregisterServer() {
+    return AMovieDllRegisterServer2(FALSE);
+}
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        win::SetModuleInstance(instance);
+    }
+    return AMovieDllEntry(instance, reason);
+}
