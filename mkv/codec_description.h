@@ -1,8 +1,8 @@
 // CodecDescription: what a media type becomes in a Matroska track entry. A plain value without libmatroska.
 //
 // Units: times in nanoseconds, sizes in pixels unless said otherwise.
-// Errors: a type without a mapping, and one whose format block is too short for what it claims to hold, is
-// described by an empty codec identifier.
+// Errors: a type without a mapping, or whose format block is too short for what it claims to hold, gets an empty
+// codec identifier.
 #pragma once
 
 #include <optional>
@@ -49,7 +49,6 @@ struct CodecDescription {
 // The Matroska track type of the major type. Throws kUnsupportedTypeError.
 [[nodiscard]] INT32 TrackTypeOf(const AM_MEDIA_TYPE& type);
 
-// Throws kUnsupportedTypeError for a major type that is no track type.
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
 
 // The codec identifier that the stream would get; empty for every type that cannot be written.

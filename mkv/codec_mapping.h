@@ -14,7 +14,7 @@ class KaxTrackEntry;
 namespace mkv {
 
 // Fills the entry and returns the codec identifier for KaxCodecID; empty when the type has no mapping, and the
-// entry is then of no use. Throws kUnsupportedTypeError.
+// entry is then of no use.
 [[nodiscard]] std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entry);
 
 } // namespace mkv

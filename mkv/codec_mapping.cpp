@@ -1,0 +1,68 @@
+#include "mkv/codec_mapping.h"
+
+#include <matroska/KaxTrackAudio.h>
+#include <matroska/KaxTrackVideo.h>
+#include <matroska/KaxTracks.h>
+
+namespace mkv {
+
+namespace {
+
+using libebml::EbmlMaster;
+
+template <typename Element, typename Value>
+void SetChild(EbmlMaster& parent, Value value) {
+    libebml::GetChild<Element>(parent).SetValue(value);
+}
+
+void ApplyVideo(EbmlMaster& video, const VideoDescription& description) {
+    SetChild<libmatroska::KaxVideoPixelWidth>(video, description.pixelWidth);
+    SetChild<libmatroska::KaxVideoPixelHeight>(video, description.pixelHeight);
+    if (description.display) {
+        SetChild<libmatroska::KaxVideoDisplayWidth>(video, description.display->width);
+        SetChild<libmatroska::KaxVideoDisplayHeight>(video, description.display->height);
+    }
+}
+
+void ApplyAudio(EbmlMaster& audio, const AudioDescription& description) {
+    SetChild<libmatroska::KaxAudioSamplingFreq>(audio, static_cast<double>(description.samplingFrequencyHz));
+    SetChild<libmatroska::KaxAudioChannels>(audio, description.channels);
+    if (description.bitDepth) {
+        SetChild<libmatroska::KaxAudioBitDepth>(audio, *description.bitDepth);
+    }
+}
+
+// libebml copies from the pointer even when there is nothing to copy, so an empty block needs a real one.
+void ApplyPrivate(EbmlMaster& entry, const std::vector<BYTE>& bytes) {
+    static constexpr BYTE kNothing = 0;
+    const BYTE* const data = bytes.empty() ? &kNothing : bytes.data();
+    libebml::GetChild<libmatroska::KaxCodecPrivate>(entry).CopyBuffer(data, static_cast<UINT32>(bytes.size()));
+}
+
+void Apply(libmatroska::KaxTrackEntry& entry, const CodecDescription& description) {
+    if (description.lacing) {
+        entry.EnableLacing(*description.lacing);
+    }
+    if (description.defaultDurationNs) {
+        SetChild<libmatroska::KaxTrackDefaultDuration>(entry, *description.defaultDurationNs);
+    }
+    if (description.video) {
+        ApplyVideo(libebml::GetChild<libmatroska::KaxTrackVideo>(entry), *description.video);
+    }
+    if (description.audio) {
+        ApplyAudio(libebml::GetChild<libmatroska::KaxTrackAudio>(entry), *description.audio);
+    }
+    if (description.codecPrivate) {
+        ApplyPrivate(entry, *description.codecPrivate);
+    }
+}
+
+} // namespace
+
+std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entry) {
+    const CodecDescription description = DescribeCodec(type);
+    Apply(entry, description);
+    return description.codecId;
+}
+
+} // namespace mkv
