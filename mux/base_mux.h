@@ -1,0 +1,110 @@
+// CBaseMux: the generic half of a muxer filter: any number of inputs, one output that writes into the IStream behind
+// it.
+//
+// Owner: its references; it owns pins, interleaver and worker, and one reference on the downstream stream.
+// Threads: pins and states under the filter lock; upstream threads in EndOfStream and the inputs' Receive; the worker,
+// which alone calls ProcessPacket and never takes the filter lock, since Stop joins it under that lock.
+// Errors: HRESULTs or the mux core's integers; what a hook throws becomes one.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "dshow/am_thread.h"
+#include "dshow/base_filter.h"
+#include "mux/base_mux_input_pin.h"
+#include "mux/base_mux_output_pin.h"
+#include "mux/mux_interleaver.h"
+#include "mux/mux_result.h"
+#include "mux/mux_stream_kind.h"
+#include "win/com_ptr.h"
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
+class CBaseMux : public CBaseFilter, protected CAMThread {
+  public:
+    // A concrete muxer's destructor calls Stop first, so that its hooks still exist while the worker ends.
+    ~CBaseMux() override;
+
+    // IMediaFilter
+    STDMETHODIMP Pause() noexcept override;
+    STDMETHODIMP Run(REFERENCE_TIME start) noexcept override;
+    STDMETHODIMP Stop() noexcept override;
+    // CBaseFilter. With an output pin, that is pin 0.
+    int GetPinCount() override;
+    CBasePin* GetPin(int n) override;
+
+    // ---- The concrete muxer's table of operations ----
+
+    // kMuxFailed and null, or a pin that the caller owns.
+    virtual int CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name);
+    // Appends the input "In n"; fails only when CreateInputPin does.
+    virtual int AddInputPin();
+    virtual void DeleteInputPins();
+    virtual HRESULT CheckInputType(const CMediaType* type);
+    virtual HRESULT SetInputType(CBaseMuxInputPin* pin, const CMediaType* type);
+    virtual HRESULT BreakInputConnect(CBaseMuxInputPin* pin);
+    // Keeps one input free.
+    virtual HRESULT CompleteInputConnect(CBaseMuxInputPin* pin, IPin* peer);
+    virtual HRESULT CheckOutputType(const CMediaType* type);
+    virtual HRESULT SetOutputType(const CMediaType* type);
+    // E_FAIL for a peer that offers no IStream.
+    virtual HRESULT CompleteOutputConnect(IPin* peer);
+    virtual HRESULT BreakOutputConnect();
+    virtual HRESULT GetOutputMediaType(int position, CMediaType* type);
+    virtual HRESULT DecideOutputBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* properties);
+    // Takes the downstream stream. kMuxFailedResult goes on without a file; any other failure refuses to start.
+    virtual HRESULT OnStartStreaming();
+    virtual HRESULT OnStopStreaming();
+    // On the worker; the packet is deleted afterwards, and the result is ignored.
+    virtual int ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin);
+    virtual bool IsStreamInterleaved(const CMediaType* type);
+    virtual MuxStreamKind GetStreamKind(const CMediaType* type);
+    // Writes behind what was written before.
+    virtual int WriteOutput(const BYTE* bytes, INT32 length);
+    virtual bool IsInputActive(int pinIndex);
+
+    // ---- For the pins ----
+
+    // The upstream filter's end of stream: queued behind the pin's data. S_OK, or kMuxFailedResult.
+    HRESULT EndOfStream(CBaseMuxInputPin* pin);
+    [[nodiscard]] bool IsAborted() const { return m_abort.load(std::memory_order_acquire); }
+    CMuxInterleaver& Interleaver() { return m_interleaver; }
+    // Null before the concrete muxer's constructor has added it.
+    [[nodiscard]] CBaseMuxInputPin* FirstInputPin() const { return m_firstInputPin; }
+
+  protected:
+    CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid);
+
+    CCritSec m_filterLock;                                      // guards the pin list and the changes of state
+    std::vector<std::unique_ptr<CBaseMuxInputPin>> m_inputPins; // in order of creation
+    std::unique_ptr<CBaseMuxOutputPin> m_outputPin;             // made by the concrete muxer's constructor
+    win::ComPtr<IStream> m_downstream;                          // held while streaming
+
+    // CAMThread
+    DWORD ThreadProc() override;
+
+  private:
+    HRESULT BeginStreaming();
+    void ReleaseAllWaits();
+    HRESULT StartStreaming();
+    HRESULT StartWorker();
+    void StopStreaming();
+    void StopWorker();
+    CMuxInterStream* CreateStream(CBaseMuxInputPin& pin);
+    [[nodiscard]] bool HasConnectedInput() const;
+
+    bool WaitForRoomAtEnd(CBaseMuxInputPin& pin, CMuxInterStream& stream);
+    bool QueueEndOfStream(CBaseMuxInputPin& pin, CMuxInterStream& stream);
+
+    void RunMuxLoop();
+    void DeliverPacket(CMuxInterPacket& packet);
+    void FinishRun();
+
+    CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
+    CMuxInterleaver m_interleaver;
+    std::atomic<bool> m_abort{false}; // set by Stop, cleared by Pause; ends the upstream threads' polls
+    UINT64 m_outputPosition = 0;      // bytes; where WriteOutput writes next
+};
+#pragma GCC diagnostic pop

@@ -1,0 +1,60 @@
+// CBaseMuxInputPin: turns the samples of one upstream filter into packets, grouped to frames, and queues them.
+//
+// Units: times in 100 ns. Owner: the filter. The stream is the interleaver's, and there only while streaming.
+// Threads: Receive and EndOfStream on the upstream thread, flushes on any; the rest under the filter lock.
+// Errors: Receive drops samples silently when flushing or stopping; E_OUTOFMEMORY when memory is short.
+#pragma once
+
+#include "dshow/base_input_pin.h"
+#include "mux/frame_grouper.h"
+#include "mux/stream_gate.h"
+
+class CBaseMux;
+class CMuxInterStream;
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
+class CBaseMuxInputPin : public CBaseInputPin {
+  public:
+    enum class RoomWait { Writable, Flushing, Aborted, Stopping };
+
+    CBaseMuxInputPin(const WCHAR* objectName, CBaseMux* filter, CCritSec* lock, HRESULT* result, LPCWSTR pinName);
+
+    // IPin
+    STDMETHODIMP EndOfStream() noexcept override;
+    STDMETHODIMP BeginFlush() noexcept override;
+    STDMETHODIMP EndFlush() noexcept override;
+    // IMemInputPin. S_FALSE when not streaming; else the stream's result, or S_OK also for dropped samples.
+    STDMETHODIMP Receive(IMediaSample* sample) noexcept override;
+    // CBasePin
+    HRESULT CheckMediaType(const CMediaType* type) override;
+    HRESULT SetMediaType(const CMediaType* type) override;
+    HRESULT CompleteConnect(IPin* peer) override;
+    HRESULT BreakConnect() override;
+    HRESULT Inactive() override;
+
+    [[nodiscard]] INT32 Index() const { return m_index; }
+    void SetIndex(INT32 index) { m_index = index; }
+    // The stream that this pin feeds; null when not streaming or not active.
+    [[nodiscard]] CMuxInterStream* Stream() const { return m_gate.Stream(); }
+
+    // ---- For the filter ----
+
+    void AttachStream(CMuxInterStream* stream);
+    // Waits until no upstream thread uses the stream any more. The stop event must be set before.
+    void DetachStream();
+    StreamGate& Gate() { return m_gate; }
+    // Polls until the stream has room; a flush or a stop ends it soon.
+    [[nodiscard]] RoomWait WaitForRoom(CMuxInterStream& stream);
+    // The packets of the frame that no timed sample has ended yet.
+    [[nodiscard]] FrameGrouper::Packets TakeHeldPackets() { return m_grouper.TakeAll(); }
+
+  private:
+    HRESULT ReceiveSample(IMediaSample& sample);
+
+    CBaseMux* const m_mux; // not owned: it owns this pin
+    INT32 m_index = -1;    // its position in the filter's list
+    StreamGate m_gate;
+    FrameGrouper m_grouper;
+};
+#pragma GCC diagnostic pop

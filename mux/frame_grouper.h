@@ -1,0 +1,37 @@
+// FrameGrouper: puts the packets of one input together to frames: a timed packet and the untimed ones that follow it.
+//
+// Units: bytes. Owner: the input pin; it owns the packets of the frame that is still growing.
+// Threads: any; one lock, the pin's group lock, held while grouping and merging.
+// Errors: std::bad_alloc; the frame that could not be merged is then gone, the growing one stays.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "mux/mux_inter_packet.h"
+#include "mux/untimed_audio_clock.h"
+#include "win/critical_section.h"
+#include "win/platform.h"
+
+class FrameGrouper {
+  public:
+    using Packets = std::vector<std::unique_ptr<CMuxInterPacket>>;
+
+    // A frame that never ends is given away in pieces above this size, so that memory stays bounded.
+    static constexpr UINT64 kMaxFrameBytes = 104857600; // 100 MiB
+
+    // Returns what is ready to be queued: as a rule nothing, or the finished frame before as one packet.
+    [[nodiscard]] Packets Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type);
+    // What is still held, unmerged.
+    [[nodiscard]] Packets TakeAll();
+    // Deletes what is held and sets the audio clock back to 0.
+    void Clear();
+
+  private:
+    Packets TakePending();
+
+    win::CriticalSection m_lock; // guards all below
+    Packets m_pending;
+    UINT64 m_pendingBytes = 0; // the packets' own memory included
+    UntimedAudioClock m_audioClock;
+};

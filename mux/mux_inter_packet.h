@@ -1,0 +1,28 @@
+// CMuxInterPacket: one media packet on its way from an input pin to the concrete muxer.
+//
+// Units: times in 100 ns, size in bytes. Owner: whoever holds it; its data goes with it.
+// Threads: one at a time, handed over through the interleaver.
+#pragma once
+
+#include <memory>
+
+#include "win/platform.h"
+
+class CMuxInterPacket {
+  public:
+    CMuxInterPacket() = default;
+    explicit CMuxInterPacket(INT32 index) : streamIndex(index) {}
+    virtual ~CMuxInterPacket() = default;
+    CMuxInterPacket(const CMuxInterPacket&) = delete;
+    CMuxInterPacket& operator=(const CMuxInterPacket&) = delete;
+
+    INT64 start = 0;
+    INT64 stop = 0;
+    std::unique_ptr<BYTE[]> data; // may be null
+    UINT32 size = 0;
+    bool syncPoint = false;
+    bool hasTime = false;
+    INT32 streamIndex = -1; // -1: not assigned yet
+    bool endOfStream = false;
+    BYTE muxerFlag = 0; // the concrete muxer's own
+};

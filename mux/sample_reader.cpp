@@ -1,0 +1,34 @@
+#include "mux/sample_reader.h"
+
+#include <cstring>
+
+namespace {
+
+void ReadTime(IMediaSample& sample, CMuxInterPacket& packet) {
+    REFERENCE_TIME start = 0;
+    REFERENCE_TIME stop = 0;
+    const HRESULT result = sample.GetTime(&start, &stop);
+    packet.hasTime = result == S_OK || result == VFW_S_NO_STOP_TIME;
+    packet.start = packet.hasTime ? start : 0;
+    packet.stop = result == S_OK ? stop : packet.start;
+}
+
+void ReadData(IMediaSample& sample, CMuxInterPacket& packet) {
+    const LONG length = sample.GetActualDataLength();
+    BYTE* bytes = nullptr;
+    if (length <= 0 || FAILED(sample.GetPointer(&bytes)) || bytes == nullptr) {
+        return;
+    }
+    const auto size = static_cast<UINT32>(length);
+    packet.data = std::make_unique_for_overwrite<BYTE[]>(size);
+    std::memcpy(packet.data.get(), bytes, size);
+    packet.size = size;
+}
+
+} // namespace
+
+void ReadSample(IMediaSample& sample, CMuxInterPacket& packet) {
+    ReadTime(sample, packet);
+    ReadData(sample, packet);
+    packet.syncPoint = sample.IsSyncPoint() == S_OK;
+}

@@ -1,0 +1,48 @@
+// StreamGate: lets an upstream thread use the input's stream, and keeps the stream alive until it has left again.
+//
+// Owner: the input pin; the stream is the interleaver's.
+// Threads: Pass on upstream threads; Open and Close by the filter's state changes, which first end every wait that a
+// thread inside may be in, so Close never waits long. Close must not be called from inside.
+#pragma once
+
+#include "win/condition_variable.h"
+#include "win/critical_section.h"
+
+class CMuxInterStream;
+
+class StreamGate {
+  public:
+    // One thread's stay inside; no stream when the gate is closed.
+    class Pass {
+      public:
+        explicit Pass(StreamGate& gate) : m_gate(gate), m_stream(gate.Enter()) {}
+        ~Pass() {
+            if (m_stream != nullptr) {
+                m_gate.Leave();
+            }
+        }
+        Pass(const Pass&) = delete;
+        Pass& operator=(const Pass&) = delete;
+
+        [[nodiscard]] CMuxInterStream* Stream() const { return m_stream; }
+
+      private:
+        StreamGate& m_gate;
+        CMuxInterStream* const m_stream;
+    };
+
+    void Open(CMuxInterStream* stream);
+    // Returns when nobody is inside any more.
+    void Close();
+    // For threads that streaming outlives: the worker, the state changes.
+    [[nodiscard]] CMuxInterStream* Stream() const;
+
+  private:
+    CMuxInterStream* Enter();
+    void Leave();
+
+    mutable win::CriticalSection m_lock; // guards all below
+    CMuxInterStream* m_stream = nullptr; // not owned; null while closed
+    int m_inside = 0;
+    win::ConditionVariable m_left;
+};
