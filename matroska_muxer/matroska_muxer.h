@@ -14,6 +14,8 @@
 #include "mkv/mkv_writer.h"
 #include "mux/base_mux.h"
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CMatroskaMuxer final : public CBaseMux,
                              public ISpecifyPropertyPages,
                              public IModuleConfig,
@@ -80,3 +82,4 @@ class CMatroskaMuxer final : public CBaseMux,
     CMkvWriter m_writer;
     CTrackSettingsTable m_settings;
 };
+#pragma GCC diagnostic pop
