@@ -1,0 +1,69 @@
+#include "tools/mkvmux/source_streams.h"
+
+#include <gmock/gmock.h>
+
+#include "dshow/media_subtypes.h"
+#include "tests/tools/mkvmux/com_test.h"
+#include "tests/tools/mkvmux/temporary_file.h"
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/filter_graph.h"
+#include "tools/mkvmux/text.h"
+
+namespace mkvmux {
+namespace {
+
+using test_mkvmux::TemporaryFile;
+using testing::HasSubstr;
+
+class SourceStreamsTest : public test_mkvmux::ComTest {
+  protected:
+    static std::string FailureOf(const std::wstring& path) {
+        const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
+        SourceStreams sources(graph.Get());
+        try {
+            (void)sources.Open(path);
+        } catch (const Failure& failure) {
+            return failure.what();
+        }
+        return {};
+    }
+};
+
+TEST_F(SourceStreamsTest, FindsThePcmStreamOfAWaveFile) {
+    const TemporaryFile file(L".wav");
+    file.SetContent(test_mkvmux::PcmWaveFile(1));
+    const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
+    const std::vector<SourceStream> streams = SourceStreams(graph.Get()).Open(file.Path());
+    ASSERT_EQ(streams.size(), 1u);
+    EXPECT_EQ(streams[0].input, file.Path());
+    EXPECT_EQ(streams[0].type.majortype, MEDIATYPE_Audio);
+    EXPECT_EQ(streams[0].type.subtype, mediasubtype::kPcm);
+    EXPECT_THAT(streams[0].Name(), HasSubstr(Utf8FromWide(file.Path())));
+}
+
+TEST_F(SourceStreamsTest, OpensAFileWhoseNameIsNotInTheCodePage) {
+    const TemporaryFile file(L"_\u00e4\u20ac\u65e5\u672c.wav");
+    file.SetContent(test_mkvmux::PcmWaveFile(1));
+    EXPECT_EQ(FailureOf(file.Path()), "");
+}
+
+TEST_F(SourceStreamsTest, AMissingInputIsNamedWithItsCause) {
+    const std::string failure = FailureOf(L"no_such_file.avi");
+    EXPECT_THAT(failure, HasSubstr("no_such_file.avi: cannot be opened"));
+    EXPECT_THAT(failure, HasSubstr("0x80070002"));
+}
+
+TEST_F(SourceStreamsTest, AnInputThatNoSplitterTakesIsNamed) {
+    const TemporaryFile text(L".txt");
+    text.SetContent("hello");
+    EXPECT_THAT(FailureOf(text.Path()), HasSubstr(Utf8FromWide(text.Path()) + ": no splitter takes it"));
+    const TemporaryFile damaged(L".avi");
+    damaged.SetContent("RIFFxxxxAVI and nothing more");
+    EXPECT_THAT(FailureOf(damaged.Path()), HasSubstr("no splitter takes it"));
+    const TemporaryFile empty(L".avi");
+    empty.SetContent("");
+    EXPECT_THAT(FailureOf(empty.Path()), HasSubstr("no splitter takes it"));
+}
+
+} // namespace
+} // namespace mkvmux

@@ -1,0 +1,93 @@
+#include "tools/mkvmux/mux_graph.h"
+
+#include "include/qrx_mkvmuxer.h"
+#include "mkv/codec_description.h"
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/filter_graph.h"
+#include "tools/mkvmux/graph_walk.h"
+#include "tools/mkvmux/media_type_text.h"
+#include "tools/mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+constexpr ULONG kDocTypeWebm = 1;
+
+} // namespace
+
+MuxGraph::MuxGraph(win::ComPtr<IBaseFilter> muxer)
+    : m_graph(CreateFilterGraph()), m_muxer(std::move(muxer)), m_sink(CFileSinkFilter::Make()),
+      m_sources(m_graph.Get()) {
+    AddToGraph(m_muxer.Get(), L"Muxer");
+    AddToGraph(m_sink.Get(), L"File sink");
+}
+
+// The filters leave the graph while everybody is still there: one that stays connected would keep its peer.
+MuxGraph::~MuxGraph() {
+    m_streams.clear();
+    m_graph->RemoveFilter(m_sink.Get());
+    m_graph->RemoveFilter(m_muxer.Get());
+}
+
+void MuxGraph::AddToGraph(IBaseFilter* filter, const wchar_t* name) {
+    if (const HRESULT hr = m_graph->AddFilter(filter, name); FAILED(hr)) {
+        throw Failure("the filter graph cannot be built: " + DescribeResult(hr));
+    }
+}
+
+void MuxGraph::AddInput(const std::wstring& path) {
+    for (SourceStream& stream : m_sources.Open(path)) {
+        AddStream(std::move(stream));
+    }
+}
+
+void MuxGraph::AddStream(SourceStream stream) {
+    if (!stream.HasType()) {
+        throw Failure(stream.Name() + ": the splitter does not know its codec and offers no media type");
+    }
+    const std::string described = stream.Name() + " (" + DescribeMediaType(stream.type) + ")";
+    const win::ComPtr<IPin> input = FreePinOf(m_muxer.Get(), PINDIR_INPUT);
+    if (!input) {
+        throw Failure(described + ": the muxer has no free input");
+    }
+    if (const HRESULT hr = m_graph->ConnectDirect(stream.pin.Get(), input.Get(), nullptr); FAILED(hr)) {
+        throw Failure(described + ": the muxer does not take this type: " + DescribeResult(hr));
+    }
+    CMediaType agreed;
+    if (SUCCEEDED(stream.pin->ConnectionMediaType(&agreed))) {
+        stream.type = agreed;
+    }
+    if (mkv::CodecIdOf(stream.type).empty()) {
+        throw Failure(described + ": Matroska has no codec identifier for this type");
+    }
+    m_streams.push_back(std::move(stream));
+}
+
+void MuxGraph::UseDocTypeWebm() {
+    const win::ComPtr<IModuleConfig> config = m_muxer.Query<IModuleConfig>(IID_IModuleConfig);
+    VARIANT value{};
+    value.vt = VT_UI4;
+    value.ulVal = kDocTypeWebm;
+    const HRESULT hr = config ? config->SetValue(&MKVMUX_DocType, &value) : E_NOINTERFACE;
+    if (hr == E_NOTIMPL || hr == E_NOINTERFACE) {
+        throw Failure("--webm: the installed version of the muxer cannot write the document type webm");
+    }
+    if (FAILED(hr)) {
+        throw Failure("--webm: the muxer refuses the document type: " + DescribeResult(hr));
+    }
+}
+
+void MuxGraph::OpenOutput(const std::wstring& path, bool overwrite) {
+    const win::ComPtr<IPin> from = FreePinOf(m_muxer.Get(), PINDIR_OUTPUT);
+    const win::ComPtr<IPin> to = FreePinOf(m_sink.Get(), PINDIR_INPUT);
+    const HRESULT connected = from && to ? m_graph->ConnectDirect(from.Get(), to.Get(), nullptr) : E_FAIL;
+    if (FAILED(connected)) {
+        throw Failure("the muxer's output cannot be connected: " + DescribeResult(connected));
+    }
+    if (const HRESULT hr = m_sink->CreateFileOnDisk(path, overwrite); FAILED(hr)) {
+        throw Failure(Utf8FromWide(path) + ": cannot be created: " + DescribeResult(hr));
+    }
+}
+
+} // namespace mkvmux

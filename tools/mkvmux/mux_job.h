@@ -1,0 +1,12 @@
+// MuxJob: from the options to the finished file.
+#pragma once
+
+#include "tools/mkvmux/console.h"
+#include "tools/mkvmux/options.h"
+
+namespace mkvmux {
+
+// Muxes the inputs into the output and says on the console how it goes. Throws Failure.
+void Mux(const Options& options, Console& console);
+
+} // namespace mkvmux

@@ -1,0 +1,117 @@
+#include "tools/mkvmux/mux_run.h"
+
+#include <array>
+
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+constexpr DWORD kProgressIntervalMs = 200;
+constexpr int kWholePercent = 100;
+
+} // namespace
+
+MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display)
+    : m_graph(graph), m_interruption(interruption), m_console(console), m_display(display), m_meter(graph),
+      m_control(graph.Graph().Query<IMediaControl>(IID_IMediaControl)),
+      m_events(graph.Graph().Query<IMediaEvent>(IID_IMediaEvent)) {
+    if (!m_control || !m_events) {
+        throw Failure("the filter graph cannot be controlled");
+    }
+}
+
+MuxRun::~MuxRun() {
+    Stop();
+}
+
+void MuxRun::Start() {
+    m_started = true;
+    if (const HRESULT hr = m_control->Run(); FAILED(hr)) {
+        Stop();
+        throw Failure("the streams cannot start: " + DescribeResult(hr));
+    }
+}
+
+void MuxRun::Wait() {
+    OAEVENT graphEvent = 0;
+    if (const HRESULT hr = m_events->GetEventHandle(&graphEvent); FAILED(hr)) {
+        throw Failure("the filter graph's events cannot be had: " + DescribeResult(hr));
+    }
+    const std::array<HANDLE, 2> events{m_interruption.Event(), reinterpret_cast<HANDLE>(graphEvent)};
+    while (true) {
+        m_display.Show(m_meter.Percent());
+        const DWORD reason =
+            WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(), FALSE, kProgressIntervalMs);
+        if (reason == WAIT_OBJECT_0) {
+            m_display.Finish();
+            m_console.Warn("interrupted; the file ends here");
+            return;
+        }
+        if (reason == WAIT_OBJECT_0 + 1 && HandleEvents()) {
+            return;
+        }
+        if (reason == WAIT_FAILED) {
+            throw Failure("the run cannot be waited for: " + DescribeResult(HRESULT_FROM_WIN32(GetLastError())));
+        }
+    }
+}
+
+bool MuxRun::HandleEvents() {
+    LONG code = 0;
+    LONG_PTR first = 0;
+    LONG_PTR second = 0;
+    while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
+        const LONG_PTR value = first;
+        m_events->FreeEventParams(code, first, second);
+        if (HandleEvent(code, value)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
+    const HRESULT hr = static_cast<HRESULT>(first);
+    switch (code) {
+    case EC_COMPLETE:
+        return true;
+    case EC_ERRORABORT:
+        ThrowIfOutputFailed();
+        throw Failure("a filter gave up: " + DescribeResult(hr));
+    case EC_STREAM_ERROR_STOPPED:
+        m_console.Warn("a stream ended early: " + DescribeResult(hr));
+        return false;
+    case EC_STREAM_ERROR_STILLPLAYING:
+        m_console.Warn("a stream is damaged: " + DescribeResult(hr));
+        return false;
+    default:
+        return false;
+    }
+}
+
+void MuxRun::Finish() {
+    Stop();
+    ThrowIfOutputFailed();
+    if (!m_interruption.IsRequested()) {
+        m_display.Show(kWholePercent);
+    }
+    m_display.Finish();
+}
+
+void MuxRun::Stop() {
+    if (m_started) {
+        m_control->Stop();
+        m_started = false;
+    }
+}
+
+void MuxRun::ThrowIfOutputFailed() const {
+    if (const HRESULT hr = m_graph.Output().FirstFailure(); FAILED(hr)) {
+        throw Failure("cannot be written: " + DescribeResult(hr));
+    }
+}
+
+} // namespace mkvmux

@@ -1,0 +1,46 @@
+// MuxRun: runs a graph to its end, or to an interruption, and finalises the file.
+//
+// Threads: one; it sleeps until the graph or the user has something to say, or the progress is due.
+// Errors: Failure; the graph is stopped whichever way the run ends.
+#pragma once
+
+#include "tools/mkvmux/console.h"
+#include "tools/mkvmux/interruption.h"
+#include "tools/mkvmux/mux_graph.h"
+#include "tools/mkvmux/progress_display.h"
+#include "tools/mkvmux/progress_meter.h"
+
+namespace mkvmux {
+
+class MuxRun {
+  public:
+    MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display);
+    ~MuxRun();
+    MuxRun(const MuxRun&) = delete;
+    MuxRun& operator=(const MuxRun&) = delete;
+
+    // Throws when the streams cannot start; nothing of them is in the file then.
+    void Start();
+    // Returns at the end of all streams or when interrupted.
+    void Wait();
+    // Stops the graph, in which the muxer finalises the file.
+    void Finish();
+
+  private:
+    // Whether one of the graph's events was the end.
+    [[nodiscard]] bool HandleEvents();
+    [[nodiscard]] bool HandleEvent(LONG code, LONG_PTR first);
+    void Stop();
+    void ThrowIfOutputFailed() const;
+
+    const MuxGraph& m_graph;
+    const Interruption& m_interruption;
+    Console& m_console;
+    ProgressDisplay& m_display;
+    ProgressMeter m_meter;
+    win::ComPtr<IMediaControl> m_control;
+    win::ComPtr<IMediaEvent> m_events;
+    bool m_started = false;
+};
+
+} // namespace mkvmux

@@ -1,0 +1,35 @@
+// MuxerLoader: makes the muxer filter, from the registered module or from the file beside the program.
+//
+// Owner: must outlive every object that the module made. Errors: Failure.
+#pragma once
+
+#include <filesystem>
+
+#include "win/com_ptr.h"
+#include "win/handle.h"
+#include "win/platform.h"
+
+namespace mkvmux {
+
+enum class MuxerSource { Registry, BesideProgram };
+
+class MuxerLoader {
+  public:
+    [[nodiscard]] win::ComPtr<IBaseFilter> Create(MuxerSource source);
+
+  private:
+    struct LibraryPolicy {
+        using Type = HMODULE;
+        static Type Invalid() { return nullptr; }
+        static void Close(Type library) { FreeLibrary(library); }
+    };
+
+    [[nodiscard]] win::ComPtr<IBaseFilter> CreateFromFile(const std::filesystem::path& module);
+
+    win::UniqueHandle<LibraryPolicy> m_library;
+};
+
+// The directory of the running program.
+[[nodiscard]] std::filesystem::path ProgramDirectory();
+
+} // namespace mkvmux

@@ -1,0 +1,128 @@
+#include "tools/mkvmux/source_streams.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/graph_walk.h"
+#include "tools/mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+// A splitter may feed another one (a container in a container); more than this is a circle.
+constexpr int kMaxSplitterDepth = 4;
+// Filters that are meant for automatic use have more merit than this.
+constexpr DWORD kLeastMerit = MERIT_DO_NOT_USE + 1;
+
+bool IsByteStream(IPin* pin) {
+    const std::vector<CMediaType> types = TypesOf(pin);
+    return std::any_of(types.begin(), types.end(),
+                       [](const CMediaType& type) { return type.majortype == MEDIATYPE_Stream; });
+}
+
+// A source that recognised the format says so in a subtype; the wildcard beside it would invite splitters that
+// take anything and decode it.
+std::vector<CMediaType> TypesWorthTrying(IPin* pin) {
+    std::vector<CMediaType> types = TypesOf(pin);
+    const auto isWildcard = [](const CMediaType& type) { return type.subtype == GUID_NULL; };
+    if (!std::all_of(types.begin(), types.end(), isWildcard)) {
+        std::erase_if(types, isWildcard);
+    }
+    return types;
+}
+
+SourceStream StreamOf(const std::wstring& path, const win::ComPtr<IPin>& pin) {
+    SourceStream stream{path, NameOf(pin.Get()), pin, {}};
+    if (std::vector<CMediaType> types = TypesOf(pin.Get()); !types.empty()) {
+        stream.type = std::move(types.front());
+    }
+    return stream;
+}
+
+} // namespace
+
+std::string SourceStream::Name() const {
+    return Utf8FromWide(input) + ": stream '" + Utf8FromWide(pinName) + "'";
+}
+
+SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
+    const HRESULT hr =
+        CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, m_mapper.PutVoid());
+    if (FAILED(hr)) {
+        throw Failure("the filter mapper cannot be created: " + DescribeResult(hr));
+    }
+}
+
+std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
+    win::ComPtr<IBaseFilter> source;
+    if (const HRESULT hr = m_graph->AddSourceFilter(path.c_str(), path.c_str(), source.Put()); FAILED(hr)) {
+        throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeResult(hr));
+    }
+    std::vector<SourceStream> streams;
+    Collect(source.Get(), path, 0, streams);
+    if (streams.empty()) {
+        throw Failure(Utf8FromWide(path) + ": holds no stream");
+    }
+    return streams;
+}
+
+void SourceStreams::Collect(IBaseFilter* filter, const std::wstring& path, int depth,
+                            std::vector<SourceStream>& streams) {
+    for (const win::ComPtr<IPin>& pin : PinsOf(filter, PINDIR_OUTPUT)) {
+        if (!IsByteStream(pin.Get())) {
+            streams.push_back(StreamOf(path, pin));
+            continue;
+        }
+        const win::ComPtr<IBaseFilter> splitter = depth < kMaxSplitterDepth ? AttachSplitter(pin.Get()) : nullptr;
+        if (!splitter) {
+            throw Failure(Utf8FromWide(path) + ": no splitter takes it");
+        }
+        Collect(splitter.Get(), path, depth + 1, streams);
+    }
+}
+
+// A splitter that took the pin's bytes and is now in the graph, or none.
+win::ComPtr<IBaseFilter> SourceStreams::AttachSplitter(IPin* pin) {
+    for (const CMediaType& type : TypesWorthTrying(pin)) {
+        if (win::ComPtr<IBaseFilter> splitter = TryCandidates(pin, type)) {
+            return splitter;
+        }
+    }
+    return {};
+}
+
+win::ComPtr<IBaseFilter> SourceStreams::TryCandidates(IPin* pin, const AM_MEDIA_TYPE& type) {
+    const std::array<GUID, 2> input{type.majortype, type.subtype};
+    win::ComPtr<IEnumMoniker> candidates;
+    const HRESULT hr = m_mapper->EnumMatchingFilters(candidates.Put(), 0, TRUE, kLeastMerit, TRUE, 1, input.data(),
+                                                     nullptr, nullptr, FALSE, TRUE, 0, nullptr, nullptr, nullptr);
+    if (hr != S_OK || !candidates) {
+        return {};
+    }
+    win::ComPtr<IMoniker> moniker;
+    while (candidates->Next(1, moniker.Put(), nullptr) == S_OK) {
+        win::ComPtr<IBaseFilter> splitter;
+        if (SUCCEEDED(moniker->BindToObject(nullptr, nullptr, IID_IBaseFilter, splitter.PutVoid())) &&
+            TrySplitter(pin, splitter.Get())) {
+            return splitter;
+        }
+    }
+    return {};
+}
+
+bool SourceStreams::TrySplitter(IPin* pin, IBaseFilter* splitter) {
+    if (FAILED(m_graph->AddFilter(splitter, nullptr))) {
+        return false;
+    }
+    const win::ComPtr<IPin> input = FreePinOf(splitter, PINDIR_INPUT);
+    if (input && SUCCEEDED(m_graph->ConnectDirect(pin, input.Get(), nullptr)) &&
+        !PinsOf(splitter, PINDIR_OUTPUT).empty()) {
+        return true;
+    }
+    m_graph->RemoveFilter(splitter); // disconnects it too
+    return false;
+}
+
+} // namespace mkvmux

@@ -1,0 +1,18 @@
+// Text: the system speaks UTF-16, the option parser and the output UTF-8.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "win/platform.h"
+
+namespace mkvmux {
+
+// Unpaired surrogates, which file names may hold, become U+FFFD.
+[[nodiscard]] std::string Utf8FromWide(std::wstring_view text);
+[[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
+
+// What the system says about a result, on one line and without a final full stop: "File not found (0x80070002)".
+[[nodiscard]] std::string DescribeResult(HRESULT result);
+
+} // namespace mkvmux
