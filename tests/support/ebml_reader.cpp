@@ -106,6 +106,7 @@ bool Parser::FitSize(uint64_t end, EbmlElement& element) {
                       element.Name() + " of " + std::to_string(element.dataSize) + " bytes reaches beyond the " +
                           std::to_string(room) + " that are there");
         element.dataSize = room;
+        element.cut = true;
     }
     return true;
 }

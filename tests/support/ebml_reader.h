@@ -24,6 +24,7 @@ struct EbmlElement {
     uint32_t sizeLength = 0; // bytes of the size field
     uint64_t dataSize = 0;   // as written; with an unknown size, as far as the content reaches
     bool unknownSize = false;
+    bool cut = false;                  // there is less of it than its size says
     std::vector<EbmlElement> children; // of masters
 
     [[nodiscard]] uint64_t DataOffset() const { return offset + idLength + sizeLength; }

@@ -76,7 +76,7 @@ void CueChecker::Check(const LayoutCue& cue) {
         m_findings.Add(m_segment.offset, Describe(cue) + " is for an unknown track");
     }
     const EbmlElement* const element = ChildAt(m_segment, cue.clusterPosition);
-    if (element == nullptr || element->id != kCluster) {
+    if (element == nullptr || !m_clusters.contains(element->offset)) {
         m_findings.Add(m_segment.DataOffset(), Describe(cue) + " points at position " +
                                                    std::to_string(cue.clusterPosition) + ", where no Cluster begins");
         return;

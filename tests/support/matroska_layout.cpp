@@ -21,7 +21,8 @@ class LayoutReader {
 
   private:
     void Complain(const EbmlElement& element, const std::string& what);
-    void ComplainOfBlock(const EbmlElement& element, const std::string& what);
+    [[nodiscard]] bool IsAtCut(const EbmlElement& element) const;
+    void ComplainUnlessCut(const EbmlElement& element, const std::string& what);
     uint64_t Unsigned(const EbmlElement& parent, uint32_t id, uint64_t absent = 0);
     std::optional<uint64_t> OptionalUnsigned(const EbmlElement& parent, uint32_t id);
     std::optional<std::string> OptionalText(const EbmlElement& parent, uint32_t id);
@@ -40,15 +41,19 @@ void LayoutReader::Complain(const EbmlElement& element, const std::string& what)
     m_layout.problems.push_back("@" + std::to_string(element.offset) + ": " + what);
 }
 
-// A block at the end of a file that was cut has lost bytes without being wrong.
-void LayoutReader::ComplainOfBlock(const EbmlElement& element, const std::string& what) {
-    const bool cut = element.End() == m_layout.file.size() && !m_layout.tree.cuts.empty();
-    (cut ? m_layout.cuts : m_layout.problems).push_back("@" + std::to_string(element.offset) + ": " + what);
+bool LayoutReader::IsAtCut(const EbmlElement& element) const {
+    return element.End() == m_layout.file.size() && !m_layout.tree.cuts.empty();
+}
+
+// What stands at the end of a file that was cut has lost bytes without being wrong.
+void LayoutReader::ComplainUnlessCut(const EbmlElement& element, const std::string& what) {
+    (IsAtCut(element) ? m_layout.cuts : m_layout.problems)
+        .push_back("@" + std::to_string(element.offset) + ": " + what);
 }
 
 std::optional<uint64_t> LayoutReader::OptionalUnsigned(const EbmlElement& parent, uint32_t id) {
     const EbmlElement* const element = parent.Child(id);
-    return element == nullptr ? std::nullopt : UnsignedOf(m_layout.file, *element);
+    return element == nullptr || element->cut ? std::nullopt : UnsignedOf(m_layout.file, *element);
 }
 
 uint64_t LayoutReader::Unsigned(const EbmlElement& parent, uint32_t id, uint64_t absent) {
@@ -105,11 +110,11 @@ void LayoutReader::ReadBlockElement(const EbmlElement& element, LayoutCluster& c
     std::string lacingProblem;
     std::optional<LayoutBlock> block = ReadBlock(DataOf(m_layout.file, element), lacingProblem);
     if (!block) {
-        ComplainOfBlock(element, element.Name() + " is too short to be one");
+        ComplainUnlessCut(element, element.Name() + " is too short to be one");
         return;
     }
     if (!lacingProblem.empty()) {
-        ComplainOfBlock(element, lacingProblem);
+        ComplainUnlessCut(element, lacingProblem);
     }
     block->offset = element.offset;
     block->simple = element.id == kSimpleBlock;
@@ -124,7 +129,7 @@ void LayoutReader::ReadGroup(const EbmlElement& group, LayoutCluster& cluster) {
     if (element != nullptr) {
         ReadBlockElement(*element, cluster);
     } else {
-        Complain(group, "a BlockGroup without a Block");
+        ComplainUnlessCut(group, "a BlockGroup without a Block");
     }
     if (cluster.blocks.size() > before) {
         cluster.blocks.back().keyframe = group.Child(kReferenceBlock) == nullptr;
@@ -147,6 +152,9 @@ void LayoutReader::ReadCluster(const EbmlElement& element) {
         } else if (child.id == kBlockGroup) {
             ReadGroup(child, cluster);
         }
+    }
+    if (!cluster.timestamp && cluster.blocks.empty() && IsAtCut(element)) {
+        return; // only its beginning is there
     }
     m_layout.clusters.push_back(std::move(cluster));
 }
