@@ -51,9 +51,11 @@ class CAMThread {
   private:
     static DWORD WINAPI InitialThreadProc(LPVOID pv);
     DWORD RunThreadProc() noexcept;
+    HANDLE ThreadHandle();
 
     CAMEvent m_EventSend;     // manual reset: set while a request is pending
     CAMEvent m_EventComplete; // auto reset: the reply is there
+    CCritSec m_handleLock;    // guards m_hThread
     win::KernelHandle m_hThread;
     std::atomic<bool> m_exists{false};
     std::atomic<bool> m_pending{false};

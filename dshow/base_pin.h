@@ -102,7 +102,6 @@ class CBasePin : public CUnknown, public IPin, public IQualityControl {
 
   private:
     HRESULT CheckCanConnect() const;
-    HRESULT ConnectLocked(IPin* pReceivePin, const CMediaType* pmt);
     HRESULT OfferConnection(IPin* pReceivePin, const CMediaType* pmt);
     HRESULT AcceptConnection(IPin* pConnector, const CMediaType* pmt);
     void AbandonConnection();
