@@ -112,6 +112,7 @@ def main():
         print(f"DIFFERS  {kind} {what}: expected to differ, but does not")
     failures = unexpected + len(unused)
     print(f"{len(rows)} rows compared, {len(EXPECTED) - len(unused)} expected differences, {failures} others")
+    print(f"{len(rows)} passed, {failures} failed")
     return 1 if failures else 0
 
 
