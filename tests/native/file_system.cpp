@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 
 #include "tests/native/code_page.h"
 #include "tests/native/shared_file.h"
@@ -137,4 +138,17 @@ DWORD WINAPI GetFileAttributesW(LPCWSTR path) {
         return INVALID_FILE_ATTRIBUTES;
     }
     return S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE;
+}
+
+DWORD WINAPI GetTempPathW(DWORD capacity, LPWSTR buffer) {
+    const char* const chosen = std::getenv("TMPDIR");
+    std::string path = chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
+    path += path.back() == '/' ? "" : "/";
+    const int length = MultiByteToWideChar(CP_UTF8, 0, path.c_str(), static_cast<int>(path.size()), nullptr, 0);
+    if (static_cast<DWORD>(length) >= capacity) {
+        return static_cast<DWORD>(length) + 1; // with the terminator, as the caller must allocate
+    }
+    MultiByteToWideChar(CP_UTF8, 0, path.c_str(), static_cast<int>(path.size()), buffer, length);
+    buffer[length] = 0;
+    return static_cast<DWORD>(length);
 }
