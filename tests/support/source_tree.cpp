@@ -9,7 +9,9 @@ namespace {
 // Wine shows the whole file system of its host as this drive.
 constexpr char kHostDrive[] = "Z:";
 
-std::filesystem::path InThisLane(std::string path) {
+} // namespace
+
+std::filesystem::path PathInThisLane(std::string path) {
 #ifndef QRX_NATIVE
     if (path.starts_with('/')) {
         path.insert(0, kHostDrive);
@@ -18,15 +20,13 @@ std::filesystem::path InThisLane(std::string path) {
     return path;
 }
 
-} // namespace
-
 std::filesystem::path PathFromEnvironment(const char* name) {
     const char* const value = std::getenv(name);
-    return value == nullptr || *value == '\0' ? std::filesystem::path() : InThisLane(value);
+    return value == nullptr || *value == '\0' ? std::filesystem::path() : PathInThisLane(value);
 }
 
 std::filesystem::path TestSourcePath(const std::string& below) {
-    return InThisLane(QRX_TESTS_DIR) / below;
+    return PathInThisLane(QRX_TESTS_DIR) / below;
 }
 
 } // namespace test_support

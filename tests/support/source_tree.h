@@ -6,8 +6,9 @@
 
 namespace test_support {
 
-// The environment variable as a path of this lane; empty when it is not set. Absolute Linux paths may be given in
-// both lanes.
+// A path of this lane; absolute Linux paths may be given in both.
+[[nodiscard]] std::filesystem::path PathInThisLane(std::string path);
+// The environment variable as a path of this lane; empty when it is not set.
 [[nodiscard]] std::filesystem::path PathFromEnvironment(const char* name);
 // A path below tests/ of the source tree.
 [[nodiscard]] std::filesystem::path TestSourcePath(const std::string& below);
