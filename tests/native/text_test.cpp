@@ -97,10 +97,16 @@ TEST(Conversion, BadArgumentsAreRefused) {
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, OLESTR("a"), 0, bytes, 8, nullptr, nullptr), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, nullptr, 1, bytes, 8, nullptr, nullptr), 0);
+}
+
+#ifdef QRX_NATIVE // Wine lets it pass; Windows does not
+TEST(Conversion, Utf8TakesNoDefaultCharacter) {
+    char bytes[8];
     BOOL used = FALSE;
     SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, OLESTR("a"), 1, bytes, 8, nullptr, &used), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
+#endif
 
 } // namespace
