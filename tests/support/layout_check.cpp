@@ -73,7 +73,7 @@ void CheckChecksums(const MatroskaLayout& layout, const EbmlElement& element, Fi
     for (const EbmlElement& child : element.children) {
         CheckChecksums(layout, child, findings);
     }
-    if (element.children.empty() || element.children.front().id != kCrc32) {
+    if (element.cut || element.children.empty() || element.children.front().id != kCrc32) {
         return;
     }
     const EbmlElement& crc = element.children.front();

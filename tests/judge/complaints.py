@@ -1,0 +1,59 @@
+"""What the tools complained about, minus what is known and explained in known_complaints.json.
+
+Each entry of that file names the tool, a pattern for the file's name (shell style), a regular expression for the
+complaint, and the reason why it says nothing about our file.
+"""
+
+import fnmatch
+import json
+import pathlib
+import re
+
+
+class KnownComplaints:
+    def __init__(self, path):
+        self._entries = json.loads(pathlib.Path(path).read_text(encoding="utf-8"))
+        for entry in self._entries:
+            missing = {"tool", "files", "pattern", "reason"} - entry.keys()
+            if missing:
+                raise ValueError(f"{path}: an entry lacks {', '.join(sorted(missing))}: {entry}")
+            entry["regex"] = re.compile(entry["pattern"])
+            entry["used"] = 0
+
+    def is_known(self, tool, file_name, complaint):
+        for entry in self._entries:
+            if (entry["tool"] == tool and fnmatch.fnmatch(file_name, entry["files"])
+                    and entry["regex"].search(complaint)):
+                entry["used"] += 1
+                return True
+        return False
+
+    def unused(self):
+        return [entry for entry in self._entries if not entry["used"]]
+
+
+class Verdict:
+    """The reasons why one file fails; none when it passes."""
+
+    def __init__(self, file_name, known):
+        self.file_name = file_name
+        self.reasons = []
+        self._known = known
+
+    def complain(self, tool, complaint):
+        """A tool is not content, or two tools differ; the tool is the one that is not ours."""
+        if not self._known.is_known(tool, self.file_name, complaint):
+            self.reasons.append(f"{tool}: {complaint}")
+
+    def compare(self, tool, what, ours, theirs):
+        if ours != theirs:
+            self.complain(tool, f"{what}: we read {ours!r}, it reads {theirs!r}")
+
+    def compare_lists(self, tool, what, ours, theirs):
+        """Names the first difference only: the rest follows from it."""
+        for index, (our_item, their_item) in enumerate(zip(ours, theirs)):
+            if our_item != their_item:
+                self.complain(tool, f"{what} {index}: we read {our_item!r}, it reads {their_item!r}")
+                return
+        if len(ours) != len(theirs):
+            self.complain(tool, f"{what}: we read {len(ours)}, it reads {len(theirs)}")

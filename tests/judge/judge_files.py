@@ -1,0 +1,81 @@
+#!/usr/bin/env python3
+"""Judges every Matroska file of a directory by programs that nobody here wrote.
+
+mkvinfo, mkvmerge and ffprobe each read the file; what they say is compared with what our own reader (mkvlayout) says.
+Whatever they complain about is a failure, unless known_complaints.json explains it.
+
+usage: judge_files.py --mkvlayout COMMAND DIRECTORY
+
+A file whose name ends in .cut.mkv or .cut.webm was not finalised on purpose. Exit status: 0 all files pass, 1 one
+fails, 2 nothing could be judged.
+"""
+
+import argparse
+import pathlib
+import shutil
+import sys
+
+import complaints
+import ffprobe_judge
+import mkvinfo_judge
+import mkvmerge_judge
+import our_layout
+
+JUDGES = (mkvinfo_judge, mkvmerge_judge, ffprobe_judge)
+MAX_REASONS = 10  # of one file that are printed
+
+
+def judge_file(path, command, known):
+    verdict = complaints.Verdict(path.name, known)
+    cut = path.stem.endswith(".cut")
+    layout = our_layout.read(command, path, cut, verdict)
+    if layout is not None:
+        for judge in JUDGES:
+            judge.judge(path, layout, verdict)
+    return verdict
+
+
+def print_verdict(verdict):
+    print(f"{'FAIL' if verdict.reasons else 'ok  '} {verdict.file_name}")
+    for reason in verdict.reasons[:MAX_REASONS]:
+        print(f"       {reason}")
+    if len(verdict.reasons) > MAX_REASONS:
+        print(f"       and {len(verdict.reasons) - MAX_REASONS} more")
+
+
+def parse_arguments():
+    parser = argparse.ArgumentParser(description="Judges Matroska files by independent programs.")
+    parser.add_argument("directory", type=pathlib.Path)
+    parser.add_argument("--mkvlayout", required=True, metavar="COMMAND",
+                        help="how to run our own reader, for example 'wine64 mkvlayout.exe'")
+    parser.add_argument("--known", type=pathlib.Path, metavar="FILE",
+                        default=pathlib.Path(__file__).with_name("known_complaints.json"),
+                        help="complaints that are explained (default: %(default)s)")
+    parser.add_argument("--unused", action="store_true", help="list the explained complaints that did not come up")
+    return parser.parse_args()
+
+
+def main():
+    arguments = parse_arguments()
+    missing = [tool for tool in ("mkvinfo", "mkvmerge", "ffprobe") if shutil.which(tool) is None]
+    if missing:
+        print(f"judge_files: not installed: {', '.join(missing)}", file=sys.stderr)
+        return 2
+    files = sorted(path for path in arguments.directory.glob("*") if path.suffix in (".mkv", ".webm"))
+    if not files:
+        print(f"judge_files: there is no file to judge in {arguments.directory}", file=sys.stderr)
+        return 2
+    known = complaints.KnownComplaints(arguments.known)
+    verdicts = [judge_file(path, arguments.mkvlayout, known) for path in files]
+    for verdict in verdicts:
+        print_verdict(verdict)
+    if arguments.unused:
+        for entry in known.unused():
+            print(f"never needed: {entry['tool']}, {entry['files']}: {entry['pattern']}")
+    failed = sum(1 for verdict in verdicts if verdict.reasons)
+    print(f"{len(verdicts) - failed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
