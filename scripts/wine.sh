@@ -4,8 +4,8 @@
 export WINEARCH=win64
 export WINEPREFIX="${QRX_WINEPREFIX:-$BUILD/wineprefix}"
 export WINEDEBUG="${WINEDEBUG:--all}"
-# No menu entries, no browser or Mono installer windows.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winemenubuilder.exe,mscoree,mshtml=}"
+# No menu entries, no browser or Mono installer windows, no search for sound cards (it fills standard error).
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winealsa.drv,winepulse.drv,winemenubuilder.exe,mscoree,mshtml=}"
 WINE=/usr/lib/wine/wine64
 WINESERVER=/usr/lib/wine/wineserver64
 

@@ -24,6 +24,8 @@ struct RawOptions {
 
 void Describe(CLI::App& app, Options& options, RawOptions& raw, const std::string& version) {
     app.name("mkvmux");
+    // A leading slash begins a path, on Windows too.
+    app.allow_windows_style_options(false);
     app.set_version_flag("--version", "mkvmux " + version);
     app.add_option("-o,--output", raw.output, "the file to write; a name that ends in .webm implies --webm")
         ->type_name("FILE");

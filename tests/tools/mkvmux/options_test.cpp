@@ -69,6 +69,13 @@ TEST(Options, FileNamesMayHoldAnyCharacter) {
     EXPECT_EQ(options.inputs.at(0).path, L"\u20ac uro.avi");
 }
 
+TEST(Options, ALeadingSlashBeginsAPath) {
+    const Options options = Parsed({"-o", "/tmp/out.mkv", "/tmp/a.avi", "/y"});
+    EXPECT_EQ(options.output, L"/tmp/out.mkv");
+    ASSERT_EQ(options.inputs.size(), 2u);
+    EXPECT_EQ(options.inputs[1].path, L"/y");
+}
+
 TEST(Options, IdentifyNeedsNoOutput) {
     EXPECT_TRUE(Parsed({"--identify", "a.avi"}).identify);
 }
