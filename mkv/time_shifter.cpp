@@ -1,5 +1,6 @@
 #include "mkv/time_shifter.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -36,7 +37,7 @@ BlockTimes CTimeShifter::toBlockTimes(UINT32 track, INT64 start, INT64 stop) {
     }
     BlockTimes times;
     times.timeNs = RefTimeToNs(start);
-    times.endNs = RefTimeToNs(stop);
-    times.durationNs = times.endNs > times.timeNs ? times.endNs - times.timeNs : 0;
+    times.endNs = std::max(times.timeNs, RefTimeToNs(stop));
+    times.durationNs = times.endNs - times.timeNs;
     return times;
 }

@@ -11,7 +11,7 @@
 struct BlockTimes {
     UINT64 timeNs = 0;
     UINT64 durationNs = 0; // 0 when the packet stops before it starts
-    UINT64 endNs = 0;      // where the packet stops
+    UINT64 endNs = 0;
 };
 
 class CTimeShifter {

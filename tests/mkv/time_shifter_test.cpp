@@ -51,8 +51,8 @@ TEST(TimeShifterTest, APacketStillBelowZeroMovesToZeroAndKeepsItsLength) {
 
 TEST(TimeShifterTest, APacketThatStopsBeforeItStartsHasNoDuration) {
     CTimeShifter shifter;
-    ExpectTimes(shifter.toBlockTimes(0, 100 * kMs, 60 * kMs), 100 * kMsInNs, 0, 60 * kMsInNs);
-    ExpectTimes(shifter.toBlockTimes(0, 100 * kMs, -60 * kMs), 100 * kMsInNs, 0, 0);
+    ExpectTimes(shifter.toBlockTimes(0, 100 * kMs, 60 * kMs), 100 * kMsInNs, 0, 100 * kMsInNs);
+    ExpectTimes(shifter.toBlockTimes(0, 100 * kMs, -60 * kMs), 100 * kMsInNs, 0, 100 * kMsInNs);
 }
 
 TEST(TimeShifterTest, ExtremeTimesNeitherOverflowNorWrap) {
@@ -60,7 +60,7 @@ TEST(TimeShifterTest, ExtremeTimesNeitherOverflowNorWrap) {
     ExpectTimes(CTimeShifter().toBlockTimes(0, 0, kMax), 0, kLatestNs, kLatestNs);
     ExpectTimes(CTimeShifter().toBlockTimes(0, kMin, kMax), 0, kLatestNs, kLatestNs);
     ExpectTimes(CTimeShifter().toBlockTimes(0, kMin, kMin), 0, 0, 0);
-    ExpectTimes(CTimeShifter().toBlockTimes(0, kMax, kMin), kLatestNs, 0, 0);
+    ExpectTimes(CTimeShifter().toBlockTimes(0, kMax, kMin), kLatestNs, 0, kLatestNs);
     CTimeShifter shifter;
     static_cast<void>(shifter.toBlockTimes(0, kMin, 0));
     ExpectTimes(shifter.toBlockTimes(0, kMax, kMax), kLatestNs, 0, kLatestNs);

@@ -1,0 +1,286 @@
+// Outputs that fail, recordings that are cut off, clusters that cannot be written.
+#include <stdexcept>
+
+#include "mkv/writer_errors.h"
+#include "tests/mkv/writer_fixture.h"
+#include "tests/support/written_files.h"
+
+namespace {
+
+using test_support::StreamOperation;
+
+constexpr HRESULT kDiskFull = STG_E_MEDIUMFULL;
+
+class WriterFailuresTest : public WriterTest {
+  protected:
+    // A file of several clusters with everything in it.
+    void WriteScenario() {
+        static char s_mimeType[] = "text/plain";
+        static BYTE s_data[] = {'h', 'i'};
+        m_writer.registerTrack(CinepakType().Get(), Row().get());
+        m_writer.registerTrack(PcmType().Get(), Row().get());
+        m_writer.registerTrack(Utf8Type().Get(), Row().get());
+        if (m_writer.attachmentCount() == 0) {
+            m_writer.addAttachment({nullptr, nullptr, s_mimeType, sizeof(s_data), s_data, 5});
+        }
+        Open();
+        for (INT64 frame = 0; frame < 6; ++frame) {
+            Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, frame % 2 == 0, Bytes(500));
+            Write(1, frame * 40 * kMs, (frame + 1) * 40 * kMs, true, Bytes(100));
+            WriteGroup(2, frame * 40 * kMs, (frame + 1) * 40 * kMs);
+        }
+        Finish();
+    }
+
+    // How many calls of that kind a file takes.
+    size_t CountCalls(StreamOperation operation) {
+        m_stream.ClearCalls();
+        WriteScenario();
+        return m_stream.Calls(operation).size();
+    }
+
+    void StartOver() {
+        m_stream.ClearFailures();
+        m_stream.ClearCalls();
+        m_stream.SetBytes({});
+    }
+};
+
+TEST_F(WriterFailuresTest, AWriteThatFailsOnceNeverThrowsAndEveryOtherOneIsMade) {
+    const size_t count = CountCalls(StreamOperation::Write);
+    ASSERT_GT(count, 6u);
+    for (size_t n = 1; n <= count; ++n) {
+        StartOver();
+        m_stream.FailNth(StreamOperation::Write, n, kDiskFull);
+        EXPECT_NO_THROW(WriteScenario()) << n;
+        EXPECT_EQ(m_stream.References(), 0) << n;
+        EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), count) << n;
+    }
+}
+
+TEST_F(WriterFailuresTest, WritesThatFailFromTheNthOnNeverThrowAndAreSeenInTheResult) {
+    const size_t count = CountCalls(StreamOperation::Write);
+    for (size_t n = 1; n <= count; ++n) {
+        StartOver();
+        m_stream.FailFrom(StreamOperation::Write, n, kDiskFull);
+        EXPECT_NO_THROW(WriteScenario()) << n;
+        EXPECT_EQ(m_io.lastWriteResult(), kDiskFull) << n;
+        EXPECT_EQ(m_stream.References(), 0) << n;
+    }
+}
+
+TEST_F(WriterFailuresTest, ASeekThatFailsAtAnyCallIsSwallowed) {
+    const size_t count = CountCalls(StreamOperation::Seek);
+    ASSERT_GT(count, 6u);
+    for (size_t n = 1; n <= count; ++n) {
+        StartOver();
+        m_stream.FailNth(StreamOperation::Seek, n, STG_E_SEEKERROR);
+        EXPECT_NO_THROW(WriteScenario()) << n;
+        EXPECT_EQ(m_stream.References(), 0) << n;
+    }
+}
+
+TEST_F(WriterFailuresTest, SeeksThatFailFromTheNthOnAreSwallowed) {
+    const size_t count = CountCalls(StreamOperation::Seek);
+    for (size_t n = 1; n <= count; ++n) {
+        StartOver();
+        m_stream.FailFrom(StreamOperation::Seek, n, STG_E_SEEKERROR);
+        EXPECT_NO_THROW(WriteScenario()) << n;
+        EXPECT_EQ(m_stream.References(), 0) << n;
+    }
+}
+
+TEST_F(WriterFailuresTest, AfterAFailedFileTheNextOneIsWhole) {
+    m_stream.FailFrom(StreamOperation::Seek, 1, STG_E_SEEKERROR);
+    m_stream.FailFrom(StreamOperation::Write, 3, kDiskFull);
+    WriteScenario();
+    StartOver();
+    WriteScenario();
+    EXPECT_EQ(File().tracks.size(), 3u);
+    EXPECT_EQ(File().BlocksOf(1).size(), 6u);
+    EXPECT_EQ(File().cues.size(), 9u);
+}
+
+TEST_F(WriterFailuresTest, ASeekThatFailsInTheFinalisationLeavesTheFileAsARecordingThatWasCutOff) {
+    RegisterVideo();
+    Open();
+    for (INT64 frame = 0; frame < 10; ++frame) {
+        Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, true);
+    }
+    m_stream.ClearCalls();
+    m_stream.FailNth(StreamOperation::Seek, 3, STG_E_SEEKERROR); // after the two of the last cluster and of the Info
+    Finish();
+    const auto layout = Snapshot();
+    EXPECT_TRUE(layout.Segment()->unknownSize);
+    EXPECT_EQ(layout.clusters.size(), 10u);
+    EXPECT_EQ(layout.BlocksOf(1).size(), 10u);
+    EXPECT_EQ(m_writer.duration(), 400e6);
+}
+
+TEST_F(WriterFailuresTest, AnOutputWithoutAStreamCannotBeOpened) {
+    m_writer.registerTrack(CinepakType().Get(), Row().get());
+    EXPECT_THROW(m_writer.Open(&m_io), std::runtime_error); // the library misses its bytes
+    m_writer.abandon();
+    EXPECT_FALSE(m_writer.isOpen());
+    WriteScenario();
+    EXPECT_EQ(File().tracks.size(), 3u);
+}
+
+// ---- Recordings that were cut off ----------------------------------------------------------------------------------
+
+TEST_F(WriterFailuresTest, ACutRecordingShowsEveryClusterThatWasWritten) {
+    RegisterVideo();
+    RegisterAudio();
+    Open();
+    for (INT64 frame = 0; frame < 20; ++frame) {
+        Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, frame % 4 == 0);
+        Write(1, frame * 40 * kMs, (frame + 1) * 40 * kMs);
+    }
+    const auto cut = Snapshot(); // four of five clusters have been written
+    test_support::SaveForJudges("WriterFailuresTest.ACutRecordingShowsEveryClusterThatWasWritten", cut.file,
+                                test_support::WrittenFile::CutOnPurpose);
+    for (const auto& finding : test_support::CheckLayout(cut, {.cut = true})) {
+        ADD_FAILURE() << finding;
+    }
+    ASSERT_NE(cut.Segment(), nullptr);
+    EXPECT_TRUE(cut.Segment()->unknownSize);
+    EXPECT_EQ(cut.tracks.size(), 2u);
+    EXPECT_EQ(cut.clusters.size(), 4u);
+    EXPECT_EQ(cut.BlocksOf(1).size(), 16u);
+    EXPECT_EQ(cut.BlocksOf(2).size(), 16u);
+    Finish();
+}
+
+TEST_F(WriterFailuresTest, ARecordingCutAtAnyByteShowsItsWholeClusters) {
+    RegisterVideo();
+    Open();
+    std::vector<size_t> ends; // of the clusters
+    for (INT64 frame = 0; frame < 4; ++frame) {
+        Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, true);
+        ends.push_back(m_stream.Bytes().size());
+    }
+    const Bytes bytes = m_stream.Bytes();
+    for (size_t size = ends[1]; size <= bytes.size(); ++size) {
+        const Bytes cut(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size));
+        const auto layout = test_support::ReadLayout(cut);
+        size_t whole = 0;
+        for (size_t i = 1; i < ends.size(); ++i) {
+            whole += ends[i] <= size ? 1 : 0;
+        }
+        ASSERT_GE(layout.clusters.size(), whole) << size;
+        ASSERT_GE(layout.BlocksOf(1).size(), whole) << size;
+    }
+    Finish();
+}
+
+// ---- Clusters that cannot be written -------------------------------------------------------------------------------
+
+// An output that throws at its nth call, as no stream does, but a library underneath might.
+class ThrowingOutput : public libebml::IOCallback {
+  public:
+    explicit ThrowingOutput(int callsUntil) : m_callsUntil(callsUntil) {}
+    uint32 read(void*, size_t) override { return 0; }
+    void setFilePointer(int64 offset, libebml::seek_mode) override {
+        count();
+        m_position = static_cast<uint64>(offset);
+    }
+    size_t write(const void*, size_t size) override {
+        count();
+        m_position += size;
+        m_writtenBytes += size;
+        return size;
+    }
+    uint64 getFilePointer() override {
+        count();
+        return m_position;
+    }
+    void close() override {}
+
+    [[nodiscard]] uint64 writtenBytes() const { return m_writtenBytes; }
+
+  private:
+    void count() {
+        if (--m_callsUntil == 0) {
+            throw std::runtime_error("the output is gone");
+        }
+    }
+
+    int m_callsUntil;
+    uint64 m_position = 0;
+    uint64 m_writtenBytes = 0;
+};
+
+class LostClusterTest : public testing::Test {
+  protected:
+    LostClusterTest() {
+        m_tracks.push_back({CMediaType(test_support::VideoInfoType(SubtypeFromFourCC('c', 'v', 'i', 'd')).Get()),
+                            CTrackSettingsRow(0)});
+    }
+
+    static MkvPacket Packet(INT64 ms) {
+        static const BYTE s_payload[] = {1, 2, 3};
+        return {ms * 10000, (ms + 40) * 10000, s_payload, sizeof(s_payload), true, 0, false};
+    }
+
+    MkvTrackList m_tracks;
+};
+
+// The first call of the cluster that fails is the look at the position, the second the write.
+class LostClusterAtCallTest : public LostClusterTest, public testing::WithParamInterface<int> {};
+
+TEST_P(LostClusterAtCallTest, IsDroppedNeverRenderedAgainAndTheNextPacketOpensAnother) {
+    constexpr int kCallsOfTheHead = 4; // one look and one write for each of the two gathered parts
+    ThrowingOutput output(kCallsOfTheHead + GetParam());
+    CMatroskaFile file(output);
+    file.writeHead("matroska");
+    file.writeTracks(m_tracks);
+    file.startFirstCluster();
+    const auto headBytes = output.writtenBytes();
+    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
+    EXPECT_THROW(static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(40))), std::runtime_error);
+    EXPECT_EQ(file.clusters().writtenBytes(), 0u);
+    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(80)));
+    file.clusters().flushCluster();
+    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
+    file.clusters().flushCluster(); // there is none any more
+    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, LostClusterAtCallTest, testing::Values(1, 2));
+
+TEST_F(LostClusterTest, AFailureInTheLastClusterReachesTheCallerAndClosingAgainFinalises) {
+    ThrowingOutput output(5);
+    CMatroskaFile file(output);
+    file.writeHead("matroska");
+    file.writeTracks(m_tracks);
+    file.startFirstCluster();
+    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
+    EXPECT_THROW(file.finalise(0.0), std::runtime_error);
+    EXPECT_NO_THROW(file.finalise(0.0));
+}
+
+TEST_F(LostClusterTest, ALostClustersCuePointsAreForgotten) {
+    ThrowingOutput output(6);
+    CGatheringIO gathering(output);
+    libmatroska::KaxSegment segment;
+    segment.WriteHead(gathering, 5);
+    gathering.flush();
+    CMkvCues cues;
+    cues.SetGlobalTimecodeScale(1000000);
+    libmatroska::KaxTrackEntry entry;
+    entry.SetGlobalTimecodeScale(1000000);
+    libebml::GetChild<libmatroska::KaxTrackNumber>(entry).SetValue(1);
+    CClusterWriter clusters(gathering, segment, cues);
+    clusters.setTracks(m_tracks, {&entry}, 0);
+    clusters.startCluster(0);
+    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(0)));
+    clusters.flushCluster();
+    EXPECT_EQ(cues.ListSize(), 1u);
+    EXPECT_EQ(clusters.lastCueTimeNs(), 0u);
+    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(40)));
+    EXPECT_EQ(clusters.lastCueTimeNs(), 40000000u);
+    EXPECT_THROW(clusters.flushCluster(), std::runtime_error);
+    EXPECT_EQ(cues.ListSize(), 1u);
+}
+
+} // namespace
