@@ -56,13 +56,16 @@ void CheckSegment(const MatroskaLayout& layout, const EbmlElement& segment, bool
     }
 }
 
-void CheckTopLevelCounts(const EbmlElement& segment, bool cut, Findings& findings) {
+void CheckTopLevelCounts(const MatroskaLayout& layout, const EbmlElement& segment, bool cut, Findings& findings) {
+    const bool hasBlocks = std::any_of(layout.clusters.begin(), layout.clusters.end(),
+                                       [](const LayoutCluster& cluster) { return !cluster.blocks.empty(); });
     for (const uint32_t id : {kSeekHead, kInfo, kTracks, kCues, kAttachments, kChapters}) {
         const size_t count = segment.Children(id).size();
         if (count > 1) {
             findings.Add(segment.offset, "there are " + std::to_string(count) + " " + ElementName(id) + " elements");
         }
-        const bool needed = id == kTracks || (!cut && (id == kInfo || id == kSeekHead));
+        // A file of attachments alone needs no tracks.
+        const bool needed = id == kTracks ? hasBlocks : !cut && (id == kInfo || id == kSeekHead);
         if (count == 0 && needed) {
             findings.Add(segment.offset, "there is no " + ElementName(id));
         }
@@ -148,7 +151,7 @@ std::vector<std::string> CheckLayout(const MatroskaLayout& layout, const LayoutE
         return findings.Take();
     }
     CheckSegment(layout, *segment, expected.cut, findings);
-    CheckTopLevelCounts(*segment, expected.cut, findings);
+    CheckTopLevelCounts(layout, *segment, expected.cut, findings);
     CheckChecksums(layout, *segment, findings);
     CheckTracks(layout, *segment, findings);
     if (!expected.cut) {

@@ -1,0 +1,110 @@
+#!/usr/bin/env python3
+"""Tests the judge: files by other writers pass, and each kind of damage is found.
+
+The command that runs mkvlayout comes from the environment variable QRX_MKVLAYOUT.
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+JUDGE = pathlib.Path(__file__).with_name("judge_files.py")
+TIMESTAMP_ZERO = bytes.fromhex("e78100")  # a cluster's time
+CUE_CLUSTER_POSITION = bytes.fromhex("f182")  # two bytes follow
+SEEK_POSITION = bytes.fromhex("53ac82")
+SIMPLE_BLOCK_OF_TRACK_1 = bytes.fromhex("81000080")  # at the cluster's time, a keyframe
+CUES = bytes.fromhex("1c53bb6b")
+
+
+def run(*command):
+    subprocess.run(command, check=True, capture_output=True)
+
+
+class JudgeTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        folder = pathlib.Path(cls.folder.name)
+        source, made = folder / "source.avi", folder / "made.mkv"
+        run("ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc=d=1:s=64x48:r=25", "-f", "lavfi", "-i", "sine=d=1",
+            "-c:v", "cinepak", "-c:a", "pcm_s16le", str(source))
+        run("mkvmerge", "-q", "-o", str(made), str(source))
+        cls.made = made.read_bytes()
+        live = folder / "live.mkv"
+        run("ffmpeg", "-v", "error", "-i", str(source), "-c", "copy", "-live", "1", "-f", "matroska", str(live))
+        cls.live = live.read_bytes()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def judge(self, name, content):
+        with tempfile.TemporaryDirectory() as folder:
+            (pathlib.Path(folder) / name).write_bytes(content)
+            outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", os.environ["QRX_MKVLAYOUT"], folder],
+                                     capture_output=True, text=True, check=False)
+        return outcome.returncode, outcome.stdout + outcome.stderr
+
+    def assert_found(self, content, expected):
+        status, text = self.judge("damaged.mkv", bytes(content))
+        self.assertEqual(status, 1, text)
+        self.assertIn("0 passed, 1 failed", text)
+        self.assertIn(expected, text)
+
+    def changed(self, pattern, offset, value, start=0):
+        content = bytearray(self.made)
+        place = content.index(pattern, start) + len(pattern) + offset
+        content[place] = value if content[place] != value else value ^ 1
+        return content
+
+    def test_a_file_by_another_writer_passes(self):
+        status, text = self.judge("made.mkv", self.made)
+        self.assertEqual(status, 0, text)
+        self.assertIn("1 passed, 0 failed", text)
+
+    def test_a_recording_that_was_cut_passes_where_it_says_so(self):
+        cut = self.live[: len(self.live) * 2 // 3]
+        status, text = self.judge("recording.cut.mkv", cut)
+        self.assertEqual(status, 0, text)
+        status, text = self.judge("recording.mkv", cut)
+        self.assertEqual(status, 1, text)
+
+    def test_a_seek_position_that_misses_is_found(self):
+        self.assert_found(self.changed(SEEK_POSITION, 1, 0x33), "the seek head puts")
+
+    def test_a_cue_position_that_misses_is_found(self):
+        cues = self.made.index(CUES, len(self.made) // 2)
+        self.assert_found(self.changed(CUE_CLUSTER_POSITION, 1, 0x33, cues), "where no Cluster begins")
+
+    def test_a_cluster_time_that_fits_no_cue_is_found(self):
+        self.assert_found(self.changed(TIMESTAMP_ZERO, -1, 9), "which has no such block")
+
+    def test_a_missing_end_is_found(self):
+        self.assert_found(self.made[:-100], "reaches beyond")
+
+    def test_bytes_behind_the_segment_are_found(self):
+        self.assert_found(self.made + b"behind", "the Segment ends before the file")
+
+    def test_a_block_of_another_track_is_found(self):
+        self.assert_found(self.changed(SIMPLE_BLOCK_OF_TRACK_1, -4, 0x85), "a block of the unknown track 5")
+
+    def test_no_file_is_no_success(self):
+        with tempfile.TemporaryDirectory() as folder:
+            outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", "false", folder],
+                                     capture_output=True, check=False)
+        self.assertEqual(outcome.returncode, 2)
+
+    def test_a_reader_that_does_not_run_is_no_success(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (pathlib.Path(folder) / "made.mkv").write_bytes(self.made)
+            outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", "sh -c 'exit 3'", folder],
+                                     capture_output=True, text=True, check=False)
+        self.assertEqual(outcome.returncode, 1)
+        self.assertIn("failed with status 3", outcome.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
