@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <objbase.h>
+#include <ocidl.h>
 #include <ole2.h>
 #include <oleauto.h>
 

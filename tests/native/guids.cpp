@@ -5,7 +5,6 @@
 
 #include "win/platform.h"
 
-#include <ocidl.h>
 #include <olectl.h>
 
 extern "C" const IID GUID_NULL __attribute__((weak)) = {};
