@@ -17,9 +17,9 @@ HRESULT TypeRefusal(HRESULT hr) {
     return IsPlainRefusal(hr) ? VFW_E_TYPE_NOT_ACCEPTED : hr;
 }
 
-// Of many failed attempts, one that says more than "wrong type" is worth reporting.
+// Of many failed attempts, the first that says more than "wrong type" is worth reporting.
 bool IsWorthReporting(HRESULT hr) {
-    return FAILED(hr) && !IsPlainRefusal(hr) && hr != VFW_E_TYPE_NOT_ACCEPTED;
+    return !IsPlainRefusal(hr) && hr != VFW_E_TYPE_NOT_ACCEPTED && hr != VFW_E_NO_ACCEPTABLE_TYPES;
 }
 
 // The enumerator's next type, or none at its end.
@@ -85,7 +85,7 @@ HRESULT CBasePin::AgreeMediaType(IPin* pReceivePin, const CMediaType* pmt) {
         if (SUCCEEDED(hr)) {
             return S_OK;
         }
-        if (IsWorthReporting(hr)) {
+        if (failure == VFW_E_NO_ACCEPTABLE_TYPES && IsWorthReporting(hr)) {
             failure = hr;
         }
     }
