@@ -44,7 +44,7 @@ FrameGrouper::Packets FrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet,
     const UINT64 memory = MemoryOf(*packet);
     m_pending.push_back(std::move(packet));
     m_pendingBytes += memory;
-    if (m_pending.size() > 1 && m_pendingBytes > kMaxFrameBytes) {
+    if (m_pending.size() > 1 && m_pendingBytes > m_maxFrameBytes) {
         return TakePending();
     }
     Merge(ready);

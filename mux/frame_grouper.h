@@ -20,6 +20,8 @@ class FrameGrouper {
     // A frame that never ends is given away in pieces above this size, so that memory stays bounded.
     static constexpr UINT64 kMaxFrameBytes = 104857600; // 100 MiB
 
+    explicit FrameGrouper(UINT64 maxFrameBytes = kMaxFrameBytes) : m_maxFrameBytes(maxFrameBytes) {}
+
     // Returns what is ready to be queued: as a rule nothing, or the finished frame before as one packet.
     [[nodiscard]] Packets Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type);
     // What is still held, unmerged.
@@ -30,6 +32,7 @@ class FrameGrouper {
   private:
     Packets TakePending();
 
+    const UINT64 m_maxFrameBytes;
     win::CriticalSection m_lock; // guards all below
     Packets m_pending;
     UINT64 m_pendingBytes = 0; // the packets' own memory included

@@ -1,0 +1,209 @@
+// Sleeping and waking: nobody sleeps for what already holds, and nobody oversleeps.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <future>
+#include <thread>
+
+#include "mux/mux_interleaver.h"
+#include "tests/mux/packet_helpers.h"
+
+#ifdef QRX_NATIVE
+#include "tests/native/native_hooks.h"
+#endif
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+constexpr DWORD kLongMs = 20000;
+constexpr auto kSoon = seconds(10); // far below kLongMs, far above any scheduling delay
+
+class MuxInterleaverWaitTest : public ::testing::Test {
+  protected:
+    CMuxInterStream& AddStream(MuxStreamKind kind) {
+        CMuxInterStream* const stream = interleaver.AddStream();
+        stream->Attach(nullptr, kind, true);
+        return *stream;
+    }
+    // Lets the other thread fall asleep; if it has not yet, the test is only less sharp.
+    static void LetItSleep() { std::this_thread::sleep_for(milliseconds(30)); }
+
+    std::future<int> TakeElsewhere(DWORD timeoutMs) {
+        return std::async(std::launch::async, [this, timeoutMs] {
+            std::unique_ptr<CMuxInterPacket> packet;
+            return interleaver.GetNextPacket(packet, timeoutMs);
+        });
+    }
+
+    CMuxInterleaver interleaver;
+};
+
+TEST_F(MuxInterleaverWaitTest, APacketWakesTheSleepingWorker) {
+    AddStream(MuxStreamKind::Video);
+    auto result = TakeElsewhere(kLongMs);
+    LetItSleep();
+    interleaver.AddPacket(MakePacket(0, 0));
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxOk, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, ThePacketOfTheLastEmptyStreamWakesTheSleepingWorker) {
+    AddStream(MuxStreamKind::Video);
+    AddStream(MuxStreamKind::Audio);
+    auto result = TakeElsewhere(kLongMs);
+    LetItSleep();
+    interleaver.AddPacket(MakePacket(0, 0));
+    LetItSleep();
+    EXPECT_EQ(std::future_status::timeout, result.wait_for(milliseconds(0)));
+    interleaver.AddPacket(MakePacket(1, 0));
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxOk, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, TheLastEndOfStreamWakesTheSleepingWorker) {
+    AddStream(MuxStreamKind::Video);
+    auto result = TakeElsewhere(kLongMs);
+    LetItSleep();
+    interleaver.AddPacket(MakeEndOfStream(0));
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxAllEnded, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, StopWakesTheSleepingWorker) {
+    AddStream(MuxStreamKind::Video);
+    auto result = TakeElsewhere(kLongMs);
+    LetItSleep();
+    interleaver.SetStop();
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxStopping, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, StopWakesAProducerThatWaitsWithoutLimit) {
+    AddStream(MuxStreamKind::Other);
+    interleaver.AddPacket(MakePacket(0, 0, 2000));
+    auto result = std::async(std::launch::async, [this] {
+        std::unique_ptr<CMuxInterPacket> packet;
+        return interleaver.NewPacket(0, packet);
+    });
+    LetItSleep();
+    EXPECT_EQ(std::future_status::timeout, result.wait_for(milliseconds(0)));
+    interleaver.SetStop();
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxFailed, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, RoomWakesAProducerThatWaitsWithoutLimit) {
+    AddStream(MuxStreamKind::Other);
+    interleaver.AddPacket(MakePacket(0, 0, 2000));
+    auto result = std::async(std::launch::async, [this] {
+        std::unique_ptr<CMuxInterPacket> packet;
+        return interleaver.NewPacket(0, packet);
+    });
+    LetItSleep();
+    EXPECT_EQ(std::future_status::timeout, result.wait_for(milliseconds(0)));
+    std::unique_ptr<CMuxInterPacket> taken;
+    EXPECT_EQ(kMuxOk, interleaver.GetNextPacket(taken, 0));
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxOk, result.get());
+}
+
+TEST_F(MuxInterleaverWaitTest, StopEndsAPollAndRoomComesBeforeStop) {
+    CMuxInterStream& stream = AddStream(MuxStreamKind::Other);
+    interleaver.SetStop();
+    EXPECT_EQ(CMuxInterleaver::RoomWait::Writable, interleaver.WaitForRoom(stream, kLongMs));
+    interleaver.AddPacket(MakePacket(0, 0, 2000));
+    EXPECT_EQ(CMuxInterleaver::RoomWait::Stopping, interleaver.WaitForRoom(stream, kLongMs));
+}
+
+TEST_F(MuxInterleaverWaitTest, EveryPacketOfEightHurriedProducersArrivesInOrder) {
+    constexpr int kProducers = 8;
+    constexpr int kPackets = 2000;
+    for (int i = 0; i < kProducers; ++i) {
+        AddStream(i % 2 == 0 ? MuxStreamKind::Other : MuxStreamKind::Audio);
+    }
+    std::vector<std::thread> producers;
+    for (int i = 0; i < kProducers; ++i) {
+        producers.emplace_back([this, i] {
+            std::unique_ptr<CMuxInterPacket> packet;
+            for (int n = 0; n < kPackets && interleaver.NewPacket(i, packet) == kMuxOk; ++n) {
+                packet->start = n;
+                packet->size = 700; // the third blocks a stream of kind Other
+                packet->data = std::make_unique<BYTE[]>(packet->size);
+                interleaver.AddPacket(std::move(packet));
+            }
+            interleaver.AddPacket(MakeEndOfStream(i));
+        });
+    }
+    std::vector<std::int64_t> next(kProducers, 0);
+    INT64 latest = 0;
+    int result = kMuxOk;
+    std::unique_ptr<CMuxInterPacket> packet;
+    while ((result = interleaver.GetNextPacket(packet, kLongMs)) == kMuxOk) {
+        EXPECT_EQ(next[static_cast<size_t>(packet->streamIndex)]++, packet->start);
+        EXPECT_LE(latest, packet->start);
+        latest = packet->start;
+    }
+    EXPECT_EQ(kMuxAllEnded, result);
+    EXPECT_EQ(std::vector<std::int64_t>(kProducers, kPackets), next);
+    for (auto& producer : producers) {
+        producer.join();
+    }
+}
+
+#ifdef QRX_NATIVE
+
+TEST_F(MuxInterleaverWaitTest, PacketsFlowWithoutAKernelCallWhenNobodyMustSleep) {
+    AddStream(MuxStreamKind::Video);
+    AddStream(MuxStreamKind::Audio);
+    interleaver.AddPacket(MakePacket(0, 0));
+    interleaver.AddPacket(MakePacket(1, 0));
+    const native::KernelCalls before = native::CountedKernelCalls();
+    for (INT64 i = 1; i <= 1000; ++i) {
+        for (const INT32 stream : {0, 1}) {
+            std::unique_ptr<CMuxInterPacket> packet;
+            ASSERT_EQ(kMuxOk, interleaver.NewPacket(stream, packet));
+            packet->start = i;
+            ASSERT_EQ(kMuxOk, interleaver.AddPacket(std::move(packet)));
+        }
+        std::unique_ptr<CMuxInterPacket> taken;
+        ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(taken, 40));
+        ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(taken, 40));
+    }
+    EXPECT_EQ(0u, (native::CountedKernelCalls() - before).Total());
+}
+
+TEST_F(MuxInterleaverWaitTest, AFullAndEmptyingQueueCostsNoKernelCallWhileNobodySleepsForIt) {
+    AddStream(MuxStreamKind::Other);
+    const native::KernelCalls before = native::CountedKernelCalls();
+    std::unique_ptr<CMuxInterPacket> taken;
+    for (INT64 i = 0; i < 1000; ++i) {
+        interleaver.AddPacket(MakePacket(0, i, 3000));
+        ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(taken, 40));
+    }
+    EXPECT_EQ(0u, (native::CountedKernelCalls() - before).Total());
+}
+
+TEST_F(MuxInterleaverWaitTest, AStarvedAttemptSleepsOnceAndIsNotWokenByStreamsThatDoNotHelp) {
+    AddStream(MuxStreamKind::Video);
+    AddStream(MuxStreamKind::Audio);
+    interleaver.AddPacket(MakePacket(0, 0));
+    auto result = TakeElsewhere(300);
+    std::this_thread::sleep_for(milliseconds(50));
+    const native::KernelCalls before = native::CountedKernelCalls();
+    for (INT64 i = 0; i < 1000; ++i) {
+        interleaver.AddPacket(MakePacket(0, i));
+    }
+    const native::KernelCalls calls = native::CountedKernelCalls() - before;
+    EXPECT_EQ(0u, calls.sets);
+    EXPECT_EQ(0u, calls.waits);
+    EXPECT_EQ(kMuxFailed, result.get());
+}
+
+#endif
+
+} // namespace
