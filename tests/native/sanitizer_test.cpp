@@ -13,7 +13,6 @@
 #include "win/com_ptr.h"
 #include "win/critical_section.h"
 
-
 GTEST_DECLARE_bool_(death_test_use_fork); // GoogleTest defines it without declaring it to users
 
 namespace {
