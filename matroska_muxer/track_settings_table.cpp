@@ -23,6 +23,11 @@ std::optional<CTrackSettingsRow> CTrackSettingsTable::At(INT32 index) const {
     return m_rows[static_cast<size_t>(index)];
 }
 
+std::vector<CTrackSettingsRow> CTrackSettingsTable::All() const {
+    const std::lock_guard lock(m_lock);
+    return m_rows;
+}
+
 bool CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
     const std::lock_guard lock(m_lock);
     if (!Has(index)) {

@@ -18,6 +18,8 @@ class CTrackSettingsTable {
     [[nodiscard]] size_t Count() const;
     // The row at that position; none outside the table.
     [[nodiscard]] std::optional<CTrackSettingsRow> At(INT32 index) const;
+    // A copy of all rows.
+    [[nodiscard]] std::vector<CTrackSettingsRow> All() const;
     // False, and nothing changes, outside the table.
     bool Replace(INT32 index, CTrackSettingsRow row);
 

@@ -54,7 +54,7 @@ TEST(InputTypes, AudioIsAcceptedByItsSubtype) {
         EXPECT_TRUE(Accepts(MEDIATYPE_Audio, subtype, kAnyFormat));
         EXPECT_FALSE(Accepts(MEDIATYPE_Video, subtype, kAnyFormat));
     }
-    for (const WORD tag : {0x0161, 0x2002, 0x2003, 0x2004, 0x0130, 0x0270, 0x0006, 0x0000}) {
+    for (const int tag : {0x0161, 0x2002, 0x2003, 0x2004, 0x0130, 0x0270, 0x0006, 0x0000}) {
         EXPECT_FALSE(Accepts(MEDIATYPE_Audio, SubtypeFromWaveTag(static_cast<WORD>(tag)), FORMAT_WaveFormatEx));
     }
 }

@@ -16,7 +16,7 @@
 #include "tests/support/media_types.h"
 #include "tests/support/pin_lookup.h"
 #include "tests/support/written_files.h"
-#include "win/bstr.h"
+#include "win/handle.h"
 
 using namespace test_support;
 

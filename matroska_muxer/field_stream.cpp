@@ -1,0 +1,47 @@
+#include "matroska_muxer/field_stream.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "dshow/stream_io.h"
+
+namespace {
+
+constexpr UINT64 kPieceBytes = 1024 * 1024;
+
+} // namespace
+
+void FieldWriter::WriteBytes(const void* bytes, ULONG size) {
+    if (size == 0) {
+        return;
+    }
+    if (const HRESULT result = WriteExactly(&m_stream, bytes, size); FAILED(result)) {
+        throw StreamFailure{result};
+    }
+}
+
+void FieldReader::ReadInto(void* buffer, ULONG size) {
+    if (const HRESULT result = ReadExactly(&m_stream, buffer, size); FAILED(result)) {
+        throw StreamFailure{result};
+    }
+}
+
+std::vector<BYTE> FieldReader::ReadBytes(UINT64 size) {
+    std::vector<BYTE> bytes;
+    while (bytes.size() < size) {
+        const auto piece = static_cast<ULONG>(std::min<UINT64>(kPieceBytes, size - bytes.size()));
+        const size_t before = bytes.size();
+        bytes.resize(before + piece);
+        ReadInto(bytes.data() + before, piece);
+    }
+    return bytes;
+}
+
+win::Bstr FieldReader::ReadText(UINT64 bytes) {
+    const std::vector<BYTE> raw = ReadBytes(bytes);
+    WideString text(raw.size() / sizeof(WCHAR), WCHAR{});
+    if (!text.empty()) {
+        std::memcpy(text.data(), raw.data(), text.size() * sizeof(WCHAR));
+    }
+    return win::Bstr(text);
+}
