@@ -52,7 +52,9 @@ void MuxGraph::AddStream(SourceStream stream) {
         throw Failure(described + ": the muxer has no free input");
     }
     if (const HRESULT hr = m_graph->ConnectDirect(stream.pin.Get(), input.Get(), nullptr); FAILED(hr)) {
-        throw Failure(described + ": the muxer does not take this type: " + DescribeResult(hr));
+        const bool refused = input->QueryAccept(&stream.type) != S_OK;
+        throw Failure(described + (refused ? ": the muxer does not take this type"
+                                           : ": cannot be connected to the muxer: " + DescribeResult(hr)));
     }
     CMediaType agreed;
     if (SUCCEEDED(stream.pin->ConnectionMediaType(&agreed))) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "dshow/media_subtypes.h"
+#include "tools/avi_source/avi_source_filter.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/graph_walk.h"
 #include "tools/mkvmux/text.h"
@@ -33,6 +35,17 @@ std::vector<CMediaType> TypesWorthTrying(IPin* pin) {
     return types;
 }
 
+// Wine's splitter offers Cinepak, but ends the whole process (a failed assertion of its own) when it shall stream it.
+bool RunsOnWine() {
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
+bool CanBeStreamed(const SourceStream& stream) {
+    constexpr GUID kCinepak = SubtypeFromFourCC('c', 'v', 'i', 'd');
+    return stream.HasType() && !(stream.type.subtype == kCinepak && RunsOnWine());
+}
+
 SourceStream StreamOf(const std::wstring& path, const win::ComPtr<IPin>& pin) {
     SourceStream stream{path, NameOf(pin.Get()), pin, {}};
     if (std::vector<CMediaType> types = TypesOf(pin.Get()); !types.empty()) {
@@ -56,16 +69,45 @@ SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
 }
 
 std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
+    std::vector<SourceStream> streams = OpenWithSystem(path);
+    win::ComPtr<IBaseFilter> aviSource;
+    if (std::all_of(streams.begin(), streams.end(), CanBeStreamed) || FAILED(avi::CAviSource::Open(path, aviSource))) {
+        return streams;
+    }
+    streams.clear(); // a splitter may free its pins when it leaves the graph, whoever holds them
+    RemoveFilters();
+    return OpenWith(aviSource.Get(), path);
+}
+
+std::vector<SourceStream> SourceStreams::OpenWithSystem(const std::wstring& path) {
+    m_filters.clear();
     win::ComPtr<IBaseFilter> source;
     if (const HRESULT hr = m_graph->AddSourceFilter(path.c_str(), path.c_str(), source.Put()); FAILED(hr)) {
         throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeResult(hr));
     }
+    m_filters.push_back(source);
     std::vector<SourceStream> streams;
     Collect(source.Get(), path, 0, streams);
     if (streams.empty()) {
         throw Failure(Utf8FromWide(path) + ": holds no stream");
     }
     return streams;
+}
+
+std::vector<SourceStream> SourceStreams::OpenWith(IBaseFilter* source, const std::wstring& path) {
+    if (const HRESULT hr = m_graph->AddFilter(source, path.c_str()); FAILED(hr)) {
+        throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeResult(hr));
+    }
+    std::vector<SourceStream> streams;
+    Collect(source, path, 0, streams);
+    return streams;
+}
+
+void SourceStreams::RemoveFilters() {
+    for (const win::ComPtr<IBaseFilter>& filter : m_filters) {
+        m_graph->RemoveFilter(filter.Get());
+    }
+    m_filters.clear();
 }
 
 void SourceStreams::Collect(IBaseFilter* filter, const std::wstring& path, int depth,
@@ -119,6 +161,7 @@ bool SourceStreams::TrySplitter(IPin* pin, IBaseFilter* splitter) {
     const win::ComPtr<IPin> input = FreePinOf(splitter, PINDIR_INPUT);
     if (input && SUCCEEDED(m_graph->ConnectDirect(pin, input.Get(), nullptr)) &&
         !PinsOf(splitter, PINDIR_OUTPUT).empty()) {
+        m_filters.push_back(win::ComPtr<IBaseFilter>(splitter));
         return true;
     }
     m_graph->RemoveFilter(splitter); // disconnects it too

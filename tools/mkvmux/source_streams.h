@@ -32,6 +32,9 @@ class SourceStreams {
     [[nodiscard]] std::vector<SourceStream> Open(const std::wstring& path);
 
   private:
+    [[nodiscard]] std::vector<SourceStream> OpenWithSystem(const std::wstring& path);
+    [[nodiscard]] std::vector<SourceStream> OpenWith(IBaseFilter* source, const std::wstring& path);
+    void RemoveFilters();
     void Collect(IBaseFilter* filter, const std::wstring& path, int depth, std::vector<SourceStream>& streams);
     [[nodiscard]] win::ComPtr<IBaseFilter> AttachSplitter(IPin* pin);
     [[nodiscard]] win::ComPtr<IBaseFilter> TryCandidates(IPin* pin, const AM_MEDIA_TYPE& type);
@@ -39,6 +42,7 @@ class SourceStreams {
 
     win::ComPtr<IGraphBuilder> m_graph;
     win::ComPtr<IFilterMapper2> m_mapper;
+    std::vector<win::ComPtr<IBaseFilter>> m_filters; // added for the file that is being opened
 };
 
 } // namespace mkvmux

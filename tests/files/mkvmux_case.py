@@ -1,0 +1,177 @@
+"""What the whole-file tests share: inputs made by ffmpeg, mkvmux run under Wine, and the judges."""
+
+import atexit
+import functools
+import json
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+BUILD = ROOT / "build"
+BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
+WINE = os.environ.get("QRX_WINE", "/usr/lib/wine/wine64")
+RUN_TIMEOUT_SECONDS = 60
+
+# What the host under Wine prints on its own account; everything else on standard error is mkvmux's.
+HOST_NOISE = re.compile(r"GStreamer|ALSA lib|^wine: |fixme:|err:|^\s*$")
+
+
+def wine_environment():
+    environment = dict(os.environ)
+    environment.setdefault("WINEARCH", "win64")
+    environment.setdefault("WINEPREFIX", str(BUILD / "wineprefix"))
+    environment.setdefault("WINEDEBUG", "-all")
+    environment.setdefault("WINEDLLOVERRIDES", "winealsa.drv,winepulse.drv,winemenubuilder.exe,mscoree,mshtml=")
+    return environment
+
+
+def run_tool(command, **more):
+    return subprocess.run(command, capture_output=True, text=True, timeout=RUN_TIMEOUT_SECONDS, **more)
+
+
+class Run:
+    """One finished run of mkvmux."""
+
+    def __init__(self, status, output, errors):
+        self.status = status
+        self.output = output
+        self.error_lines = [line for line in errors.splitlines() if not HOST_NOISE.search(line)]
+
+    def __str__(self):
+        return f"exit status {self.status}\n{self.output}\n" + "\n".join(self.error_lines)
+
+
+@functools.lru_cache(maxsize=None)
+def input_directory():
+    """Of this run of the tests; gone with the interpreter."""
+    directory = Path(tempfile.mkdtemp(prefix="qrx_inputs_"))
+    atexit.register(shutil.rmtree, directory, ignore_errors=True)
+    return directory
+
+
+@functools.lru_cache(maxsize=None)
+def make_input(name, *arguments):
+    """A file made by ffmpeg with these arguments, once for all tests."""
+    path = input_directory() / name
+    done = run_tool(["ffmpeg", "-v", "error", "-nostdin", "-y", *arguments, str(path)])
+    if done.returncode != 0:
+        raise RuntimeError(f"ffmpeg cannot make {name}: {done.stderr}")
+    return path
+
+
+def picture(seconds, size="160x120", rate=25):
+    return ("-f", "lavfi", "-i", f"testsrc=size={size}:rate={rate}:duration={seconds}")
+
+
+def sound(seconds, rate=44100):
+    return ("-f", "lavfi", "-i", f"sine=frequency=440:sample_rate={rate}:duration={seconds}")
+
+
+def cinepak_avi(seconds=4):
+    return make_input(f"cinepak{seconds}.avi", *picture(seconds), *sound(seconds), "-c:v", "cinepak", "-c:a",
+                      "pcm_s16le")
+
+
+def raw_avi(seconds=4, size="160x120"):
+    """Uncompressed video, which the system's own splitter streams."""
+    return make_input(f"raw{seconds}_{size}.avi", *picture(seconds, size), *sound(seconds), "-c:v", "rawvideo",
+                      "-pix_fmt", "yuv420p", "-c:a", "pcm_s16le")
+
+
+def pcm_wave(seconds=4):
+    return make_input(f"pcm{seconds}.wav", *sound(seconds), "-c:a", "pcm_s16le")
+
+
+class MkvmuxCase(unittest.TestCase):
+    def setUp(self):
+        self.directory = Path(tempfile.mkdtemp(prefix="qrx_files_"))
+        self.addCleanup(shutil.rmtree, self.directory, ignore_errors=True)
+
+    # ---- running
+
+    def command(self, *arguments, registered=False):
+        how = [] if registered else ["--no-register"]
+        return [WINE, str(BIN / "mkvmux.exe"), *how, *map(str, arguments)]
+
+    def start(self, *arguments, **more):
+        """A run in the background; it is killed when the test ends."""
+        process = subprocess.Popen(self.command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True, env=wine_environment(), **more)
+        self.addCleanup(self.end, process)
+        return process
+
+    @staticmethod
+    def end(process):
+        if process.poll() is None:
+            process.kill()
+        process.communicate()
+
+    def mkvmux(self, *arguments, registered=False, **more):
+        done = run_tool(self.command(*arguments, registered=registered), stdin=subprocess.DEVNULL,
+                        env=wine_environment(), **more)
+        return Run(done.returncode, done.stdout, done.stderr)
+
+    def mux(self, output, *inputs):
+        """A run that has to succeed without a word on standard error."""
+        run = self.mkvmux("-o", output, *inputs)
+        self.assertEqual(run.status, 0, f"mkvmux failed: {run}")
+        self.assertEqual(run.error_lines, [], f"mkvmux complained: {run}")
+        return run
+
+    def assert_fails(self, run, *texts):
+        """Exit status 2 and exactly one line on standard error that names what and why."""
+        self.assertEqual(run.status, 2, f"a failure has exit status 2: {run}")
+        self.assertEqual(len(run.error_lines), 1, f"a failure is one line on standard error: {run}")
+        for text in texts:
+            self.assertIn(text, run.error_lines[0])
+
+    # ---- judging
+
+    def assert_decodes(self, path):
+        done = run_tool(["ffmpeg", "-v", "error", "-xerror", "-nostdin", "-i", str(path), "-f", "null", "-"])
+        self.assertEqual((done.returncode, done.stderr), (0, ""), f"ffmpeg cannot decode {path} without an error")
+
+    def identify(self, path):
+        done = run_tool(["mkvmerge", "-J", str(path)])
+        report = json.loads(done.stdout)
+        self.assertEqual(report["errors"], [], "mkvmerge reports errors")
+        self.assertEqual(report["warnings"], [], "mkvmerge reports warnings")
+        self.assertTrue(report["container"]["recognized"] and report["container"]["supported"])
+        self.assertEqual(report["container"]["type"], "Matroska")
+        return report
+
+    def codecs(self, path):
+        return [(track["type"], track["properties"]["codec_id"]) for track in self.identify(path)["tracks"]]
+
+    @staticmethod
+    def run_ffmpeg(path, *arguments):
+        return run_tool(["ffmpeg", "-v", "error", "-nostdin", "-i", str(path), *arguments]).stdout
+
+    @staticmethod
+    def run_ffprobe(path, *arguments):
+        return run_tool(["ffprobe", "-v", "error", *arguments, str(path)]).stdout
+
+    def packets(self, path, stream):
+        """(size, hash) of each packet of one stream, as ffmpeg's demuxer reads them; empty ones do not count."""
+        text = self.run_ffmpeg(path, "-map", f"0:{stream}", "-c", "copy", "-f", "framehash", "-hash", "md5", "-")
+        lines = [line.split(",") for line in text.splitlines() if line and not line.startswith("#")]
+        packets = [(int(fields[4]), fields[5].strip()) for fields in lines]
+        return [packet for packet in packets if packet[0] > 0]
+
+    def times(self, path, stream):
+        """Start of each packet in milliseconds."""
+        text = self.run_ffprobe(path, "-select_streams", str(stream), "-show_entries", "packet=pts_time", "-of",
+                                "csv=p=0")
+        return [round(1000 * float(line.strip(","))) for line in text.split()]
+
+    def assert_same_packets(self, source, source_stream, path, stream):
+        before = self.packets(source, source_stream)
+        after = self.packets(path, stream)
+        self.assertGreater(len(before), 0, f"ffmpeg finds no packet in stream {source_stream} of {source}")
+        self.assertEqual(len(before), len(after), "the number of packets")
+        self.assertEqual(before, after, "sizes and MD5 of the packets")

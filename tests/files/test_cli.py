@@ -1,0 +1,119 @@
+"""mkvmux's options and its answers when all goes well."""
+
+import signal
+import time
+
+from mkvmux_case import MkvmuxCase, Run, cinepak_avi, make_input, pcm_wave, raw_avi, sound
+
+WAIT_SECONDS = 30
+
+
+class CommandLine(MkvmuxCase):
+    def test_version_and_help(self):
+        version = self.mkvmux("--version")
+        self.assertEqual(version.status, 0)
+        self.assertRegex(version.output, r"^mkvmux \d+\.\d+\.\d+\.\d+\s*$")
+        help_text = self.mkvmux("--help")
+        self.assertEqual(help_text.status, 0)
+        for option in ("--output", "--webm", "--identify", "--no-register", "--quiet", "--progress"):
+            self.assertIn(option, help_text.output)
+
+    def test_identify_lists_streams_types_and_codecs_and_writes_nothing(self):
+        before = set(self.directory.iterdir())
+        run = self.mkvmux("--identify", cinepak_avi(), pcm_wave(), cwd=self.directory)
+        self.assertEqual(run.status, 0, run)
+        self.assertRegex(run.output, r"track 0 \(Stream 00\): video 'cvid', 160x120, 25 fps: V_MS/VFW/FOURCC")
+        self.assertRegex(run.output, r"track 1 \(Stream 01\): audio wave tag 0x0001, 44100 Hz, 1 channel, 16 bits: "
+                                     r"A_PCM/INT/LIT")
+        self.assertRegex(run.output, r"track 2 \(.*\): audio wave tag 0x0001")
+        self.assertEqual(set(self.directory.iterdir()), before)
+
+    def test_progress_is_plain_lines_outside_a_terminal(self):
+        run = self.mux(self.directory / "out.mkv", raw_avi())
+        self.assertIn("Progress: 0%\n", run.output)
+        self.assertIn("Progress: 100%\n", run.output)
+        self.assertNotIn("\r[", run.output)
+
+    def test_quiet_says_nothing(self):
+        run = self.mkvmux("-q", "-o", self.directory / "out.mkv", raw_avi())
+        self.assertEqual((run.status, run.output, run.error_lines), (0, "", []))
+        self.assert_decodes(self.directory / "out.mkv")
+
+    def test_progress_never_and_always(self):
+        never = self.mkvmux("--progress", "never", "-o", self.directory / "a.mkv", pcm_wave())
+        self.assertEqual(never.status, 0, never)
+        self.assertNotIn("Progress", never.output)
+        always = self.mkvmux("-q", "--progress", "always", "-o", self.directory / "b.mkv", pcm_wave())
+        self.assertIn("Progress: 100%", always.output)
+
+    def test_an_existing_output_is_overwritten_only_when_allowed(self):
+        output = self.directory / "out.mkv"
+        output.write_bytes(b"precious" * 1_000_000)
+        self.assert_fails(self.mkvmux("-o", output, pcm_wave()), "out.mkv", "exists", "-y")
+        self.assertEqual(output.read_bytes()[:8], b"precious")
+        run = self.mkvmux("-y", "-o", output, pcm_wave())
+        self.assertEqual(run.status, 0, run)
+        self.assertLess(output.stat().st_size, 1_000_000)
+        self.assert_decodes(output)
+
+    def test_file_names_of_every_script(self):
+        source = make_input("töne €日本\U0001F3B5.wav", *sound(1), "-c:a", "pcm_s16le")
+        output = self.directory / "ausgäbe \U0001F3AC 出力.mkv"
+        run = self.mux(output, source)
+        self.assertIn("töne €日本\U0001F3B5.wav", run.output)
+        self.assert_decodes(output)
+
+    def test_relative_paths(self):
+        (self.directory / "in.wav").write_bytes(pcm_wave().read_bytes())
+        run = self.mkvmux("-o", "out.mkv", "./in.wav", cwd=self.directory)
+        self.assertEqual(run.status, 0, run)
+        self.assert_decodes(self.directory / "out.mkv")
+
+    def test_ctrl_c_finalises_the_file(self):
+        source = raw_avi(20, "640x480")
+        output = self.directory / "out.mkv"
+        process = self.start("-o", output, source)
+        self.wait_until(lambda: output.exists() and output.stat().st_size > 5_000_000, process)
+        process.send_signal(signal.SIGINT)
+        text, errors = process.communicate(timeout=WAIT_SECONDS)
+        run = Run(process.returncode, text, errors)
+        self.assertEqual(run.status, 1, f"an interrupted run is done with warnings: {run}")
+        self.assertEqual(len(run.error_lines), 1, run)
+        self.assertIn("interrupted", run.error_lines[0])
+        self.assertLess(output.stat().st_size, source.stat().st_size, "the run was over before it was interrupted")
+        # Finalised: the sizes, the duration and the index are there.
+        duration = self.identify(output)["container"]["properties"]["duration"]
+        self.assertGreater(duration, 0)
+        self.assert_decodes(output)
+        after = self.packets(output, 0)
+        self.assertEqual(after, self.packets(source, 0)[: len(after)])
+
+    def wait_until(self, condition, process):
+        deadline = time.monotonic() + WAIT_SECONDS
+        while not condition():
+            self.assertIsNone(process.poll(), "mkvmux ended before it could be disturbed")
+            self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
+            time.sleep(0.002)
+
+
+class DocumentType(MkvmuxCase):
+    """The muxer may or may not take the document type; a refusal is clear and leaves no file."""
+
+    def check_webm(self, output, *options):
+        run = self.mkvmux(*options, "-o", output, pcm_wave())
+        if run.status == 0:
+            self.assertIn(b"\x42\x82\x84webm", output.read_bytes()[:64])
+        else:
+            self.assert_fails(run, "--webm", "document type")
+            self.assertFalse(output.exists())
+
+    def test_webm_by_option(self):
+        self.check_webm(self.directory / "out.mkv", "--webm")
+
+    def test_webm_by_the_name_of_the_output(self):
+        self.check_webm(self.directory / "out.webm")
+
+    def test_matroska_otherwise(self):
+        output = self.directory / "out.mkv"
+        self.mux(output, pcm_wave())
+        self.assertIn(b"\x42\x82\x88matroska", output.read_bytes()[:64])

@@ -1,0 +1,116 @@
+"""Each way to fail: exit status 2, one line on standard error that names what and why, no trace left behind."""
+
+import os
+import resource
+import shutil
+import signal
+import subprocess
+
+from mkvmux_case import BIN, WINE, MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, run_tool, sound
+from mkvmux_case import wine_environment
+
+
+class Failures(MkvmuxCase):
+    def setUp(self):
+        super().setUp()
+        self.output = self.directory / "out.mkv"
+
+    def assert_fails_without_output(self, run, *texts):
+        self.assert_fails(run, *texts)
+        self.assertFalse(self.output.exists(), "a run that cannot start leaves no file")
+
+    def test_a_missing_input(self):
+        run = self.mkvmux("-o", self.output, self.directory / "missing.avi")
+        self.assert_fails_without_output(run, "missing.avi", "cannot be opened")
+
+    def test_an_input_that_is_a_directory(self):
+        run = self.mkvmux("-o", self.output, self.directory)
+        self.assert_fails_without_output(run, "is a directory")
+
+    def test_the_second_of_two_inputs_is_missing(self):
+        run = self.mkvmux("-o", self.output, pcm_wave(), self.directory / "missing.avi")
+        self.assert_fails_without_output(run, "missing.avi")
+
+    def test_an_input_that_no_splitter_takes(self):
+        text = self.directory / "notes.txt"
+        text.write_text("no media here\n")
+        self.assert_fails_without_output(self.mkvmux("-o", self.output, text), "notes.txt", "no splitter takes it")
+
+    def test_damaged_inputs(self):
+        whole = cinepak_avi().read_bytes()
+        for size in (0, 1, 12, 100, 2000):
+            damaged = self.directory / f"cut{size}.avi"
+            damaged.write_bytes(whole[:size])
+            with self.subTest(size=size):
+                self.assert_fails_without_output(self.mkvmux("-o", self.output, damaged), damaged.name)
+
+    def test_a_stream_whose_type_the_muxer_does_not_take(self):
+        source = make_input("wma.avi", *picture(1), *sound(1), "-c:v", "cinepak", "-c:a", "wmav2")
+        run = self.mkvmux("-o", self.output, source)
+        self.assert_fails_without_output(run, "wma.avi: stream 'Stream 01'", "wave tag 0x0161", "does not take")
+
+    def test_an_output_that_cannot_be_created(self):
+        run = self.mkvmux("-o", self.directory / "no" / "such" / "out.mkv", pcm_wave())
+        self.assert_fails(run, "out.mkv", "cannot be created")
+
+    def test_an_output_that_is_a_directory(self):
+        run = self.mkvmux("-y", "-o", self.directory, pcm_wave())
+        self.assert_fails(run, str(self.directory), "cannot be created")
+
+    def test_the_output_is_an_input(self):
+        source = self.directory / "same.wav"
+        source.write_bytes(pcm_wave().read_bytes())
+        run = self.mkvmux("-y", "-o", source, source)
+        self.assert_fails(run, "same.wav", "is an input")
+        self.assertEqual(source.read_bytes(), pcm_wave().read_bytes())
+
+    def test_a_disk_that_is_full_from_the_start(self):
+        run = self.mkvmux("-y", "-o", "/dev/full", pcm_wave())
+        self.assert_fails(run, "/dev/full", "cannot be written", "unfinished")
+
+    def test_a_file_that_can_grow_no_further(self):
+        def limit_file_size():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
+
+        limit = 1_000_000
+        run = self.mkvmux("-o", self.output, raw_avi(), preexec_fn=limit_file_size)
+        self.assert_fails(run, "out.mkv", "cannot be written", "unfinished")
+        self.assertLessEqual(self.output.stat().st_size, limit)
+        self.assertGreater(len(self.packets(self.output, 0)), 0, "what was written before the error is readable")
+
+    def test_command_lines_that_cannot_be_followed(self):
+        for arguments in ([], ["-o", self.output], [pcm_wave()], ["--no-such-option", pcm_wave()],
+                          ["--progress", "sometimes", "-o", self.output, pcm_wave()]):
+            with self.subTest(arguments=arguments):
+                self.assert_fails_without_output(self.mkvmux(*arguments))
+
+
+class Registration(MkvmuxCase):
+    """With the module registered, and with the registration taken back."""
+
+    def regsvr32(self, *arguments):
+        done = run_tool([WINE, "regsvr32", "/s", *arguments, "Z:" + str(BIN / "QRX_MKVMuxer.ax").replace("/", "\\")],
+                        stdin=subprocess.DEVNULL, env=wine_environment())
+        self.assertEqual(done.returncode, 0, f"regsvr32 {arguments} failed: {done.stdout}{done.stderr}")
+
+    def test_the_registered_module_is_used_and_an_unregistered_one_is_named(self):
+        output = self.directory / "out.mkv"
+        self.regsvr32()
+        try:
+            run = self.mkvmux("-o", output, cinepak_avi(), registered=True)
+        finally:
+            self.regsvr32("/u")
+        self.assertEqual(run.status, 0, run)
+        self.assert_decodes(output)
+        unregistered = self.mkvmux("-y", "-o", output, cinepak_avi(), registered=True)
+        self.assert_fails(unregistered, "is not registered", "--no-register")
+
+    def test_a_module_that_is_missing_beside_the_program_is_named(self):
+        alone = self.directory / "mkvmux.exe"
+        shutil.copy(BIN / "mkvmux.exe", alone)
+        done = run_tool([WINE, str(alone), "--no-register", "-o", str(self.directory / "o.mkv"), str(pcm_wave())],
+                        stdin=subprocess.DEVNULL, env=wine_environment())
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("QRX_MKVMuxer.ax: cannot be loaded", done.stderr)
+        self.assertFalse(os.path.exists(self.directory / "o.mkv"))

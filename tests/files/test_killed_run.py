@@ -1,0 +1,42 @@
+"""mkvmux is killed in the middle of a run: every cluster that had reached the file is there for other programs."""
+
+import signal
+import time
+
+import ebml_clusters
+from mkvmux_case import MkvmuxCase, raw_avi, run_tool
+
+WAIT_SECONDS = 30
+KILL_AFTER_BYTES = 20_000_000
+
+
+class KilledRun(MkvmuxCase):
+    def killed_file(self):
+        source = raw_avi(20, "640x480")
+        output = self.directory / "killed.mkv"
+        process = self.start("-o", output, source)
+        deadline = time.monotonic() + WAIT_SECONDS
+        while not (output.exists() and output.stat().st_size > KILL_AFTER_BYTES):
+            self.assertIsNone(process.poll(), "mkvmux ended before it could be killed")
+            self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
+            time.sleep(0.002)
+        process.send_signal(signal.SIGKILL)
+        process.wait(WAIT_SECONDS)
+        self.assertLess(output.stat().st_size, source.stat().st_size, "the run was over before it was killed")
+        return source, output
+
+    def test_mkvmerge_and_ffmpeg_recover_every_flushed_cluster(self):
+        source, output = self.killed_file()
+        flushed = ebml_clusters.frames_in_whole_clusters(output)
+        self.assertGreater(flushed.get(1, 0), 10, "too little was flushed to say anything")
+
+        rescued = self.directory / "rescued.mkv"
+        done = run_tool(["mkvmerge", "-o", str(rescued), str(output)])
+        self.assertIn(done.returncode, (0, 1), f"mkvmerge cannot read the file: {done.stdout}")
+        for judge, path in (("ffmpeg", output), ("mkvmerge", rescued)):
+            for track, stream in ((1, 0), (2, 1)):
+                with self.subTest(judge=judge, track=track):
+                    packets = self.packets(path, stream)
+                    self.assertGreaterEqual(len(packets), flushed[track], "frames of flushed clusters are lost")
+                    count = flushed[track]
+                    self.assertEqual(packets[:count], self.packets(source, stream)[:count])

@@ -1,0 +1,225 @@
+#include "tools/avi_source/avi_parser.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace avi {
+
+namespace {
+
+constexpr DWORD Id(const char (&text)[5]) {
+    return static_cast<DWORD>(static_cast<BYTE>(text[0])) | static_cast<DWORD>(static_cast<BYTE>(text[1])) << 8 |
+           static_cast<DWORD>(static_cast<BYTE>(text[2])) << 16 | static_cast<DWORD>(static_cast<BYTE>(text[3])) << 24;
+}
+
+constexpr UINT64 kChunkHeaderBytes = 8;
+constexpr UINT64 kListTypeBytes = 4;
+constexpr size_t kMaxStreams = 100; // two decimal digits name a stream
+// A day of sixteen tracks; more is a file made to exhaust the memory.
+constexpr size_t kMaxChunks = 64 * 1024 * 1024;
+constexpr UINT64 kMaxFormatBytes = 1024 * 1024;
+constexpr int kMaxListDepth = 2;
+
+// Offsets in the stream header 'strh'.
+constexpr UINT64 kStreamHeaderBytes = 48;
+constexpr UINT64 kScaleOffset = 20;
+constexpr UINT64 kRateOffset = 24;
+constexpr UINT64 kSampleSizeOffset = 44;
+
+// 'idx1': an identifier, flags, offset and size for each chunk.
+constexpr UINT64 kLegacyEntryBytes = 16;
+constexpr DWORD kLegacyKeyframe = 0x10;
+
+// 'ix##': a head, then offset and size for each chunk.
+constexpr UINT64 kStandardHeadBytes = 24;
+constexpr UINT64 kStandardCountOffset = 4;
+constexpr UINT64 kStandardBaseOffset = 12;
+constexpr UINT64 kStandardEntryBytes = 8;
+constexpr DWORD kStandardNoKeyframe = 0x80000000;
+
+DWORD Little(const BYTE* bytes) {
+    return static_cast<DWORD>(bytes[0]) | static_cast<DWORD>(bytes[1]) << 8 | static_cast<DWORD>(bytes[2]) << 16 |
+           static_cast<DWORD>(bytes[3]) << 24;
+}
+
+// The stream that the identifier's first two characters name: "01wb".
+std::optional<WORD> StreamOf(DWORD id) {
+    const int tens = static_cast<int>(id & 0xff) - '0';
+    const int ones = static_cast<int>(id >> 8 & 0xff) - '0';
+    if (tens < 0 || tens > 9 || ones < 0 || ones > 9) {
+        return {};
+    }
+    return static_cast<WORD>(10 * tens + ones);
+}
+
+bool IsStandardIndex(DWORD id) {
+    return (id & 0xffff) == (Id("ix00") & 0xffff);
+}
+
+} // namespace
+
+std::optional<AviFile> AviParser::Parse() {
+    UINT64 position = 0;
+    while (const auto riff = ChunkAt(position, m_source.Size())) {
+        const DWORD type = DwordAt(riff->data);
+        if (riff->id != Id("RIFF") || (type != Id("AVI ") && type != Id("AVIX"))) {
+            break;
+        }
+        WalkSegment(*riff);
+        position = riff->next;
+    }
+    if (m_file.streams.empty()) {
+        return {};
+    }
+    return std::move(m_file);
+}
+
+std::optional<AviParser::Chunk> AviParser::ChunkAt(UINT64 position, UINT64 end) const {
+    std::array<BYTE, kChunkHeaderBytes> head{};
+    if (position > end || end - position < head.size() || m_source.ReadAt(position, head) != head.size()) {
+        return {};
+    }
+    Chunk chunk;
+    chunk.id = Little(head.data());
+    const UINT64 size = Little(head.data() + 4);
+    chunk.data = position + head.size();
+    // Lists of a recording that was cut off have the size 0 still: they reach as far as there is something.
+    const bool unfinished = size == 0 && (chunk.id == Id("RIFF") || chunk.id == Id("LIST"));
+    chunk.end = unfinished ? end : std::min(chunk.data + size, end);
+    chunk.next = unfinished ? end : chunk.data + size + (size & 1);
+    chunk.whole = unfinished || chunk.data + size <= end;
+    return chunk;
+}
+
+// 0 behind the end of the file.
+DWORD AviParser::DwordAt(UINT64 position) const {
+    std::array<BYTE, sizeof(DWORD)> bytes{};
+    return m_source.ReadAt(position, bytes) == bytes.size() ? Little(bytes.data()) : 0;
+}
+
+void AviParser::WalkSegment(const Chunk& riff) {
+    m_segmentStart = m_file.chunks.size();
+    UINT64 position = riff.data + kListTypeBytes;
+    while (const auto chunk = ChunkAt(position, riff.end)) {
+        if (chunk->id == Id("LIST")) {
+            const DWORD type = DwordAt(chunk->data);
+            if (type == Id("hdrl")) {
+                WalkHeaders(*chunk);
+            } else if (type == Id("movi")) {
+                WalkMovie(*chunk, 0);
+            }
+        } else if (chunk->id == Id("idx1")) {
+            ReadLegacyIndex(*chunk);
+        }
+        position = chunk->next;
+    }
+}
+
+void AviParser::WalkHeaders(const Chunk& list) {
+    UINT64 position = list.data + kListTypeBytes;
+    while (const auto chunk = ChunkAt(position, list.end)) {
+        if (chunk->id == Id("LIST") && DwordAt(chunk->data) == Id("strl") && m_file.streams.size() < kMaxStreams) {
+            ReadStream(*chunk);
+        }
+        position = chunk->next;
+    }
+}
+
+void AviParser::ReadStream(const Chunk& list) {
+    AviStream stream;
+    UINT64 position = list.data + kListTypeBytes;
+    while (const auto chunk = ChunkAt(position, list.end)) {
+        if (chunk->id == Id("strh")) {
+            ReadStreamHeader(*chunk, stream);
+        } else if (chunk->id == Id("strf") && chunk->end - chunk->data <= kMaxFormatBytes) {
+            stream.format.resize(static_cast<size_t>(chunk->end - chunk->data));
+            stream.format.resize(m_source.ReadAt(chunk->data, stream.format));
+        }
+        position = chunk->next;
+    }
+    m_file.streams.push_back(std::move(stream));
+}
+
+void AviParser::ReadStreamHeader(const Chunk& chunk, AviStream& stream) const {
+    if (chunk.end - chunk.data < kStreamHeaderBytes) {
+        return;
+    }
+    stream.type = DwordAt(chunk.data);
+    stream.scale = DwordAt(chunk.data + kScaleOffset);
+    stream.rate = DwordAt(chunk.data + kRateOffset);
+    stream.sampleSize = DwordAt(chunk.data + kSampleSizeOffset);
+}
+
+void AviParser::WalkMovie(const Chunk& list, int depth) {
+    UINT64 position = list.data + kListTypeBytes;
+    while (const auto chunk = ChunkAt(position, list.end)) {
+        if (chunk->id == Id("LIST")) {
+            if (depth < kMaxListDepth) {
+                WalkMovie(*chunk, depth + 1); // 'rec ', chunks that are read together
+            }
+        } else if (IsStandardIndex(chunk->id)) {
+            ReadStandardIndex(*chunk);
+        } else {
+            AddDataChunk(*chunk);
+        }
+        position = chunk->next;
+    }
+}
+
+void AviParser::AddDataChunk(const Chunk& chunk) {
+    const std::optional<WORD> stream = StreamOf(chunk.id);
+    if (!chunk.whole || !stream || *stream >= m_file.streams.size() || m_file.chunks.size() >= kMaxChunks) {
+        return;
+    }
+    const DWORD size = static_cast<DWORD>(chunk.end - chunk.data);
+    AviStream& owner = m_file.streams[*stream];
+    owner.largestChunk = std::max(owner.largestChunk, size);
+    m_file.chunks.push_back({chunk.data, size, *stream, true});
+}
+
+// Its offsets count from here or from there; the order of its entries is that of the chunks.
+void AviParser::ReadLegacyIndex(const Chunk& chunk) {
+    std::array<size_t, kMaxStreams> next{};
+    next.fill(m_segmentStart);
+    for (UINT64 entry = chunk.data; entry + kLegacyEntryBytes <= chunk.end; entry += kLegacyEntryBytes) {
+        const std::optional<WORD> stream = StreamOf(DwordAt(entry));
+        if (!stream) {
+            continue;
+        }
+        size_t& at = next.at(*stream);
+        while (at < m_file.chunks.size() && m_file.chunks[at].stream != *stream) {
+            ++at;
+        }
+        if (at < m_file.chunks.size()) {
+            m_file.chunks[at++].keyframe = (DwordAt(entry + 4) & kLegacyKeyframe) != 0;
+        }
+    }
+}
+
+void AviParser::ReadStandardIndex(const Chunk& chunk) {
+    if (chunk.end - chunk.data < kStandardHeadBytes) {
+        return;
+    }
+    const UINT64 base = DwordAt(chunk.data + kStandardBaseOffset) |
+                        static_cast<UINT64>(DwordAt(chunk.data + kStandardBaseOffset + 4)) << 32;
+    const UINT64 room = (chunk.end - chunk.data - kStandardHeadBytes) / kStandardEntryBytes;
+    const UINT64 count = std::min<UINT64>(DwordAt(chunk.data + kStandardCountOffset), room);
+    for (UINT64 i = 0; i < count; ++i) {
+        const UINT64 entry = chunk.data + kStandardHeadBytes + i * kStandardEntryBytes;
+        SetKeyframe(base + DwordAt(entry), (DwordAt(entry + 4) & kStandardNoKeyframe) == 0);
+    }
+}
+
+void AviParser::SetKeyframe(UINT64 dataOffset, bool keyframe) {
+    const auto at = std::lower_bound(m_file.chunks.begin(), m_file.chunks.end(), dataOffset,
+                                     [](const AviChunk& chunk, UINT64 offset) { return chunk.offset < offset; });
+    if (at != m_file.chunks.end() && at->offset == dataOffset) {
+        at->keyframe = keyframe;
+    }
+}
+
+std::optional<AviFile> ReadAviFile(const ByteSource& source) {
+    return AviParser(source).Parse();
+}
+
+} // namespace avi
