@@ -52,7 +52,8 @@ def judge(path, layout, verdict):
     command = ["mkvmerge", "--ui-language", "en_US", "-J", str(path)]
     run = subprocess.run(command, capture_output=True, check=False)
     seen = json.loads(run.stdout.decode("utf-8", "replace"))
-    for complaint in seen.get("errors", []) + seen.get("warnings", []) + run.stderr.decode("utf-8", "replace").splitlines():
+    printed = run.stderr.decode("utf-8", "replace").splitlines()
+    for complaint in seen.get("errors", []) + seen.get("warnings", []) + printed:
         verdict.complain(TOOL, complaint)
     if run.returncode != 0:
         verdict.complain(TOOL, f"exit status {run.returncode}")

@@ -1,8 +1,7 @@
 #include "tests/support/ebml_schema.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
+#include <unordered_map>
 
 namespace test_support {
 
@@ -212,9 +211,15 @@ constexpr EbmlElementInfo kElements[] = {
 } // namespace
 
 const EbmlElementInfo* FindElementInfo(uint32_t id) {
-    const auto found = std::find_if(std::begin(kElements), std::end(kElements),
-                                    [id](const EbmlElementInfo& info) { return info.id == id; });
-    return found == std::end(kElements) ? nullptr : &*found;
+    static const std::unordered_map<uint32_t, const EbmlElementInfo*> byId = [] {
+        std::unordered_map<uint32_t, const EbmlElementInfo*> all;
+        for (const EbmlElementInfo& info : kElements) {
+            all.emplace(info.id, &info);
+        }
+        return all;
+    }();
+    const auto found = byId.find(id);
+    return found == byId.end() ? nullptr : found->second;
 }
 
 std::string ElementName(uint32_t id) {

@@ -92,7 +92,7 @@ std::string Dumper::BinaryText(const EbmlElement& element) const {
         const std::optional<EbmlNumber> id = ReadEbmlId(data);
         return id ? " " + ElementName(static_cast<uint32_t>(id->value)) : " " + FormatHex(data);
     }
-    const std::string size = " size " + std::to_string(data.size());
+    std::string size = " size " + std::to_string(data.size());
     if (element.id == kVoid || data.empty()) {
         return size;
     }

@@ -7,6 +7,7 @@
 #include "tests/support/golden_file.h"
 #include "tests/support/layout_check.h"
 #include "tests/support/layout_dump.h"
+#include "tests/support/layout_json.h"
 #include "tests/support/sample_files.h"
 #include "tests/support/text_format.h"
 
@@ -179,8 +180,10 @@ TEST(DamagedFiles, EveryBitFlippedBreaksNothing) {
         RawBytes changed = file;
         changed[bit / 8] ^= static_cast<uint8_t>(1 << bit % 8);
         const MatroskaLayout layout = ReadLayout(changed);
-        (void)CheckLayout(layout);
-        EXPECT_FALSE(DumpLayout(layout).empty());
+        const Lines findings = CheckLayout(layout);
+        if (bit % 8 == 0) { // the slow part, once a byte
+            EXPECT_FALSE(DescribeAsJson(layout, findings).empty());
+        }
     }
 }
 

@@ -4,17 +4,10 @@
 
 namespace test_support {
 
-namespace {
-
-// Wine shows the whole file system of its host as this drive.
-constexpr char kHostDrive[] = "Z:";
-
-} // namespace
-
 std::filesystem::path PathInThisLane(std::string path) {
 #ifndef QRX_NATIVE
     if (path.starts_with('/')) {
-        path.insert(0, kHostDrive);
+        path.insert(0, "Z:"); // where Wine shows the whole file system of its host
     }
 #endif
     return path;

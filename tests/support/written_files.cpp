@@ -16,6 +16,15 @@ std::string EndingOf(std::span<const uint8_t> bytes, WrittenFile kind) {
     return (kind == WrittenFile::CutOnPurpose ? ".cut" : "") + type;
 }
 
+std::string WithoutEnding(const std::string& name) {
+    for (const std::string ending : {".mkv", ".webm"}) {
+        if (name.ends_with(ending)) {
+            return name.substr(0, name.size() - ending.size());
+        }
+    }
+    return name;
+}
+
 } // namespace
 
 void SaveForJudges(const std::string& name, std::span<const uint8_t> bytes, WrittenFile kind) {
@@ -23,7 +32,7 @@ void SaveForJudges(const std::string& name, std::span<const uint8_t> bytes, Writ
     if (directory.empty()) {
         return;
     }
-    const std::filesystem::path path = directory / (name + EndingOf(bytes, kind));
+    const std::filesystem::path path = directory / (WithoutEnding(name) + EndingOf(bytes, kind));
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     file.close();

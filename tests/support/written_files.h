@@ -14,7 +14,7 @@ enum class WrittenFile {
     CutOnPurpose, // a recording that was not finalised; the ending becomes .cut.mkv
 };
 
-// `name` without an ending (the document type gives it); it names the scenario and is unique among all suites.
+// The ending of `name` is replaced by the document type's; the rest names the scenario and is unique among all suites.
 void SaveForJudges(const std::string& name, std::span<const uint8_t> bytes, WrittenFile kind = WrittenFile::Finished);
 
 } // namespace test_support
