@@ -8,6 +8,7 @@ import re
 import shutil
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -16,6 +17,7 @@ BUILD = ROOT / "build"
 BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
 WINE = os.environ.get("QRX_WINE", "/usr/lib/wine/wine64")
 RUN_TIMEOUT_SECONDS = 60
+WAIT_SECONDS = 60
 
 # What the host under Wine prints on its own account; everything else on standard error is mkvmux's.
 HOST_NOISE = re.compile(r"GStreamer|ALSA lib|^wine: |fixme:|err:|^\s*$")
@@ -83,6 +85,11 @@ def raw_avi(seconds=4, size="160x120"):
                       "-pix_fmt", "yuv420p", "-c:a", "pcm_s16le")
 
 
+def long_avi():
+    """Long enough to disturb a run in the middle."""
+    return raw_avi(20, "640x480")
+
+
 def pcm_wave(seconds=4):
     return make_input(f"pcm{seconds}.wav", *sound(seconds), "-c:a", "pcm_s16le")
 
@@ -110,6 +117,14 @@ class MkvmuxCase(unittest.TestCase):
         if process.poll() is None:
             process.kill()
         process.communicate()
+
+    def wait_for_bytes(self, output, count, process):
+        """Waits until the running mkvmux has written so many bytes."""
+        deadline = time.monotonic() + WAIT_SECONDS
+        while not (output.exists() and output.stat().st_size > count):
+            self.assertIsNone(process.poll(), "mkvmux ended before it could be disturbed")
+            self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
+            time.sleep(0.002)
 
     def mkvmux(self, *arguments, registered=False, **more):
         done = run_tool(self.command(*arguments, registered=registered), stdin=subprocess.DEVNULL,

@@ -1,11 +1,8 @@
 """mkvmux's options and its answers when all goes well."""
 
 import signal
-import time
 
-from mkvmux_case import MkvmuxCase, Run, cinepak_avi, make_input, pcm_wave, raw_avi, sound
-
-WAIT_SECONDS = 30
+from mkvmux_case import WAIT_SECONDS, MkvmuxCase, Run, cinepak_avi, long_avi, make_input, pcm_wave, raw_avi, sound
 
 
 class CommandLine(MkvmuxCase):
@@ -70,10 +67,10 @@ class CommandLine(MkvmuxCase):
         self.assert_decodes(self.directory / "out.mkv")
 
     def test_ctrl_c_finalises_the_file(self):
-        source = raw_avi(20, "640x480")
+        source = long_avi()
         output = self.directory / "out.mkv"
         process = self.start("-o", output, source)
-        self.wait_until(lambda: output.exists() and output.stat().st_size > 5_000_000, process)
+        self.wait_for_bytes(output, 5_000_000, process)
         process.send_signal(signal.SIGINT)
         text, errors = process.communicate(timeout=WAIT_SECONDS)
         run = Run(process.returncode, text, errors)
@@ -87,13 +84,6 @@ class CommandLine(MkvmuxCase):
         self.assert_decodes(output)
         after = self.packets(output, 0)
         self.assertEqual(after, self.packets(source, 0)[: len(after)])
-
-    def wait_until(self, condition, process):
-        deadline = time.monotonic() + WAIT_SECONDS
-        while not condition():
-            self.assertIsNone(process.poll(), "mkvmux ended before it could be disturbed")
-            self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
-            time.sleep(0.002)
 
 
 class DocumentType(MkvmuxCase):

@@ -6,8 +6,8 @@ import shutil
 import signal
 import subprocess
 
-from mkvmux_case import BIN, WINE, MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, run_tool, sound
-from mkvmux_case import wine_environment
+from mkvmux_case import BIN, WAIT_SECONDS, WINE, MkvmuxCase, Run, cinepak_avi, long_avi, make_input, pcm_wave
+from mkvmux_case import picture, run_tool, sound, wine_environment
 
 
 class Failures(MkvmuxCase):
@@ -69,15 +69,18 @@ class Failures(MkvmuxCase):
         self.assert_fails(run, "/dev/full", "cannot be written", "unfinished")
 
     def test_a_file_that_can_grow_no_further(self):
-        def limit_file_size():
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-            resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
-
-        limit = 1_000_000
-        run = self.mkvmux("-o", self.output, raw_avi(), preexec_fn=limit_file_size)
-        self.assert_fails(run, "out.mkv", "cannot be written", "unfinished")
+        """The limit is set on the running program alone: Wine's server must not inherit it."""
+        limit = 20_000_000
+        process = self.start("-o", self.output, long_avi(),
+                             preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))
+        self.wait_for_bytes(self.output, 1_000_000, process)
+        resource.prlimit(process.pid, resource.RLIMIT_FSIZE, (limit, limit))
+        text, errors = process.communicate(timeout=WAIT_SECONDS)
+        self.assert_fails(Run(process.returncode, text, errors), "out.mkv", "cannot be written", "unfinished")
         self.assertLessEqual(self.output.stat().st_size, limit)
-        self.assertGreater(len(self.packets(self.output, 0)), 0, "what was written before the error is readable")
+        packets = self.packets(self.output, 0)
+        self.assertGreater(len(packets), 10, "what was written before the error is readable")
+        self.assertEqual(packets, self.packets(long_avi(), 0)[: len(packets)])
 
     def test_command_lines_that_cannot_be_followed(self):
         for arguments in ([], ["-o", self.output], [pcm_wave()], ["--no-such-option", pcm_wave()],

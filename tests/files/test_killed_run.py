@@ -1,25 +1,19 @@
 """mkvmux is killed in the middle of a run: every cluster that had reached the file is there for other programs."""
 
 import signal
-import time
 
 import ebml_clusters
-from mkvmux_case import MkvmuxCase, raw_avi, run_tool
+from mkvmux_case import WAIT_SECONDS, MkvmuxCase, long_avi, run_tool
 
-WAIT_SECONDS = 30
 KILL_AFTER_BYTES = 20_000_000
 
 
 class KilledRun(MkvmuxCase):
     def killed_file(self):
-        source = raw_avi(20, "640x480")
+        source = long_avi()
         output = self.directory / "killed.mkv"
         process = self.start("-o", output, source)
-        deadline = time.monotonic() + WAIT_SECONDS
-        while not (output.exists() and output.stat().st_size > KILL_AFTER_BYTES):
-            self.assertIsNone(process.poll(), "mkvmux ended before it could be killed")
-            self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
-            time.sleep(0.002)
+        self.wait_for_bytes(output, KILL_AFTER_BYTES, process)
         process.send_signal(signal.SIGKILL)
         process.wait(WAIT_SECONDS)
         self.assertLess(output.stat().st_size, source.stat().st_size, "the run was over before it was killed")
