@@ -13,6 +13,8 @@
 namespace {
 
 constexpr size_t kTraceBufferChars = 200;
+// The library's readers refuse binary elements of 2 GiB - 1 byte, and a block has up to five bytes before its frame.
+constexpr UINT32 kMaxFrameBytes = 0x7ffffffe - 5;
 
 void TraceFrame(UINT32 stream, const BlockTimes& times) {
     if (!mkv::IsDebugTraceOn()) {
@@ -26,7 +28,7 @@ void TraceFrame(UINT32 stream, const BlockTimes& times) {
 }
 
 std::vector<BYTE> PayloadOf(const MkvPacket& packet, const AM_MEDIA_TYPE& type) {
-    if (packet.data == nullptr) {
+    if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
         return {};
     }
     return mkv::ConvertPayload(type, {packet.data, packet.size});

@@ -89,6 +89,19 @@ TEST_F(ClustersTest, ExtremeTimesAreWrittenWithoutWrapping) {
     EXPECT_EQ(BlockTimes(2), (Times{0, kLatestMs, 0}));
 }
 
+// A block's offset is truncated towards zero: before its cluster's time that rounds the block up, behind it down.
+TEST_F(ClustersTest, FramesOfFractionsOfAMillisecondKeepTheirMillisecond) {
+    constexpr INT64 kFrame = 417083; // 23.976 frames a second
+    RegisterVideo();
+    Open();
+    for (INT64 frame = 0; frame < 6; ++frame) {
+        Write(0, frame * kFrame, (frame + 1) * kFrame, frame % 2 == 0);
+    }
+    EXPECT_EQ(ClusterTimes(), (ClusterTimeList{0, 125, 208}));
+    EXPECT_EQ(BlockTimes(1), (Times{0, 41, 84, 125, 167, 208}));
+    EXPECT_EQ(CueTimes(), (std::vector<uint64_t>{0, 83, 166}));
+}
+
 // ---- Clusters ------------------------------------------------------------------------------------------------------
 
 TEST_F(ClustersTest, AVideoKeyframeAtTimeZeroOpensNoCluster) {
@@ -350,6 +363,16 @@ TEST_F(ClustersTest, PacketsWithoutPayloadAreDroppedAndLeaveNoTrace) {
     EXPECT_EQ(m_writer.duration(), 0.0);
     EXPECT_TRUE(BlockTimes(1).empty());
     EXPECT_EQ(File().clusters.size(), 1u);
+}
+
+TEST_F(ClustersTest, FramesOfTwoGibibytesAreDroppedUnread) {
+    RegisterAudio();
+    Open();
+    const BYTE byte = 1;
+    for (const UINT32 size : {0x7ffffffau, 0x80000000u, 0xffffffffu}) {
+        m_writer.WritePacket({0, 10 * kMs, &byte, size, true, 0, false});
+    }
+    EXPECT_TRUE(BlockTimes(1).empty());
 }
 
 TEST_F(ClustersTest, ByteStreamsOfH264AndH265AreWrittenWithFourByteLengths) {

@@ -21,7 +21,8 @@ class WriterFailuresTest : public WriterTest {
         m_writer.registerTrack(PcmType().Get(), Row().get());
         m_writer.registerTrack(Utf8Type().Get(), Row().get());
         if (m_writer.attachmentCount() == 0) {
-            m_writer.addAttachment({nullptr, nullptr, s_mimeType, sizeof(s_data), s_data, 5});
+            const win::Bstr name{WideStringView(OLESTR("note.txt"))};
+            m_writer.addAttachment({name.Get(), nullptr, s_mimeType, sizeof(s_data), s_data, 5});
         }
         Open();
         for (INT64 frame = 0; frame < 6; ++frame) {

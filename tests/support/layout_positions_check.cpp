@@ -27,8 +27,11 @@ std::string Describe(const LayoutCue& cue) {
     return "the cue for track " + std::to_string(cue.track) + " at " + std::to_string(cue.time);
 }
 
+// A cue's time is rounded down. So is a block's, unless it lies before its cluster's time: its offset is then cut off
+// towards zero, and a fraction of a tick makes it one tick later.
 bool IsFor(const LayoutBlock& block, const LayoutCue& cue) {
-    return block.track == cue.track && block.time == static_cast<int64_t>(cue.time);
+    const int64_t later = block.time - static_cast<int64_t>(cue.time);
+    return block.track == cue.track && (later == 0 || (later == 1 && block.relativeTime < 0));
 }
 
 class CueChecker {
