@@ -127,11 +127,11 @@ TEST_F(FrameGrouperTest, OneLargeTimedPacketIsAFrameLikeAnyOther) {
 
 TEST_F(FrameGrouperTest, EndlessEmptyPacketsDoNotFillTheMemoryEither) {
     constexpr size_t kPackets = 100;
-    FrameGrouper small(kPackets * sizeof(CMuxInterPacket));
+    FrameGrouper tight(kPackets * sizeof(CMuxInterPacket));
     for (size_t i = 0; i < kPackets; ++i) {
-        ASSERT_TRUE(small.Add(Packet({}), video.Get()).empty()) << i;
+        ASSERT_TRUE(tight.Add(Packet({}), video.Get()).empty()) << i;
     }
-    EXPECT_EQ(kPackets + 1, small.Add(Packet({}), video.Get()).size());
+    EXPECT_EQ(kPackets + 1, tight.Add(Packet({}), video.Get()).size());
 }
 
 } // namespace
