@@ -179,6 +179,7 @@ TEST_F(InputPinTest, AllocatorIsTheOneNotified) {
 }
 
 TEST_F(InputPinTest, WithoutANotifiedAllocatorThePinMakesTheSystems) {
+    ASSERT_EQ(CoInitialize(nullptr), S_OK);
     TestInputPin& free = filter->AddInput(OLESTR("free"));
     IMemAllocator* allocator = &upstream.Allocator();
 #ifdef QRX_NATIVE
@@ -197,6 +198,9 @@ TEST_F(InputPinTest, WithoutANotifiedAllocatorThePinMakesTheSystems) {
     EXPECT_EQ(first.Get(), second.Get());
     EXPECT_EQ(free.BreakConnect(), S_OK); // lets go of it
     EXPECT_EQ(CreateMemoryAllocator(nullptr), E_POINTER);
+    first.Reset();
+    second.Reset();
+    CoUninitialize();
 }
 
 TEST_F(InputPinTest, InputMayBlockIfAnyOutputsPeerMay) {
