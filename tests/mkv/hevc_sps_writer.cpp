@@ -37,7 +37,7 @@ void WriteScalingLists(BitWriter& bits) {
                 continue;
             }
             if (sizeId > 1) {
-                bits.UE(16); // -8: the DC coefficient
+                bits.UE(14); // -7: the DC coefficient
             }
             bits.UE(23); // +12
             bits.UEs(1, 7).UEs(2, 8).UEs(0, sizeId == 0 ? 0 : 48);
