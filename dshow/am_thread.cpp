@@ -28,7 +28,8 @@ CAMThread::~CAMThread() {
 
 BOOL CAMThread::Create() {
     CAutoLock lock(&m_AccessLock);
-    if (ThreadExists()) {
+    const bool canTalk = m_EventSend != nullptr && m_EventComplete != nullptr;
+    if (ThreadExists() || !canTalk) {
         return FALSE;
     }
     win::KernelHandle thread(CreateThread(nullptr, 0, InitialThreadProc, this, 0, nullptr));

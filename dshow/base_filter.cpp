@@ -1,6 +1,6 @@
 #include "dshow/base_filter.h"
 
-#include <algorithm>
+#include <memory>
 
 #include "dshow/base_pin.h"
 #include "dshow/com_guard.h"
@@ -63,7 +63,7 @@ HRESULT CBaseFilter::EnumPins(IEnumPins** ppEnum) noexcept {
     }
     *ppEnum = nullptr;
     return ComGuard([&] {
-        *ppEnum = new CEnumPins(this, nullptr); // the caller's first reference frees it
+        *ppEnum = std::make_unique<CEnumPins>(this, nullptr).release(); // the caller's first reference frees it
         return S_OK;
     });
 }

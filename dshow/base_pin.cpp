@@ -1,5 +1,7 @@
 #include "dshow/base_pin.h"
 
+#include <memory>
+
 #include "dshow/am_media_type.h"
 #include "dshow/com_guard.h"
 #include "dshow/enum_media_types.h"
@@ -96,7 +98,7 @@ HRESULT CBasePin::EnumMediaTypes(IEnumMediaTypes** ppEnum) noexcept {
     }
     *ppEnum = nullptr;
     return ComGuard([&] {
-        *ppEnum = new CEnumMediaTypes(this, nullptr); // the caller's first reference frees it
+        *ppEnum = std::make_unique<CEnumMediaTypes>(this, nullptr).release(); // the caller's first reference frees it
         return S_OK;
     });
 }

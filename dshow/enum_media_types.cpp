@@ -1,6 +1,7 @@
 #include "dshow/enum_media_types.h"
 
 #include <limits>
+#include <memory>
 
 #include "dshow/am_media_type.h"
 #include "dshow/com_guard.h"
@@ -126,7 +127,7 @@ HRESULT CEnumMediaTypes::Clone(IEnumMediaTypes** ppEnum) noexcept {
         if (IsOutOfSync()) {
             return VFW_E_ENUM_OUT_OF_SYNC;
         }
-        *ppEnum = new CEnumMediaTypes(m_pPin, this); // the caller's first reference frees it
+        *ppEnum = std::make_unique<CEnumMediaTypes>(m_pPin, this).release(); // the caller's first reference frees it
         return S_OK;
     });
 }

@@ -1,5 +1,7 @@
 #include "dshow/enum_pins.h"
 
+#include <memory>
+
 #include "dshow/base_pin.h"
 #include "dshow/com_guard.h"
 
@@ -108,7 +110,7 @@ HRESULT CEnumPins::Clone(IEnumPins** ppEnum) noexcept {
         if (IsOutOfSync()) {
             return VFW_E_ENUM_OUT_OF_SYNC;
         }
-        *ppEnum = new CEnumPins(m_pFilter, this); // the caller's first reference frees it
+        *ppEnum = std::make_unique<CEnumPins>(m_pFilter, this).release(); // the caller's first reference frees it
         return S_OK;
     });
 }

@@ -2,18 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/dshow/object_count_test.h"
-#include "tests/dshow/test_filter.h"
+#include "tests/dshow/connection_fixture.h"
 #include "tests/support/fake_sink_pin.h"
 #include "tests/support/fake_upstream_pin.h"
 
 namespace {
 
+using dshow_test::ConnectionTest;
 using dshow_test::FilterPtr;
 using dshow_test::HookCalls;
 using dshow_test::MakeFilter;
 using dshow_test::StreamType;
-using dshow_test::TagOf;
 using dshow_test::TestInputPin;
 using dshow_test::TestOutputPin;
 using dshow_test::TypeWithTag;
@@ -21,44 +20,6 @@ using test_support::FakeSinkPin;
 using test_support::FakeUpstreamPin;
 using test_support::MediaTypeValue;
 using win::ComPtr;
-
-// An output pin of one filter in front of an input pin of another.
-class ConnectionTest : public dshow_test::ObjectCountTest {
-  protected:
-    void TearDown() override {
-        Disconnect();
-        // Nobody but the test holds the filters any more.
-        EXPECT_EQ(source->AddRef(), 2U);
-        EXPECT_EQ(source->Release(), 1U);
-        EXPECT_EQ(target->AddRef(), 2U);
-        EXPECT_EQ(target->Release(), 1U);
-        target.Reset();
-        source.Reset();
-        ObjectCountTest::TearDown();
-    }
-
-    void Disconnect() {
-        source->Stop();
-        target->Stop();
-        output.script.breakConnect = S_OK;
-        input.script.breakConnect = S_OK;
-        output.Disconnect();
-        input.Disconnect();
-    }
-    HRESULT Connect(const CMediaType& type) { return output.Connect(&input, &type); }
-    // Refuses every type but those with these tags.
-    static std::function<HRESULT(const CMediaType&)> Only(std::vector<BYTE> tags, HRESULT refusal = E_FAIL) {
-        return [tags, refusal](const CMediaType& type) {
-            return std::find(tags.begin(), tags.end(), TagOf(type)) != tags.end() ? S_OK : refusal;
-        };
-    }
-    BYTE ConnectedTag() const { return TagOf(output.CurrentMediaType()); }
-
-    FilterPtr source = MakeFilter();
-    FilterPtr target = MakeFilter();
-    TestOutputPin& output = source->AddOutput();
-    TestInputPin& input = target->AddInput();
-};
 
 TEST_F(ConnectionTest, BothPinsKnowPeerAndType) {
     ASSERT_EQ(Connect(TypeWithTag(1)), S_OK);
@@ -240,145 +201,6 @@ TEST_F(ConnectionTest, PinWhoseBreakConnectFailsStaysConnected) {
     output.script.breakConnect = E_ABORT;
     EXPECT_EQ(output.Disconnect(), E_ABORT);
     EXPECT_TRUE(output.IsConnected());
-}
-
-// ---- Proposals ------------------------------------------------------------------------------------------------
-
-TEST_F(ConnectionTest, WithoutAnyProposalThereIsNoAcceptableType) {
-    EXPECT_EQ(output.Connect(&input, nullptr), VFW_E_NO_ACCEPTABLE_TYPES);
-    output.script.types = {TypeWithTag(1)};
-    input.script.checkMediaType = Only({});
-    EXPECT_EQ(output.Connect(&input, nullptr), VFW_E_NO_ACCEPTABLE_TYPES);
-}
-
-TEST_F(ConnectionTest, ReceiverProposesFirst) {
-    output.script.types = {TypeWithTag(1), TypeWithTag(2)};
-    input.script.types = {TypeWithTag(3), TypeWithTag(4)};
-    ASSERT_EQ(output.Connect(&input, nullptr), S_OK);
-    EXPECT_EQ(ConnectedTag(), 3);
-}
-
-TEST_F(ConnectionTest, PinThatWantsItProposesFirst) {
-    output.script.types = {TypeWithTag(1), TypeWithTag(2)};
-    input.script.types = {TypeWithTag(3), TypeWithTag(4)};
-    output.TryMyTypesFirst();
-    ASSERT_EQ(output.Connect(&input, nullptr), S_OK);
-    EXPECT_EQ(ConnectedTag(), 1);
-}
-
-TEST_F(ConnectionTest, ProposalsAreTriedUntilOneSuits) {
-    output.script.types = {TypeWithTag(1), TypeWithTag(2)};
-    input.script.types = {TypeWithTag(3), TypeWithTag(4)};
-    input.script.checkMediaType = Only({2, 4});
-    output.script.checkMediaType = Only({2, 3});
-    ASSERT_EQ(output.Connect(&input, nullptr), S_OK);
-    EXPECT_EQ(ConnectedTag(), 2);
-}
-
-TEST_F(ConnectionTest, PartialTypeSelectsAmongTheProposals) {
-    CMediaType audio = TypeWithTag(1);
-    audio.SetType(&MEDIATYPE_Audio);
-    input.script.types = {audio, TypeWithTag(2)};
-    CMediaType partial(&MEDIATYPE_Video);
-    ASSERT_EQ(output.Connect(&input, &partial), S_OK);
-    EXPECT_EQ(ConnectedTag(), 2);
-    EXPECT_EQ(*output.CurrentMediaType().Type(), MEDIATYPE_Video);
-    Disconnect();
-    partial.SetSubtype(&MEDIASUBTYPE_RGB32);
-    EXPECT_EQ(output.Connect(&input, &partial), VFW_E_NO_ACCEPTABLE_TYPES);
-}
-
-TEST_F(ConnectionTest, TellingFailureOfAProposalIsReported) {
-    input.script.types = {TypeWithTag(1), TypeWithTag(2)};
-    input.script.checkMediaType = [](const CMediaType& type) { return TagOf(type) == 1 ? VFW_E_NO_TRANSPORT : E_FAIL; };
-    EXPECT_EQ(output.Connect(&input, nullptr), VFW_E_NO_TRANSPORT);
-}
-
-TEST_F(ConnectionTest, FullySpecifiedTypeIsTheOnlyOneTried) {
-    input.script.types = {TypeWithTag(1)};
-    input.script.checkMediaType = Only({1});
-    EXPECT_EQ(Connect(TypeWithTag(2)), VFW_E_TYPE_NOT_ACCEPTED);
-}
-
-// ---- What a pin says of itself ----------------------------------------------------------------------------------
-
-TEST_F(ConnectionTest, PinTellsItsNameDirectionAndFilter) {
-    PIN_INFO info{};
-    ASSERT_EQ(output.QueryPinInfo(&info), S_OK);
-    EXPECT_EQ(WideString(info.achName), OLESTR("Out"));
-    EXPECT_EQ(info.dir, PINDIR_OUTPUT);
-    EXPECT_EQ(info.pFilter, static_cast<IBaseFilter*>(source.Get()));
-    info.pFilter->Release();
-
-    LPWSTR id = nullptr;
-    ASSERT_EQ(output.QueryId(&id), S_OK);
-    EXPECT_EQ(WideString(id), OLESTR("Out"));
-    CoTaskMemFree(id);
-
-    PIN_DIRECTION direction = PINDIR_INPUT;
-    EXPECT_EQ(output.QueryDirection(&direction), S_OK);
-    EXPECT_EQ(direction, PINDIR_OUTPUT);
-    ULONG count = 1;
-    EXPECT_EQ(output.QueryInternalConnections(nullptr, &count), E_NOTIMPL);
-}
-
-TEST_F(ConnectionTest, LongPinNameIsCutInTheFixedRecord) {
-    const WideString name(300, 'x');
-    TestInputPin& pin = target->AddInput(name.c_str());
-    PIN_INFO info{};
-    ASSERT_EQ(pin.QueryPinInfo(&info), S_OK);
-    info.pFilter->Release();
-    EXPECT_EQ(WideString(info.achName), WideString(MAX_PIN_NAME - 1, 'x'));
-    LPWSTR id = nullptr;
-    ASSERT_EQ(pin.QueryId(&id), S_OK);
-    EXPECT_EQ(WideString(id), name); // FindPin compares the whole name
-    CoTaskMemFree(id);
-}
-
-TEST_F(ConnectionTest, QueryAcceptAnswersTrueOrFalse) {
-    input.script.checkMediaType = Only({1}, -1);
-    const CMediaType good = TypeWithTag(1);
-    const CMediaType bad = TypeWithTag(2);
-    EXPECT_EQ(input.QueryAccept(&good), S_OK);
-    EXPECT_EQ(input.QueryAccept(&bad), S_FALSE);
-    AM_MEDIA_TYPE lying{};
-    lying.cbFormat = 1000; // and no block
-    EXPECT_EQ(input.QueryAccept(&lying), S_FALSE);
-}
-
-TEST_F(ConnectionTest, ReferencesOnAPinAreReferencesOnItsFilter) {
-    EXPECT_EQ(static_cast<IPin&>(input).AddRef(), 2U);
-    EXPECT_EQ(target->AddRef(), 3U);
-    EXPECT_EQ(static_cast<IPin&>(input).Release(), 2U);
-    EXPECT_EQ(target->Release(), 1U);
-    EXPECT_EQ(static_cast<CUnknown&>(input).GetOwner()->AddRef(), 2U);
-    EXPECT_EQ(static_cast<CUnknown&>(input).GetOwner()->Release(), 1U);
-}
-
-TEST_F(ConnectionTest, ConnectionHoldsOneReferenceOnEachPeer) {
-    ASSERT_EQ(Connect(TypeWithTag(1)), S_OK);
-    // The input is held twice: as the peer, and as its IMemInputPin.
-    EXPECT_EQ(target->AddRef(), 4U);
-    EXPECT_EQ(target->Release(), 3U);
-    EXPECT_EQ(source->AddRef(), 3U);
-    EXPECT_EQ(source->Release(), 2U);
-}
-
-TEST_F(ConnectionTest, PinInterfacesAreFound) {
-    ComPtr<IUnknown> object;
-    EXPECT_EQ(input.QueryInterface(IID_IPin, object.PutVoid()), S_OK);
-    EXPECT_EQ(input.QueryInterface(IID_IMemInputPin, object.PutVoid()), S_OK);
-    EXPECT_EQ(input.QueryInterface(IID_IQualityControl, object.PutVoid()), S_OK);
-    EXPECT_EQ(output.QueryInterface(IID_IMemInputPin, object.PutVoid()), E_NOINTERFACE);
-    EXPECT_FALSE(object);
-}
-
-TEST_F(ConnectionTest, NewSegmentIsRemembered) {
-    EXPECT_EQ(input.CurrentRate(), 1.0);
-    ASSERT_EQ(input.NewSegment(100, 900, 2.0), S_OK);
-    EXPECT_EQ(input.CurrentStartTime(), 100);
-    EXPECT_EQ(input.CurrentStopTime(), 900);
-    EXPECT_EQ(input.CurrentRate(), 2.0);
 }
 
 // ---- Peers that share no code with the base classes -----------------------------------------------------------
