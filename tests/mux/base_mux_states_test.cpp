@@ -183,12 +183,15 @@ TEST_F(BaseMuxStatesTest, AThrowingKindOrFlagIsARefusedStart) {
     EXPECT_EQ(0u, mux->Interleaver().StreamCount());
 }
 
-TEST_F(BaseMuxStatesTest, AReleasedFilterThatWasNeverStoppedEndsItsWorker) {
-    ConnectVideo();
+TEST_F(BaseMuxStatesTest, AFilterReleasedWhileStreamingEndsItsWorkerItself) {
+    FakeUpstreamPin& video = ConnectVideo();
     ASSERT_EQ(S_OK, mux->Pause());
-    mux->Stop(); // pins can only be disconnected then; the fixture looks at what is left
-    ASSERT_EQ(S_OK, mux->Pause());
-    CloseMuxer();
+    EXPECT_EQ(S_OK, video.Deliver(Data(1), 0, 1));
+    video.Unplug(); // the muxer's side refuses, being active
+    mux->JoinFilterGraph(nullptr, nullptr);
+    mux.Reset();
+    EXPECT_EQ(objectsBefore, CBaseObject::ObjectsActive());
+    EXPECT_EQ(0, video.References());
 }
 
 TEST_F(BaseMuxStatesTest, OneInputAfterAnotherCanBeUsedBetweenRuns) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <future>
 
+#include "tests/mux/hooked_sample.h"
 #include "tests/mux/mux_test_fixture.h"
 
 namespace {
@@ -278,6 +279,39 @@ TEST_F(ReceiveTest, TheInterleaverOrdersTheInputsByStartTime) {
     }
     EXPECT_EQ((std::vector<std::pair<std::int64_t, std::int32_t>>{{0, 0}, {0, 1}, {20, 1}, {40, 0}, {60, 1}, {80, 0}}),
               order);
+}
+
+TEST_F(ReceiveTest, LackOfMemoryIsAnsweredAndHoldsUpNothing) {
+    StartVideo();
+    HookedSample exhausting({1, 2}, [] { throw std::bad_alloc(); });
+    EXPECT_EQ(E_OUTOFMEMORY, input->Deliver(exhausting));
+    HookedSample throwing({1, 2}, [] { throw "a plain text"; });
+    EXPECT_EQ(E_UNEXPECTED, input->Deliver(throwing));
+    EXPECT_EQ(0, exhausting.References());
+    EXPECT_EQ(S_OK, input->Deliver({3}, 5, 6));
+    EXPECT_EQ(1u, Finish().size());
+}
+
+// The stream that the sample goes to lives as long as somebody may still use it.
+TEST_F(ReceiveTest, StopWaitsForASampleThatIsStillBeingRead) {
+    StartVideo();
+    std::promise<void> reading;
+    std::promise<void> goOn;
+    HookedSample slow({1, 2}, [&] {
+        reading.set_value();
+        goOn.get_future().wait();
+    });
+    auto received = std::async(std::launch::async, [&] { return input->Deliver(slow); });
+    reading.get_future().wait();
+    auto stopped = std::async(std::launch::async, [&] { return mux->Stop(); });
+    EXPECT_EQ(std::future_status::timeout, stopped.wait_for(milliseconds(100)));
+    goOn.set_value();
+    ASSERT_EQ(std::future_status::ready, received.wait_for(kSoon));
+    ASSERT_EQ(std::future_status::ready, stopped.wait_for(kSoon));
+    EXPECT_EQ(S_OK, received.get());
+    EXPECT_EQ(S_OK, stopped.get());
+    ASSERT_EQ(S_OK, mux->Pause()); // and nothing of that sample comes along
+    EXPECT_TRUE(Finish().empty());
 }
 
 #ifdef QRX_NATIVE
