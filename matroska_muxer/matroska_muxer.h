@@ -42,7 +42,7 @@ class CMatroskaMuxer final : public CBaseMux,
     }
     STDMETHODIMP GetSizeMax(ULARGE_INTEGER* size) noexcept override { return CPersistStream::GetSizeMax(size); }
 
-    // IModuleConfig: no parameter is answered yet.
+    // IModuleConfig. A null record or variant is E_POINTER.
     STDMETHODIMP SetValue(const GUID* key, const VARIANT* value) noexcept override;
     STDMETHODIMP GetValue(const GUID* key, VARIANT* value) noexcept override;
     STDMETHODIMP DescribeValue(const GUID* key, IUnknown** description) noexcept override;
@@ -58,6 +58,11 @@ class CMatroskaMuxer final : public CBaseMux,
 
     // The settings of the tracks: one row for each of the first 100 inputs.
     [[nodiscard]] CTrackSettingsTable& Settings() { return m_settings; }
+    [[nodiscard]] CMkvWriter& Writer() { return m_writer; }
+
+    // CPersistStream
+    HRESULT WriteToStream(IStream* stream) override;
+    HRESULT ReadFromStream(IStream* stream) override;
 
     // CBaseMux
     int CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) override;
@@ -76,6 +81,11 @@ class CMatroskaMuxer final : public CBaseMux,
     void RegisterTracks();
     HRESULT WriteToWriter(const CMuxInterPacket& packet);
     void CloseWriter();
+
+    HRESULT SetTrackInfo(const TrackSettings* record);
+    HRESULT GetTrackInfo(TrackSettings* record);
+    HRESULT AddAttachment(const MuxAttachment* record);
+    static HRESULT SetLogDirectory(BSTR directory);
 
     CCritSec m_writerLock; // guards m_io and m_writer
     CMkvIO m_io;

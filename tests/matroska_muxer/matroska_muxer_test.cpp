@@ -361,7 +361,7 @@ TEST(MatroskaMuxer, SamplesWithoutDataOrWithStrangeTimesLoseNothingElse) {
     EXPECT_EQ((std::multiset<size_t>{2, 2, 4}), sizes);
 }
 
-TEST(ModuleConfig, EveryMethodIsNotImplementedYet) {
+TEST(ModuleConfig, AllButSettingAndGettingValuesIsNotImplemented) {
     MuxerRig rig;
     win::ComPtr<IModuleConfig> config;
     ASSERT_EQ(S_OK, rig.Filter()->QueryInterface(IID_IModuleConfig, config.PutVoid()));

@@ -1,0 +1,263 @@
+// The parameters of the filter, set and read as an application does: through IModuleConfig alone.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "log/logger.h"
+#include "tests/log/log_directory.h"
+#include "tests/matroska_muxer/muxer_rig.h"
+#include "win/bstr.h"
+
+using namespace test_support;
+
+namespace {
+
+constexpr GUID kUnknownKey{0x01020304, 0x0506, 0x0708, {9, 10, 11, 12, 13, 14, 15, 16}};
+
+class Parameters : public ::testing::Test {
+  protected:
+    Parameters() { EXPECT_EQ(S_OK, m_rig.Filter()->QueryInterface(IID_IModuleConfig, m_config.PutVoid())); }
+
+    HRESULT SetRow(const TrackSettings& row) {
+        VARIANT value{};
+        value.byref = const_cast<TrackSettings*>(&row);
+        return m_config->SetValue(&MKVMUX_TrackInfo, &value);
+    }
+    // The caller frees the record's strings.
+    HRESULT GetRow(TrackSettings& row) {
+        VARIANT value{};
+        value.byref = &row;
+        return m_config->GetValue(&MKVMUX_TrackInfo, &value);
+    }
+    HRESULT SetNumber(const GUID& key, ULONG number) {
+        VARIANT value{};
+        value.ulVal = number;
+        return m_config->SetValue(&key, &value);
+    }
+    HRESULT Attach(const MuxAttachment& attachment) {
+        VARIANT value{};
+        value.byref = const_cast<MuxAttachment*>(&attachment);
+        return m_config->SetValue(&MKVMUX_Attachment, &value);
+    }
+    [[nodiscard]] ULONG DocType() {
+        VARIANT value{};
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
+        return value.ulVal;
+    }
+    HRESULT SetLogDirectory(BSTR directory) {
+        VARIANT value{};
+        value.bstrVal = directory;
+        return m_config->SetValue(&MKVMUX_LogDirectory, &value);
+    }
+
+    MuxerRig m_rig;
+    win::ComPtr<IModuleConfig> m_config;
+};
+
+// A record whose strings are freed with it.
+struct OwnedRow {
+    TrackSettings row{};
+    ~OwnedRow() {
+        SysFreeString(row.language);
+        SysFreeString(row.name);
+    }
+};
+
+TEST_F(Parameters, ARowIsReplacedByACopyAndReadBackWhole) {
+    const WideString text = OLESTR("\U0001F3AC caf\u00e9");
+    const win::Bstr name{text};
+    const win::Bstr language{WideStringView(OLESTR("French"))};
+    ASSERT_EQ(S_OK, SetRow({7, 0, 1, 9, language.Get(), name.Get(), 5}));
+    OwnedRow read;
+    read.row.index = 7;
+    ASSERT_EQ(S_OK, GetRow(read.row));
+    EXPECT_EQ(7, read.row.index);
+    EXPECT_EQ(0, read.row.bEnabled);
+    EXPECT_EQ(1, read.row.bDefault);
+    EXPECT_EQ(9, read.row.bReserved);
+    EXPECT_EQ(5, read.row.trackType) << "an unconnected pin's stored type is returned";
+    EXPECT_EQ(WideString(OLESTR("French")), read.row.language);
+    EXPECT_EQ(text, read.row.name);
+    EXPECT_NE(name.Get(), read.row.name) << "the strings are duplicated";
+}
+
+TEST_F(Parameters, ReadingFreesTheStringsThatTheRecordHeld) {
+    OwnedRow read;
+    read.row.language = SysAllocString(OLESTR("to be freed")); // the leak checker watches this
+    read.row.name = SysAllocString(OLESTR("this too"));
+    ASSERT_EQ(S_OK, GetRow(read.row));
+    EXPECT_EQ(WideString(OLESTR("English")), read.row.language);
+    EXPECT_EQ(0u, SysStringLen(read.row.name));
+}
+
+TEST_F(Parameters, NullAndEmptyStringsAreKept) {
+    const win::Bstr empty{WideStringView()};
+    ASSERT_EQ(S_OK, SetRow({0, 1, 0, 0, nullptr, empty.Get(), -1}));
+    OwnedRow read;
+    ASSERT_EQ(S_OK, GetRow(read.row));
+    EXPECT_EQ(nullptr, read.row.language);
+    ASSERT_NE(nullptr, read.row.name);
+    EXPECT_EQ(0u, SysStringLen(read.row.name));
+}
+
+TEST_F(Parameters, ARowOutOfRangeIsAnInvalidArgumentAndChangesNothing) {
+    for (const INT32 index : {-1, 100, 0x7fffffff, static_cast<INT32>(0x80000000)}) {
+        EXPECT_EQ(E_INVALIDARG, SetRow({index, 0, 0, 0, nullptr, nullptr, -1}));
+        OwnedRow read;
+        read.row.index = index;
+        EXPECT_EQ(E_INVALIDARG, GetRow(read.row));
+        EXPECT_EQ(index, read.row.index);
+    }
+    EXPECT_EQ(100u, m_rig.Muxer().Settings().Count());
+    EXPECT_TRUE(m_rig.Muxer().Settings().IsEnabled(99));
+}
+
+TEST_F(Parameters, TheTrackTypeIsThatOfTheConnectedPin) {
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(VideoInfoType(MEDIASUBTYPE_RGB24)));
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(TextType()));
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(SubtitleType(mediasubtype::kAss)));
+    const std::vector<INT32> expected = {1, 2, 17, 17, -1};
+    for (size_t i = 0; i < expected.size(); ++i) {
+        OwnedRow read;
+        read.row.index = static_cast<INT32>(i);
+        ASSERT_EQ(S_OK, GetRow(read.row));
+        EXPECT_EQ(expected[i], read.row.trackType);
+    }
+}
+
+TEST_F(Parameters, DocumentTypesOfTwoAndMoreAreAcceptedAndIgnored) {
+    EXPECT_EQ(0u, DocType());
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
+    EXPECT_EQ(1u, DocType());
+    for (const ULONG value : {2ul, 3ul, 0x80000000ul, 0xfffffffful}) {
+        EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, static_cast<ULONG>(value)));
+        EXPECT_EQ(1u, DocType());
+    }
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 0));
+    EXPECT_EQ(0u, DocType());
+}
+
+TEST_F(Parameters, TheDocumentTypeAndTheRowsAreReadWhenStreamingStarts) {
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectOutput());
+    ASSERT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
+    ASSERT_EQ(S_OK, m_rig.Pause());
+    ASSERT_EQ(S_OK, SetNumber(MKVMUX_DocType, 0)); // too late for this file
+    const win::Bstr name{WideStringView(OLESTR("late"))};
+    ASSERT_EQ(S_OK, SetRow({0, 1, 1, 0, nullptr, name.Get(), -1}));
+    ASSERT_EQ(S_OK, m_rig.Stop());
+    EXPECT_EQ("webm", m_rig.Layout().docType);
+    EXPECT_EQ(std::nullopt, m_rig.Layout().tracks.at(0).name);
+
+    m_rig.Sink().Stream().SetBytes({});
+    ASSERT_EQ(S_OK, m_rig.Pause());
+    ASSERT_EQ(S_OK, m_rig.Stop());
+    EXPECT_EQ("matroska", m_rig.Layout().docType);
+    EXPECT_EQ("late", m_rig.Layout().tracks.at(0).name);
+}
+
+TEST_F(Parameters, InputCountLeavesTheSparePinOut) {
+    VARIANT value{};
+    ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputCount, &value));
+    EXPECT_EQ(0u, value.uiVal);
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputCount, &value));
+    EXPECT_EQ(2u, value.uiVal);
+}
+
+TEST_F(Parameters, PositionIsTheLengthWrittenSoFar) {
+    VARIANT value{};
+    value.llVal = 5;
+    ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_Position, &value));
+    EXPECT_EQ(0, value.llVal);
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectOutput());
+    ASSERT_EQ(S_OK, m_rig.Pause());
+    ASSERT_EQ(S_OK, m_rig.Deliver(0, 0, 1234));
+    ASSERT_TRUE(m_rig.EndAll());
+    ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_Position, &value));
+    EXPECT_EQ(12340000, value.llVal);
+    ASSERT_EQ(S_OK, m_rig.Stop());
+}
+
+TEST_F(Parameters, TheVariantsTypeTagIsNeitherCheckedNorSet) {
+    VARIANT value{};
+    value.vt = VT_BSTR;
+    ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
+    EXPECT_EQ(VT_BSTR, value.vt);
+    value.vt = VT_EMPTY;
+    value.ulVal = 1;
+    EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_DocType, &value));
+    EXPECT_EQ(1u, DocType());
+}
+
+TEST_F(Parameters, UnknownAndOneWayKeysFail) {
+    VARIANT value{};
+    EXPECT_EQ(E_FAIL, m_config->SetValue(&kUnknownKey, &value));
+    EXPECT_EQ(E_FAIL, m_config->SetValue(&MKVMUX_Position, &value));
+    EXPECT_EQ(E_FAIL, m_config->SetValue(&MKVMUX_InputCount, &value));
+    EXPECT_EQ(E_FAIL, m_config->GetValue(&kUnknownKey, &value));
+    EXPECT_EQ(E_FAIL, m_config->GetValue(&MKVMUX_Attachment, &value));
+    EXPECT_EQ(E_FAIL, m_config->GetValue(&MKVMUX_LogDirectory, &value));
+}
+
+TEST_F(Parameters, NullPointersAreRefused) {
+    VARIANT value{};
+    EXPECT_EQ(E_POINTER, m_config->SetValue(&MKVMUX_LogDirectory, nullptr));
+    EXPECT_EQ(E_POINTER, m_config->SetValue(nullptr, &value));
+    EXPECT_EQ(E_POINTER, m_config->GetValue(nullptr, &value));
+    EXPECT_EQ(E_POINTER, m_config->GetValue(&MKVMUX_DocType, nullptr));
+    EXPECT_EQ(E_POINTER, m_config->SetValue(&MKVMUX_TrackInfo, &value)) << "no record";
+    EXPECT_EQ(E_POINTER, m_config->GetValue(&MKVMUX_TrackInfo, &value));
+    EXPECT_EQ(E_POINTER, m_config->SetValue(&MKVMUX_Attachment, &value));
+}
+
+TEST_F(Parameters, AnEmptyLogDirectorySwitchesTheLogOffWithoutError) {
+    LogDirectory directory;
+    const win::Bstr path{directory.Path()};
+    ASSERT_EQ(S_OK, SetLogDirectory(path.Get()));
+    EXPECT_TRUE(g_Logger.IsEnabled());
+    const win::Bstr empty{WideStringView()};
+    EXPECT_EQ(S_OK, SetLogDirectory(empty.Get()));
+    EXPECT_FALSE(g_Logger.IsEnabled());
+    EXPECT_EQ(S_OK, SetLogDirectory(nullptr)) << "a null string is an empty one";
+    EXPECT_TRUE(FileExists(directory.Path() + OLESTR("\\QRX_MKVMuxer.log")));
+}
+
+TEST_F(Parameters, ALogDirectoryThatCannotBeMadeIsNoError) {
+    const win::Bstr path{WideStringView(OLESTR("/proc/none/of/this"))};
+    EXPECT_EQ(S_OK, SetLogDirectory(path.Get()));
+    EXPECT_EQ(S_OK, SetLogDirectory(nullptr));
+}
+
+TEST_F(Parameters, AttachmentsReachTheFileAndStayForTheNextOne) {
+    const win::Bstr fileName{WideStringView(OLESTR("na\u00efve.ttf"))};
+    const win::Bstr description{WideStringView(OLESTR("a font"))};
+    std::string mimeType = "application/x-truetype-font";
+    std::vector<BYTE> data = {1, 2, 3, 4, 5};
+    ASSERT_EQ(S_OK, Attach({fileName.Get(), description.Get(), mimeType.data(), 5, data.data(), 0x123456789abcdefULL}));
+    ASSERT_EQ(S_OK, Attach({nullptr, nullptr, nullptr, 0, nullptr, 1})) << "every field may be absent";
+    std::fill(data.begin(), data.end(), BYTE{0}); // the filter has its own copy
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectOutput());
+    for (int run = 0; run < 2; ++run) {
+        m_rig.Sink().Stream().SetBytes({});
+        ASSERT_EQ(S_OK, m_rig.Pause());
+        ASSERT_EQ(S_OK, m_rig.Stop());
+        const std::vector<BYTE>& file = m_rig.File();
+        const std::vector<BYTE> payload = {1, 2, 3, 4, 5};
+        EXPECT_NE(file.end(), std::search(file.begin(), file.end(), payload.begin(), payload.end()));
+    }
+    EXPECT_EQ(2u, m_rig.Muxer().Writer().attachmentCount());
+}
+
+TEST_F(Parameters, SettingAPersistedValueMakesTheFilterDirty) {
+    EXPECT_EQ(S_FALSE, m_config->IsDirty());
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
+    EXPECT_EQ(S_OK, m_config->IsDirty());
+}
+
+} // namespace
