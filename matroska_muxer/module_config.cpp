@@ -16,17 +16,17 @@ HRESULT CMatroskaMuxer::SetValue(const GUID* key, const VARIANT* value) noexcept
     }
     return ComGuard([&]() -> HRESULT {
         if (IsEqualGUID(*key, MKVMUX_TrackInfo)) {
-            return SetTrackInfo(static_cast<const TrackSettings*>(value->byref));
+            return SetTrackInfo(static_cast<const TrackSettings*>(V_BYREF(value)));
         }
         if (IsEqualGUID(*key, MKVMUX_Attachment)) {
-            return AddAttachment(static_cast<const MuxAttachment*>(value->byref));
+            return AddAttachment(static_cast<const MuxAttachment*>(V_BYREF(value)));
         }
         if (IsEqualGUID(*key, MKVMUX_DocType)) {
-            m_writer.setOutputFormat(value->ulVal); // ignores all but 0 and 1
+            m_writer.setOutputFormat(V_UI4(value)); // ignores all but 0 and 1
             return SetDirty(TRUE);
         }
         if (IsEqualGUID(*key, MKVMUX_LogDirectory)) {
-            return SetLogDirectory(value->bstrVal);
+            return SetLogDirectory(V_BSTR(value));
         }
         return E_FAIL;
     });
@@ -38,19 +38,19 @@ HRESULT CMatroskaMuxer::GetValue(const GUID* key, VARIANT* value) noexcept {
     }
     return ComGuard([&]() -> HRESULT {
         if (IsEqualGUID(*key, MKVMUX_TrackInfo)) {
-            return GetTrackInfo(static_cast<TrackSettings*>(value->byref));
+            return GetTrackInfo(static_cast<TrackSettings*>(V_BYREF(value)));
         }
         if (IsEqualGUID(*key, MKVMUX_Position)) {
-            value->llVal = static_cast<LONGLONG>(m_writer.duration() / kNsPerReferenceTime);
+            V_I8(value) = static_cast<LONGLONG>(m_writer.duration() / kNsPerReferenceTime);
             return S_OK;
         }
         if (IsEqualGUID(*key, MKVMUX_InputCount)) {
             const CAutoLock lock(&m_filterLock);
-            value->uiVal = static_cast<USHORT>(m_inputPins.size() - 1); // without the spare one
+            V_UI2(value) = static_cast<USHORT>(m_inputPins.size() - 1); // without the spare one
             return S_OK;
         }
         if (IsEqualGUID(*key, MKVMUX_DocType)) {
-            value->ulVal = m_writer.outputFormat();
+            V_UI4(value) = m_writer.outputFormat();
             return S_OK;
         }
         return E_FAIL;

@@ -21,33 +21,33 @@ class Parameters : public ::testing::Test {
 
     HRESULT SetRow(const TrackSettings& row) {
         VARIANT value{};
-        value.byref = const_cast<TrackSettings*>(&row);
+        V_BYREF(&value) = const_cast<TrackSettings*>(&row);
         return m_config->SetValue(&MKVMUX_TrackInfo, &value);
     }
     // The caller frees the record's strings.
     HRESULT GetRow(TrackSettings& row) {
         VARIANT value{};
-        value.byref = &row;
+        V_BYREF(&value) = &row;
         return m_config->GetValue(&MKVMUX_TrackInfo, &value);
     }
     HRESULT SetNumber(const GUID& key, ULONG number) {
         VARIANT value{};
-        value.ulVal = number;
+        V_UI4(&value) = number;
         return m_config->SetValue(&key, &value);
     }
     HRESULT Attach(const MuxAttachment& attachment) {
         VARIANT value{};
-        value.byref = const_cast<MuxAttachment*>(&attachment);
+        V_BYREF(&value) = const_cast<MuxAttachment*>(&attachment);
         return m_config->SetValue(&MKVMUX_Attachment, &value);
     }
     [[nodiscard]] ULONG DocType() {
         VARIANT value{};
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
-        return value.ulVal;
+        return V_UI4(&value);
     }
     HRESULT SetLogDirectory(BSTR directory) {
         VARIANT value{};
-        value.bstrVal = directory;
+        V_BSTR(&value) = directory;
         return m_config->SetValue(&MKVMUX_LogDirectory, &value);
     }
 
@@ -131,8 +131,8 @@ TEST_F(Parameters, DocumentTypesOfTwoAndMoreAreAcceptedAndIgnored) {
     EXPECT_EQ(0u, DocType());
     EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
     EXPECT_EQ(1u, DocType());
-    for (const ULONG value : {2ul, 3ul, 0x80000000ul, 0xfffffffful}) {
-        EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, static_cast<ULONG>(value)));
+    for (const ULONG value : {ULONG{2}, ULONG{3}, ULONG{0x80000000}, ULONG{0xffffffff}}) {
+        EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, value));
         EXPECT_EQ(1u, DocType());
     }
     EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 0));
@@ -161,35 +161,35 @@ TEST_F(Parameters, TheDocumentTypeAndTheRowsAreReadWhenStreamingStarts) {
 TEST_F(Parameters, InputCountLeavesTheSparePinOut) {
     VARIANT value{};
     ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputCount, &value));
-    EXPECT_EQ(0u, value.uiVal);
+    EXPECT_EQ(0u, V_UI2(&value));
     ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
     ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
     ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputCount, &value));
-    EXPECT_EQ(2u, value.uiVal);
+    EXPECT_EQ(2u, V_UI2(&value));
 }
 
 TEST_F(Parameters, PositionIsTheLengthWrittenSoFar) {
     VARIANT value{};
-    value.llVal = 5;
+    V_I8(&value) = 5;
     ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_Position, &value));
-    EXPECT_EQ(0, value.llVal);
+    EXPECT_EQ(0, V_I8(&value));
     ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
     ASSERT_EQ(S_OK, m_rig.ConnectOutput());
     ASSERT_EQ(S_OK, m_rig.Pause());
     ASSERT_EQ(S_OK, m_rig.Deliver(0, 0, 1234));
     ASSERT_TRUE(m_rig.EndAll());
     ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_Position, &value));
-    EXPECT_EQ(12340000, value.llVal);
+    EXPECT_EQ(12340000, V_I8(&value));
     ASSERT_EQ(S_OK, m_rig.Stop());
 }
 
 TEST_F(Parameters, TheVariantsTypeTagIsNeitherCheckedNorSet) {
     VARIANT value{};
-    value.vt = VT_BSTR;
+    V_VT(&value) = VT_BSTR;
     ASSERT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
-    EXPECT_EQ(VT_BSTR, value.vt);
-    value.vt = VT_EMPTY;
-    value.ulVal = 1;
+    EXPECT_EQ(VT_BSTR, V_VT(&value));
+    V_VT(&value) = VT_EMPTY;
+    V_UI4(&value) = 1;
     EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_DocType, &value));
     EXPECT_EQ(1u, DocType());
 }
