@@ -117,8 +117,11 @@ TEST(AMThread, ExceptionEndsTheThreadAndNotTheProgram) {
     ASSERT_TRUE(worker.Create());
     EXPECT_EQ(worker.CallWorker(Worker::Throw), kFailed);
     worker.Close();
+    // Nothing of the lost request is left for the next thread.
+    EXPECT_FALSE(worker.CheckRequest(nullptr));
+    EXPECT_EQ(WaitForSingleObject(worker.GetRequestHandle(), 0), DWORD{WAIT_TIMEOUT});
     ASSERT_TRUE(worker.Create());
-    EXPECT_EQ(worker.CallWorker(1), 11U); // nothing of the lost request is left
+    EXPECT_EQ(worker.CallWorker(1), 11U);
 }
 
 TEST(AMThread, ThreadThatLeavesWithoutAReplyReleasesItsCaller) {

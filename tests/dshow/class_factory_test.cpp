@@ -134,6 +134,7 @@ TEST_F(ClassFactoryTest, ModuleStaysWhileAnyServerLockIsHeld) {
 
 TEST_F(ClassFactoryTest, EntryPointRecordsTheInstanceAndRunsTheInitRoutines) {
     const HINSTANCE before = win::ModuleInstance();
+    dshow_test::g_initCalls = {};
     const auto instance = reinterpret_cast<HINSTANCE>(UINT_PTR{0x1230000});
     EXPECT_TRUE(AMovieDllEntry(instance, DLL_PROCESS_ATTACH));
     EXPECT_EQ(win::ModuleInstance(), instance);
