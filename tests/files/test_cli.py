@@ -1,8 +1,13 @@
 """mkvmux's options and its answers when all goes well."""
 
+import os
+import pty
+import re
 import signal
+import subprocess
 
 from mkvmux_case import WAIT_SECONDS, MkvmuxCase, Run, cinepak_avi, long_avi, make_input, pcm_wave, raw_avi, sound
+from mkvmux_case import wine_environment
 
 
 class CommandLine(MkvmuxCase):
@@ -30,6 +35,29 @@ class CommandLine(MkvmuxCase):
         self.assertIn("Progress: 0%\n", run.output)
         self.assertIn("Progress: 100%\n", run.output)
         self.assertNotIn("\r[", run.output)
+
+    def test_progress_is_a_bar_on_a_terminal(self):
+        master, slave = pty.openpty()
+        process = subprocess.Popen(self.command("-o", self.directory / "out.mkv", raw_avi()), stdin=slave, stdout=slave,
+                                   stderr=subprocess.DEVNULL, env=wine_environment())
+        self.addCleanup(self.end, process)
+        os.close(slave)
+        text = self.read_terminal(master)
+        self.assertEqual(process.wait(WAIT_SECONDS), 0, text)
+        self.assertRegex(text, r"\[=+\] 100%")
+        self.assertNotIn("Progress:", text)
+
+    @staticmethod
+    def read_terminal(master):
+        """What was shown until the terminal closed, without the sequences that move the cursor."""
+        shown = b""
+        try:
+            while piece := os.read(master, 4096):
+                shown += piece
+        except OSError:  # the other side is gone
+            pass
+        os.close(master)
+        return re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", shown.decode("utf-8", "replace"))
 
     def test_quiet_says_nothing(self):
         run = self.mkvmux("-q", "-o", self.directory / "out.mkv", raw_avi())

@@ -4,9 +4,10 @@ from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, 
 
 
 class RealFiles(MkvmuxCase):
-    def check_copy(self, source, expected_codecs):
+    def check_copy(self, source, expected_codecs, own_reader=True):
         output = self.directory / "out.mkv"
-        self.mux(output, source)
+        run = self.mux(output, source)
+        self.assertEqual("own AVI reader" in run.output, own_reader, run)
         self.assertEqual(self.codecs(output), expected_codecs)
         self.assert_decodes(output)
         for stream in range(len(expected_codecs)):
@@ -25,7 +26,8 @@ class RealFiles(MkvmuxCase):
         self.assertEqual(self.times(output, 0), [40 * frame for frame in range(100)])
 
     def test_uncompressed_video_through_the_systems_own_splitter(self):
-        output = self.check_copy(raw_avi(), [("video", "V_MS/VFW/FOURCC"), ("audio", "A_PCM/INT/LIT")])
+        output = self.check_copy(raw_avi(), [("video", "V_MS/VFW/FOURCC"), ("audio", "A_PCM/INT/LIT")],
+                                 own_reader=False)
         self.assertEqual(self.times(output, 0), [40 * frame for frame in range(100)])
 
     def test_motion_jpeg_and_mp3(self):

@@ -12,7 +12,8 @@ std::string DescribeStream(const SourceStream& stream) {
         return "no media type is offered: no codec";
     }
     const std::string codec = mkv::CodecIdOf(stream.type);
-    return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec);
+    return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec) +
+           (stream.ownReader ? " (own AVI reader)" : "");
 }
 
 std::string Identify(const Options& options) {

@@ -47,7 +47,7 @@ bool CanBeStreamed(const SourceStream& stream) {
 }
 
 SourceStream StreamOf(const std::wstring& path, const win::ComPtr<IPin>& pin) {
-    SourceStream stream{path, NameOf(pin.Get()), pin, {}};
+    SourceStream stream{path, NameOf(pin.Get()), pin, {}, false};
     if (std::vector<CMediaType> types = TypesOf(pin.Get()); !types.empty()) {
         stream.type = std::move(types.front());
     }
@@ -100,6 +100,9 @@ std::vector<SourceStream> SourceStreams::OpenWith(IBaseFilter* source, const std
     }
     std::vector<SourceStream> streams;
     Collect(source, path, 0, streams);
+    for (SourceStream& stream : streams) {
+        stream.ownReader = true;
+    }
     return streams;
 }
 

@@ -18,6 +18,8 @@ struct SourceStream {
     win::ComPtr<IPin> pin;
     // The first that the pin offers; a major type of GUID_NULL when it offers none.
     CMediaType type;
+    // Read by our own AVI source, since the system's splitter cannot stream the file.
+    bool ownReader = false;
 
     // "a.avi: stream 'Stream 00'", for messages.
     [[nodiscard]] std::string Name() const;

@@ -65,7 +65,7 @@ TEST_F(MuxGraphTest, AStreamWithoutACodecIdentifierIsNamed) {
     {
         MuxGraph graph(MakeStubMuxer({MEDIATYPE_Video}));
         ASSERT_EQ(graph.Graph()->AddFilter(&upstream.Filter(), L"source"), S_OK);
-        SourceStream stream{L"a.avi", L"Stream 00", win::ComPtr<IPin>(&upstream), CMediaType(type.Get())};
+        SourceStream stream{L"a.avi", L"Stream 00", win::ComPtr<IPin>(&upstream), CMediaType(type.Get()), false};
         failure = FailureOf([&] { graph.AddStream(std::move(stream)); });
         graph.Graph()->RemoveFilter(&upstream.Filter());
     }
