@@ -1,7 +1,6 @@
-// Outputs that fail, recordings that are cut off, clusters that cannot be written.
+// Outputs that fail, and recordings that are cut off.
 #include <stdexcept>
 
-#include "mkv/writer_errors.h"
 #include "tests/mkv/writer_fixture.h"
 #include "tests/support/written_files.h"
 
@@ -172,116 +171,6 @@ TEST_F(WriterFailuresTest, ARecordingCutAtAnyByteShowsItsWholeClusters) {
         ASSERT_GE(layout.BlocksOf(1).size(), whole) << size;
     }
     Finish();
-}
-
-// ---- Clusters that cannot be written -------------------------------------------------------------------------------
-
-// An output that throws at its nth call, as no stream does, but a library underneath might.
-class ThrowingOutput : public libebml::IOCallback {
-  public:
-    explicit ThrowingOutput(int callsUntil) : m_callsUntil(callsUntil) {}
-    uint32 read(void*, size_t) override { return 0; }
-    void setFilePointer(int64 offset, libebml::seek_mode) override {
-        count();
-        m_position = static_cast<uint64>(offset);
-    }
-    size_t write(const void*, size_t size) override {
-        count();
-        m_position += size;
-        m_writtenBytes += size;
-        return size;
-    }
-    uint64 getFilePointer() override {
-        count();
-        return m_position;
-    }
-    void close() override {}
-
-    [[nodiscard]] uint64 writtenBytes() const { return m_writtenBytes; }
-
-  private:
-    void count() {
-        if (--m_callsUntil == 0) {
-            throw std::runtime_error("the output is gone");
-        }
-    }
-
-    int m_callsUntil;
-    uint64 m_position = 0;
-    uint64 m_writtenBytes = 0;
-};
-
-class LostClusterTest : public testing::Test {
-  protected:
-    LostClusterTest() {
-        m_tracks.push_back({CMediaType(test_support::VideoInfoType(SubtypeFromFourCC('c', 'v', 'i', 'd')).Get()),
-                            CTrackSettingsRow(0)});
-    }
-
-    static MkvPacket Packet(INT64 ms) {
-        static const BYTE s_payload[] = {1, 2, 3};
-        return {ms * 10000, (ms + 40) * 10000, s_payload, sizeof(s_payload), true, 0, false};
-    }
-
-    MkvTrackList m_tracks;
-};
-
-// The first call of the cluster that fails is the look at the position, the second the write.
-class LostClusterAtCallTest : public LostClusterTest, public testing::WithParamInterface<int> {};
-
-TEST_P(LostClusterAtCallTest, IsDroppedNeverRenderedAgainAndTheNextPacketOpensAnother) {
-    constexpr int kCallsOfTheHead = 4; // one look and one write for each of the two gathered parts
-    ThrowingOutput output(kCallsOfTheHead + GetParam());
-    CMatroskaFile file(output);
-    file.writeHead("matroska");
-    file.writeTracks(m_tracks);
-    file.startFirstCluster();
-    const auto headBytes = output.writtenBytes();
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
-    EXPECT_THROW(static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(40))), std::runtime_error);
-    EXPECT_EQ(file.clusters().writtenBytes(), 0u);
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(80)));
-    file.clusters().flushCluster();
-    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
-    file.clusters().flushCluster(); // there is none any more
-    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
-}
-
-INSTANTIATE_TEST_SUITE_P(EveryCall, LostClusterAtCallTest, testing::Values(1, 2));
-
-TEST_F(LostClusterTest, AFailureInTheLastClusterReachesTheCallerAndClosingAgainFinalises) {
-    ThrowingOutput output(5);
-    CMatroskaFile file(output);
-    file.writeHead("matroska");
-    file.writeTracks(m_tracks);
-    file.startFirstCluster();
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
-    EXPECT_THROW(file.finalise(0.0), std::runtime_error);
-    EXPECT_NO_THROW(file.finalise(0.0));
-}
-
-TEST_F(LostClusterTest, ALostClustersCuePointsAreForgotten) {
-    ThrowingOutput output(6);
-    CGatheringIO gathering(output);
-    libmatroska::KaxSegment segment;
-    segment.WriteHead(gathering, 5);
-    gathering.flush();
-    CMkvCues cues;
-    cues.SetGlobalTimecodeScale(1000000);
-    libmatroska::KaxTrackEntry entry;
-    entry.SetGlobalTimecodeScale(1000000);
-    libebml::GetChild<libmatroska::KaxTrackNumber>(entry).SetValue(1);
-    CClusterWriter clusters(gathering, segment, cues);
-    clusters.setTracks(m_tracks, {&entry}, 0);
-    clusters.startCluster(0);
-    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(0)));
-    clusters.flushCluster();
-    EXPECT_EQ(cues.ListSize(), 1u);
-    EXPECT_EQ(clusters.lastCueTimeNs(), 0u);
-    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(40)));
-    EXPECT_EQ(clusters.lastCueTimeNs(), 40000000u);
-    EXPECT_THROW(clusters.flushCluster(), std::runtime_error);
-    EXPECT_EQ(cues.ListSize(), 1u);
 }
 
 } // namespace
