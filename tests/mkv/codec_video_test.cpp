@@ -229,6 +229,7 @@ TEST(VideoCodecTest, TheFrameTimeIsCountedInNanoseconds) {
     };
     EXPECT_EQ(durationOf(333667), 33'366'700u);
     EXPECT_EQ(durationOf(0), 0u);
+    EXPECT_EQ(durationOf(10'000'000'000), 1'000'000'000'000u); // one picture in 1000 s
     // Nonsense stays nonsense, but harmless.
     EXPECT_EQ(durationOf(-1), 0xffffffffffffff9cULL);
     EXPECT_EQ(durationOf(0x7fffffffffffffffLL), 0xffffffffffffff9cULL);

@@ -126,7 +126,11 @@ TEST(HevcConfigurationTest, ValuesTooLargeForTheirFieldLeaveTheFieldsAroundAlone
     shape.bitDepthLumaMinus8 = 1000;
     shape.bitDepthChromaMinus8 = 7 + 8;
     shape.maxSubLayersMinus1 = 7; // the standard ends at 6
+    shape.vui = Vui();
+    shape.vui->minSpatialSegmentationIdc = 0x31234;
     const Bytes record = ByteStreamRecord({WriteHevcSps(shape)});
+    EXPECT_EQ(record.at(13), 0xf2);
+    EXPECT_EQ(record.at(14), 0x34);
     EXPECT_EQ(record.at(16), 0xfc);
     EXPECT_EQ(record.at(17), 0xf8);
     EXPECT_EQ(record.at(18), 0xff);
