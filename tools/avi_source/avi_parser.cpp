@@ -16,8 +16,8 @@ constexpr UINT64 kChunkHeaderBytes = 8;
 constexpr UINT64 kListTypeBytes = 4;
 constexpr size_t kMaxStreams = 100; // two decimal digits name a stream
 // A day of sixteen tracks; more is a file made to exhaust the memory.
-constexpr size_t kMaxChunks = 64 * 1024 * 1024;
-constexpr UINT64 kMaxFormatBytes = 1024 * 1024;
+constexpr size_t kMaxChunks = size_t{64} * 1024 * 1024;
+constexpr UINT64 kMaxFormatBytes = UINT64{1024} * 1024;
 constexpr int kMaxListDepth = 2;
 
 // Offsets in the stream header 'strh'.

@@ -40,6 +40,7 @@ void MuxRun::Wait() {
     if (const HRESULT hr = m_events->GetEventHandle(&graphEvent); FAILED(hr)) {
         throw Failure("the filter graph's events cannot be had: " + DescribeResult(hr));
     }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the interface hands out its event
     const std::array<HANDLE, 2> events{m_interruption.Event(), reinterpret_cast<HANDLE>(graphEvent)};
     while (true) {
         m_display.Show(m_meter.Percent());
