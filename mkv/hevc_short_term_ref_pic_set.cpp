@@ -8,6 +8,7 @@ namespace mkv {
 namespace {
 
 constexpr UINT32 kMaxPicturesOneWay = 16;
+constexpr size_t kMaxPicturesBothWays = 32;
 constexpr UINT32 kMaxAbsDeltaMinus1 = 32767;
 
 // Picture order count differences of one set. A set is a set: no difference comes twice, and 0 is the picture itself.
@@ -67,7 +68,7 @@ void SkipHevcShortTermRefPicSets(BitstreamReader& reader, UINT32 count) {
     for (UINT32 index = 0; index < count && reader.IsValid(); ++index) {
         const bool isPredicted = index != 0 && reader.ReadFlag();
         previous = isPredicted ? ReadPredictedSet(reader, previous) : ReadCodedSet(reader);
-        if (previous.size() > 2 * kMaxPicturesOneWay) {
+        if (previous.size() > kMaxPicturesBothWays) {
             reader.Invalidate();
         }
     }
