@@ -1,14 +1,28 @@
 #!/usr/bin/env python3
 """Runs the whole-file tests: run.py [NAME…]. The last line says "N passed, N failed"."""
 
+import os
+import subprocess
 import sys
 import unittest
 from pathlib import Path
 
 
+WINE_SERVER = "/usr/lib/wine/wineserver64"
+
+
+def keep_wine_server():
+    """One server for many short programs: it leaves by itself a minute after the last one."""
+    from mkvmux_case import wine_environment
+
+    if os.path.exists(WINE_SERVER):
+        subprocess.run([WINE_SERVER, "-p60"], env=wine_environment(), check=False, stderr=subprocess.DEVNULL)
+
+
 def main():
     here = Path(__file__).resolve().parent
     sys.path.insert(0, str(here))
+    keep_wine_server()
     loader = unittest.TestLoader()
     names = sys.argv[1:]
     suite = loader.loadTestsFromNames(names) if names else loader.discover(str(here), "test_*.py")
