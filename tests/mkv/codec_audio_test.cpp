@@ -10,12 +10,10 @@ namespace {
 using mkv::CodecDescription;
 using mkv::DescribeAudioCodec;
 using mkv_test::Bytes;
-using mkv_test::Concat;
 using mkv_test::FromHex;
 using mkv_test::ToHex;
 using test_support::AudioShape;
 using test_support::MediaTypeValue;
-using test_support::VorbisType;
 using test_support::WaveType;
 
 const Bytes kExtra = FromHex("1210aa");

@@ -10,7 +10,6 @@ namespace {
 using mkv::CodecDescription;
 using mkv::DescribeVideoCodec;
 using mkv_test::Bytes;
-using mkv_test::Concat;
 using mkv_test::FromHex;
 using mkv_test::ToHex;
 using test_support::MediaTypeValue;

@@ -36,8 +36,8 @@ TEST(VorbisCodecTest, ASizeOf255TakesALacingByteMore) {
 }
 
 TEST(VorbisCodecTest, TheTotalLengthIsThatOfItsParts) {
-    for (const size_t first : {0, 1, 254, 255, 256, 1000}) {
-        for (const size_t second : {0, 255, 509, 510, 70000}) {
+    for (const size_t first : {0u, 1u, 254u, 255u, 256u, 1000u}) {
+        for (const size_t second : {0u, 255u, 509u, 510u, 70000u}) {
             EXPECT_EQ(PrivateOfSizes(first, second, 77).size(), 3 + first / 255 + second / 255 + first + second + 77);
         }
     }

@@ -11,7 +11,6 @@
 
 namespace {
 
-using mkv::BuildHevcConfiguration;
 using mkv_test::Bytes;
 using mkv_test::ByteStream;
 using mkv_test::Concat;

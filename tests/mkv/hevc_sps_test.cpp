@@ -15,7 +15,6 @@ using mkv::ParseHevcSps;
 using mkv_test::Bytes;
 using mkv_test::HevcSpsShape;
 using mkv_test::Hrd;
-using mkv_test::HrdSubLayer;
 using mkv_test::ScalingLists;
 using mkv_test::ShortTermSet;
 using mkv_test::Vui;
