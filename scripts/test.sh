@@ -12,7 +12,7 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(judge languages files)
+TEST_SCRIPTS=(judge judge_self languages files)
 
 # run_program NAME: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
@@ -65,6 +65,9 @@ run_suite() {
     judge)
       run_script judge python3 "$ROOT/tests/judge/judge_files.py" "$BUILD/windows/judged" \
         --mkvlayout "$WINE $BUILD/windows/bin/mkvlayout.exe"
+      ;;
+    judge_self)
+      QRX_MKVLAYOUT="$WINE $BUILD/windows/bin/mkvlayout.exe" run_script judge_self python3 "$ROOT/tests/judge/judge_files_test.py"
       ;;
     languages) run_script languages python3 "$ROOT/tests/judge/check_language_table.py" ;;
     files) run_script files python3 "$ROOT/tests/files/run.py" ;;

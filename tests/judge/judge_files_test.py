@@ -106,5 +106,12 @@ class JudgeTest(unittest.TestCase):
         self.assertIn("failed with status 3", outcome.stdout)
 
 
+def main():
+    result = unittest.main(exit=False, verbosity=2).result
+    failed = len(result.failures) + len(result.errors)
+    print(f"{result.testsRun - failed} passed, {failed} failed")
+    return 1 if failed or result.testsRun == 0 else 0
+
+
 if __name__ == "__main__":
-    unittest.main()
+    sys.exit(main())
