@@ -4,7 +4,6 @@ import atexit
 import functools
 import json
 import os
-import re
 import shutil
 import subprocess
 import tempfile
@@ -12,40 +11,14 @@ import time
 import unittest
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
-BUILD = ROOT / "build"
+from wine_process import BUILD, WAIT_SECONDS, WineProcess
+
 BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
-WINE = os.environ.get("QRX_WINE", "/usr/lib/wine/wine64")
 RUN_TIMEOUT_SECONDS = 60
-WAIT_SECONDS = 60
-
-# What the host under Wine prints on its own account; everything else on standard error is mkvmux's.
-HOST_NOISE = re.compile(r"GStreamer|ALSA lib|^wine: |fixme:|err:|^\s*$")
-
-
-def wine_environment():
-    environment = dict(os.environ)
-    environment.setdefault("WINEARCH", "win64")
-    environment.setdefault("WINEPREFIX", str(BUILD / "wineprefix"))
-    environment.setdefault("WINEDEBUG", "-all")
-    environment.setdefault("WINEDLLOVERRIDES", "winealsa.drv,winepulse.drv,winemenubuilder.exe,mscoree,mshtml=")
-    return environment
 
 
 def run_tool(command, **more):
     return subprocess.run(command, capture_output=True, text=True, timeout=RUN_TIMEOUT_SECONDS, **more)
-
-
-class Run:
-    """One finished run of mkvmux."""
-
-    def __init__(self, status, output, errors):
-        self.status = status
-        self.output = output
-        self.error_lines = [line for line in errors.splitlines() if not HOST_NOISE.search(line)]
-
-    def __str__(self):
-        return f"exit status {self.status}\n{self.output}\n" + "\n".join(self.error_lines)
 
 
 @functools.lru_cache(maxsize=None)
@@ -101,35 +74,26 @@ class MkvmuxCase(unittest.TestCase):
 
     # ---- running
 
-    def command(self, *arguments, registered=False):
-        how = [] if registered else ["--no-register"]
-        return [WINE, str(BIN / "mkvmux.exe"), *how, *map(str, arguments)]
-
-    def start(self, *arguments, **more):
-        """A run in the background; it is killed when the test ends."""
-        process = subprocess.Popen(self.command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, text=True, env=wine_environment(), **more)
-        self.addCleanup(self.end, process)
-        return process
-
     @staticmethod
-    def end(process):
-        if process.poll() is None:
-            process.kill()
-        process.communicate()
+    def command(*arguments, registered=False):
+        return [BIN / "mkvmux.exe", *([] if registered else ["--no-register"]), *arguments]
+
+    def start(self, *arguments, registered=False, **more):
+        """A run in the background; it is killed when the test ends."""
+        process = WineProcess(*self.command(*arguments, registered=registered), **more)
+        self.addCleanup(process.end)
+        return process
 
     def wait_for_bytes(self, output, count, process):
         """Waits until the running mkvmux has written so many bytes."""
         deadline = time.monotonic() + WAIT_SECONDS
         while not (output.exists() and output.stat().st_size > count):
-            self.assertIsNone(process.poll(), "mkvmux ended before it could be disturbed")
+            self.assertTrue(process.is_running(), "mkvmux ended before it could be disturbed")
             self.assertLess(time.monotonic(), deadline, "mkvmux does not get on")
             time.sleep(0.002)
 
     def mkvmux(self, *arguments, registered=False, **more):
-        done = run_tool(self.command(*arguments, registered=registered), stdin=subprocess.DEVNULL,
-                        env=wine_environment(), **more)
-        return Run(done.returncode, done.stdout, done.stderr)
+        return self.start(*arguments, registered=registered, **more).wait()
 
     def mux(self, output, *inputs):
         """A run that has to succeed without a word on standard error."""

@@ -13,13 +13,14 @@ WINE_SERVER = "/usr/lib/wine/wineserver64"
 
 def keep_wine_server():
     """One server for many short programs: it leaves by itself a minute after the last one."""
-    from mkvmux_case import wine_environment
+    from wine_process import wine_environment
 
     if os.path.exists(WINE_SERVER):
         subprocess.run([WINE_SERVER, "-p60"], env=wine_environment(), check=False, stderr=subprocess.DEVNULL)
 
 
 def main():
+    sys.dont_write_bytecode = True
     here = Path(__file__).resolve().parent
     sys.path.insert(0, str(here))
     keep_wine_server()

@@ -3,11 +3,12 @@
 import os
 import pty
 import re
+import select
 import signal
-import subprocess
+import time
 
-from mkvmux_case import WAIT_SECONDS, MkvmuxCase, Run, cinepak_avi, long_avi, make_input, pcm_wave, raw_avi, sound
-from mkvmux_case import wine_environment
+from mkvmux_case import MkvmuxCase, cinepak_avi, long_avi, make_input, pcm_wave, raw_avi, sound
+from wine_process import WAIT_SECONDS
 
 
 class CommandLine(MkvmuxCase):
@@ -38,26 +39,31 @@ class CommandLine(MkvmuxCase):
 
     def test_progress_is_a_bar_on_a_terminal(self):
         master, slave = pty.openpty()
-        process = subprocess.Popen(self.command("-o", self.directory / "out.mkv", raw_avi()), stdin=slave, stdout=slave,
-                                   stderr=subprocess.DEVNULL, env=wine_environment())
-        self.addCleanup(self.end, process)
+        process = self.start("-o", self.directory / "out.mkv", raw_avi(), stdin=slave, stdout=slave)
         os.close(slave)
-        text = self.read_terminal(master)
-        self.assertEqual(process.wait(WAIT_SECONDS), 0, text)
+        text = self.read_terminal(master, process)
+        self.assertEqual(process.wait().status, 0, text)
         self.assertRegex(text, r"\[=+\] 100%")
         self.assertNotIn("Progress:", text)
 
-    @staticmethod
-    def read_terminal(master):
-        """What was shown until the terminal closed, without the sequences that move the cursor."""
+    def read_terminal(self, master, process):
+        """What is shown until the program ends, without the sequences that move the cursor."""
         shown = b""
-        try:
-            while piece := os.read(master, 4096):
-                shown += piece
-        except OSError:  # the other side is gone
-            pass
+        deadline = time.monotonic() + WAIT_SECONDS
+        while process.is_running():
+            self.assertLess(time.monotonic(), deadline, shown)
+            shown += self.read_waiting(master, 0.1)
+        while piece := self.read_waiting(master, 1):  # the terminal's own process lags behind
+            shown += piece
         os.close(master)
         return re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", shown.decode("utf-8", "replace"))
+
+    @staticmethod
+    def read_waiting(master, seconds):
+        try:
+            return os.read(master, 4096) if select.select([master], [], [], seconds)[0] else b""
+        except OSError:  # nobody has the other side open any more
+            return b""
 
     def test_quiet_says_nothing(self):
         run = self.mkvmux("-q", "-o", self.directory / "out.mkv", raw_avi())
@@ -99,9 +105,8 @@ class CommandLine(MkvmuxCase):
         output = self.directory / "out.mkv"
         process = self.start("-o", output, source)
         self.wait_for_bytes(output, 5_000_000, process)
-        process.send_signal(signal.SIGINT)
-        text, errors = process.communicate(timeout=WAIT_SECONDS)
-        run = Run(process.returncode, text, errors)
+        process.signal(signal.SIGINT)
+        run = process.wait()
         self.assertEqual(run.status, 1, f"an interrupted run is done with warnings: {run}")
         self.assertEqual(len(run.error_lines), 1, run)
         self.assertIn("interrupted", run.error_lines[0])

@@ -1,13 +1,11 @@
 """Each way to fail: exit status 2, one line on standard error that names what and why, no trace left behind."""
 
-import os
 import resource
 import shutil
 import signal
-import subprocess
 
-from mkvmux_case import BIN, WAIT_SECONDS, WINE, MkvmuxCase, Run, cinepak_avi, long_avi, make_input, pcm_wave
-from mkvmux_case import picture, run_tool, sound, wine_environment
+from mkvmux_case import BIN, MkvmuxCase, cinepak_avi, long_avi, make_input, pcm_wave, picture, sound
+from wine_process import WineProcess
 
 
 class Failures(MkvmuxCase):
@@ -75,8 +73,7 @@ class Failures(MkvmuxCase):
                              preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))
         self.wait_for_bytes(self.output, 1_000_000, process)
         resource.prlimit(process.pid, resource.RLIMIT_FSIZE, (limit, limit))
-        text, errors = process.communicate(timeout=WAIT_SECONDS)
-        self.assert_fails(Run(process.returncode, text, errors), "out.mkv", "cannot be written", "unfinished")
+        self.assert_fails(process.wait(), "out.mkv", "cannot be written", "unfinished")
         self.assertLessEqual(self.output.stat().st_size, limit)
         packets = self.packets(self.output, 0)
         self.assertGreater(len(packets), 10, "what was written before the error is readable")
@@ -92,28 +89,32 @@ class Failures(MkvmuxCase):
 class Registration(MkvmuxCase):
     """With the module registered, and with the registration taken back."""
 
+    def setUp(self):
+        super().setUp()
+        self.output = self.directory / "out.mkv"
+
     def regsvr32(self, *arguments):
-        done = run_tool([WINE, "regsvr32", "/s", *arguments, "Z:" + str(BIN / "QRX_MKVMuxer.ax").replace("/", "\\")],
-                        stdin=subprocess.DEVNULL, env=wine_environment())
-        self.assertEqual(done.returncode, 0, f"regsvr32 {arguments} failed: {done.stdout}{done.stderr}")
+        module = "Z:" + str(BIN / "QRX_MKVMuxer.ax").replace("/", "\\")
+        process = WineProcess("regsvr32", "/s", *arguments, module)
+        self.addCleanup(process.end)
+        run = process.wait()
+        self.assertEqual(run.status, 0, f"regsvr32 {arguments} failed: {run}")
 
     def test_the_registered_module_is_used_and_an_unregistered_one_is_named(self):
-        output = self.directory / "out.mkv"
         self.regsvr32()
         try:
-            run = self.mkvmux("-o", output, cinepak_avi(), registered=True)
+            run = self.mkvmux("-o", self.output, cinepak_avi(), registered=True)
         finally:
             self.regsvr32("/u")
         self.assertEqual(run.status, 0, run)
-        self.assert_decodes(output)
-        unregistered = self.mkvmux("-y", "-o", output, cinepak_avi(), registered=True)
+        self.assert_decodes(self.output)
+        unregistered = self.mkvmux("-y", "-o", self.output, cinepak_avi(), registered=True)
         self.assert_fails(unregistered, "is not registered", "--no-register")
 
     def test_a_module_that_is_missing_beside_the_program_is_named(self):
         alone = self.directory / "mkvmux.exe"
         shutil.copy(BIN / "mkvmux.exe", alone)
-        done = run_tool([WINE, str(alone), "--no-register", "-o", str(self.directory / "o.mkv"), str(pcm_wave())],
-                        stdin=subprocess.DEVNULL, env=wine_environment())
-        self.assertEqual(done.returncode, 2)
-        self.assertIn("QRX_MKVMuxer.ax: cannot be loaded", done.stderr)
-        self.assertFalse(os.path.exists(self.directory / "o.mkv"))
+        process = WineProcess(alone, "--no-register", "-o", self.output, pcm_wave())
+        self.addCleanup(process.end)
+        self.assert_fails(process.wait(), "QRX_MKVMuxer.ax: cannot be loaded")
+        self.assertFalse(self.output.exists())

@@ -3,7 +3,7 @@
 import signal
 
 import ebml_clusters
-from mkvmux_case import WAIT_SECONDS, MkvmuxCase, long_avi, run_tool
+from mkvmux_case import MkvmuxCase, long_avi, run_tool
 
 KILL_AFTER_BYTES = 20_000_000
 
@@ -14,8 +14,8 @@ class KilledRun(MkvmuxCase):
         output = self.directory / "killed.mkv"
         process = self.start("-o", output, source)
         self.wait_for_bytes(output, KILL_AFTER_BYTES, process)
-        process.send_signal(signal.SIGKILL)
-        process.wait(WAIT_SECONDS)
+        process.signal(signal.SIGKILL)
+        process.wait()
         self.assertLess(output.stat().st_size, source.stat().st_size, "the run was over before it was killed")
         return source, output
 
