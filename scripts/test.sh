@@ -17,8 +17,8 @@ TEST_SCRIPTS=(judge judge_self languages files)
 # run_program NAME: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
   local name=$1 log="$BUILD/windows/logs/$1.log" passed failed status
-  mkdir -p "$BUILD/windows/logs" "$BUILD/windows/judged/$name"
-  QRX_JUDGE_DIR=$(windows_path "$BUILD/windows/judged/$name") QRX_SOURCE_DIR=$(windows_path "$ROOT") \
+  mkdir -p "$BUILD/windows/logs" "$BUILD/windows/judged"
+  QRX_JUDGE_DIR="$BUILD/windows/judged" QRX_SOURCE_DIR="$ROOT" \
     timeout "$TEST_TIMEOUT_SECONDS" "$WINE" "$BUILD/windows/bin/test_$name.exe" >"$log" 2>&1 </dev/null
   status=$?
   passed=$(tr -d '\r' <"$log" | sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\..*/\1/p')
