@@ -10,9 +10,7 @@ namespace test_mkvmux {
 
 class ComTest : public testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-    }
+    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
     void TearDown() override {
         EXPECT_EQ(CBaseObject::ObjectsActive(), 0) << "an object of the tool's is still alive";
         CoUninitialize();
