@@ -24,13 +24,16 @@ void SleepUncounted(DWORD milliseconds) {
     Sleep(milliseconds);
 }
 
-void AddRow(Table& table, const std::string& phase, UINT64 packets, const SystemCalls& calls) {
+// Only free runs are timed: the other phases wait for each other on purpose.
+void AddRow(Table& table, const std::string& phase, UINT64 packets, const SystemCalls& calls,
+            const std::string& microseconds = "-") {
     const auto perPacket = [packets](UINT64 count) {
         return Number(static_cast<double>(count) / static_cast<double>(packets), 4);
     };
     table.AddRow({phase, Number(static_cast<double>(packets)), Number(static_cast<double>(calls.waits)),
                   Number(static_cast<double>(calls.wakes)), Number(static_cast<double>(calls.objects)),
-                  perPacket(calls.waits + calls.wakes + calls.objects), Number(static_cast<double>(calls.contended))});
+                  perPacket(calls.waits + calls.wakes + calls.objects), Number(static_cast<double>(calls.contended)),
+                  microseconds});
 }
 
 // One audio input, whose packets are so short that a phase lies within one cluster.
@@ -129,15 +132,18 @@ class Phases {
 void FreeRun(Table& table, const std::string& phase, const Load& load) {
     PlainNullStream stream;
     const SystemCalls before = SystemCallCounter::Counts();
-    static_cast<void>(MuxSeconds(load, stream));
-    AddRow(table, phase, load.TotalPackets(), SystemCallCounter::Counts() - before);
+    const double seconds = MuxSeconds(load, stream);
+    const SystemCalls calls = SystemCallCounter::Counts() - before;
+    constexpr double kMicroseconds = 1e6;
+    const auto packets = static_cast<double>(load.TotalPackets());
+    AddRow(table, phase, load.TotalPackets(), calls, Number(kMicroseconds * seconds / packets, 2));
 }
 
 } // namespace
 
 void MeasureSystemCalls(const BenchPlan& plan) {
     PrintHeading("System calls of the program that may enter the kernel");
-    Table table({"phase", "packets", "waits", "wakes", "objects", "calls/packet", "contended locks"});
+    Table table({"phase", "packets", "waits", "wakes", "objects", "calls/packet", "contended locks", "us/packet"});
     const SystemCallCounter counter;
     Phases(plan, table).Run();
     FreeRun(table, "free run, audio, 1 input", SmallAudio(1, plan.smallPackets));

@@ -9,7 +9,7 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   mkvmux ARG…     run the command-line tool under Wine, with Linux paths
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
-  bench           the benchmarks, printed as a table
+  bench [--quick] the benchmarks, printed as tables
   lint            clang-format (check only) and clang-tidy
   format          clang-format, in place
 HELP
