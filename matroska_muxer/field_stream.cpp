@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr UINT64 kPieceBytes = 1024 * 1024;
+constexpr UINT64 kPieceBytes = 1048576; // 1 MiB
 
 } // namespace
 

@@ -19,6 +19,7 @@ constexpr WORD kVersionResourceType = 16;
 constexpr DWORD kFixedInfoSignature = 0xfeef04bd;
 
 const WCHAR* ResourceId(WORD id) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the platform takes identifiers as pointers
     return reinterpret_cast<const WCHAR*>(static_cast<ULONG_PTR>(id));
 }
 
