@@ -9,7 +9,7 @@ DEPS="$BUILD/deps"
 # The machine's configuration is read, never changed.
 source_apt() {
   local dir="$DEPS/apt" file
-  mkdir -p "$dir/parts" "$dir/lists/partial"
+  mkdir -p "$dir/parts" "$dir/lists/partial" "$dir/cache/archives/partial"
   if [ ! -f "$dir/done" ]; then
     : >"$dir/sources.list"
     [ -f /etc/apt/sources.list ] && sed -nE 's/^[[:space:]]*deb[[:space:]]/deb-src /p' /etc/apt/sources.list >"$dir/sources.list"
@@ -23,7 +23,7 @@ source_apt() {
     source_apt update || say "apt could not update every list of sources; trying with those it got"
   fi
   apt-get -qq -o Dir::Etc::sourcelist="$dir/sources.list" -o Dir::Etc::sourceparts="$dir/parts" \
-    -o Dir::State::lists="$dir/lists" -o APT::Sandbox::User=root "$@"
+    -o Dir::State::lists="$dir/lists" -o Dir::Cache="$dir/cache" -o APT::Sandbox::User=root "$@"
 }
 
 # fetch_source NAME VERSION: unpacks NAME-VERSION below $DEPS/src, with Debian's own fixes where they can be had.
