@@ -12,7 +12,7 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(judge judge_self languages files)
+TEST_SCRIPTS=(files judge judge_self languages) # the judges come after all that writes files
 
 # run_program NAME: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
@@ -70,7 +70,10 @@ run_suite() {
       QRX_MKVLAYOUT="$WINE $BUILD/windows/bin/mkvlayout.exe" run_script judge_self python3 "$ROOT/tests/judge/judge_files_test.py"
       ;;
     languages) run_script languages python3 "$ROOT/tests/judge/check_language_table.py" ;;
-    files) run_script files python3 "$ROOT/tests/files/run.py" ;;
+    files)
+      mkdir -p "$BUILD/windows/judged"
+      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script files python3 "$ROOT/tests/files/run.py"
+      ;;
     *)
       [ -f "$BUILD/windows/bin/test_$1.exe" ] || die "there is no suite '$1'; ./dev test list names them"
       run_program "$1"

@@ -126,6 +126,7 @@ class DocumentType(MkvmuxCase):
         run = self.mkvmux(*options, "-o", output, pcm_wave())
         self.assertEqual(run.status, 0)
         self.assertIn(b"\x42\x82\x84webm", output.read_bytes()[:64])
+        self.save_for_judges(output)
 
     def test_webm_by_option(self):
         self.check_webm(self.directory / "out.mkv", "--webm")
