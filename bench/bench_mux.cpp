@@ -14,7 +14,7 @@ constexpr int kExitDone = 0;
 constexpr int kExitFailed = 2;
 
 void PrintUsage() {
-    std::puts("usage: bench_mux [--quick]     about a minute and a half; --quick: below 20 s, with more scatter");
+    std::puts("usage: bench_mux [--quick]     about a minute; --quick: below 20 s, with more scatter");
 }
 
 void PrintMachine(const bench::BenchPlan& plan) {

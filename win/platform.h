@@ -21,3 +21,6 @@
 #include <evcode.h>
 
 #include <cguid.h>
+
+// The remote procedure call headers make a macro of this everyday name.
+#undef small
