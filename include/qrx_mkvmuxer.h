@@ -3,7 +3,8 @@
 // Plain C++17; includes platform headers only. The identifiers are declared here; in exactly one source file of
 // the application, include <initguid.h> first, and this header defines them there.
 //
-// Strings are BSTRs: whoever holds a record frees its strings with SysFreeString.
+// Strings are BSTRs: whoever holds a record frees its strings with SysFreeString. The filter copies what it is given
+// before SetValue returns. GetValue frees the strings that the record holds and puts copies there for the caller.
 #ifndef QRX_MKVMUXER_H
 #define QRX_MKVMUXER_H
 
