@@ -64,14 +64,14 @@ void CClusterWriter::flushCluster() {
     if (!cluster) {
         return;
     }
-    const size_t cuePoints = m_cues.ListSize();
     try {
         const UINT64 size = cluster->render(m_io, m_cues);
         m_io.flush();
         m_writtenBytes += size;
+        m_cues.keepRendered();
     } catch (...) {
         m_io.discard();
-        m_cues.rollBackTo(cuePoints);
+        m_cues.dropRendered();
         throw;
     }
 }

@@ -114,9 +114,10 @@ bool CMatroskaFile::fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& ele
 }
 
 void CMatroskaFile::writeCues() {
-    if (m_cues.ListSize() == 0) {
+    if (m_cues.pointCount() == 0) {
         return;
     }
+    m_cues.restorePoints();
     m_sizes.cues = m_cues.Render(m_gathering, false);
     m_gathering.flush();
     m_seekHead.IndexThis(m_cues, m_segment);
