@@ -5,6 +5,7 @@
 #include "dshow/module_functions.h"
 #include "dshow/registration.h"
 #include "matroska_muxer/matroska_muxer.h"
+#include "settings/settings_store.h"
 #include "win/module_instance.h"
 
 namespace {
@@ -56,9 +57,15 @@ STDAPI DllUnregisterServer() {
     return AMovieDllRegisterServer2(FALSE);
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
+// reserved: set on detach when the process is ending; the settings stay then, for COM may be gone already.
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         win::SetModuleInstance(instance);
+        if (!CreateSettingsStore()) {
+            return FALSE;
+        }
+    } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
+        DestroySettingsStore();
     }
     return AMovieDllEntry(instance, reason);
 }

@@ -1,0 +1,56 @@
+// BackEnd: the registry or the XML back end of one direction, or none.
+//
+// Owner: the back end, which it destroys as the class it made. Threads: one at a time. Errors: false; std::bad_alloc.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "win/platform.h"
+
+namespace settings_kind {
+inline constexpr std::int32_t kRegistry = 0;
+inline constexpr std::int32_t kXml = 1;
+inline constexpr std::int32_t kNone = 2;
+} // namespace settings_kind
+
+inline constexpr wchar_t kSettingsPathPrefix[] = L"/preferences/RegistrySettings";
+
+template <typename Base, typename Registry, typename Xml>
+class BackEnd {
+  public:
+    // Makes the back end of a kind; one of the same kind stays. Any other kind closes what there is, and fails.
+    [[nodiscard]] bool Select(std::int32_t kind) {
+        if (m_backEnd && kind == m_kind) {
+            return true;
+        }
+        Close();
+        if (kind == settings_kind::kRegistry) {
+            Take(new Registry(HKEY_CURRENT_USER));
+        } else if (kind == settings_kind::kXml) {
+            Take(new Xml(kSettingsPathPrefix));
+        } else {
+            return false;
+        }
+        m_kind = kind;
+        return true;
+    }
+    void Close() {
+        m_kind = settings_kind::kNone;
+        if (const auto closing = std::move(m_backEnd)) {
+            closing->close();
+        }
+    }
+
+    [[nodiscard]] std::int32_t Kind() const { return m_kind; }
+    [[nodiscard]] Base* Get() const { return m_backEnd.get(); }
+
+  private:
+    template <typename Kind>
+    void Take(Kind* backEnd) {
+        m_backEnd = {backEnd, [](Base* owned) { delete static_cast<Kind*>(owned); }};
+    }
+
+    std::unique_ptr<Base, void (*)(Base*)> m_backEnd{nullptr, [](Base*) {}};
+    std::int32_t m_kind = settings_kind::kNone;
+};

@@ -1,0 +1,51 @@
+// XmlDocument: the MSXML document that holds a settings file while it is open.
+//
+// Paths are below the root element, whatever its name: "/preferences/section". They are trusted to be chains of names.
+// Owner: the document. Threads: those of the COM apartment that made it.
+// Errors: false or null; std::bad_alloc.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "settings/msxml.h"
+#include "win/com_ptr.h"
+
+// A longer file is no settings file, and none is written. Some parsers give up at ten million bytes.
+inline constexpr std::size_t kMaxDocumentBytes = std::size_t{8} * 1024 * 1024;
+
+class XmlDocument {
+  public:
+    // Every call below needs a document that was created.
+    [[nodiscard]] bool Create();
+
+    // Replaces what it holds. False for what is not well-formed, and for what has a document type: no entity is ever
+    // looked up or expanded.
+    [[nodiscard]] bool LoadBytes(const std::string& bytes);
+    [[nodiscard]] bool LoadText(const std::wstring& text);
+    // The empty settings document.
+    [[nodiscard]] bool LoadFresh();
+    void KeepSpace();
+
+    // False when its elements would not be found by the names they are given.
+    [[nodiscard]] bool HasPlainRoot() const;
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> Find(const std::wstring& path) const;
+    // Creates what is missing. Null, with nothing created, when the path runs through a value or ends in one.
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> FindOrCreate(const std::wstring& path);
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> NewElement(const std::wstring& name);
+
+    [[nodiscard]] std::wstring Text() const;
+    // What the document's save writes.
+    [[nodiscard]] bool SaveBytes(std::string& bytes) const;
+
+  private:
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> Root() const;
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> AppendChain(IXMLDOMNode* parent, std::span<const std::wstring> names);
+
+    win::ComPtr<IXMLDOMDocument2> m_document;
+};
+
+[[nodiscard]] win::ComPtr<IXMLDOMElement> ChildElement(IXMLDOMNode* parent, const std::wstring& path);
+[[nodiscard]] bool HasChildElement(IXMLDOMNode* element);
+// Those without a prefix, which mean nothing to the settings but may to others.
+[[nodiscard]] bool CopyPlainAttributes(IXMLDOMElement* from, IXMLDOMElement* to);
