@@ -6,6 +6,8 @@
 #include "dshow/registration.h"
 #include "matroska_muxer/matroska_muxer.h"
 #include "settings/settings_store.h"
+#include "ui/about_prop_page.h"
+#include "ui/property_prop_page.h"
 #include "win/module_instance.h"
 
 namespace {
@@ -25,19 +27,14 @@ const AMOVIESETUP_PIN kPins[] = {
 
 const AMOVIESETUP_FILTER kFilter = {&CLSID_MatroskaMuxer, OLESTR("Quorlex Matroska Muxer"), MERIT_DO_NOT_USE, 2, kPins};
 
-// The property pages are known by name before they exist.
-CUnknown* CreateNoPage(LPUNKNOWN /*outer*/, HRESULT* result) {
-    *result = E_NOTIMPL;
-    return nullptr;
-}
-
 } // namespace
 
 // Every row carries the filter's setup data, so registration files the filter once a row, each time alike.
 CFactoryTemplate g_Templates[] = {
     {kFilter.strName, &CLSID_MatroskaMuxer, CMatroskaMuxer::CreateInstance, nullptr, &kFilter},
-    {OLESTR("MKV Muxer about page"), &CLSID_MKVMuxerAboutPage, CreateNoPage, nullptr, &kFilter},
-    {OLESTR("MKV Muxer property page"), &CLSID_MKVMuxerPropertyPage, CreateNoPage, nullptr, &kFilter},
+    {OLESTR("MKV Muxer about page"), &CLSID_MKVMuxerAboutPage, CAboutPropPage::CreateInstance, nullptr, &kFilter},
+    {OLESTR("MKV Muxer property page"), &CLSID_MKVMuxerPropertyPage, CPropertyPropPage::CreateInstance, nullptr,
+     &kFilter},
 };
 int g_cTemplates = static_cast<int>(sizeof(g_Templates) / sizeof(g_Templates[0]));
 

@@ -14,9 +14,10 @@ test_programs() {
 }
 TEST_SCRIPTS=(files judge judge_self languages) # the judges come after all that writes files
 
-# run_program NAME: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
+# run_program NAME [TITLE]: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
-  local name=$1 log="$BUILD/windows/logs/$1.log" passed failed status
+  local name=$1 title=${2:-$1} passed failed status
+  local log="$BUILD/windows/logs/$title.log"
   mkdir -p "$BUILD/windows/logs" "$BUILD/windows/judged"
   QRX_JUDGE_DIR="$BUILD/windows/judged" QRX_SOURCE_DIR="$ROOT" \
     timeout "$TEST_TIMEOUT_SECONDS" "$WINE" "$BUILD/windows/bin/test_$name.exe" >"$log" 2>&1 </dev/null
@@ -28,12 +29,26 @@ run_program() {
   fi
   if [ "${failed:-0}" -gt 0 ]; then
     grep -aE '^\[  FAILED|: Failure|error:' -A6 "$log" | head -n 80
-    printf '%-16s FAILED (exit status %s); whole log: %s\n' "$name" "$status" "$log"
+    printf '%-16s FAILED (exit status %s); whole log: %s\n' "$title" "$status" "$log"
   else
-    printf '%-16s %s passed\n' "$name" "$passed"
+    printf '%-16s %s passed\n' "$title" "$passed"
   fi
   tests_passed=$((tests_passed + ${passed:-0}))
   tests_failed=$((tests_failed + ${failed:-0}))
+}
+
+# The windows, on a screen of their own, at the resolutions of a usual, a fine and a very fine one. What has nothing to do
+# with the resolution runs once.
+run_on_display() {
+  local dpi filter='*'
+  start_display
+  for dpi in 96 144 192; do
+    set_display_dpi "$dpi"
+    QRX_SCREEN_DPI=$dpi GTEST_FILTER=$filter run_program "$1" "$1-${dpi}dpi"
+    filter='-HandleLeakTest.*:HandleCensusTest.*:PropertyFrameTest.*'
+  done
+  stop_display
+  run_script "$1-file" python3 "$ROOT/tests/ui/judge_settings_file.py" "$BUILD/windows/judged"
 }
 
 # run_script NAME COMMAND…: a suite that ends with a line "N passed, N failed".
@@ -69,6 +84,7 @@ run_suite() {
     judge_self)
       QRX_MKVLAYOUT="$WINE $BUILD/windows/bin/mkvlayout.exe" run_script judge_self python3 "$ROOT/tests/judge/judge_files_test.py"
       ;;
+    ui) run_on_display ui ;;
     languages) run_script languages python3 "$ROOT/tests/judge/check_language_table.py" ;;
     files)
       mkdir -p "$BUILD/windows/judged"
@@ -92,6 +108,7 @@ verb_test() {
     return
   fi
   if [ ${#suites[@]} -eq 0 ]; then
+    need_packages "${PACKAGES_DISPLAY[@]}"
     rm -rf "$BUILD/windows/judged"
     mapfile -t suites < <(test_programs)
     suites+=("${TEST_SCRIPTS[@]}")

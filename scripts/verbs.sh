@@ -10,6 +10,7 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
   bench [--quick] the benchmarks, printed as tables
+  screenshots     pictures of the property pages, into docs/images
   lint            clang-format (check only) and clang-tidy
   format          clang-format, in place
 HELP

@@ -133,6 +133,21 @@ TEST_F(Module, AFreshFilterHasItsOutputAndOneInput) {
     EXPECT_EQ(WideString(OLESTR("In 0")), NameOf(pins[1].Get()));
 }
 
+TEST_F(Module, ItsPropertyPagesAreCreatedWithTheirTitles) {
+    const std::pair<CLSID, WideString> pages[] = {{CLSID_MKVMuxerAboutPage, OLESTR("About")},
+                                                  {CLSID_MKVMuxerPropertyPage, OLESTR("Settings")}};
+    for (const auto& [clsid, title] : pages) {
+        win::ComPtr<IPropertyPage> page;
+        ASSERT_EQ(S_OK, m_module.Factory(clsid)->CreateInstance(nullptr, IID_IPropertyPage, page.PutVoid()));
+        PROPPAGEINFO info{};
+        EXPECT_EQ(S_OK, page->GetPageInfo(&info));
+        EXPECT_EQ(title, WideString(info.pszTitle));
+        CoTaskMemFree(info.pszTitle);
+        EXPECT_EQ(S_FALSE, m_module.CanUnloadNow());
+    }
+    EXPECT_EQ(S_OK, m_module.CanUnloadNow());
+}
+
 TEST_F(Module, AFileWrittenWithoutRegistrationNamesTheModulesVersion) {
     const auto filter = CreateFilter();
     FakeSinkPin sink;

@@ -1,0 +1,85 @@
+// CPropTree: a two-column property editor: a header above a tree, values painted beside their labels, and an
+// in-place editor over the value of the selected item.
+//
+// Units: pixels. Owner: the page; both windows are destroyed with it, or before it with their parent.
+// Threads: that of the parent window. Errors: a null item for one that could not be added; std::bad_alloc.
+#pragma once
+
+#include <map>
+
+#include "ui/prop_tree_editor.h"
+#include "ui/prop_tree_item.h"
+
+class CPropTree {
+  public:
+    CPropTree();
+    virtual ~CPropTree();
+    CPropTree(const CPropTree&) = delete;
+    CPropTree& operator=(const CPropTree&) = delete;
+
+    // Both windows, as children of the parent. A changed value is told to the parent with WM_NOTIFY of code 0.
+    bool Create(HWND parent, const RECT& area);
+    // To a new rectangle of the parent; the columns keep their proportion.
+    void Resize(const RECT& area);
+
+    // New last children of the parent item, expanded.
+    HTREEITEM AddLabel(HTREEITEM parent, const std::wstring& label);
+    HTREEITEM AddBool(HTREEITEM parent, const std::wstring& label, bool value);
+    HTREEITEM AddList(HTREEITEM parent, const std::wstring& label, const std::vector<std::wstring>& choices,
+                      UINT32 selection);
+    HTREEITEM AddText(HTREEITEM parent, const std::wstring& label, const std::wstring& text);
+
+    // Null for an unknown item. An edit that is still open is not in the record.
+    [[nodiscard]] const PropTreeItem* GetItem(HTREEITEM item) const;
+    [[nodiscard]] HTREEITEM GetFirstChild(HTREEITEM item) const;
+    [[nodiscard]] HTREEITEM GetNextSibling(HTREEITEM item) const;
+
+    [[nodiscard]] static bool GetBool(const PropTreeItem& item);
+    // The first choice when the selection is out of range.
+    [[nodiscard]] static const std::wstring& GetSelectedText(const PropTreeItem& item);
+    [[nodiscard]] static const std::wstring& GetText(const PropTreeItem& item) { return item.text; }
+
+    [[nodiscard]] HWND TreeWindow() const { return m_tree; }
+    [[nodiscard]] HWND HeaderWindow() const { return m_header; }
+
+  private:
+    static LRESULT CALLBACK TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    static LRESULT CALLBACK HeaderProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    void OnTreeMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnHeaderMessage();
+    void OnEditorKey(PropTreeEditorKey key);
+
+    bool CreateHeader(HWND parent, const RECT& area);
+    bool CreateTree(HWND parent, const RECT& area);
+    void SetItemHeight() const;
+    HTREEITEM Insert(PropTreeItem item);
+    [[nodiscard]] HFONT Font() const;
+    // Straight to the tree's own procedure, past ours.
+    LRESULT Ask(UINT message, WPARAM wParam, LPARAM lParam) const;
+    LRESULT AskHeader(UINT message, WPARAM wParam, LPARAM lParam) const;
+    [[nodiscard]] HTREEITEM Neighbour(UINT relation, HTREEITEM item) const;
+
+    [[nodiscard]] int HeaderHeight() const;
+    void SetNameWidth(int width);
+    // The item's row and the "Value" column; false for an item in a collapsed branch.
+    [[nodiscard]] bool ValueCell(HTREEITEM item, RECT& cell) const;
+    void PaintValues() const;
+    void PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const;
+
+    void FollowSelection();
+    void StoreEdit(HTREEITEM item);
+    void OpenEditor(HTREEITEM item);
+    void PlaceEditor();
+    void FocusClickedEditor(LPARAM position) const;
+    void SelectNeighbour(UINT relation) const;
+    void LeaveForNextControl() const;
+
+    HWND m_tree = nullptr;
+    HWND m_header = nullptr;
+    WNDPROC m_previousProc = nullptr;
+    std::map<HTREEITEM, PropTreeItem> m_items;
+    PropTreeEditor m_editor;
+    HTREEITEM m_editedItem = nullptr; // the selected item, with an open editor unless it is a label
+    WNDPROC m_previousHeaderProc = nullptr;
+    int m_nameWidth = 0;
+};

@@ -1,0 +1,265 @@
+// The windows of CPropTree: its procedures, the painted values, and the editor that follows the selection.
+#include <cstring>
+
+#include "dshow/com_guard.h"
+#include "ui/prop_tree.h"
+#include "ui/window_dc.h"
+#include "win/message_value.h"
+
+namespace {
+
+constexpr int kValueIndentAt96 = 4;
+
+CPropTree* TreeBehind(HWND window) {
+    return win::FromMessageValue<CPropTree*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+}
+
+// The window goes: from here on its messages are for its own procedure alone.
+void Unhook(HWND window, WNDPROC previous) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
+}
+
+// Forward to the editor; backwards the dialog leads.
+bool IsTabToEditor(LPARAM dialogMessage) {
+    const auto* const message = win::FromMessageValue<const MSG*>(dialogMessage);
+    return message != nullptr && message->message == WM_KEYDOWN && message->wParam == VK_TAB &&
+           GetKeyState(VK_SHIFT) >= 0;
+}
+
+} // namespace
+
+LRESULT CPropTree::Ask(UINT message, WPARAM wParam, LPARAM lParam) const {
+    return m_tree != nullptr ? CallWindowProcW(m_previousProc, m_tree, message, wParam, lParam) : 0;
+}
+
+LRESULT CPropTree::AskHeader(UINT message, WPARAM wParam, LPARAM lParam) const {
+    return m_header != nullptr ? CallWindowProcW(m_previousHeaderProc, m_header, message, wParam, lParam) : 0;
+}
+
+LRESULT CALLBACK CPropTree::TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    CPropTree* const tree = TreeBehind(hwnd);
+    if (tree == nullptr) {
+        return DefWindowProcW(hwnd, message, wParam, lParam);
+    }
+    const WNDPROC previous = tree->m_previousProc;
+    if (message == WM_DESTROY) {
+        Unhook(hwnd, previous);
+        tree->m_editor.Close(); // an edit that is still open is given up
+        tree->m_editedItem = nullptr;
+        tree->m_tree = nullptr;
+    }
+    if (message == WM_COMMAND && lParam != 0 && win::FromMessageValue<HWND>(lParam) == tree->m_editor.Window()) {
+        return 0; // the tree's procedure would take our editor for the one that it renames labels with
+    }
+    LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
+    if (TreeBehind(hwnd) != tree) {
+        return result; // gone meanwhile
+    }
+    if (message == WM_GETDLGCODE && tree->m_editor.IsOpen() && IsTabToEditor(lParam)) {
+        result |= DLGC_WANTTAB;
+    }
+    static_cast<void>(ComGuard([&] {
+        tree->OnTreeMessage(message, wParam, lParam);
+        return S_OK;
+    }));
+    return result;
+}
+
+void CPropTree::OnTreeMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    const HWND tree = m_tree;
+    PlaceEditor(); // whatever scrolled, opened or closed a branch
+    if (message == WM_PAINT) {
+        PaintValues();
+    }
+    FollowSelection();
+    if (TreeBehind(tree) != this) {
+        return;
+    }
+    if (message == WM_LBUTTONDOWN) {
+        FocusClickedEditor(lParam);
+    } else if (message == WM_KEYDOWN && (wParam == VK_F2 || wParam == VK_TAB) && m_editor.IsOpen()) {
+        SetFocus(m_editor.Window());
+    }
+}
+
+LRESULT CALLBACK CPropTree::HeaderProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    CPropTree* const tree = TreeBehind(hwnd);
+    if (tree == nullptr) {
+        return DefWindowProcW(hwnd, message, wParam, lParam);
+    }
+    const WNDPROC previous = tree->m_previousHeaderProc;
+    if (message == WM_DESTROY) {
+        Unhook(hwnd, previous);
+        tree->m_header = nullptr;
+    }
+    const LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
+    if (TreeBehind(hwnd) == tree) {
+        tree->OnHeaderMessage();
+    }
+    return result;
+}
+
+// The header tells its parent alone when the user drags a divider; the values follow the width that came of it.
+void CPropTree::OnHeaderMessage() {
+    HDITEMW column{};
+    column.mask = HDI_WIDTH;
+    AskHeader(HDM_GETITEMW, 0, reinterpret_cast<LPARAM>(&column));
+    const int nameWidth = column.cxy;
+    AskHeader(HDM_GETITEMW, 1, reinterpret_cast<LPARAM>(&column));
+    RECT window{};
+    GetWindowRect(m_header, &window);
+    if (m_tree != nullptr && (nameWidth != m_nameWidth || nameWidth + column.cxy != window.right - window.left)) {
+        SetNameWidth(nameWidth);
+    }
+}
+
+bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
+    RECT row{};
+    std::memcpy(&row, &item, sizeof(item)); // NOLINT(bugprone-sizeof-expression): TVM_GETITEMRECT reads it there
+    RECT column{};
+    RECT client{};
+    if (Ask(TVM_GETITEMRECT, FALSE, reinterpret_cast<LPARAM>(&row)) == FALSE ||
+        AskHeader(HDM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&column)) == FALSE || !GetClientRect(m_tree, &client)) {
+        return false;
+    }
+    // The header is wider than the rows by the scroll bar.
+    cell = {column.left, row.top, column.right < client.right ? column.right : client.right, row.bottom};
+    return true;
+}
+
+void CPropTree::PaintValues() const {
+    RECT client{};
+    GetClientRect(m_tree, &client);
+    const WindowDc dc(m_tree, Font());
+    SetBkMode(dc.Get(), TRANSPARENT);
+    SetTextColor(dc.Get(), GetSysColor(COLOR_WINDOWTEXT));
+    RECT cell{};
+    for (HTREEITEM item = Neighbour(TVGN_FIRSTVISIBLE, nullptr);
+         item != nullptr && ValueCell(item, cell) && cell.top < client.bottom;
+         item = Neighbour(TVGN_NEXTVISIBLE, item)) {
+        PaintValue(dc.Get(), item, cell);
+    }
+}
+
+void CPropTree::PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const {
+    const PropTreeItem* const record = GetItem(item);
+    if (record == nullptr || record->kind == PropItemKind::Label) {
+        return;
+    }
+    FillRect(dc, &cell, GetSysColorBrush(COLOR_WINDOW)); // a long label ends here
+    RECT text = cell;
+    text.left += MulDiv(kValueIndentAt96, GetDeviceCaps(dc, LOGPIXELSX), 96);
+    const std::wstring& value = ShownValueOf(*record);
+    DrawTextW(dc, value.c_str(), static_cast<int>(value.size()), &text,
+              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+void CPropTree::FollowSelection() {
+    const HTREEITEM selected = Neighbour(TVGN_CARET, nullptr);
+    const HTREEITEM left = m_editedItem;
+    if (selected == left) {
+        return;
+    }
+    // First of all: closing and storing send messages that come back here.
+    m_editedItem = selected;
+    const HWND tree = m_tree;
+    StoreEdit(left);
+    if (TreeBehind(tree) == this && m_editedItem == selected) {
+        OpenEditor(selected);
+        InvalidateRect(m_tree, nullptr, FALSE);
+    }
+}
+
+// Takes the open edit over into the item, closes the editor, and tells the parent of a change.
+void CPropTree::StoreEdit(HTREEITEM item) {
+    const auto text = m_editor.EditedText();
+    const bool wasOpen = m_editor.IsOpen();
+    m_editor.Close();
+    const auto record = m_items.find(item);
+    if (!wasOpen || !text || record == m_items.end() || !StoreText(record->second, *text)) {
+        return;
+    }
+    NMHDR changed{};
+    changed.hwndFrom = m_tree; // code 0, and no control identifier
+    SendMessageW(GetParent(m_tree), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&changed));
+}
+
+void CPropTree::OpenEditor(HTREEITEM item) {
+    if (const PropTreeItem* const record = GetItem(item)) {
+        m_editor.Open(m_tree, Font(), *record);
+        PlaceEditor();
+    }
+}
+
+void CPropTree::PlaceEditor() {
+    if (!m_editor.IsOpen()) {
+        return;
+    }
+    RECT cell{};
+    if (ValueCell(m_editedItem, cell)) {
+        m_editor.Place(cell);
+    }
+}
+
+void CPropTree::FocusClickedEditor(LPARAM position) const {
+    TVHITTESTINFO hit{};
+    hit.pt = {static_cast<SHORT>(LOWORD(position)), static_cast<SHORT>(HIWORD(position))};
+    RECT cell{};
+    if (m_editor.IsOpen() &&
+        win::FromMessageValue<HTREEITEM>(Ask(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit))) == m_editedItem &&
+        ValueCell(m_editedItem, cell) && hit.pt.x >= cell.left) {
+        SetFocus(m_editor.Window());
+    }
+}
+
+void CPropTree::OnEditorKey(PropTreeEditorKey key) {
+    const HWND tree = m_tree;
+    switch (key) {
+    case PropTreeEditorKey::TakeOver:
+        StoreEdit(m_editedItem);
+        if (TreeBehind(tree) == this) {
+            OpenEditor(m_editedItem);
+        }
+        SetFocus(tree);
+        break;
+    case PropTreeEditorKey::GiveUp:
+        if (const PropTreeItem* const record = GetItem(m_editedItem)) {
+            m_editor.Show(*record);
+        }
+        SetFocus(tree);
+        break;
+    case PropTreeEditorKey::NextItem:
+    case PropTreeEditorKey::PreviousItem:
+        SelectNeighbour(key == PropTreeEditorKey::NextItem ? TVGN_NEXTVISIBLE : TVGN_PREVIOUSVISIBLE);
+        break;
+    case PropTreeEditorKey::NextControl:
+        LeaveForNextControl();
+        break;
+    case PropTreeEditorKey::PreviousControl:
+        SetFocus(tree);
+        break;
+    }
+}
+
+void CPropTree::SelectNeighbour(UINT relation) const {
+    const HWND tree = m_tree;
+    const HTREEITEM item = Neighbour(relation, m_editedItem);
+    if (item == nullptr) {
+        return;
+    }
+    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+    if (TreeBehind(tree) == this) {
+        SetFocus(m_editor.IsOpen() ? m_editor.Window() : tree);
+    }
+}
+
+void CPropTree::LeaveForNextControl() const {
+    const HWND dialog = GetAncestor(m_tree, GA_ROOT);
+    const HWND editor = m_editor.Window();
+    const HWND next = GetNextDlgTabItem(dialog, m_tree, FALSE);
+    SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(next), TRUE);
+    if (GetFocus() == editor) {
+        SetFocus(next); // the host is no dialog
+    }
+}

@@ -1,0 +1,203 @@
+#include "ui/property_prop_page.h"
+
+#include <new>
+
+#include "ui/language_names.h"
+#include "ui/page_area.h"
+#include "ui/resource.h"
+#include "win/message_value.h"
+
+namespace {
+
+constexpr ULONG kDocTypeMatroska = 0;
+constexpr ULONG kDocTypeWebm = 1;
+const std::wstring kWebm = L"webm";
+
+// Matroska track types
+constexpr INT32 kVideoTrack = 1;
+constexpr INT32 kAudioTrack = 2;
+constexpr INT32 kSubtitleTrack = 17;
+
+const std::wstring kEnabledLabel = L"bEnabled";
+const std::wstring kNameLabel = L"Track Name";
+const std::wstring kLanguageLabel = L"Track Language";
+
+// What the filter leaves unanswered counts as 0.
+VARIANT ReadValue(IModuleConfig& config, const GUID& key, VARTYPE type) {
+    VARIANT value{};
+    value.vt = type;
+    return SUCCEEDED(config.GetValue(&key, &value)) ? value : VARIANT{};
+}
+
+} // namespace
+
+CUnknown* CPropertyPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
+    CUnknown* const page = new (std::nothrow) CPropertyPropPage(outer); // counted from 0: its first reference owns it
+    if (page == nullptr) {
+        *result = E_OUTOFMEMORY;
+    }
+    return page;
+}
+
+CPropertyPropPage::CPropertyPropPage(LPUNKNOWN outer)
+    : CBasePropertyPage(OLESTR("Quorlex Matroska Muxer Property Page"), outer, IDD_SETTINGS_PAGE, IDS_SETTINGS_TITLE),
+      m_languageNames(LanguageNames()), m_docTypeNames{L"matroska", kWebm} {}
+
+CPropertyPropPage::~CPropertyPropPage() = default;
+
+HRESULT CPropertyPropPage::OnConnect(IUnknown* object) {
+    return object->QueryInterface(IID_IModuleConfig, m_config.PutVoid());
+}
+
+HRESULT CPropertyPropPage::OnDisconnect() {
+    m_config.Reset();
+    return S_OK;
+}
+
+HRESULT CPropertyPropPage::OnActivate() {
+    m_pinItems.clear();
+    RECT client{};
+    GetClientRect(m_Dlg, &client);
+    m_tree = std::make_unique<CPropTree>();
+    if (!m_tree->Create(m_Dlg, client)) {
+        return E_FAIL;
+    }
+    AddCommon();
+    ReadTracks();
+    AddGroup(L"Video", m_videoTracks);
+    AddGroup(L"Audio", m_audioTracks);
+    AddGroup(L"SubTitles", m_subtitleTracks);
+    m_bDirty = FALSE; // what is shown comes from the filter
+    return S_OK;
+}
+
+HRESULT CPropertyPropPage::OnDeactivate() {
+    m_tree.reset();
+    m_pinItems.clear();
+    m_docTypeItem = nullptr;
+    return S_OK;
+}
+
+void CPropertyPropPage::AddCommon() {
+    const HTREEITEM common = m_tree->AddLabel(TVI_ROOT, L"Common");
+    const ULONG docType = ReadValue(*m_config.Get(), MKVMUX_DocType, VT_UI4).ulVal;
+    m_docTypeItem = m_tree->AddList(common, L"DocType", m_docTypeNames, docType == kDocTypeWebm ? 1 : 0);
+}
+
+void CPropertyPropPage::ReadTracks() {
+    m_videoTracks.clear();
+    m_audioTracks.clear();
+    m_subtitleTracks.clear();
+    const USHORT inputs = ReadValue(*m_config.Get(), MKVMUX_InputCount, VT_UI2).uiVal;
+    for (INT32 index = 0; index < inputs; ++index) {
+        auto track = TrackRecord::Read(*m_config.Get(), index);
+        if (!track) {
+            continue;
+        }
+        if (track->trackType == kVideoTrack) {
+            m_videoTracks.push_back(std::move(*track));
+        } else if (track->trackType == kAudioTrack) {
+            m_audioTracks.push_back(std::move(*track));
+        } else if (track->trackType == kSubtitleTrack) {
+            m_subtitleTracks.push_back(std::move(*track));
+        }
+    }
+}
+
+void CPropertyPropPage::AddGroup(const WCHAR* title, const std::vector<TrackRecord>& tracks) {
+    if (tracks.empty()) {
+        return;
+    }
+    const HTREEITEM group = m_tree->AddLabel(TVI_ROOT, title);
+    for (const TrackRecord& track : tracks) {
+        AddTrack(group, track);
+    }
+}
+
+void CPropertyPropPage::AddTrack(HTREEITEM group, const TrackRecord& track) {
+    const HTREEITEM item = m_tree->AddLabel(group, L"In " + std::to_wstring(track.index));
+    m_pinItems[item] = track.index;
+    m_tree->AddBool(item, kEnabledLabel, track.enabled);
+    m_tree->AddText(item, kNameLabel, std::wstring(track.name.View()));
+    m_tree->AddList(item, kLanguageLabel, m_languageNames, LanguagePosition(std::wstring(track.language.View())));
+}
+
+HRESULT CPropertyPropPage::Apply() noexcept {
+    if (!m_tree || m_tree->TreeWindow() == nullptr) {
+        // Nothing is shown: either nothing was ever edited, or the edits went with the window.
+        return m_bDirty ? E_UNEXPECTED : CBasePropertyPage::Apply();
+    }
+    const BOOL wasDirty = std::exchange(m_bDirty, TRUE); // or the base would leave a clean page alone
+    const HRESULT result = CBasePropertyPage::Apply();
+    if (FAILED(result)) {
+        m_bDirty = wasDirty;
+    }
+    return result;
+}
+
+HRESULT CPropertyPropPage::OnApplyChanges() {
+    const PropTreeItem* const docType = m_tree ? m_tree->GetItem(m_docTypeItem) : nullptr;
+    if (!m_config || docType == nullptr) {
+        return E_UNEXPECTED;
+    }
+    for (const auto& [item, index] : m_pinItems) {
+        // A track that the filter refuses does not keep the others from being written.
+        static_cast<void>(EditedTrack(item, index).Write(*m_config.Get()));
+    }
+    VARIANT value{};
+    value.vt = VT_UI4;
+    value.ulVal = CPropTree::GetSelectedText(*docType) == kWebm ? kDocTypeWebm : kDocTypeMatroska;
+    return m_config->SetValue(&MKVMUX_DocType, &value);
+}
+
+const TrackRecord* CPropertyPropPage::FindTrack(INT32 index) const {
+    for (const auto* tracks : {&m_videoTracks, &m_audioTracks, &m_subtitleTracks}) {
+        for (const TrackRecord& track : *tracks) {
+            if (track.index == index) {
+                return &track;
+            }
+        }
+    }
+    return nullptr;
+}
+
+// The flags that the page does not show stay as they were read.
+TrackRecord CPropertyPropPage::EditedTrack(HTREEITEM trackItem, INT32 index) const {
+    TrackRecord track;
+    if (const TrackRecord* const asRead = FindTrack(index)) {
+        track = *asRead;
+    }
+    track.index = index;
+    track.trackType = -1;
+    for (HTREEITEM child = m_tree->GetFirstChild(trackItem); child != nullptr; child = m_tree->GetNextSibling(child)) {
+        if (const PropTreeItem* const item = m_tree->GetItem(child)) {
+            TakeOver(*item, track);
+        }
+    }
+    return track;
+}
+
+void CPropertyPropPage::TakeOver(const PropTreeItem& item, TrackRecord& track) const {
+    if (item.label == kEnabledLabel) {
+        track.enabled = CPropTree::GetBool(item);
+    } else if (item.label == kNameLabel) {
+        track.name = win::Bstr(CPropTree::GetText(item));
+    } else if (item.label == kLanguageLabel &&
+               item.selection != LanguagePosition(std::wstring(track.language.View()))) {
+        // A language that the list does not have stays what it is until the user chooses another.
+        track.language = win::Bstr(CPropTree::GetSelectedText(item));
+    }
+}
+
+INT_PTR CPropertyPropPage::OnReceiveMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto* const notification = message == WM_NOTIFY ? win::FromMessageValue<const NMHDR*>(lParam) : nullptr;
+    if (notification != nullptr && m_tree && notification->hwndFrom == m_tree->TreeWindow() &&
+        notification->code == 0) {
+        SetDirty();
+        return TRUE;
+    }
+    if (m_tree && IsLayoutMessage(hwnd, message)) {
+        m_tree->Resize(VisibleAreaOf(hwnd));
+    }
+    return CBasePropertyPage::OnReceiveMessage(hwnd, message, wParam, lParam);
+}

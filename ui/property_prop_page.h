@@ -1,0 +1,52 @@
+// CPropertyPropPage: the settings page. It shows the document type and, for each connected input, whether the track is
+// written, its name and its language; Apply writes them back through IModuleConfig.
+//
+// Owner: its references; it holds the filter while it is connected to it. Threads: the one that shows the page.
+// Errors: HRESULTs. Edits live in the tree alone until Apply.
+#pragma once
+
+#include <memory>
+
+#include <qrx_mkvmuxer.h>
+
+#include "dshow/base_property_page.h"
+#include "ui/prop_tree.h"
+#include "ui/track_record.h"
+
+class CPropertyPropPage final : public CBasePropertyPage {
+  public:
+    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* result);
+
+    explicit CPropertyPropPage(LPUNKNOWN outer);
+    ~CPropertyPropPage() override;
+
+    // Writes what is shown, changed or not.
+    STDMETHODIMP Apply() noexcept override;
+
+    // CBasePropertyPage
+    HRESULT OnConnect(IUnknown* object) override;
+    HRESULT OnDisconnect() override;
+    HRESULT OnActivate() override;
+    HRESULT OnDeactivate() override;
+    HRESULT OnApplyChanges() override;
+    INT_PTR OnReceiveMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+
+  private:
+    void AddCommon();
+    void ReadTracks();
+    void AddGroup(const WCHAR* title, const std::vector<TrackRecord>& tracks);
+    void AddTrack(HTREEITEM group, const TrackRecord& track);
+    [[nodiscard]] const TrackRecord* FindTrack(INT32 index) const;
+    [[nodiscard]] TrackRecord EditedTrack(HTREEITEM trackItem, INT32 index) const;
+    void TakeOver(const PropTreeItem& item, TrackRecord& track) const;
+
+    win::ComPtr<IModuleConfig> m_config;
+    std::unique_ptr<CPropTree> m_tree; // while the page is active
+    std::vector<TrackRecord> m_videoTracks;
+    std::vector<TrackRecord> m_audioTracks;
+    std::vector<TrackRecord> m_subtitleTracks;
+    std::map<HTREEITEM, INT32> m_pinItems; // "In %d" items and the inputs that they are for
+    const std::vector<std::wstring> m_languageNames;
+    const std::vector<std::wstring> m_docTypeNames;
+    HTREEITEM m_docTypeItem = nullptr;
+};
