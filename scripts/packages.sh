@@ -4,14 +4,19 @@
 # The cross build and the Wine prefix.
 PACKAGES_BUILD=(
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build make g++ git ca-certificates
-  dpkg-dev xz-utils patch libcli11-dev nlohmann-json3-dev googletest
+  dpkg-dev xz-utils patch libcli11-dev nlohmann-json3-dev googletest libz-mingw-w64-dev
 )
 PACKAGES_WINE=(
   wine wine64 gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly
 )
 # The programs that judge our files, and the encoder that makes the inputs.
-PACKAGES_JUDGES=(mkvtoolnix ffmpeg iso-codes python3)
-PACKAGES_SANITIZE=(g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev googletest git)
+PACKAGES_JUDGES=(mkvtoolnix ffmpeg mediaconch iso-codes python3)
+# The programs that play them.
+PACKAGES_PLAYERS=(
+  ffmpeg python3 chromium chromium-driver chromium-sandbox
+  gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
+)
+PACKAGES_SANITIZE=(g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev zlib1g-dev googletest git)
 PACKAGES_LINT=(clang-format clang-tidy python3)
 
 # have_package NAME: whether dpkg has it installed.

@@ -47,6 +47,8 @@ run_on_display() {
     QRX_SCREEN_DPI=$dpi GTEST_FILTER=$filter run_program "$1" "$1-${dpi}dpi"
     filter='-HandleLeakTest.*:HandleCensusTest.*:PropertyFrameTest.*'
   done
+  set_display_dpi 96
+  run_script "$1-mkvmux" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/ui"
   stop_display
   run_script "$1-file" python3 "$ROOT/tests/ui/judge_settings_file.py" "$BUILD/windows/judged"
 }

@@ -1,6 +1,10 @@
 #!/usr/bin/env python3
-"""Runs the whole-file tests: run.py [NAME…]. The last line says "N passed, N failed"."""
+"""Runs whole-file tests: run.py [--in DIRECTORY] [NAME…]. The last line says "N passed, N failed".
 
+Without a directory those beside this file; the others use what stands here.
+"""
+
+import argparse
 import os
 import subprocess
 import sys
@@ -25,8 +29,15 @@ def main():
     sys.path.insert(0, str(here))
     keep_wine_server()
     loader = unittest.TestLoader()
-    names = sys.argv[1:]
-    suite = loader.loadTestsFromNames(names) if names else loader.discover(str(here), "test_*.py")
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--in", dest="directory", type=Path, default=here)
+    parser.add_argument("names", nargs="*")
+    arguments = parser.parse_args()
+    directory = str(arguments.directory.resolve())
+    if directory not in sys.path:
+        sys.path.insert(0, directory)
+    suite = (loader.loadTestsFromNames(arguments.names) if arguments.names
+             else loader.discover(directory, "test_*.py"))
     result = unittest.TextTestRunner(stream=sys.stdout, verbosity=2).run(suite)
     failed_ids = {test.id().split(" (")[0] for test, _ in result.failures + result.errors}
     failed = len(failed_ids)

@@ -1,5 +1,7 @@
 """Real files, made by encoders that nobody here wrote, through mkvmux, judged by mkvmerge and ffmpeg."""
 
+import struct
+
 from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, sound
 
 
@@ -74,3 +76,17 @@ class RealFiles(MkvmuxCase):
         """The numbers of the key packets of stream 0."""
         text = self.run_ffprobe(path, "-select_streams", "0", "-show_entries", "packet=flags", "-of", "csv=p=0")
         return [number for number, line in enumerate(text.split()) if line.startswith("K")]
+
+    def test_a_stream_that_starts_late_keeps_its_start(self):
+        content = bytearray(cinepak_avi().read_bytes())
+        header = content.index(b"strh", content.index(b"strh") + 4) + 8
+        self.assertEqual(content[header:header + 4], b"auds")
+        scale, rate = struct.unpack_from("<II", content, header + 20)
+        struct.pack_into("<I", content, header + 28, rate // scale // 2)  # half a second
+        source = self.directory / "late.avi"
+        source.write_bytes(content)
+        output = self.directory / "out.mkv"
+        self.mux(output, source)
+        self.assertEqual(self.times(output, 0)[0], 0)
+        self.assertEqual(self.times(output, 1)[0], 500)
+        self.assert_same_packets(source, 1, output, 1)

@@ -33,10 +33,11 @@ class Run:
     def __init__(self, status, output, errors):
         self.status = status
         self.output = output
+        self.errors = errors  # the host's own too, for the message of a failing test
         self.error_lines = [line for line in errors.splitlines() if not HOST_NOISE.search(line)]
 
     def __str__(self):
-        return f"exit status {self.status}\n{self.output}\n" + "\n".join(self.error_lines)
+        return f"exit status {self.status}\n{self.output}\n{self.errors}"
 
 
 class WineProcess:

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "tools/avi_source/byte_source.h"
+#include "tools/source_base/byte_source.h"
 #include "win/platform.h"
 
 namespace avi {
@@ -17,6 +17,7 @@ struct AviStream {
     DWORD type = 0; // 'vids', 'auds', …
     DWORD scale = 0;
     DWORD rate = 0;
+    DWORD start = 0;          // units of time before the first chunk
     DWORD sampleSize = 0;     // 0: each chunk is one unit of time
     std::vector<BYTE> format; // BITMAPINFOHEADER or WAVEFORMATEX with what follows
     DWORD largestChunk = 0;
@@ -35,6 +36,6 @@ struct AviFile {
 };
 
 // None when the bytes are no AVI file.
-[[nodiscard]] std::optional<AviFile> ReadAviFile(const ByteSource& source);
+[[nodiscard]] std::optional<AviFile> ReadAviFile(const source::ByteSource& source);
 
 } // namespace avi

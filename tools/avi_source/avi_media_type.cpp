@@ -4,6 +4,7 @@
 #include <new>
 
 #include "dshow/media_subtypes.h"
+#include "tools/source_base/format_builder.h"
 
 namespace avi {
 
@@ -13,20 +14,6 @@ constexpr REFERENCE_TIME kSecond = 10'000'000; // in units of 100 ns
 constexpr DWORD kVideoType = 0x73646976;       // 'vids'
 constexpr DWORD kAudioType = 0x73647561;       // 'auds'
 constexpr size_t kPcmFormatBytes = 16;         // the oldest form, without cbSize
-constexpr DWORD kFirstFourCC = 0x100;          // smaller values of biCompression are the system's own
-
-GUID UncompressedSubtype(WORD bitsPerPixel) {
-    switch (bitsPerPixel) {
-    case 8:
-        return MEDIASUBTYPE_RGB8;
-    case 16:
-        return MEDIASUBTYPE_RGB555;
-    case 32:
-        return MEDIASUBTYPE_RGB32;
-    default:
-        return MEDIASUBTYPE_RGB24;
-    }
-}
 
 // A format block of that length, all zero.
 BYTE* NewFormat(CMediaType& type, size_t length) {
@@ -45,10 +32,9 @@ CMediaType VideoType(const AviStream& stream) {
     }
     std::memcpy(&bitmap, stream.format.data(), sizeof(bitmap));
     CMediaType type(&MEDIATYPE_Video);
-    type.subtype = bitmap.biCompression < kFirstFourCC ? UncompressedSubtype(bitmap.biBitCount)
-                                                       : SubtypeFromFourCC(bitmap.biCompression);
+    type.subtype = source::SubtypeOf(bitmap);
     type.formattype = FORMAT_VideoInfo;
-    type.bTemporalCompression = bitmap.biCompression >= kFirstFourCC;
+    type.bTemporalCompression = !source::IsUncompressed(bitmap);
     type.SetVariableSize();
     VIDEOINFOHEADER info{};
     if (stream.rate > 0) {

@@ -24,6 +24,7 @@ constexpr int kMaxListDepth = 2;
 constexpr UINT64 kStreamHeaderBytes = 48;
 constexpr UINT64 kScaleOffset = 20;
 constexpr UINT64 kRateOffset = 24;
+constexpr UINT64 kStartOffset = 28;
 constexpr UINT64 kSampleSizeOffset = 44;
 
 // 'idx1': an identifier, flags, offset and size for each chunk.
@@ -54,6 +55,12 @@ std::optional<WORD> StreamOf(DWORD id) {
 
 bool IsStandardIndex(DWORD id) {
     return (id & 0xffff) == (Id("ix00") & 0xffff);
+}
+
+// A stream that begins a day after the others is a damaged header.
+DWORD SaneStart(const AviStream& stream, DWORD start) {
+    constexpr UINT64 kMaxStartSeconds = UINT64{24} * 60 * 60;
+    return UINT64{start} * stream.scale <= kMaxStartSeconds * stream.rate ? start : 0;
 }
 
 } // namespace
@@ -147,6 +154,7 @@ void AviParser::ReadStreamHeader(const Chunk& chunk, AviStream& stream) const {
     stream.type = DwordAt(chunk.data);
     stream.scale = DwordAt(chunk.data + kScaleOffset);
     stream.rate = DwordAt(chunk.data + kRateOffset);
+    stream.start = SaneStart(stream, DwordAt(chunk.data + kStartOffset));
     stream.sampleSize = DwordAt(chunk.data + kSampleSizeOffset);
 }
 
@@ -218,7 +226,7 @@ void AviParser::SetKeyframe(UINT64 dataOffset, bool keyframe) {
     }
 }
 
-std::optional<AviFile> ReadAviFile(const ByteSource& source) {
+std::optional<AviFile> ReadAviFile(const source::ByteSource& source) {
     return AviParser(source).Parse();
 }
 

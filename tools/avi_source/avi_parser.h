@@ -12,7 +12,7 @@ namespace avi {
 
 class AviParser {
   public:
-    explicit AviParser(const ByteSource& source) : m_source(source) {}
+    explicit AviParser(const source::ByteSource& source) : m_source(source) {}
 
     [[nodiscard]] std::optional<AviFile> Parse();
 
@@ -38,7 +38,7 @@ class AviParser {
     void ReadStandardIndex(const Chunk& chunk);
     void SetKeyframe(UINT64 dataOffset, bool keyframe);
 
-    const ByteSource& m_source;
+    const source::ByteSource& m_source;
     AviFile m_file;
     size_t m_segmentStart = 0; // the first chunk of the current RIFF segment
 };

@@ -40,15 +40,19 @@ STDMETHODIMP CFileSinkPin::EndOfStream() noexcept {
 
 win::ComPtr<CFileSinkFilter> CFileSinkFilter::Make() {
     HRESULT hr = S_OK;
-    win::ComPtr<CFileSinkFilter> filter(new CFileSinkFilter(&hr));
+    win::ComPtr<CFileSinkFilter> filter(new CFileSinkFilter(nullptr, &hr));
     if (FAILED(hr)) {
         throw Failure("the file sink cannot be created: " + DescribeResult(hr));
     }
     return filter;
 }
 
-CFileSinkFilter::CFileSinkFilter(HRESULT* phr)
-    : CBaseFilter(L"FileSink", nullptr, &m_lock, kFileSinkClassId), m_pin(this, &m_lock, phr) {
+CUnknown* CFileSinkFilter::CreateInstance(LPUNKNOWN outer, HRESULT* phr) {
+    return new CFileSinkFilter(outer, phr);
+}
+
+CFileSinkFilter::CFileSinkFilter(LPUNKNOWN outer, HRESULT* phr)
+    : CBaseFilter(L"FileSink", outer, &m_lock, kFileSinkClassId), m_pin(this, &m_lock, phr) {
     m_pin.Stream().SetFailureHandler([this](HRESULT failure) { NotifyEvent(EC_ERRORABORT, failure, 0); });
 }
 
@@ -57,10 +61,30 @@ HRESULT CFileSinkFilter::CreateFileOnDisk(const std::wstring& path, bool overwri
 }
 
 STDMETHODIMP CFileSinkFilter::NonDelegatingQueryInterface(REFIID iid, void** object) {
+    if (iid == IID_IFileSinkFilter) {
+        return GetInterface(static_cast<IFileSinkFilter*>(this), object);
+    }
     if (iid == IID_IAMFilterMiscFlags) {
         return GetInterface(static_cast<IAMFilterMiscFlags*>(this), object);
     }
     return CBaseFilter::NonDelegatingQueryInterface(iid, object);
+}
+
+STDMETHODIMP CFileSinkFilter::SetFileName(LPCOLESTR name, const AM_MEDIA_TYPE* /*type*/) noexcept {
+    return name == nullptr ? E_POINTER : CreateFileOnDisk(name, true);
+}
+
+STDMETHODIMP CFileSinkFilter::GetCurFile(LPOLESTR* name, AM_MEDIA_TYPE* type) noexcept {
+    if (name == nullptr) {
+        return E_POINTER;
+    }
+    if (type != nullptr) {
+        *type = {};
+    }
+    STATSTG file{};
+    const HRESULT hr = m_pin.Stream().Stat(&file, STATFLAG_DEFAULT);
+    *name = file.pwcsName;
+    return hr;
 }
 
 int CFileSinkFilter::GetPinCount() {

@@ -37,9 +37,11 @@ class CFileSinkPin : public CBaseInputPin {
     CFileStream m_stream;
 };
 
-class CFileSinkFilter : public CBaseFilter, public IAMFilterMiscFlags {
+class CFileSinkFilter : public CBaseFilter, public IFileSinkFilter, public IAMFilterMiscFlags {
   public:
     static win::ComPtr<CFileSinkFilter> Make();
+    // For a class factory.
+    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* phr);
 
     HRESULT CreateFileOnDisk(const std::wstring& path, bool overwrite);
     [[nodiscard]] const CFileStream& Stream() const { return m_pin.Stream(); }
@@ -53,13 +55,17 @@ class CFileSinkFilter : public CBaseFilter, public IAMFilterMiscFlags {
     STDMETHODIMP Run(REFERENCE_TIME start) noexcept override;
     STDMETHODIMP Stop() noexcept override;
 
+    // IFileSinkFilter: an existing file is overwritten. The media type is left unset, as the file's writer decides it.
+    STDMETHODIMP SetFileName(LPCOLESTR name, const AM_MEDIA_TYPE* type) noexcept override;
+    STDMETHODIMP GetCurFile(LPOLESTR* name, AM_MEDIA_TYPE* type) noexcept override;
+
     // IAMFilterMiscFlags: a renderer, whose EC_COMPLETE the graph waits for.
     STDMETHODIMP_(ULONG) GetMiscFlags() noexcept override { return AM_FILTER_MISC_FLAGS_IS_RENDERER; }
 
     void OnEndOfStream();
 
   private:
-    explicit CFileSinkFilter(HRESULT* phr);
+    CFileSinkFilter(LPUNKNOWN outer, HRESULT* phr);
     void NotifyComplete();
 
     CCritSec m_lock;

@@ -2,6 +2,7 @@
 
 #include "mkv/codec_description.h"
 #include "tools/mkvmux/filter_graph.h"
+#include "tools/mkvmux/identify_json.h"
 #include "tools/mkvmux/media_type_text.h"
 #include "tools/mkvmux/text.h"
 
@@ -9,26 +10,42 @@ namespace mkvmux {
 
 std::string DescribeStream(const SourceStream& stream) {
     if (!stream.HasType()) {
-        return "no media type is offered: no codec";
+        return stream.problem.empty() ? "no media type is offered: no codec" : stream.problem;
     }
     const std::string codec = mkv::CodecIdOf(stream.type);
     return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec) +
-           (stream.ownReader ? " (own AVI reader)" : "");
+           (stream.ownReader ? " (own " + stream.readerName + " reader)" : "");
 }
 
-std::string Identify(const Options& options) {
-    const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
-    SourceStreams sources(graph.Get());
+namespace {
+
+std::string IdentificationAsText(const std::vector<IdentifiedInput>& inputs) {
     std::string text;
-    size_t number = 0;
-    for (const InputOptions& input : options.inputs) {
+    for (const IdentifiedInput& input : inputs) {
         text += Utf8FromWide(input.path) + "\n";
-        for (const SourceStream& stream : sources.Open(input.path)) {
-            text += "  track " + std::to_string(number++) + " (" + Utf8FromWide(stream.pinName) +
+        for (const SourceStream& stream : input.streams) {
+            text += "  track " + std::to_string(stream.number) + " (" + Utf8FromWide(stream.pinName) +
                     "): " + DescribeStream(stream) + "\n";
         }
     }
     return text;
+}
+
+} // namespace
+
+std::string Identify(const Options& options) {
+    const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
+    SourceStreams sources(graph.Get());
+    sources.UseFrameRate(options.frameRate);
+    std::vector<IdentifiedInput> inputs;
+    size_t number = 0;
+    for (const InputOptions& input : options.inputs) {
+        inputs.push_back({input.path, sources.Open(input.path)});
+        for (SourceStream& stream : inputs.back().streams) {
+            stream.number = number++;
+        }
+    }
+    return options.json ? IdentificationAsJson(inputs) : IdentificationAsText(inputs);
 }
 
 } // namespace mkvmux

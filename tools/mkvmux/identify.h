@@ -8,7 +8,8 @@
 
 namespace mkvmux {
 
-// Writes nothing. Throws Failure for an input that cannot be opened or split.
+// As text or, when the options ask for it, as JSON. Writes nothing. Throws Failure for an input that cannot be opened
+// or split.
 [[nodiscard]] std::string Identify(const Options& options);
 
 // "video 'cvid', 160x120, 25 fps: V_MS/VFW/FOURCC", or why the stream cannot be written.

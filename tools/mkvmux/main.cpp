@@ -54,7 +54,7 @@ int wmain(int count, wchar_t** arguments) {
         for (int i = 1; i < count; ++i) {
             utf8.push_back(Utf8FromWide(arguments[i]));
         }
-        const auto parsed = ParseOptions(std::move(utf8), QRX_VERSION);
+        const auto parsed = ParseOptions(utf8, QRX_VERSION);
         const Options* const options = std::get_if<Options>(&parsed);
         return options != nullptr ? Follow(*options) : Leave(std::get<EarlyExit>(parsed));
     } catch (const std::exception& error) {

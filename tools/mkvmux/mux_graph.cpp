@@ -1,6 +1,5 @@
 #include "tools/mkvmux/mux_graph.h"
 
-#include "include/qrx_mkvmuxer.h"
 #include "mkv/codec_description.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/filter_graph.h"
@@ -9,12 +8,6 @@
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
-
-namespace {
-
-constexpr ULONG kDocTypeWebm = 1;
-
-} // namespace
 
 MuxGraph::MuxGraph(win::ComPtr<IBaseFilter> muxer)
     : m_graph(CreateFilterGraph()), m_muxer(std::move(muxer)), m_sink(CFileSinkFilter::Make()),
@@ -26,6 +19,7 @@ MuxGraph::MuxGraph(win::ComPtr<IBaseFilter> muxer)
 // The filters leave the graph while everybody is still there: one that stays connected would keep its peer.
 MuxGraph::~MuxGraph() {
     m_streams.clear();
+    m_skipped.clear();
     m_graph->RemoveFilter(m_sink.Get());
     m_graph->RemoveFilter(m_muxer.Get());
 }
@@ -36,15 +30,29 @@ void MuxGraph::AddToGraph(IBaseFilter* filter, const wchar_t* name) {
     }
 }
 
-void MuxGraph::AddInput(const std::wstring& path) {
+void MuxGraph::AddInput(const std::wstring& path, const std::set<size_t>& disabled) {
     for (SourceStream& stream : m_sources.Open(path)) {
-        AddStream(std::move(stream));
+        stream.number = StreamCount();
+        if (disabled.contains(stream.number) && !CanBeWritten(stream)) {
+            m_skipped.push_back(std::move(stream));
+        } else {
+            AddStream(std::move(stream));
+        }
     }
+}
+
+bool MuxGraph::CanBeWritten(const SourceStream& stream) const {
+    const win::ComPtr<IPin> input = FreePinOf(m_muxer.Get(), PINDIR_INPUT);
+    return stream.HasType() && input && input->QueryAccept(&stream.type) == S_OK &&
+           !mkv::CodecIdOf(stream.type).empty();
 }
 
 void MuxGraph::AddStream(SourceStream stream) {
     if (!stream.HasType()) {
-        throw Failure(stream.Name() + ": the splitter does not know its codec and offers no media type");
+        throw Failure(stream.problem.empty()
+                          ? stream.Name() + ": the splitter does not know its codec and offers no media type"
+                          : "track " + std::to_string(stream.number) + ": " + stream.problem + " (" + stream.Name() +
+                                "; --disable " + std::to_string(stream.number) + " leaves it out)");
     }
     const std::string described = stream.Name() + " (" + DescribeMediaType(stream.type) + ")";
     const win::ComPtr<IPin> input = FreePinOf(m_muxer.Get(), PINDIR_INPUT);
@@ -64,20 +72,6 @@ void MuxGraph::AddStream(SourceStream stream) {
         throw Failure(described + ": Matroska has no codec identifier for this type");
     }
     m_streams.push_back(std::move(stream));
-}
-
-void MuxGraph::UseDocTypeWebm() {
-    const win::ComPtr<IModuleConfig> config = m_muxer.Query<IModuleConfig>(IID_IModuleConfig);
-    VARIANT value{};
-    value.vt = VT_UI4;
-    value.ulVal = kDocTypeWebm;
-    const HRESULT hr = config ? config->SetValue(&MKVMUX_DocType, &value) : E_NOINTERFACE;
-    if (hr == E_NOTIMPL || hr == E_NOINTERFACE) {
-        throw Failure("--webm: the installed version of the muxer cannot write the document type webm");
-    }
-    if (FAILED(hr)) {
-        throw Failure("--webm: the muxer refuses the document type: " + DescribeResult(hr));
-    }
 }
 
 void MuxGraph::OpenOutput(const std::wstring& path, bool overwrite) {

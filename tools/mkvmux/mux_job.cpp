@@ -1,14 +1,18 @@
 #include "tools/mkvmux/mux_job.h"
 
 #include <filesystem>
+#include <set>
 
+#include "tools/mkvmux/apply_settings.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/identify.h"
 #include "tools/mkvmux/interruption.h"
 #include "tools/mkvmux/mux_graph.h"
 #include "tools/mkvmux/mux_run.h"
 #include "tools/mkvmux/muxer_loader.h"
+#include "tools/mkvmux/muxer_settings.h"
 #include "tools/mkvmux/progress_display.h"
+#include "tools/mkvmux/property_pages.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -30,6 +34,12 @@ void CheckInputs(const Options& options) {
     }
 }
 
+void RefuseExisting(const std::wstring& path, const Options& options) {
+    if (!options.overwrite) {
+        throw Failure(Utf8FromWide(path) + ": exists already (-y overwrites it)");
+    }
+}
+
 // An input that is also the output would be gone before it is read.
 void CheckOutput(const Options& options) {
     std::error_code error;
@@ -41,8 +51,48 @@ void CheckOutput(const Options& options) {
             throw Failure(Utf8FromWide(options.output) + ": is an input and cannot be the output");
         }
     }
-    if (!options.overwrite) {
-        throw Failure(Utf8FromWide(options.output) + ": exists already (-y overwrites it)");
+    RefuseExisting(options.output, options);
+}
+
+void CheckConfigurationFile(const Options& options) {
+    std::error_code error;
+    if (!options.saveConfig.empty() && fs::exists(options.saveConfig, error)) {
+        RefuseExisting(options.saveConfig, options);
+    }
+}
+
+std::set<size_t> DisabledTracks(const Options& options) {
+    std::set<size_t> disabled;
+    for (const auto& [number, track] : options.tracks) {
+        if (track.disable) {
+            disabled.insert(number);
+        }
+    }
+    return disabled;
+}
+
+// Before the inputs are connected: the log shall tell of that, and a bad configuration fails early.
+void PrepareMuxer(const Options& options, MuxerSettings& settings) {
+    if (!options.logDirectory.empty()) {
+        settings.LogTo(options.logDirectory);
+    }
+    if (!options.loadConfig.empty()) {
+        settings.LoadFrom(options.loadConfig);
+    }
+    if (options.webm) {
+        settings.UseDocTypeWebm();
+    }
+}
+
+void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
+    ApplyTrackSettings(graph, options, settings, console);
+    CarryAttachments(graph, options, settings);
+    AttachFiles(options, settings);
+    if (options.showProperties) {
+        ShowPropertyPages(graph.Muxer().Get()); // before the configuration is saved, which shall hold what is set there
+    }
+    if (!options.saveConfig.empty()) {
+        settings.SaveTo(options.saveConfig, options.overwrite);
     }
 }
 
@@ -55,11 +105,16 @@ ProgressDisplay MakeDisplay(const Options& options) {
     return ProgressDisplay(style, Console::TerminalColumns(), Console::Print);
 }
 
-void ListTracks(const MuxGraph& graph, const Console& console) {
-    size_t number = 0;
-    for (const SourceStream& stream : graph.Streams()) {
-        console.Inform("track " + std::to_string(number++) + ": " + stream.Name() + ": " + DescribeStream(stream) +
-                       "\n");
+void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Console& console) {
+    const auto list = [&](const SourceStream& stream, const char* remark) {
+        console.Inform("track " + std::to_string(stream.number) + ": " + stream.Name() + ": " + DescribeStream(stream) +
+                       remark + "\n");
+    };
+    for (size_t input = 0; input < graph.Streams().size(); ++input) {
+        list(graph.Streams()[input], settings.IsEnabled(input) ? "" : " (disabled)");
+    }
+    for (const SourceStream& stream : graph.SkippedStreams()) {
+        list(stream, " (skipped)");
     }
 }
 
@@ -84,15 +139,17 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
 void Mux(const Options& options, Console& console) {
     CheckInputs(options);
     CheckOutput(options);
+    CheckConfigurationFile(options);
     MuxerLoader loader; // before all that comes from its module
     MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
-    if (options.webm) {
-        graph.UseDocTypeWebm();
-    }
+    MuxerSettings settings(graph.Muxer());
+    PrepareMuxer(options, settings);
+    graph.UseFrameRate(options.frameRate);
     for (const InputOptions& input : options.inputs) {
-        graph.AddInput(input.path);
+        graph.AddInput(input.path, DisabledTracks(options));
     }
-    ListTracks(graph, console);
+    Configure(graph, options, settings, console);
+    ListTracks(graph, settings, console);
     const Interruption interruption;
     graph.OpenOutput(options.output, options.overwrite);
     Run(graph, options, interruption, console);

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "dshow/media_subtypes.h"
-#include "tools/avi_source/avi_source_filter.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/graph_walk.h"
+#include "tools/mkvmux/language_choice.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -47,10 +48,33 @@ bool CanBeStreamed(const SourceStream& stream) {
 }
 
 SourceStream StreamOf(const std::wstring& path, const win::ComPtr<IPin>& pin) {
-    SourceStream stream{path, NameOf(pin.Get()), pin, {}, false};
+    SourceStream stream{path, NameOf(pin.Get()), pin, {}};
     if (std::vector<CMediaType> types = TypesOf(pin.Get()); !types.empty()) {
         stream.type = std::move(types.front());
     }
+    return stream;
+}
+
+StreamTags TagsOf(const source::TrackProperties& properties) {
+    StreamTags tags;
+    tags.name = WideFromUtf8(properties.name);
+    tags.language = FindLanguage(WideFromUtf8(properties.language)).value_or(L"Undetermined");
+    tags.isDefault = properties.isDefault;
+    tags.isEnabled = properties.isEnabled;
+    return tags;
+}
+
+// A stream without a media type has no pin either.
+SourceStream OwnStreamOf(const std::wstring& path, IBaseFilter* filter, const source::StreamDescription& description) {
+    SourceStream stream{path, description.name, {}, {}, true};
+    if (!description.types.empty()) {
+        stream.type = description.types.front();
+        filter->FindPin(description.name.c_str(), stream.pin.Put());
+    }
+    if (description.properties.known) {
+        stream.tags = TagsOf(description.properties);
+    }
+    stream.problem = description.problem;
     return stream;
 }
 
@@ -69,14 +93,19 @@ SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
 }
 
 std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
+    source::OpenedSource opened;
+    const OwnSource* const kind = OwnSourceFor(path);
+    if (kind != nullptr && SUCCEEDED(kind->open(path, m_options, opened))) {
+        return OpenWith(*kind, std::move(opened), path);
+    }
     std::vector<SourceStream> streams = OpenWithSystem(path);
-    win::ComPtr<IBaseFilter> aviSource;
-    if (std::all_of(streams.begin(), streams.end(), CanBeStreamed) || FAILED(avi::CAviSource::Open(path, aviSource))) {
+    const OwnSource& avi = OwnAviSource();
+    if (std::all_of(streams.begin(), streams.end(), CanBeStreamed) || FAILED(avi.open(path, m_options, opened))) {
         return streams;
     }
     streams.clear(); // a splitter may free its pins when it leaves the graph, whoever holds them
     RemoveFilters();
-    return OpenWith(aviSource.Get(), path);
+    return OpenWith(avi, std::move(opened), path);
 }
 
 std::vector<SourceStream> SourceStreams::OpenWithSystem(const std::wstring& path) {
@@ -94,14 +123,19 @@ std::vector<SourceStream> SourceStreams::OpenWithSystem(const std::wstring& path
     return streams;
 }
 
-std::vector<SourceStream> SourceStreams::OpenWith(IBaseFilter* source, const std::wstring& path) {
-    if (const HRESULT hr = m_graph->AddFilter(source, path.c_str()); FAILED(hr)) {
+std::vector<SourceStream> SourceStreams::OpenWith(const OwnSource& kind, source::OpenedSource opened,
+                                                  const std::wstring& path) {
+    if (const HRESULT hr = m_graph->AddFilter(opened.filter.Get(), path.c_str()); FAILED(hr)) {
         throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeResult(hr));
     }
     std::vector<SourceStream> streams;
-    Collect(source, path, 0, streams);
-    for (SourceStream& stream : streams) {
-        stream.ownReader = true;
+    for (const source::StreamDescription& description : opened.streams) {
+        streams.push_back(OwnStreamOf(path, opened.filter.Get(), description));
+        streams.back().readerName = kind.name;
+    }
+    std::move(opened.attachments.begin(), opened.attachments.end(), std::back_inserter(m_attachments));
+    for (const std::string& warning : opened.warnings) {
+        m_warnings.push_back(Utf8FromWide(path) + ": " + warning);
     }
     return streams;
 }

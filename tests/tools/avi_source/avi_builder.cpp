@@ -86,13 +86,4 @@ std::string AviFileOf(std::string_view movie, std::string_view behind) {
     return Riff("AVI ", headers + List("movi", movie) + std::string(behind));
 }
 
-size_t MemorySource::ReadAt(UINT64 offset, std::span<BYTE> buffer) const {
-    if (offset >= m_bytes.size()) {
-        return 0;
-    }
-    const size_t count = std::min(buffer.size(), m_bytes.size() - static_cast<size_t>(offset));
-    std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(offset), count, buffer.begin());
-    return count;
-}
-
 } // namespace test_avi

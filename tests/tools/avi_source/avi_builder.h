@@ -1,11 +1,11 @@
-// Builds small AVI files in memory, chunk by chunk, and offers them as a ByteSource.
+// Builds small AVI files in memory, chunk by chunk.
 #pragma once
 
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "tools/avi_source/byte_source.h"
+#include "tests/tools/source_base/memory_source.h"
+#include "win/platform.h"
 
 namespace test_avi {
 
@@ -23,14 +23,6 @@ namespace test_avi {
 // Both streams, these movie chunks, and what follows them.
 [[nodiscard]] std::string AviFileOf(std::string_view movie, std::string_view behind = {});
 
-class MemorySource final : public avi::ByteSource {
-  public:
-    explicit MemorySource(std::string_view bytes) : m_bytes(bytes.begin(), bytes.end()) {}
-    [[nodiscard]] UINT64 Size() const override { return m_bytes.size(); }
-    [[nodiscard]] size_t ReadAt(UINT64 offset, std::span<BYTE> buffer) const override;
-
-  private:
-    std::vector<BYTE> m_bytes;
-};
+using test_source::MemorySource;
 
 } // namespace test_avi

@@ -45,6 +45,19 @@ TEST(AviParser, FindsStreamsAndChunksInTheOrderOfTheFile) {
     EXPECT_EQ(Summary(file), "0*:picture 1*:sound! 0*:next ");
 }
 
+TEST(AviParser, AStreamMayStartLateButNotADayLate) {
+    std::string file = AviFileOf(Chunk("01wb", "sound!"));
+    const size_t header = file.find("strh", file.find("strh") + 1) + 8;
+    file.replace(header + 28, 4, Dword(4000));
+    EXPECT_EQ(Parsed(file)->streams.at(1).start, 4000u);
+    file.replace(header + 28, 4, Dword(24 * 60 * 60 * 8000));
+    EXPECT_EQ(Parsed(file)->streams.at(1).start, 24u * 60 * 60 * 8000);
+    for (const UINT32 damaged : {24U * 60 * 60 * 8000 + 1, 0xFFFFFFFFU}) {
+        file.replace(header + 28, 4, Dword(damaged));
+        EXPECT_EQ(Parsed(file)->streams.at(1).start, 0u);
+    }
+}
+
 TEST(AviParser, TheIndexTellsKeyframes) {
     const std::string movie = Chunk("00dc", "a") + Chunk("01wb", "bb") + Chunk("00dc", "c") + Chunk("00dc", "d");
     const std::string index = Chunk("idx1", IndexEntry("00dc", kKeyframe) + IndexEntry("01wb", kKeyframe) +

@@ -1,16 +1,17 @@
-#include "tools/avi_source/avi_source_filter.h"
+#include "tools/avi_source/avi_source.h"
 
 #include <gtest/gtest.h>
 
 #include "dshow/base_object.h"
 #include "tests/tools/avi_source/avi_builder.h"
-#include "tests/tools/avi_source/collecting_filter.h"
+#include "tests/tools/source_base/collecting_filter.h"
 #include "tools/avi_source/avi_media_type.h"
 
 namespace avi {
 namespace {
 
 using namespace test_avi;
+using test_source::CollectingFilter;
 using namespace std::chrono_literals;
 
 constexpr UINT32 kKeyframe = 0x10;
@@ -28,7 +29,9 @@ class AviSource : public testing::Test {
     }
 
     void Open(const std::string& file) {
-        ASSERT_EQ(CAviSource::Make(std::make_unique<MemorySource>(file), m_source), S_OK);
+        source::OpenedSource opened;
+        ASSERT_EQ(MakeSource(std::make_unique<MemorySource>(file), opened), S_OK);
+        m_source = opened.filter;
     }
     win::ComPtr<IPin> SourcePin(const WCHAR* name) {
         win::ComPtr<IPin> pin;
@@ -154,10 +157,11 @@ TEST_F(AviSource, StopsInTheMiddleOfAFile) {
 }
 
 TEST_F(AviSource, WhatIsNoAviFileIsRefused) {
-    EXPECT_EQ(CAviSource::Make(std::make_unique<MemorySource>("hello"), m_source), VFW_E_INVALID_FILE_FORMAT);
-    EXPECT_FALSE(m_source);
-    EXPECT_EQ(CAviSource::Open(L"no_such_file.avi", m_source), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-    EXPECT_FALSE(m_source);
+    source::OpenedSource opened;
+    EXPECT_EQ(MakeSource(std::make_unique<MemorySource>("hello"), opened), VFW_E_INVALID_FILE_FORMAT);
+    EXPECT_FALSE(opened.filter);
+    EXPECT_EQ(OpenSource(OLESTR("no_such_file.avi"), opened), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_FALSE(opened.filter);
 }
 
 } // namespace

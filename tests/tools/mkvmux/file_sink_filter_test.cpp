@@ -47,6 +47,21 @@ TEST_F(FileSinkFilter, TakesByteStreamsAlone) {
     EXPECT_EQ(upstream.ConnectTo(m_pin.Get()), S_OK);
 }
 
+TEST_F(FileSinkFilter, IsAFileWriterThatCanBeNamed) {
+    const win::ComPtr<IFileSinkFilter> file = m_sink.Query<IFileSinkFilter>(IID_IFileSinkFilter);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->SetFileName(nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(file->GetCurFile(nullptr, nullptr), E_POINTER);
+    ASSERT_EQ(file->SetFileName(m_file.Path().c_str(), nullptr), S_OK);
+    LPOLESTR name = nullptr;
+    AM_MEDIA_TYPE type{};
+    type.majortype = MEDIATYPE_Video;
+    ASSERT_EQ(file->GetCurFile(&name, &type), S_OK);
+    EXPECT_EQ(name, m_file.Path());
+    EXPECT_EQ(type.majortype, GUID_NULL);
+    CoTaskMemFree(name);
+}
+
 TEST_F(FileSinkFilter, ItsPinOffersTheFileAsAStream) {
     ASSERT_EQ(m_sink->CreateFileOnDisk(m_file.Path(), false), S_OK);
     win::ComPtr<IStream> stream = m_pin.Query<IStream>(IID_IStream);

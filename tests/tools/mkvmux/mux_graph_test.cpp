@@ -8,6 +8,7 @@
 #include "tests/tools/mkvmux/stub_muxer.h"
 #include "tests/tools/mkvmux/temporary_file.h"
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/muxer_settings.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -81,9 +82,22 @@ TEST_F(MuxGraphTest, MoreStreamsThanInputsAreAnError) {
     EXPECT_THAT(FailureOf([&] { graph.AddInput(input.Path()); }), HasSubstr("the muxer has no free input"));
 }
 
-TEST_F(MuxGraphTest, AMuxerThatCannotWriteWebmIsToldSo) {
+TEST_F(MuxGraphTest, ADisabledStreamThatTheMuxerRefusesIsSkipped) {
+    const TemporaryFile input(L".wav");
+    input.SetContent(test_mkvmux::PcmWaveFile(1));
+    MuxGraph graph(MakeStubMuxer({MEDIATYPE_Video}));
+    graph.AddInput(input.Path(), {0});
+    EXPECT_TRUE(graph.Streams().empty());
+    ASSERT_EQ(graph.SkippedStreams().size(), 1u);
+    EXPECT_EQ(graph.SkippedStreams()[0].number, 0u);
+    // The next stream has the next number, which is not disabled.
+    EXPECT_THAT(FailureOf([&] { graph.AddInput(input.Path(), {0}); }), HasSubstr("does not take this type"));
+}
+
+TEST_F(MuxGraphTest, AMuxerThatTakesNoSettingsIsToldSo) {
     MuxGraph graph(MakeStubMuxer({MEDIATYPE_Audio}));
-    EXPECT_THAT(FailureOf([&] { graph.UseDocTypeWebm(); }), HasSubstr("--webm: "));
+    EXPECT_EQ(FailureOf([&] { const MuxerSettings settings(graph.Muxer()); }),
+              "the installed version of the muxer takes no settings");
 }
 
 TEST_F(MuxGraphTest, AnOutputThatCannotBeCreatedIsNamedWithItsCause) {

@@ -80,11 +80,77 @@ TEST(Options, IdentifyNeedsNoOutput) {
     EXPECT_TRUE(Parsed({"--identify", "a.avi"}).identify);
 }
 
+TEST(Options, TracksAreNamedByNumber) {
+    const Options options = Parsed({"-o", "o", "--track-name", "0:Main: the film", "--language", "1:ger", "--default",
+                                    "1", "--disable", "2", "--track-name", "1:", "--language=0:french", "a.avi"});
+    ASSERT_EQ(options.tracks.size(), 3u);
+    EXPECT_EQ(options.tracks.at(0).name, L"Main: the film");
+    EXPECT_EQ(options.tracks.at(0).language, L"French");
+    EXPECT_FALSE(options.tracks.at(0).makeDefault);
+    EXPECT_FALSE(options.tracks.at(0).disable);
+    EXPECT_EQ(options.tracks.at(1).name, L"");
+    EXPECT_EQ(options.tracks.at(1).language, L"German");
+    EXPECT_TRUE(options.tracks.at(1).makeDefault);
+    EXPECT_TRUE(options.tracks.at(2).disable);
+    EXPECT_EQ(options.tracks.at(2).name, std::nullopt);
+    ASSERT_EQ(options.inputs.size(), 1u) << "an option takes one value and leaves the inputs alone";
+}
+
+TEST(Options, OfTwoNamesForATrackTheLaterCounts) {
+    EXPECT_EQ(Parsed({"-o", "o", "--track-name", "0:a", "a.avi", "--track-name", "0:b"}).tracks.at(0).name, L"b");
+}
+
+TEST(Options, AttachmentsTakeWhatStandsBeforeThem) {
+    const Options options =
+        Parsed({"-o", "o", "--attach-mime", "text/x-a", "--attach", "a.txt", "in.avi", "--attach", "b.txt",
+                "--attach-name", "c", "--attach-description", "the third", "--attach", "c.txt"});
+    ASSERT_EQ(options.attachments.size(), 3u);
+    EXPECT_EQ(options.attachments[0].path, L"a.txt");
+    EXPECT_EQ(options.attachments[0].mimeType, "text/x-a");
+    EXPECT_EQ(options.attachments[0].name, std::nullopt);
+    EXPECT_EQ(options.attachments[0].description, L"");
+    EXPECT_EQ(options.attachments[1].path, L"b.txt");
+    EXPECT_EQ(options.attachments[1].mimeType, std::nullopt);
+    EXPECT_EQ(options.attachments[2].path, L"c.txt");
+    EXPECT_EQ(options.attachments[2].name, L"c");
+    EXPECT_EQ(options.attachments[2].description, L"the third");
+    EXPECT_EQ(options.inputs.size(), 1u);
+}
+
+TEST(Options, FilesAndDirectoriesOfARun) {
+    const Options options =
+        Parsed({"-o", "o", "--log", "logs", "--save-config", "s.cfg", "--load-config", "l.cfg", "a"});
+    EXPECT_EQ(options.logDirectory, L"logs");
+    EXPECT_EQ(options.saveConfig, L"s.cfg");
+    EXPECT_EQ(options.loadConfig, L"l.cfg");
+}
+
+TEST(Options, IdentifyCanAnswerInJson) {
+    EXPECT_TRUE(Parsed({"--identify", "--json", "a.avi"}).json);
+    EXPECT_FALSE(Parsed({"--identify", "a.avi"}).json);
+}
+
+TEST(Options, AnUnknownLanguageIsRefusedWithTheNearestNames) {
+    const EarlyExit exit = Refused({"-o", "o", "--language", "0:Germn", "a.avi"});
+    EXPECT_EQ(exit.status, 2);
+    EXPECT_EQ(exit.output, "--language: there is no language 'Germn'; do you mean 'German'; --list-languages names "
+                           "them all");
+}
+
+TEST(Options, TheLanguagesCanBeListed) {
+    const EarlyExit list = Refused({"--list-languages"});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_NE(list.output.find("\nfre      French\n"), std::string::npos);
+}
+
 TEST(Options, HelpAndVersionEndWithSuccess) {
     const EarlyExit help = Refused({"--help"});
     EXPECT_EQ(help.status, 0);
     for (const char* option :
-         {"--output", "--webm", "--identify", "--no-register", "--quiet", "--progress", "--version", "--help"}) {
+         {"--output",      "--webm",        "--identify",      "--no-register",        "--quiet",   "--progress",
+          "--version",     "--help",        "--track-name",    "--language",           "--default", "--disable",
+          "--attach",      "--attach-mime", "--attach-name",   "--attach-description", "--json",    "--log",
+          "--save-config", "--load-config", "--list-languages"}) {
         EXPECT_THAT(help.output, HasSubstr(option));
     }
     const EarlyExit version = Refused({"--version"});
@@ -100,6 +166,16 @@ TEST(Options, WhatCannotBeFollowedIsOneLineAndStatus2) {
         {{"--no-such", "-o", "o", "a.avi"}, "--no-such"},
         {{"--progress", "sometimes", "-o", "o", "a.avi"}, "sometimes"},
         {{"a.avi", "-o"}, "-o"},
+        {{"-o", "o", "--track-name", "main", "a"}, "--track-name: 'main' is not TRACK:NAME"},
+        {{"-o", "o", "--track-name", "x:main", "a"}, "--track-name: 'x' is no track number"},
+        {{"-o", "o", "--track-name", ":main", "a"}, "--track-name: '' is no track number"},
+        {{"-o", "o", "--track-name=-1:main", "a"}, "--track-name: '-1' is no track number"},
+        {{"-o", "o", "--default", "99999999999999999999", "a"}, "is no track number"},
+        {{"-o", "o", "--disable", "1x", "a"}, "--disable: '1x' is no track number"},
+        {{"-o", "o", "a", "--attach-name", "n"}, "--attach-name: speaks of the next attachment"},
+        {{"-o", "o", "--json", "a"}, "--json goes with --identify only"},
+        {{"-o", "o", "--save-config", "o", "a"}, "name the same file"},
+        {{"@no_such.json"}, "no_such.json: cannot be opened"},
     };
     for (const auto& [arguments, reason] : cases) {
         const EarlyExit exit = Refused(arguments);

@@ -1,0 +1,94 @@
+// Builds small Matroska files in memory, element by element.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tests/support/byte_builder.h"
+
+namespace test_matroska {
+
+using test_support::RawBytes;
+
+namespace id {
+inline constexpr uint32_t kEbml = 0x1a45dfa3;
+inline constexpr uint32_t kDocType = 0x4282;
+inline constexpr uint32_t kVoid = 0xec;
+inline constexpr uint32_t kSegment = 0x18538067;
+inline constexpr uint32_t kInfo = 0x1549a966;
+inline constexpr uint32_t kTimestampScale = 0x2ad7b1;
+inline constexpr uint32_t kDuration = 0x4489;
+inline constexpr uint32_t kTracks = 0x1654ae6b;
+inline constexpr uint32_t kTrackEntry = 0xae;
+inline constexpr uint32_t kTrackNumber = 0xd7;
+inline constexpr uint32_t kTrackType = 0x83;
+inline constexpr uint32_t kFlagEnabled = 0xb9;
+inline constexpr uint32_t kFlagDefault = 0x88;
+inline constexpr uint32_t kDefaultDuration = 0x23e383;
+inline constexpr uint32_t kName = 0x536e;
+inline constexpr uint32_t kLanguage = 0x22b59c;
+inline constexpr uint32_t kLanguageTag = 0x22b59d;
+inline constexpr uint32_t kCodecId = 0x86;
+inline constexpr uint32_t kCodecPrivate = 0x63a2;
+inline constexpr uint32_t kVideo = 0xe0;
+inline constexpr uint32_t kPixelWidth = 0xb0;
+inline constexpr uint32_t kPixelHeight = 0xba;
+inline constexpr uint32_t kDisplayWidth = 0x54b0;
+inline constexpr uint32_t kDisplayHeight = 0x54ba;
+inline constexpr uint32_t kAudio = 0xe1;
+inline constexpr uint32_t kSamplingFrequency = 0xb5;
+inline constexpr uint32_t kChannels = 0x9f;
+inline constexpr uint32_t kBitDepth = 0x6264;
+inline constexpr uint32_t kContentEncodings = 0x6d80;
+inline constexpr uint32_t kContentEncoding = 0x6240;
+inline constexpr uint32_t kContentEncodingOrder = 0x5031;
+inline constexpr uint32_t kContentEncodingScope = 0x5032;
+inline constexpr uint32_t kContentEncodingType = 0x5033;
+inline constexpr uint32_t kContentCompression = 0x5034;
+inline constexpr uint32_t kContentCompAlgo = 0x4254;
+inline constexpr uint32_t kContentCompSettings = 0x4255;
+inline constexpr uint32_t kCluster = 0x1f43b675;
+inline constexpr uint32_t kTimestamp = 0xe7;
+inline constexpr uint32_t kSimpleBlock = 0xa3;
+inline constexpr uint32_t kBlockGroup = 0xa0;
+inline constexpr uint32_t kBlock = 0xa1;
+inline constexpr uint32_t kBlockDuration = 0x9b;
+inline constexpr uint32_t kReferenceBlock = 0xfb;
+inline constexpr uint32_t kCues = 0x1c53bb6b;
+inline constexpr uint32_t kAttachments = 0x1941a469;
+inline constexpr uint32_t kAttachedFile = 0x61a7;
+inline constexpr uint32_t kFileName = 0x466e;
+inline constexpr uint32_t kFileDescription = 0x467e;
+inline constexpr uint32_t kFileMimeType = 0x4660;
+inline constexpr uint32_t kFileData = 0x465c;
+inline constexpr uint32_t kFileUid = 0x46ae;
+} // namespace id
+
+inline constexpr uint8_t kKeyframe = 0x80;
+inline constexpr uint8_t kXiphLacing = 0x02;
+inline constexpr uint8_t kFixedLacing = 0x04;
+inline constexpr uint8_t kEbmlLacing = 0x06;
+
+[[nodiscard]] RawBytes Text(std::string_view text);
+// With a size field of eight bytes.
+[[nodiscard]] RawBytes Master(uint32_t id, std::initializer_list<RawBytes> children);
+// The size is all ones.
+[[nodiscard]] RawBytes UnknownMaster(uint32_t id, std::initializer_list<RawBytes> children);
+[[nodiscard]] RawBytes Float(uint32_t id, double value);
+
+[[nodiscard]] RawBytes Head(std::string_view docType = "matroska");
+// An entry with that number, type (1 video, 2 audio, 17 subtitle), codec, and whatever else.
+[[nodiscard]] RawBytes TrackEntry(uint8_t number, uint8_t type, std::string_view codec,
+                                  std::initializer_list<RawBytes> more = {});
+// A cluster with that timestamp in ticks.
+[[nodiscard]] RawBytes Cluster(uint64_t ticks, std::initializer_list<RawBytes> children);
+[[nodiscard]] RawBytes SimpleBlock(uint8_t track, int16_t ticks, uint8_t flags, std::string_view payload);
+[[nodiscard]] RawBytes BlockGroup(uint8_t track, int16_t ticks, uint8_t flags, std::string_view payload,
+                                  std::initializer_list<RawBytes> more = {});
+// Head, segment, these tracks, and what follows them.
+[[nodiscard]] RawBytes FileOf(std::initializer_list<RawBytes> tracks, std::initializer_list<RawBytes> rest);
+
+// Video with a lot of clusters, laced audio, compressed subtitles, an attachment: all that can be damaged.
+[[nodiscard]] RawBytes RichFile();
+
+} // namespace test_matroska

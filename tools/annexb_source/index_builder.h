@@ -1,0 +1,43 @@
+// IndexBuilder: what the indexers of both codecs share: it gathers units into pictures and sorts these for showing.
+//
+// Owner: holds the index until Take. Threads: one at a time.
+#pragma once
+
+#include <set>
+#include <utility>
+
+#include "tools/annexb_source/picture_index.h"
+#include "tools/annexb_source/unit_scanner.h"
+
+namespace annexb {
+
+class IndexBuilder {
+  public:
+    explicit IndexBuilder(const source::ByteSource& source) : m_source(source) {}
+
+    // The first so many bytes of the unit.
+    [[nodiscard]] std::vector<BYTE> Read(const UnitExtent& unit, size_t most) const;
+
+    // A unit in front of the next picture.
+    void AddPrefix(const UnitExtent& unit);
+    // The first slice of a picture, to which the prefix belongs.
+    void BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 order, bool keyframe);
+    // Whatever else belongs to the picture that was begun last.
+    void Extend(const UnitExtent& unit);
+    // The second field of the picture that was begun last.
+    void JoinField(const UnitExtent& unit, INT32 order);
+    // Keeps the first set of each kind and number for the sequence header.
+    void AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>& unit);
+
+    void MarkDamaged() { m_index.isDamaged = true; }
+    void SetShape(const PictureShape& shape, BYTE profile, BYTE level);
+    [[nodiscard]] PictureIndex Take();
+
+  private:
+    const source::ByteSource& m_source;
+    PictureIndex m_index;
+    std::optional<UINT64> m_prefixStart;
+    std::set<std::pair<BYTE, UINT32>> m_knownSets;
+};
+
+} // namespace annexb

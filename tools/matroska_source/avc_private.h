@@ -1,0 +1,23 @@
+// The AVCDecoderConfigurationRecord (ISO/IEC 14496-15), as splitters hand it on.
+#pragma once
+
+#include <vector>
+
+#include "tools/matroska_source/lacing.h"
+
+namespace matroska {
+
+struct AvcPrivate {
+    BYTE profile = 0;
+    BYTE level = 0;
+    size_t lengthBytes = 4;          // of the length in front of each unit of a sample
+    std::vector<BYTE> parameterSets; // each with a 2-byte length in front
+};
+
+// As much as the record holds.
+[[nodiscard]] AvcPrivate ParseAvcPrivate(Bytes record);
+
+// The sample with 4-byte lengths; what does not fit its length is left out.
+[[nodiscard]] std::vector<BYTE> WidenLengths(Bytes sample, size_t lengthBytes);
+
+} // namespace matroska

@@ -1,0 +1,55 @@
+// MatroskaReader: the frames of a Matroska file as packets with times.
+//
+// Units: times in 100 ns, where not named otherwise. Owner: the source filter. Threads: one at a time.
+// Errors: blocks that are damaged are left out, and Damage tells.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "tools/matroska_source/block_walker.h"
+#include "tools/matroska_source/content_decoder.h"
+#include "tools/matroska_source/frame_queue.h"
+#include "tools/matroska_source/frame_times.h"
+#include "tools/matroska_source/matroska_file.h"
+#include "tools/source_base/packet_reader.h"
+
+namespace matroska {
+
+class MatroskaReader final : public source::PacketReader {
+  public:
+    MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file);
+
+    [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
+    void Rewind() override;
+    [[nodiscard]] bool Next(source::Packet& packet) override;
+    [[nodiscard]] HRESULT Damage() const override;
+
+    // Reads them all, but for those that the muxer does not take or that cannot be read; their names are appended.
+    [[nodiscard]] std::vector<source::Attachment> ReadAttachments(std::vector<std::string>& leftOut) const;
+
+  private:
+    struct Stream {
+        ContentDecoder decoder;
+        size_t avcLengthBytes = 0; // 0: the frames stay as they are
+    };
+
+    void AddStream(Track& track);
+    void FindShift();
+    void ReadBlock(const Block& block);
+    [[nodiscard]] std::vector<source::Packet> FramesOf(const Block& block, size_t index);
+    [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, Bytes frame) const;
+
+    const std::unique_ptr<source::ByteSource> m_bytes;
+    const MatroskaFile m_file;
+    const EbmlReader m_ebml;
+    const FrameTimes m_times;
+    BlockWalker m_walker;
+    std::vector<source::StreamDescription> m_streams;
+    std::vector<Stream> m_states;        // one a stream
+    std::map<UINT64, size_t> m_streamOf; // by track number; the streams that have types
+    FrameQueue m_queue;
+    bool m_lostFrames = false;
+};
+
+} // namespace matroska

@@ -1,0 +1,43 @@
+#include "tools/matroska_source/matroska_source.h"
+
+#include "dshow/com_guard.h"
+#include "tools/matroska_source/matroska_reader.h"
+#include "tools/source_base/buffered_source.h"
+#include "tools/source_base/file_source.h"
+#include "tools/source_base/source_filter.h"
+
+namespace matroska {
+
+namespace {
+
+// Registered nowhere. {5D1F8B3A-2C64-4E97-B0A8-F3716C94E2D5}
+constexpr GUID kMatroskaSourceClassId{0x5d1f8b3a, 0x2c64, 0x4e97, {0xb0, 0xa8, 0xf3, 0x71, 0x6c, 0x94, 0xe2, 0xd5}};
+
+} // namespace
+
+HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened) {
+    return ComGuard([&] {
+        auto buffered = std::make_unique<source::BufferedSource>(std::move(bytes));
+        std::optional<MatroskaFile> file = ReadMatroskaFile(*buffered);
+        if (!file) {
+            return static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);
+        }
+        auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file));
+        std::vector<std::string> leftOut;
+        opened.attachments = reader->ReadAttachments(leftOut);
+        for (const std::string& name : leftOut) {
+            opened.warnings.push_back("the attachment '" + name + "' is damaged or too large, and left out");
+        }
+        return source::CSourceFilter::Make(std::move(reader), kMatroskaSourceClassId, opened);
+    });
+}
+
+HRESULT OpenSource(const WideString& path, source::OpenedSource& opened) {
+    return ComGuard([&] {
+        auto bytes = std::make_unique<source::FileSource>();
+        const HRESULT hr = bytes->Open(path);
+        return FAILED(hr) ? hr : MakeSource(std::move(bytes), opened);
+    });
+}
+
+} // namespace matroska

@@ -1,0 +1,98 @@
+#include "tools/mkvmux/apply_settings.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/file_bytes.h"
+#include "tools/mkvmux/mime_types.h"
+#include "tools/mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+// The muxer takes less than 2 GiB.
+constexpr UINT64 kMaxAttachmentBytes = 0x7FFFFFFE;
+
+std::string TrackText(size_t number) {
+    return "track " + std::to_string(number);
+}
+
+// What the input says is the default of what the user says. A saved configuration has said it all already.
+TrackOptions ChangeOf(const SourceStream& stream, const Options& options) {
+    TrackOptions change;
+    if (stream.tags && options.loadConfig.empty()) {
+        change.name = stream.tags->name;
+        change.language = stream.tags->language;
+        change.makeDefault = stream.tags->isDefault;
+        change.disable = !stream.tags->isEnabled;
+    }
+    if (const auto given = options.tracks.find(stream.number); given != options.tracks.end()) {
+        const TrackOptions& user = given->second;
+        change.name = user.name ? user.name : change.name;
+        change.language = user.language ? user.language : change.language;
+        change.makeDefault = user.makeDefault || change.makeDefault;
+        change.disable = user.disable || change.disable;
+    }
+    return change;
+}
+
+void WarnOfTracksThatAreNotThere(const MuxGraph& graph, const Options& options, Console& console) {
+    for (const auto& [number, track] : options.tracks) {
+        if (number >= graph.StreamCount()) {
+            console.Warn("there is no " + TrackText(number) + ": the inputs have " +
+                         std::to_string(graph.StreamCount()) + " (the first is track 0)");
+        }
+    }
+}
+
+bool SaysAnything(const TrackOptions& change) {
+    return change.name || change.language || change.makeDefault || change.disable;
+}
+
+} // namespace
+
+void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
+    for (const std::string& warning : graph.InputWarnings()) {
+        console.Warn(warning);
+    }
+    WarnOfTracksThatAreNotThere(graph, options, console);
+    bool anyEnabled = false;
+    for (size_t input = 0; input < graph.Streams().size(); ++input) {
+        const SourceStream& stream = graph.Streams()[input];
+        const TrackOptions change = ChangeOf(stream, options);
+        if (SaysAnything(change) && !settings.ChangeTrack(input, change)) {
+            console.Warn(TrackText(stream.number) + ": the muxer has no settings for input " + std::to_string(input) +
+                         "; what was said of the track is ignored");
+        }
+        anyEnabled = anyEnabled || settings.IsEnabled(input);
+    }
+    if (!anyEnabled) {
+        throw Failure("every track is disabled: nothing is left to write");
+    }
+}
+
+void CarryAttachments(const MuxGraph& graph, const Options& options, MuxerSettings& settings) {
+    if (!options.loadConfig.empty()) {
+        return; // it has its own
+    }
+    for (const source::Attachment& carried : graph.Attachments()) {
+        settings.Attach({WideFromUtf8(carried.fileName), WideFromUtf8(carried.description), carried.mimeType,
+                         std::string(carried.data.begin(), carried.data.end()), carried.uid});
+    }
+}
+
+void AttachFiles(const Options& options, MuxerSettings& settings) {
+    for (const AttachmentOptions& file : options.attachments) {
+        Attachment attachment;
+        attachment.bytes = ReadWholeFile(file.path, kMaxAttachmentBytes);
+        attachment.mimeType = file.mimeType.value_or(MimeTypeOf(file.path));
+        attachment.name = file.name.value_or(std::filesystem::path(file.path).filename().native());
+        attachment.description = file.description;
+        settings.Attach(std::move(attachment));
+    }
+}
+
+} // namespace mkvmux

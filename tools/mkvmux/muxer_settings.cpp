@@ -1,0 +1,166 @@
+#include "tools/mkvmux/muxer_settings.h"
+
+#include <filesystem>
+#include <limits>
+#include <random>
+
+#include <shlwapi.h>
+
+#include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/text.h"
+#include "win/bstr.h"
+
+namespace mkvmux {
+
+namespace {
+
+constexpr ULONG kDocTypeWebm = 1;
+
+// A record whose strings are freed with it.
+struct OwnedRow : TrackSettings {
+    OwnedRow() : TrackSettings{} {}
+    ~OwnedRow() {
+        SysFreeString(language);
+        SysFreeString(name);
+    }
+    OwnedRow(const OwnedRow&) = delete;
+    OwnedRow& operator=(const OwnedRow&) = delete;
+};
+
+void Replace(BSTR& text, const std::wstring& by) {
+    SysFreeString(text);
+    text = win::Bstr(by).Detach();
+}
+
+VARIANT ReferenceTo(void* record) {
+    VARIANT value{};
+    V_VT(&value) = VT_BYREF;
+    V_BYREF(&value) = record;
+    return value;
+}
+
+UINT64 RandomUid() {
+    std::random_device source;
+    return std::uniform_int_distribution<UINT64>(1)(source);
+}
+
+win::ComPtr<IStream> OpenStream(const std::wstring& path, DWORD mode, BOOL create) {
+    win::ComPtr<IStream> stream;
+    const HRESULT hr = SHCreateStreamOnFileEx(path.c_str(), mode, FILE_ATTRIBUTE_NORMAL, create, nullptr, stream.Put());
+    if (FAILED(hr)) {
+        throw Failure(Utf8FromWide(path) + (create != FALSE ? ": cannot be created: " : ": cannot be opened: ") +
+                      DescribeResult(hr));
+    }
+    return stream;
+}
+
+} // namespace
+
+MuxerSettings::MuxerSettings(const win::ComPtr<IBaseFilter>& muxer)
+    : m_config(muxer.Query<IModuleConfig>(IID_IModuleConfig)) {
+    if (!m_config) {
+        throw Failure("the installed version of the muxer takes no settings");
+    }
+}
+
+HRESULT MuxerSettings::Set(const GUID& key, const VARIANT& value) const {
+    return m_config->SetValue(&key, &value);
+}
+
+HRESULT MuxerSettings::GetRow(size_t input, TrackSettings& row) const {
+    if (input > static_cast<size_t>(std::numeric_limits<INT32>::max())) {
+        return E_INVALIDARG;
+    }
+    row.index = static_cast<INT32>(input);
+    VARIANT value = ReferenceTo(&row);
+    return m_config->GetValue(&MKVMUX_TrackInfo, &value);
+}
+
+void MuxerSettings::UseDocTypeWebm() {
+    VARIANT value{};
+    V_VT(&value) = VT_UI4;
+    V_UI4(&value) = kDocTypeWebm;
+    if (const HRESULT hr = Set(MKVMUX_DocType, value); FAILED(hr)) {
+        throw Failure("--webm: the muxer refuses the document type: " + DescribeResult(hr));
+    }
+}
+
+void MuxerSettings::LogTo(const std::wstring& directory) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(directory, error);
+    std::filesystem::create_directories(path, error);
+    if (!std::filesystem::is_directory(path, error)) {
+        throw Failure("--log: " + Utf8FromWide(directory) + ": is no directory and cannot be made one");
+    }
+    const win::Bstr text(path.native());
+    VARIANT value{};
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = text.Get();
+    if (const HRESULT hr = Set(MKVMUX_LogDirectory, value); FAILED(hr)) {
+        throw Failure("--log: the muxer refuses the directory: " + DescribeResult(hr));
+    }
+}
+
+bool MuxerSettings::ChangeTrack(size_t input, const TrackOptions& change) {
+    OwnedRow row;
+    if (FAILED(GetRow(input, row))) {
+        return false;
+    }
+    if (change.name) {
+        Replace(row.name, *change.name);
+    }
+    if (change.language) {
+        Replace(row.language, *change.language);
+    }
+    row.bDefault = change.makeDefault ? 1 : row.bDefault;
+    row.bEnabled = change.disable ? 0 : row.bEnabled;
+    return SUCCEEDED(Set(MKVMUX_TrackInfo, ReferenceTo(&row)));
+}
+
+bool MuxerSettings::IsEnabled(size_t input) const {
+    OwnedRow row;
+    return FAILED(GetRow(input, row)) || row.bEnabled != 0;
+}
+
+void MuxerSettings::Attach(Attachment attachment) {
+    const win::Bstr name(attachment.name);
+    const win::Bstr description(attachment.description);
+    MuxAttachment record{};
+    record.fileName = name.Get();
+    record.description = description.Get();
+    record.mimeType = attachment.mimeType.data();
+    record.dataSize = static_cast<UINT32>(attachment.bytes.size());
+    record.data = reinterpret_cast<BYTE*>(attachment.bytes.data());
+    record.uid = attachment.uid != 0 ? attachment.uid : RandomUid();
+    if (const HRESULT hr = Set(MKVMUX_Attachment, ReferenceTo(&record)); FAILED(hr)) {
+        throw Failure(Utf8FromWide(attachment.name) + ": the muxer refuses the attachment: " + DescribeResult(hr));
+    }
+}
+
+void MuxerSettings::SaveTo(const std::wstring& path, bool overwrite) const {
+    const std::wstring unfinished = path + L".part";
+    win::ComPtr<IStream> stream = OpenStream(unfinished, STGM_WRITE | STGM_CREATE | STGM_SHARE_EXCLUSIVE, TRUE);
+    HRESULT hr = OleSaveToStream(m_config.Get(), stream.Get());
+    stream.Reset(); // closes the file
+    if (SUCCEEDED(hr) &&
+        MoveFileExW(unfinished.c_str(), path.c_str(), overwrite ? MOVEFILE_REPLACE_EXISTING : 0) == FALSE) {
+        hr = HRESULT_FROM_WIN32(GetLastError());
+    }
+    if (FAILED(hr)) {
+        DeleteFileW(unfinished.c_str());
+        throw Failure(Utf8FromWide(path) + ": the configuration cannot be saved: " + DescribeResult(hr));
+    }
+}
+
+void MuxerSettings::LoadFrom(const std::wstring& path) {
+    const win::ComPtr<IStream> stream = OpenStream(path, STGM_READ | STGM_SHARE_DENY_WRITE, FALSE);
+    CLSID owner{};
+    if (ReadClassStm(stream.Get(), &owner) != S_OK || owner != CLSID_MatroskaMuxer) {
+        throw Failure(Utf8FromWide(path) + ": is no saved configuration of the muxer");
+    }
+    if (const HRESULT hr = m_config->Load(stream.Get()); FAILED(hr)) {
+        throw Failure(Utf8FromWide(path) + ": the configuration cannot be loaded: " + DescribeResult(hr));
+    }
+}
+
+} // namespace mkvmux

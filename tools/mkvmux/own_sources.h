@@ -1,0 +1,27 @@
+// OwnSources: the source filters of our own, by the names of the files that they read.
+//
+// Errors: what a source answers when it cannot read the file.
+#pragma once
+
+#include <string>
+
+#include "tools/annexb_source/frame_rate.h"
+#include "tools/source_base/opened_source.h"
+
+namespace mkvmux {
+
+struct OwnSourceOptions {
+    annexb::FrameRate frameRate; // of files that do not say
+};
+
+struct OwnSource {
+    const char* name; // "Matroska"
+    HRESULT (*open)(const std::wstring& path, const OwnSourceOptions& options, source::OpenedSource& opened);
+};
+
+// The one for files whose names end like this, which no system splits; null for other names.
+[[nodiscard]] const OwnSource* OwnSourceFor(const std::wstring& path);
+// The one for AVI files, where the system's splitter fails.
+[[nodiscard]] const OwnSource& OwnAviSource();
+
+} // namespace mkvmux

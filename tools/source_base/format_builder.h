@@ -1,0 +1,54 @@
+// Builders of media types with the format blocks that splitters offer.
+//
+// Units: durations in 100 ns. Errors: std::bad_alloc.
+#pragma once
+
+#include <span>
+
+#include "dshow/media_type.h"
+
+namespace source {
+
+struct Picture {
+    LONG width = 0;
+    LONG height = 0;
+    DWORD aspectX = 0; // shape of the whole picture
+    DWORD aspectY = 0;
+    REFERENCE_TIME frameDuration = 0;
+};
+
+using Bytes = std::span<const BYTE>;
+
+// BITMAPINFOHEADER of a compressed picture.
+[[nodiscard]] BITMAPINFOHEADER BitmapHeader(const Picture& picture, DWORD compression);
+
+// Whether biCompression is one of the system's own values, not a FourCC.
+[[nodiscard]] bool IsUncompressed(const BITMAPINFOHEADER& bitmap);
+// What the picture is stored as: its FourCC, or the uncompressed kind of so many bits.
+[[nodiscard]] GUID SubtypeOf(const BITMAPINFOHEADER& bitmap);
+
+// MEDIATYPE_Video; the extra bytes follow the structure.
+[[nodiscard]] CMediaType VideoInfoType(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap,
+                                       Bytes extra);
+[[nodiscard]] CMediaType VideoInfo2Type(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap,
+                                        Bytes extra);
+[[nodiscard]] CMediaType Mpeg1VideoType(const Picture& picture, Bytes sequenceHeader);
+
+struct Mpeg2Details {
+    DWORD profile = 0;
+    DWORD level = 0;
+    DWORD flags = 0; // of AVC1: the bytes of a length field
+};
+[[nodiscard]] CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, Bytes sequenceHeader,
+                                        const Mpeg2Details& details = {});
+
+// MEDIATYPE_Audio with FORMAT_WaveFormatEx; cbSize is set from the extra bytes.
+[[nodiscard]] CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, Bytes extra);
+
+// MEDIATYPE_Subtitle with a SUBTITLEINFO block, and the codec's header behind it.
+[[nodiscard]] CMediaType SubtitleType(const GUID& subtype, const char* language, Bytes header);
+
+// A type with that format block.
+[[nodiscard]] CMediaType TypeWithFormat(const GUID& major, const GUID& subtype, const GUID& format, Bytes block);
+
+} // namespace source

@@ -1,0 +1,19 @@
+// OpenedSource: a source filter of our own, and what its input says besides the media types.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/source_base/packet_reader.h"
+#include "win/com_ptr.h"
+
+namespace source {
+
+struct OpenedSource {
+    win::ComPtr<IBaseFilter> filter;
+    std::vector<StreamDescription> streams; // those without a pin too, in the order of the input
+    std::vector<Attachment> attachments;
+    std::vector<std::string> warnings; // what is lost; UTF-8
+};
+
+} // namespace source

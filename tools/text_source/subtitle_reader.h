@@ -1,0 +1,28 @@
+// SubtitleReader: the events of a subtitle file as packets.
+//
+// Units: times in 100 ns, shifted together so that none is below zero. Owner: the source filter.
+// Threads: one at a time. Errors: Damage tells of lines that were passed over.
+#pragma once
+
+#include "tools/source_base/packet_reader.h"
+#include "tools/text_source/subtitle_file.h"
+
+namespace subtitles {
+
+class SubtitleReader final : public source::PacketReader {
+  public:
+    explicit SubtitleReader(SubtitleFile file);
+
+    [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
+    void Rewind() override { m_next = 0; }
+    [[nodiscard]] bool Next(source::Packet& packet) override;
+    [[nodiscard]] HRESULT Damage() const override;
+
+  private:
+    const SubtitleFile m_file;
+    std::vector<source::StreamDescription> m_streams;
+    REFERENCE_TIME m_shift = 0;
+    size_t m_next = 0;
+};
+
+} // namespace subtitles
