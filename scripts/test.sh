@@ -12,7 +12,8 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(files judge judge_self languages) # the judges come after all that writes files
+TEST_SCRIPTS=(files codecs players judge_self languages judge) # the judge comes after all that writes files
+TEST_SCRIPTS_AT_ONCE=2
 
 # run_program NAME [TITLE]: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
@@ -81,13 +82,23 @@ run_suite() {
   case "$1" in
     judge)
       run_script judge python3 "$ROOT/tests/judge/judge_files.py" "$BUILD/windows/judged" \
-        --mkvlayout "$WINE $BUILD/windows/bin/mkvlayout.exe"
+        --mkvlayout "$WINE $BUILD/windows/bin/mkvlayout.exe" ${whole:+--whole}
       ;;
     judge_self)
       QRX_MKVLAYOUT="$WINE $BUILD/windows/bin/mkvlayout.exe" run_script judge_self python3 "$ROOT/tests/judge/judge_files_test.py"
       ;;
     ui) run_on_display ui ;;
     languages) run_script languages python3 "$ROOT/tests/judge/check_language_table.py" ;;
+    players)
+      need_packages "${PACKAGES_PLAYERS[@]}"
+      mkdir -p "$BUILD/windows/judged"
+      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script players python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/players"
+      ;;
+    codecs | codecs-full)
+      mkdir -p "$BUILD/windows/judged"
+      QRX_CODECS_FULL=${1#codecs} QRX_JUDGE_DIR="$BUILD/windows/judged" \
+        run_script "$1" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/codecs"
+      ;;
     files)
       mkdir -p "$BUILD/windows/judged"
       QRX_JUDGE_DIR="$BUILD/windows/judged" run_script files python3 "$ROOT/tests/files/run.py"
@@ -99,23 +110,56 @@ run_suite() {
   esac
 }
 
+# run_side_by_side SUITE…: suites that are scripts mostly wait for the programs that they start. Each prints what it has
+# to say when it is done.
+run_side_by_side() {
+  local suite passed failed results="$BUILD/windows/logs/results"
+  rm -rf "$results"
+  mkdir -p "$results"
+  for suite in "$@"; do
+    while [ "$(jobs -rp | wc -l)" -ge "$TEST_SCRIPTS_AT_ONCE" ]; do wait -n; done
+    {
+      tests_passed=0 tests_failed=0
+      run_suite "$suite"
+      printf '%s %s\n' "$tests_passed" "$tests_failed" >"$results/$suite.count"
+    } >"$results/$suite.out" 2>&1 &
+  done
+  wait
+  for suite in "$@"; do
+    cat "$results/$suite.out"
+    passed=0 failed=1 # of a suite that did not reach its end
+    [ -f "$results/$suite.count" ] && read -r passed failed <"$results/$suite.count"
+    tests_passed=$((tests_passed + passed))
+    tests_failed=$((tests_failed + failed))
+  done
+}
+
+run_all_suites() {
+  local suite scripts=("${TEST_SCRIPTS[@]}")
+  rm -rf "$BUILD/windows/judged"
+  for suite in $(test_programs); do run_suite "$suite"; done
+  unset 'scripts[-1]'
+  run_side_by_side "${scripts[@]}"
+  whole=1 # every file is there
+  run_suite judge
+}
+
 verb_test() {
   need_packages "${PACKAGES_BUILD[@]}" "${PACKAGES_JUDGES[@]}"
   build_windows
   need_wine_prefix
-  local suites=("$@") suite
+  local suites=("$@") suite whole=
   if [ "${1:-}" = list ]; then
     test_programs
     printf '%s\n' "${TEST_SCRIPTS[@]}"
     return
   fi
   if [ ${#suites[@]} -eq 0 ]; then
-    need_packages "${PACKAGES_DISPLAY[@]}"
-    rm -rf "$BUILD/windows/judged"
-    mapfile -t suites < <(test_programs)
-    suites+=("${TEST_SCRIPTS[@]}")
+    need_packages "${PACKAGES_DISPLAY[@]}" "${PACKAGES_PLAYERS[@]}"
+    run_all_suites
+  else
+    for suite in "${suites[@]}"; do run_suite "$suite"; done
   fi
-  for suite in "${suites[@]}"; do run_suite "$suite"; done
   printf '%s passed, %s failed\n' "$tests_passed" "$tests_failed"
   [ "$tests_failed" -eq 0 ]
 }

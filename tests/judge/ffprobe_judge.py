@@ -35,6 +35,11 @@ def their_stream(stream):
             "forced": disposition.get("forced") == 1}
 
 
+def is_attachment(stream):
+    """Attached pictures it shows as video."""
+    return stream.get("codec_type") == ATTACHMENT or stream.get("disposition", {}).get("attached_pic") == 1
+
+
 def overlapping_subtitles(track, blocks, tick_ns):
     """The offsets of the blocks that begin before one before them ends: they are no key packets for it."""
     found, end = set(), 0
@@ -86,7 +91,7 @@ def judge(path, layout, verdict):
         verdict.complain(TOOL, f"exit status {run.returncode}")
         return
     seen = json.loads(run.stdout.decode("utf-8", "replace"))
-    streams = [stream for stream in seen["streams"] if stream.get("codec_type") != ATTACHMENT]
+    streams = [stream for stream in seen["streams"] if not is_attachment(stream)]
     verdict.compare_lists(TOOL, "stream", [our_stream(track) for track in layout.tracks],
                           [their_stream(stream) for stream in streams])
     for track, stream in zip(layout.tracks, streams):

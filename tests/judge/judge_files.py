@@ -2,7 +2,8 @@
 """Judges every Matroska file of a directory by programs that nobody here wrote.
 
 mkvinfo, mkvmerge and ffprobe each read the file; what they say is compared with what our own reader (mkvlayout) says.
-Whatever they complain about is a failure, unless known_complaints.json explains it.
+MediaConch and rules of our own check it against the format. Whatever any of them complains about is a failure, unless
+known_complaints.json explains it; so is, with --whole, an explanation that nothing needs.
 
 usage: judge_files.py --mkvlayout COMMAND DIRECTORY
 
@@ -11,26 +12,31 @@ fails, 2 nothing could be judged.
 """
 
 import argparse
+import concurrent.futures
+import os
 import pathlib
 import shutil
 import sys
 
 import complaints
 import ffprobe_judge
+import format_rules
+import mediaconch_judge
 import mkvinfo_judge
 import mkvmerge_judge
 import our_layout
 
-JUDGES = (mkvinfo_judge, mkvmerge_judge, ffprobe_judge)
+TOOLS = ("mkvinfo", "mkvmerge", "ffprobe", "mediaconch")
+JUDGES = (mkvinfo_judge, mkvmerge_judge, ffprobe_judge, format_rules)
 MAX_REASONS = 10  # of one file that are printed
 
 
-def judge_file(path, command, known):
+def judge_file(path, command, judges, known):
     verdict = complaints.Verdict(path.name, known)
     cut = path.stem.endswith(".cut")
     layout = our_layout.read(command, path, cut, verdict)
     if layout is not None:
-        for judge in JUDGES:
+        for judge in judges:
             judge.judge(path, layout, verdict)
     return verdict
 
@@ -51,13 +57,14 @@ def parse_arguments():
     parser.add_argument("--known", type=pathlib.Path, metavar="FILE",
                         default=pathlib.Path(__file__).with_name("known_complaints.json"),
                         help="complaints that are explained (default: %(default)s)")
-    parser.add_argument("--unused", action="store_true", help="list the explained complaints that did not come up")
+    parser.add_argument("--whole", action="store_true",
+                        help="the files of all suites are there: an explained complaint that did not come up fails")
     return parser.parse_args()
 
 
 def main():
     arguments = parse_arguments()
-    missing = [tool for tool in ("mkvinfo", "mkvmerge", "ffprobe") if shutil.which(tool) is None]
+    missing = [tool for tool in TOOLS if shutil.which(tool) is None]
     if missing:
         print(f"judge_files: not installed: {', '.join(missing)}", file=sys.stderr)
         return 2
@@ -66,14 +73,18 @@ def main():
         print(f"judge_files: there is no file to judge in {arguments.directory}", file=sys.stderr)
         return 2
     known = complaints.KnownComplaints(arguments.known)
-    verdicts = [judge_file(path, arguments.mkvlayout, known) for path in files]
+    judges = (*JUDGES, mediaconch_judge.MediaConchJudge(files))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        verdicts = list(pool.map(lambda path: judge_file(path, arguments.mkvlayout, judges, known), files))
     for verdict in verdicts:
         print_verdict(verdict)
-    if arguments.unused:
-        for entry in known.unused():
-            print(f"never needed: {entry['tool']}, {entry['files']}: {entry['pattern']}")
-    failed = sum(1 for verdict in verdicts if verdict.reasons)
-    print(f"{len(verdicts) - failed} passed, {failed} failed")
+    passed = sum(1 for verdict in verdicts if not verdict.reasons)
+    unused = known.unused()
+    for entry in unused:
+        print(f"{'FAIL ' if arguments.whole else ''}never needed: {entry['tool']}, {entry['files']}: "
+              f"{entry['pattern']}")
+    failed = len(verdicts) - passed + (len(unused) if arguments.whole else 0)
+    print(f"{passed} passed, {failed} failed")
     return 1 if failed else 0
 
 

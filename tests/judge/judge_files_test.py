@@ -4,12 +4,17 @@
 The command that runs mkvlayout comes from the environment variable QRX_MKVLAYOUT.
 """
 
+import json
 import os
 import pathlib
 import subprocess
 import sys
 import tempfile
+import types
 import unittest
+
+import complaints
+import format_rules
 
 JUDGE = pathlib.Path(__file__).with_name("judge_files.py")
 TIMESTAMP_ZERO = bytes.fromhex("e78100")  # a cluster's time
@@ -17,10 +22,19 @@ CUE_CLUSTER_POSITION = bytes.fromhex("f182")  # two bytes follow
 SEEK_POSITION = bytes.fromhex("53ac82")
 SIMPLE_BLOCK_OF_TRACK_1 = bytes.fromhex("81000080")  # at the cluster's time, a keyframe
 CUES = bytes.fromhex("1c53bb6b")
+BIT_DEPTH_16 = bytes.fromhex("62648110")
+TRACK_UID = bytes.fromhex("73c588")  # eight bytes follow
+LANGUAGE_UND = bytes.fromhex("22b59c83") + b"und"
 
 
 def run(*command):
     subprocess.run(command, check=True, capture_output=True)
+
+
+class KnowsNothing:
+    @staticmethod
+    def is_known(*_):
+        return False
 
 
 class JudgeTest(unittest.TestCase):
@@ -31,7 +45,7 @@ class JudgeTest(unittest.TestCase):
         source, made = folder / "source.avi", folder / "made.mkv"
         run("ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc=d=1:s=64x48:r=25", "-f", "lavfi", "-i", "sine=d=1",
             "-c:v", "cinepak", "-c:a", "pcm_s16le", str(source))
-        run("mkvmerge", "-q", "-o", str(made), str(source))
+        run("mkvmerge", "-q", "--disable-language-ietf", "-o", str(made), str(source))
         cls.made = made.read_bytes()
         live = folder / "live.mkv"
         run("ffmpeg", "-v", "error", "-i", str(source), "-c", "copy", "-live", "1", "-f", "matroska", str(live))
@@ -41,10 +55,14 @@ class JudgeTest(unittest.TestCase):
     def tearDownClass(cls):
         cls.folder.cleanup()
 
-    def judge(self, name, content):
+    def judge(self, name, content, *options, known=()):
+        """With the known complaints given, and no others."""
         with tempfile.TemporaryDirectory() as folder:
             (pathlib.Path(folder) / name).write_bytes(content)
-            outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", os.environ["QRX_MKVLAYOUT"], folder],
+            explained = pathlib.Path(folder) / "known.json"
+            explained.write_text(json.dumps([{"files": "*", "reason": "a test", **entry} for entry in known]))
+            outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", os.environ["QRX_MKVLAYOUT"],
+                                      "--known", str(explained), *options, folder],
                                      capture_output=True, text=True, check=False)
         return outcome.returncode, outcome.stdout + outcome.stderr
 
@@ -67,7 +85,8 @@ class JudgeTest(unittest.TestCase):
 
     def test_a_recording_that_was_cut_passes_where_it_says_so(self):
         cut = self.live[: len(self.live) * 2 // 3]
-        status, text = self.judge("recording.cut.mkv", cut)
+        known = [{"tool": "ffprobe", "pattern": "File ended prematurely"}]
+        status, text = self.judge("recording.cut.mkv", cut, known=known)
         self.assertEqual(status, 0, text)
         status, text = self.judge("recording.mkv", cut)
         self.assertEqual(status, 1, text)
@@ -90,6 +109,59 @@ class JudgeTest(unittest.TestCase):
 
     def test_a_block_of_another_track_is_found(self):
         self.assert_found(self.changed(SIMPLE_BLOCK_OF_TRACK_1, -4, 0x85), "a block of the unknown track 5")
+
+    def test_a_value_that_the_format_forbids_is_found_by_mediaconch(self):
+        self.assert_found(self.replaced(BIT_DEPTH_16, BIT_DEPTH_16[:-1] + b"\0"),
+                          "mediaconch: EBML-ELEMENT-VALID-RANGE fail")
+
+    def test_a_track_uid_of_zero_is_found(self):
+        place = self.made.index(TRACK_UID) + len(TRACK_UID)
+        size = self.made[place - 1] & 0x7F
+        self.assert_found(self.made[:place] + bytes(size) + self.made[place + size:], "track 1: TrackUID is 0")
+
+    def test_a_track_uid_that_is_there_twice_is_found(self):
+        content = bytearray(self.made)
+        first = content.index(TRACK_UID) + len(TRACK_UID)
+        second = content.index(TRACK_UID, first) + len(TRACK_UID)
+        content[second:second + 8] = content[first:first + 8]
+        self.assert_found(content, "is there 2 times")
+
+    def test_cues_that_go_back_are_found(self):
+        for times, reasons in (([1, 2, 2], []), ([1, 3, 2], ["format rules: cues: their times go back"])):
+            verdict = complaints.Verdict("a.mkv", KnowsNothing())
+            format_rules.check_cues(types.SimpleNamespace(cues=[{"timeNs": time} for time in times]), verdict)
+            self.assertEqual(verdict.reasons, reasons)
+
+    def test_a_language_that_is_no_code_is_found(self):
+        self.assert_found(self.replaced(LANGUAGE_UND, LANGUAGE_UND[:-3] + b"u/d"), "track 1: Language is 'u/d'")
+
+    def test_a_codec_that_is_not_registered_is_found(self):
+        self.assert_found(self.replaced(b"A_PCM/INT/LIT", b"A_PCM/INT/ODD"), "'A_PCM/INT/ODD' is not registered")
+
+    def test_a_complaint_that_is_explained_passes(self):
+        self.assert_explained(True, {})
+        self.assert_explained(False, {"files": "other*"})
+        self.assert_explained(False, {"tool": "mkvinfo"})
+
+    def assert_explained(self, expected, change):
+        entry = {"tool": "format rules", "pattern": "Language is 'u/d'$", **change}
+        status, text = self.judge("made.mkv", self.replaced(LANGUAGE_UND, LANGUAGE_UND[:-3] + b"u/d"), known=[entry])
+        self.assertEqual(status == 0, expected, text)
+
+    def test_an_explanation_that_nothing_needs_fails_where_all_files_are_there(self):
+        entry = {"tool": "mkvinfo", "pattern": "never said"}
+        status, text = self.judge("made.mkv", self.made, known=[entry])
+        self.assertEqual(status, 0, text)
+        status, text = self.judge("made.mkv", self.made, "--whole", known=[entry])
+        self.assertEqual(status, 1, text)
+        self.assertIn("FAIL never needed: mkvinfo", text)
+        status, text = self.judge("made.mkv", self.made, "--whole", known=[{**entry, "by chance": True}])
+        self.assertEqual(status, 0, text)
+
+    def replaced(self, old, new):
+        self.assertEqual(len(old), len(new))
+        self.assertIn(old, self.made)
+        return self.made.replace(old, new, 1)
 
     def test_no_file_is_no_success(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -3,6 +3,7 @@
 import json
 import shlex
 import subprocess
+import tempfile
 
 TOOL = "mkvlayout"
 CRC_32 = "CRC-32"
@@ -36,15 +37,22 @@ class Layout:
         return [block for block in self.blocks if block["track"] == track_number]
 
 
+def text_of(file):
+    file.seek(0)
+    return file.read().decode("utf-8", "backslashreplace")
+
+
 def read(command, path, cut, verdict):
     """Runs mkvlayout; its findings are complaints. None when it fails."""
     arguments = shlex.split(command) + (["--cut"] if cut else []) + [str(path)]
-    run = subprocess.run(arguments, capture_output=True, check=False)
+    # To files, not to pipes: the host's own services, which its first program starts, would keep those open.
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
+        run = subprocess.run(arguments, stdin=subprocess.DEVNULL, stdout=output, stderr=errors, check=False)
+        printed, complaints = (text_of(file) for file in (output, errors))
     if run.returncode not in (0, 1):
-        error = run.stderr.decode("utf-8", "replace").strip()
-        verdict.complain(TOOL, f"failed with status {run.returncode}: {error}")
+        verdict.complain(TOOL, f"failed with status {run.returncode}: {complaints.strip()}")
         return None
-    data = json.loads(run.stdout.decode("utf-8", "backslashreplace"))
+    data = json.loads(printed)
     for finding in data["findings"]:
         verdict.complain(TOOL, finding)
     if (run.returncode == 1) != bool(data["findings"]):
