@@ -63,6 +63,19 @@ def long_avi():
     return raw_avi(20, "640x480")
 
 
+def long_video_avi():
+    """The same without sound, for runs that are stopped in the middle: with two streams, the splitter of the host
+    waits for ever now and then, since the demuxer behind it does not get rid of a packet for a reader that has left
+    already. How mkvmux ends then is tested in tests/tools/mkvmux/graph_stopper_test.cpp."""
+    return make_input("raw_video.avi", *picture(20, "640x480"), "-c:v", "rawvideo", "-pix_fmt", "yuv420p")
+
+
+def long_mkv():
+    """Two streams, read by mkvmux itself; the noise makes the pictures large."""
+    return make_input("long.mkv", *picture(20, "640x480"), *sound(20), "-vf", "noise=alls=90:allf=t", "-c:v", "mpeg4",
+                      "-q:v", "1", "-c:a", "pcm_s16le")
+
+
 def pcm_wave(seconds=4):
     return make_input(f"pcm{seconds}.wav", *sound(seconds), "-c:a", "pcm_s16le")
 

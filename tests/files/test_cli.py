@@ -7,7 +7,7 @@ import select
 import signal
 import time
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, long_avi, make_input, pcm_wave, raw_avi, sound
+from mkvmux_case import MkvmuxCase, cinepak_avi, long_mkv, long_video_avi, make_input, pcm_wave, raw_avi, sound
 from wine_process import WAIT_SECONDS
 
 
@@ -100,8 +100,8 @@ class CommandLine(MkvmuxCase):
         self.assertEqual(run.status, 0, run)
         self.assert_decodes(self.directory / "out.mkv")
 
-    def test_ctrl_c_finalises_the_file(self):
-        source = long_avi()
+    def interrupt(self, source):
+        """The output of a run that Ctrl-C ends in the middle."""
         output = self.directory / "out.mkv"
         process = self.start("-o", output, source)
         self.wait_for_bytes(output, 5_000_000, process)
@@ -111,12 +111,22 @@ class CommandLine(MkvmuxCase):
         self.assertEqual(len(run.error_lines), 1, run)
         self.assertIn("interrupted", run.error_lines[0])
         self.assertLess(output.stat().st_size, source.stat().st_size, "the run was over before it was interrupted")
-        # Finalised: the sizes, the duration and the index are there.
-        duration = self.identify(output)["container"]["properties"]["duration"]
-        self.assertGreater(duration, 0)
+        return output
+
+    def check_finalised(self, output, source, tracks):
+        """The sizes, the duration and the index are there, and every stream is the beginning of the input's."""
+        self.assertGreater(self.identify(output)["container"]["properties"]["duration"], 0)
         self.assert_decodes(output)
-        after = self.packets(output, 0)
-        self.assertEqual(after, self.packets(source, 0)[: len(after)])
+        for track in range(tracks):
+            after = self.packets(output, track)
+            self.assertGreater(len(after), 0)
+            self.assertEqual(after, self.packets(source, track)[: len(after)])
+
+    def test_ctrl_c_finalises_the_file(self):
+        self.check_finalised(self.interrupt(long_video_avi()), long_video_avi(), 1)
+
+    def test_ctrl_c_finalises_a_file_of_two_streams(self):
+        self.check_finalised(self.interrupt(long_mkv()), long_mkv(), 2)
 
 
 class DocumentType(MkvmuxCase):

@@ -4,7 +4,7 @@ import resource
 import shutil
 import signal
 
-from mkvmux_case import BIN, MkvmuxCase, cinepak_avi, long_avi, make_input, pcm_wave, picture, sound
+from mkvmux_case import BIN, MkvmuxCase, cinepak_avi, long_video_avi, make_input, pcm_wave, picture, sound
 from wine_process import WineProcess
 
 
@@ -69,7 +69,7 @@ class Failures(MkvmuxCase):
     def test_a_file_that_can_grow_no_further(self):
         """The limit is set on the running program alone: Wine's server must not inherit it."""
         limit = 20_000_000
-        process = self.start("-o", self.output, long_avi(),
+        process = self.start("-o", self.output, long_video_avi(),
                              preexec_fn=lambda: signal.signal(signal.SIGXFSZ, signal.SIG_IGN))
         self.wait_for_bytes(self.output, 1_000_000, process)
         resource.prlimit(process.pid, resource.RLIMIT_FSIZE, (limit, limit))
@@ -77,7 +77,7 @@ class Failures(MkvmuxCase):
         self.assertLessEqual(self.output.stat().st_size, limit)
         packets = self.packets(self.output, 0)
         self.assertGreater(len(packets), 10, "what was written before the error is readable")
-        self.assertEqual(packets, self.packets(long_avi(), 0)[: len(packets)])
+        self.assertEqual(packets, self.packets(long_video_avi(), 0)[: len(packets)])
 
     def test_command_lines_that_cannot_be_followed(self):
         for arguments in ([], ["-o", self.output], [pcm_wave()], ["--no-such-option", pcm_wave()],

@@ -4,7 +4,9 @@
 #include <set>
 
 #include "tools/mkvmux/apply_settings.h"
+#include "tools/mkvmux/exit_status.h"
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/graph_stopper.h"
 #include "tools/mkvmux/identify.h"
 #include "tools/mkvmux/interruption.h"
 #include "tools/mkvmux/mux_graph.h"
@@ -128,10 +130,19 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
         run.Finish();
     } catch (const Failure& failure) {
         display.Finish();
-        throw Failure(Utf8FromWide(options.output) + ": " + failure.what() + "; the file is unfinished");
+        const Failure told(Utf8FromWide(options.output) + ": " + failure.what() + "; the file is unfinished");
+        if (!run.Stop()) {
+            Console::Fail(told.what());
+            LeaveAtOnce(kExitFailed);
+        }
+        throw told;
     }
     console.Inform(Utf8FromWide(options.output) + ": " + std::to_string(graph.Output().WrittenEnd()) +
                    " bytes written\n");
+    if (!run.Stop()) {
+        console.Warn("an input's filter does not stop and is left as it is; the file is finished");
+        LeaveAtOnce(kExitDoneWithWarnings);
+    }
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <array>
 
+#include "tools/mkvmux/exit_status.h"
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/graph_stopper.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -23,14 +25,16 @@ MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console&
     }
 }
 
+// Reached with a running graph only when something unforeseen is thrown.
 MuxRun::~MuxRun() {
-    Stop();
+    if (!Stop()) {
+        LeaveAtOnce(kExitFailed);
+    }
 }
 
 void MuxRun::Start() {
     m_started = true;
     if (const HRESULT hr = m_control->Run(); FAILED(hr)) {
-        Stop();
         throw Failure("the streams cannot start: " + DescribeResult(hr));
     }
 }
@@ -94,7 +98,7 @@ bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
 }
 
 void MuxRun::Finish() {
-    Stop();
+    (void)Stop(); // the caller asks again
     ThrowIfOutputFailed();
     if (!m_interruption.IsRequested()) {
         m_display.Show(kWholePercent);
@@ -102,11 +106,12 @@ void MuxRun::Finish() {
     m_display.Finish();
 }
 
-void MuxRun::Stop() {
+bool MuxRun::Stop() {
     if (m_started) {
-        m_control->Stop();
         m_started = false;
+        m_isStuck = !GraphStopper().Stop(m_control, m_graph.Muxer());
     }
+    return !m_isStuck;
 }
 
 void MuxRun::ThrowIfOutputFailed() const {

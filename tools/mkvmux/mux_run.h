@@ -1,7 +1,7 @@
 // MuxRun: runs a graph to its end, or to an interruption, and finalises the file.
 //
 // Threads: one; it sleeps until the graph or the user has something to say, or the progress is due.
-// Errors: Failure; the graph is stopped whichever way the run ends.
+// Errors: Failure; the graph is stopped whichever way the run ends, as far as its filters let themselves be stopped.
 #pragma once
 
 #include "tools/mkvmux/console.h"
@@ -25,12 +25,14 @@ class MuxRun {
     void Wait();
     // Stops the graph, in which the muxer finalises the file.
     void Finish();
+    // Stops the graph if that was not done. False when a filter does not stop: the file is as finished as it can be,
+    // but the graph must not be touched again, and the process can only be left at once.
+    [[nodiscard]] bool Stop();
 
   private:
     // Whether one of the graph's events was the end.
     [[nodiscard]] bool HandleEvents();
     [[nodiscard]] bool HandleEvent(LONG code, LONG_PTR first);
-    void Stop();
     void ThrowIfOutputFailed() const;
 
     const MuxGraph& m_graph;
@@ -41,6 +43,7 @@ class MuxRun {
     win::ComPtr<IMediaControl> m_control;
     win::ComPtr<IMediaEvent> m_events;
     bool m_started = false;
+    bool m_isStuck = false;
 };
 
 } // namespace mkvmux
