@@ -106,10 +106,11 @@ HRESULT CMatroskaMuxer::OpenWriter() {
     return S_OK;
 }
 
+// One for each stream. Whether the row is enabled was asked when the streams were made; it may have changed since.
 void CMatroskaMuxer::RegisterTracks() {
     int index = 0;
     for (const auto& pin : m_inputPins) {
-        if (IsInputActive(index)) {
+        if (pin->Stream() != nullptr) {
             const CTrackSettingsRow row = m_settings.At(index).value_or(CTrackSettingsRow(index));
             m_writer.registerTrack(pin->CurrentMediaType(), row.get());
         }

@@ -75,6 +75,27 @@ TEST(MatroskaMuxer, APinWhoseRowIsDisabledGetsNoTrack) {
     ExpectSoundFile(rig, "middle_pin_disabled.mkv");
 }
 
+// Parameters come on any thread, and so at any moment of a start.
+TEST(MatroskaMuxer, AnInputThatIsDisabledInTheMiddleOfAStartKeepsItsTrack) {
+    MuxerRig rig;
+    ASSERT_EQ(S_OK, rig.ConnectInput(Pcm()));
+    ASSERT_EQ(S_OK, rig.ConnectInput(WaveType(mediasubtype::kMp3)));
+    ASSERT_EQ(S_OK, rig.ConnectOutput());
+    rig.Sink().OnStreamAsked([&rig] { rig.SetRow({0, 0, 0, 0, nullptr, nullptr, -1}); });
+    ASSERT_EQ(S_OK, rig.Pause());
+    EXPECT_EQ(S_OK, rig.Deliver(0, 0, 40));
+    EXPECT_EQ(S_OK, rig.Deliver(1, 0, 40));
+    ASSERT_TRUE(rig.EndAll());
+    ASSERT_EQ(S_OK, rig.Stop());
+
+    const auto layout = rig.Layout();
+    ASSERT_EQ(2u, layout.tracks.size()) << "the packets would land in the wrong track";
+    EXPECT_EQ("A_PCM/INT/LIT", layout.tracks[0].codecId);
+    EXPECT_EQ("A_MPEG/L3", layout.tracks[1].codecId);
+    EXPECT_EQ(1u, layout.BlocksOf(1).size());
+    EXPECT_EQ(1u, layout.BlocksOf(2).size());
+}
+
 TEST(MatroskaMuxer, ASubtitleSampleIsABlockGroupWithADurationAndACueWhateverItsSyncPoint) {
     MuxerRig rig;
     ASSERT_EQ(S_OK, rig.ConnectInput(SubtitleType(mediasubtype::kUtf8)));

@@ -12,6 +12,9 @@ IUnknown* FakeSinkPin::FindInterface(REFIID iid) {
         return static_cast<IMemInputPin*>(this);
     }
     const bool stream = iid == IID_IStream || iid == IID_ISequentialStream;
+    if (stream) {
+        m_streamAsked();
+    }
     return stream && m_offer == StreamOffer::Offered ? &m_stream : nullptr;
 }
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 #include "tests/support/fake_allocator.h"
@@ -33,6 +34,8 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     ~FakeSinkPin() { Unplug(); }
 
     [[nodiscard]] MemoryStream& Stream() { return m_stream; }
+    // Called whenever somebody asks for the stream.
+    void OnStreamAsked(std::function<void()> asked) { m_streamAsked = std::move(asked); }
     [[nodiscard]] FakeAllocator& Allocator() { return m_allocator; }
     // The type that ReceiveConnection took is refused with this answer instead.
     void RefuseConnection(HRESULT result) { m_connectionResult = result; }
@@ -74,6 +77,7 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     const StreamOffer m_offer;
     HRESULT m_connectionResult = S_OK;
     bool m_offersAllocator = true;
+    std::function<void()> m_streamAsked = [] {};
     FakeAllocator m_allocator;
     MemoryStream m_stream{static_cast<IPin*>(this)};
     win::ComPtr<IMemAllocator> m_notified;
