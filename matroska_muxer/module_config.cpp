@@ -61,6 +61,9 @@ HRESULT CMatroskaMuxer::SetTrackInfo(const TrackSettings* record) {
     if (record == nullptr) {
         return E_POINTER;
     }
+    if (!m_settings.Has(record->index)) {
+        return E_INVALIDARG; // before the strings are read: such a record may hold anything
+    }
     return m_settings.Replace(record->index, CTrackSettingsRow(*record)) ? SetDirty(TRUE) : E_INVALIDARG;
 }
 

@@ -15,9 +15,14 @@ size_t CTrackSettingsTable::Count() const {
     return m_rows.size();
 }
 
+bool CTrackSettingsTable::Has(INT32 index) const {
+    const std::lock_guard lock(m_lock);
+    return IsInside(index);
+}
+
 std::optional<CTrackSettingsRow> CTrackSettingsTable::At(INT32 index) const {
     const std::lock_guard lock(m_lock);
-    if (!Has(index)) {
+    if (!IsInside(index)) {
         return std::nullopt;
     }
     return m_rows[static_cast<size_t>(index)];
@@ -30,7 +35,7 @@ std::vector<CTrackSettingsRow> CTrackSettingsTable::All() const {
 
 bool CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
     const std::lock_guard lock(m_lock);
-    if (!Has(index)) {
+    if (!IsInside(index)) {
         return false;
     }
     m_rows[static_cast<size_t>(index)] = std::move(row);
@@ -49,5 +54,5 @@ void CTrackSettingsTable::Append(CTrackSettingsRow row) {
 
 bool CTrackSettingsTable::IsEnabled(INT32 index) const {
     const std::lock_guard lock(m_lock);
-    return !Has(index) || m_rows[static_cast<size_t>(index)].get().bEnabled != 0;
+    return !IsInside(index) || m_rows[static_cast<size_t>(index)].get().bEnabled != 0;
 }

@@ -16,6 +16,7 @@ class CTrackSettingsTable {
     CTrackSettingsTable();
 
     [[nodiscard]] size_t Count() const;
+    [[nodiscard]] bool Has(INT32 index) const;
     // The row at that position; none outside the table.
     [[nodiscard]] std::optional<CTrackSettingsRow> At(INT32 index) const;
     // A copy of all rows.
@@ -30,7 +31,7 @@ class CTrackSettingsTable {
     [[nodiscard]] bool IsEnabled(INT32 index) const;
 
   private:
-    [[nodiscard]] bool Has(INT32 index) const { return index >= 0 && static_cast<size_t>(index) < m_rows.size(); }
+    [[nodiscard]] bool IsInside(INT32 index) const { return index >= 0 && static_cast<size_t>(index) < m_rows.size(); }
 
     mutable win::CriticalSection m_lock; // guards m_rows
     std::vector<CTrackSettingsRow> m_rows;

@@ -121,6 +121,14 @@ TEST_F(Parameters, ARowOutOfRangeIsAnInvalidArgumentAndChangesNothing) {
     EXPECT_TRUE(m_rig.Muxer().Settings().IsEnabled(99));
 }
 
+TEST_F(Parameters, ARowOutOfRangeIsRefusedBeforeItsStringsAreRead) {
+    constexpr UINT32 kNoMemoryForIt = 0xfffffffe; // bytes, as the string's length says
+    alignas(8) UINT32 memory[4] = {0, kNoMemoryForIt, 0, 0};
+    const BSTR monster = reinterpret_cast<BSTR>(&memory[2]);
+    EXPECT_EQ(E_INVALIDARG, SetRow({100, 1, 0, 0, monster, nullptr, -1}));
+    EXPECT_EQ(E_OUTOFMEMORY, SetRow({99, 1, 0, 0, monster, nullptr, -1}));
+}
+
 TEST_F(Parameters, TheTrackTypeIsThatOfTheConnectedPin) {
     ASSERT_EQ(S_OK, m_rig.ConnectInput(VideoInfoType(MEDIASUBTYPE_RGB24)));
     ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
