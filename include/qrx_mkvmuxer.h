@@ -55,7 +55,7 @@ struct TrackSettings {
     BYTE bReserved;  // kept and saved, but not read by the muxer
     BSTR language;   // English name as in ISO 639-2, for example "English"
     BSTR name;       // the track's name; not written when empty
-    INT32 trackType; // read back: 1 video, 2 audio, 17 subtitle, of the connected pin; -1 otherwise
+    INT32 trackType; // read back: 1 video, 2 audio, 17 subtitle, of a connected pin; otherwise as stored, -1 at first
 };
 
 // A file that is attached to the output. Null or empty fields are left out of the file.
