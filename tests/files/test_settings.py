@@ -168,12 +168,27 @@ class Attachments(Settings):
         self.assertEqual([a["content_type"] for a in attached], ["application/vnd.ms-opentype"] * 2)
         self.assertNotEqual(attached[0]["properties"]["uid"], attached[1]["properties"]["uid"])
 
+    def test_an_empty_type_or_name_counts_as_none(self):
+        font = self.write("a.otf", b"otf")
+        self.succeed("-o", self.output, "--attach-mime", "", "--attach-name", "", "--attach", font, pcm_wave())
+        self.assertEqual([(a["file_name"], a["content_type"]) for a in self.attachments(self.output)],
+                         [("a.otf", "application/vnd.ms-opentype")])
+
+    def test_an_input_given_twice_brings_two_identifiers_for_its_attachment(self):
+        source = self.directory / "source.mkv"
+        self.succeed("-o", source, "--attach", self.write("a.otf", b"otf"), pcm_wave())
+        self.succeed("-o", self.output, source, source)
+        (before,) = (a["properties"]["uid"] for a in self.attachments(source))
+        first, second = (a["properties"]["uid"] for a in self.attachments(self.output))
+        self.assertEqual(first, before)
+        self.assertNotIn(second, (0, before))
+
     def test_files_that_cannot_be_attached_are_named(self):
         large = self.directory / "large.bin"
         with large.open("wb") as file:
             os.truncate(file.fileno(), 1 << 31)
         cases = [(self.directory / "none.txt", "cannot be opened"), (self.directory, "cannot be opened"),
-                 (large, "is too large")]
+                 (large, "is too large"), (self.write("empty.txt", b""), "is empty")]
         for path, reason in cases:
             with self.subTest(path=path):
                 self.assert_fails(self.mkvmux("-o", self.output, "--attach", path, pcm_wave()), str(path), reason)

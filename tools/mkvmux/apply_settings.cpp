@@ -48,6 +48,25 @@ void WarnOfTracksThatAreNotThere(const MuxGraph& graph, const Options& options, 
     }
 }
 
+// Whole: readers drop an attachment that has no data, no name or no type.
+Attachment Load(const AttachmentOptions& file) {
+    Attachment attachment;
+    attachment.bytes = ReadWholeFile(file.path, kMaxAttachmentBytes);
+    if (attachment.bytes.empty()) {
+        throw Failure(Utf8FromWide(file.path) + ": is empty and cannot be attached");
+    }
+    attachment.mimeType = file.mimeType.value_or(std::string());
+    if (attachment.mimeType.empty()) {
+        attachment.mimeType = MimeTypeOf(file.path);
+    }
+    attachment.name = file.name.value_or(std::wstring());
+    if (attachment.name.empty()) {
+        attachment.name = std::filesystem::path(file.path).filename().native();
+    }
+    attachment.description = file.description;
+    return attachment;
+}
+
 bool SaysAnything(const TrackOptions& change) {
     return change.name || change.language || change.makeDefault || change.disable;
 }
@@ -86,12 +105,7 @@ void CarryAttachments(const MuxGraph& graph, const Options& options, MuxerSettin
 
 void AttachFiles(const Options& options, MuxerSettings& settings) {
     for (const AttachmentOptions& file : options.attachments) {
-        Attachment attachment;
-        attachment.bytes = ReadWholeFile(file.path, kMaxAttachmentBytes);
-        attachment.mimeType = file.mimeType.value_or(MimeTypeOf(file.path));
-        attachment.name = file.name.value_or(std::filesystem::path(file.path).filename().native());
-        attachment.description = file.description;
-        settings.Attach(std::move(attachment));
+        settings.Attach(Load(file));
     }
 }
 

@@ -16,7 +16,7 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
 // Those of the inputs, unless a loaded configuration said what to attach.
 void CarryAttachments(const MuxGraph& graph, const Options& options, MuxerSettings& settings);
 
-// Reads each file whole. Throws Failure for one that cannot be read or is too large to be attached.
+// Reads each file whole. Throws Failure for one that cannot be read, is empty, or is too large.
 void AttachFiles(const Options& options, MuxerSettings& settings);
 
 } // namespace mkvmux

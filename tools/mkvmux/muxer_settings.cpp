@@ -122,6 +122,14 @@ bool MuxerSettings::IsEnabled(size_t input) const {
     return FAILED(GetRow(input, row)) || row.bEnabled != 0;
 }
 
+UINT64 MuxerSettings::UniqueUid(UINT64 wanted) {
+    UINT64 uid = wanted;
+    while (uid == 0 || !m_uids.insert(uid).second) {
+        uid = RandomUid();
+    }
+    return uid;
+}
+
 void MuxerSettings::Attach(Attachment attachment) {
     const win::Bstr name(attachment.name);
     const win::Bstr description(attachment.description);
@@ -131,7 +139,7 @@ void MuxerSettings::Attach(Attachment attachment) {
     record.mimeType = attachment.mimeType.data();
     record.dataSize = static_cast<UINT32>(attachment.bytes.size());
     record.data = reinterpret_cast<BYTE*>(attachment.bytes.data());
-    record.uid = attachment.uid != 0 ? attachment.uid : RandomUid();
+    record.uid = UniqueUid(attachment.uid);
     if (const HRESULT hr = Set(MKVMUX_Attachment, ReferenceTo(&record)); FAILED(hr)) {
         throw Failure(Utf8FromWide(attachment.name) + ": the muxer refuses the attachment: " + DescribeResult(hr));
     }

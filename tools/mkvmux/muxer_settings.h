@@ -3,6 +3,7 @@
 // Owner: holds the interface; the muxer's module must outlive it. Threads: one. Errors: Failure.
 #pragma once
 
+#include <set>
 #include <string>
 
 #include "include/qrx_mkvmuxer.h"
@@ -18,7 +19,7 @@ struct Attachment {
     std::wstring description;
     std::string mimeType;
     std::string bytes;
-    UINT64 uid = 0; // 0: one is made
+    UINT64 uid = 0; // 0, or one that another attachment has already: one is made
 };
 
 class MuxerSettings {
@@ -42,8 +43,11 @@ class MuxerSettings {
   private:
     [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value) const;
     [[nodiscard]] HRESULT GetRow(size_t input, TrackSettings& row) const;
+    // Two inputs can carry the same attachment.
+    [[nodiscard]] UINT64 UniqueUid(UINT64 wanted);
 
     win::ComPtr<IModuleConfig> m_config;
+    std::set<UINT64> m_uids; // of the attachments so far
 };
 
 } // namespace mkvmux
