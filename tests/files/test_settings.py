@@ -5,6 +5,7 @@ import json
 import os
 import random
 import re
+import struct
 
 from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, run_tool, sound
 
@@ -220,6 +221,16 @@ class Configurations(Settings):
                 self.assert_fails(run, "damaged.cfg", reason)
                 self.assertFalse(self.output.exists())
         self.assert_fails(self.mkvmux("-o", self.output, "--load-config", "none.cfg", pcm_wave()), "none.cfg")
+
+    def test_a_row_that_was_saved_under_another_index_is_changed_where_it_stands(self):
+        config = self.directory / "muxer.cfg"
+        self.succeed("-o", self.output, "--save-config", config, pcm_wave())
+        content = bytearray(config.read_bytes())
+        first_row = 16 + 24 + 8  # behind the class, the version and the number of rows
+        struct.pack_into("<i", content, first_row + 3, 7)
+        config.write_bytes(content)
+        self.succeed("-y", "-o", self.output, "--load-config", config, "--track-name", "0:found", pcm_wave())
+        self.assertEqual(self.identify(self.output)["tracks"][0]["properties"].get("track_name"), "found")
 
     def test_one_that_cannot_be_saved_is_named(self):
         run = self.mkvmux("-o", self.output, "--save-config", self.directory / "no" / "muxer.cfg", pcm_wave())

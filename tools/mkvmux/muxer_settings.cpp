@@ -112,6 +112,7 @@ bool MuxerSettings::ChangeTrack(size_t input, const TrackOptions& change) {
     if (change.language) {
         Replace(row.language, *change.language);
     }
+    row.index = static_cast<INT32>(input); // a loaded configuration may have brought another one
     row.bDefault = change.makeDefault ? 1 : row.bDefault;
     row.bEnabled = change.disable ? 0 : row.bEnabled;
     return SUCCEEDED(Set(MKVMUX_TrackInfo, ReferenceTo(&row)));
