@@ -232,6 +232,25 @@ class Configurations(Settings):
         self.succeed("-y", "-o", self.output, "--load-config", config, "--track-name", "0:found", pcm_wave())
         self.assertEqual(self.identify(self.output)["tracks"][0]["properties"].get("track_name"), "found")
 
+    def test_an_input_is_not_overwritten_by_a_saved_configuration(self):
+        source = self.write("in.wav", pcm_wave().read_bytes())
+        for name in (source, self.directory / "." / "IN.wav"):
+            run = self.mkvmux("-y", "-o", self.output, "--save-config", name, source)
+            self.assert_fails(run, "in.wav" if name == source else "IN.wav", "is an input")
+            self.assertEqual(source.read_bytes(), pcm_wave().read_bytes())
+            self.assertFalse(self.output.exists())
+
+    def test_a_configuration_is_not_saved_where_the_output_goes(self):
+        run = self.mkvmux("-y", "-o", self.output, "--save-config", f"{self.directory}/x/../out.mkv", pcm_wave())
+        self.assert_fails(run, "name the same file")
+        self.assertFalse(self.output.exists())
+
+    def test_saving_one_leaves_other_files_alone(self):
+        other = self.write("muxer.cfg.part", b"precious")
+        run = self.mkvmux("-o", self.output, "--save-config", self.directory / "muxer.cfg", pcm_wave())
+        self.assert_fails(run, "muxer.cfg.part", "cannot be created")
+        self.assertEqual(other.read_bytes(), b"precious")
+
     def test_one_that_cannot_be_saved_is_named(self):
         run = self.mkvmux("-o", self.output, "--save-config", self.directory / "no" / "muxer.cfg", pcm_wave())
         self.assert_fails(run, "muxer.cfg")

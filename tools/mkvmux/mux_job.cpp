@@ -15,6 +15,7 @@
 #include "tools/mkvmux/muxer_settings.h"
 #include "tools/mkvmux/progress_display.h"
 #include "tools/mkvmux/property_pages.h"
+#include "tools/mkvmux/same_file.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -36,30 +37,19 @@ void CheckInputs(const Options& options) {
     }
 }
 
-void RefuseExisting(const std::wstring& path, const Options& options) {
-    if (!options.overwrite) {
-        throw Failure(Utf8FromWide(path) + ": exists already (-y overwrites it)");
-    }
-}
-
-// An input that is also the output would be gone before it is read.
-void CheckOutput(const Options& options) {
+// An input that is written as well would be gone before it is read.
+void CheckWritten(const std::wstring& path, const char* purpose, const Options& options) {
     std::error_code error;
-    if (!fs::exists(options.output, error)) {
+    if (path.empty() || !fs::exists(path, error)) {
         return;
     }
     for (const InputOptions& input : options.inputs) {
-        if (fs::equivalent(input.path, options.output, error)) {
-            throw Failure(Utf8FromWide(options.output) + ": is an input and cannot be the output");
+        if (IsSameFile(input.path, path)) {
+            throw Failure(Utf8FromWide(path) + ": is an input and cannot be " + purpose);
         }
     }
-    RefuseExisting(options.output, options);
-}
-
-void CheckConfigurationFile(const Options& options) {
-    std::error_code error;
-    if (!options.saveConfig.empty() && fs::exists(options.saveConfig, error)) {
-        RefuseExisting(options.saveConfig, options);
+    if (!options.overwrite) {
+        throw Failure(Utf8FromWide(path) + ": exists already (-y overwrites it)");
     }
 }
 
@@ -149,8 +139,8 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
 
 void Mux(const Options& options, Console& console) {
     CheckInputs(options);
-    CheckOutput(options);
-    CheckConfigurationFile(options);
+    CheckWritten(options.output, "the output", options);
+    CheckWritten(options.saveConfig, "the saved configuration", options);
     MuxerLoader loader; // before all that comes from its module
     MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
     MuxerSettings settings(graph.Muxer());

@@ -10,6 +10,7 @@
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/language_choice.h"
 #include "tools/mkvmux/options_file.h"
+#include "tools/mkvmux/same_file.h"
 #include "tools/mkvmux/text.h"
 #include "tools/mkvmux/track_option_text.h"
 
@@ -187,7 +188,7 @@ std::string Contradiction(const Options& options) {
     if (options.json && !options.identify) {
         return "--json goes with --identify only";
     }
-    if (!options.saveConfig.empty() && options.saveConfig == options.output) {
+    if (!options.saveConfig.empty() && IsSameFile(options.saveConfig, options.output)) {
         return "--save-config and --output name the same file";
     }
     return {};

@@ -123,6 +123,7 @@ TEST(Options, FilesAndDirectoriesOfARun) {
     EXPECT_EQ(options.logDirectory, L"logs");
     EXPECT_EQ(options.saveConfig, L"s.cfg");
     EXPECT_EQ(options.loadConfig, L"l.cfg");
+    EXPECT_EQ(Parsed({"-o", "no/dir/o", "--save-config", "no/o", "a"}).saveConfig, L"no/o");
 }
 
 TEST(Options, IdentifyCanAnswerInJson) {
@@ -175,6 +176,7 @@ TEST(Options, WhatCannotBeFollowedIsOneLineAndStatus2) {
         {{"-o", "o", "a", "--attach-name", "n"}, "--attach-name: speaks of the next attachment"},
         {{"-o", "o", "--json", "a"}, "--json goes with --identify only"},
         {{"-o", "o", "--save-config", "o", "a"}, "name the same file"},
+        {{"-o", "o", "--save-config", ".\\x\\..\\O", "a"}, "name the same file"},
         {{"@no_such.json"}, "no_such.json: cannot be opened"},
     };
     for (const auto& [arguments, reason] : cases) {
