@@ -20,8 +20,7 @@ bool reg_load_t::open_file(const std::wstring& /*section*/, const std::wstring& 
 bool reg_load_t::open_key(const std::wstring& section, HKEY root) {
     return Guarded([&] {
         close();
-        m_root = root == nullptr ? m_root : root;
-        if (!m_key.Open(m_root, RegistryPath(section))) {
+        if (!m_key.Open(root == nullptr ? m_root : root, RegistryPath(section))) {
             return false;
         }
         m_section = section;

@@ -31,6 +31,6 @@ class reg_load_t final : public base_load_t {
     Number LoadEightBytes(const std::wstring& name, Number fallback);
 
     RegKey m_key;
-    HKEY m_root;
+    const HKEY m_root;
     std::wstring m_section;
 };

@@ -11,8 +11,8 @@ bool reg_save_t::open_file(const std::wstring& /*section*/, const std::wstring& 
 bool reg_save_t::open_key(const std::wstring& section, HKEY root) {
     return Guarded([&] {
         close();
-        m_root = root == nullptr ? m_root : root;
-        if (!m_key.Create(m_root, RegistryPath(section))) {
+        m_openRoot = root == nullptr ? m_root : root;
+        if (!m_key.Create(m_openRoot, RegistryPath(section))) {
             return false;
         }
         m_section = section;
@@ -29,7 +29,7 @@ bool reg_save_t::delete_section(const std::wstring& section) {
     return Guarded([&] {
         const std::wstring path = RegistryPath(section);
         // Without a name it would be the root and all that others keep there.
-        return path.find_first_not_of(L'\\') != std::wstring::npos && DeleteKeyTree(m_root, path);
+        return path.find_first_not_of(L'\\') != std::wstring::npos && DeleteKeyTree(m_openRoot, path);
     });
 }
 

@@ -9,8 +9,9 @@
 
 class reg_save_t final : public base_save_t {
   public:
-    // root: stays its holder's; what is deleted is below it, or below the root of the last open.
-    explicit reg_save_t(HKEY root) : m_root(root) {}
+    // root: stays its holder's; used when an open names no root of its own. What is deleted is below the root of the
+    // last open.
+    explicit reg_save_t(HKEY root) : m_root(root), m_openRoot(root) {}
 
     bool open_file(const std::wstring& section, const std::wstring& file) override;
     bool open_key(const std::wstring& section, HKEY root) override;
@@ -26,6 +27,7 @@ class reg_save_t final : public base_save_t {
     bool SetValue(const std::wstring& name, DWORD type, const void* data, std::size_t size);
 
     RegKey m_key;
-    HKEY m_root;
+    const HKEY m_root;
+    HKEY m_openRoot;
     std::wstring m_section;
 };

@@ -82,6 +82,23 @@ TEST_F(RegistryTest, TheRootPassedIsOpenedBelowAndNotTheOneGivenAtConstruction) 
     EXPECT_TRUE(load.open_key(L"sub", nullptr));
 }
 
+TEST_F(RegistryTest, WithoutARootAnOpenIsBelowTheOneGivenAtConstructionWhateverWasOpenBefore) {
+    ASSERT_TRUE(m_save.open_key(L"sub", m_scratch.Get()));
+    ASSERT_TRUE(m_save.open_key(m_scratch.Section(L"other"), nullptr));
+    EXPECT_TRUE(m_scratch.HasSubkey(L"other"));
+    ASSERT_TRUE(m_load.open_key(L"sub", m_scratch.Get()));
+    EXPECT_TRUE(m_load.open_key(m_scratch.Section(L"other"), nullptr));
+}
+
+TEST_F(RegistryTest, DeletingIsBelowTheRootOfTheLastOpen) {
+    ASSERT_TRUE(m_save.open_key(L"sub", m_scratch.Get()));
+    EXPECT_TRUE(m_save.delete_section(L"sub"));
+    EXPECT_FALSE(m_scratch.HasSubkey(L"sub"));
+    ASSERT_TRUE(m_save.open_key(m_scratch.Section(L"sub"), nullptr));
+    EXPECT_TRUE(m_save.delete_section(m_scratch.Section(L"sub")));
+    EXPECT_FALSE(m_scratch.HasSubkey(L"sub"));
+}
+
 TEST_F(RegistryTest, AnEmptyPathOpensTheRootWithoutTakingItOver) {
     ASSERT_TRUE(m_save.save_int32(L"v", 5));
     ASSERT_TRUE(m_load.open_key(L"", m_scratch.Get()));
