@@ -1,5 +1,6 @@
 #include "settings/xml_save.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "settings/failure.h"
@@ -9,10 +10,15 @@
 
 namespace {
 
-// The tags of a value besides its names.
+// The tags of a value besides its names, and the line breaks between them.
 constexpr std::size_t kTagBytes = 200;
 // Each name stands in two tags, and a character takes up to three bytes.
 constexpr std::size_t kBytesPerPathChar = 6;
+
+// At most so many bytes of a file stand for the elements on the path.
+std::size_t ElementBytes(const std::wstring& path) {
+    return kBytesPerPathChar * path.size() + kTagBytes;
+}
 
 // The document in the layout of the file, as save writes it.
 bool FileContent(const std::wstring& xml, std::string& bytes) {
@@ -22,6 +28,14 @@ bool FileContent(const std::wstring& xml, std::string& bytes) {
     }
     laidOut.KeepSpace();
     return laidOut.LoadText(OneTagPerLine(xml)) && laidOut.SaveBytes(bytes);
+}
+
+// A document of that content has at most so many bytes in the layout of the file: it may lack the declaration, and a
+// line break before each tag.
+std::size_t MostLaidOutBytes(const std::string& content) {
+    constexpr std::size_t kDeclarationBytes = 40;
+    return content.size() + kDeclarationBytes +
+           static_cast<std::size_t>(std::count(content.begin(), content.end(), '<'));
 }
 
 // Goes the whole way through a file and back with the value alone.
@@ -52,7 +66,7 @@ bool xml_save_t::open_file(const std::wstring& section, const std::wstring& file
         if (!m_document) {
             return OpenDocument(*path, file);
         }
-        if ((!file.empty() && file != m_file) || !m_document->FindOrCreate(*path)) {
+        if ((!file.empty() && file != m_file) || !MakeSection(*path)) {
             return false;
         }
         m_section = *path;
@@ -132,7 +146,16 @@ bool xml_save_t::OpenDocument(const std::wstring& section, const std::wstring& f
     m_document = document;
     m_file = file;
     m_section = section;
-    m_roomBytes = loaded ? kMaxDocumentBytes - bytes.size() : kMaxDocumentBytes;
+    m_roomBytes = 0; // the first save asks
+    return true;
+}
+
+bool xml_save_t::MakeSection(const std::wstring& path) {
+    const std::size_t bytes = m_document->Find(path) ? 0 : ElementBytes(path);
+    if (!HasRoomFor(bytes) || !m_document->FindOrCreate(path)) {
+        return false;
+    }
+    m_roomBytes -= bytes;
     return true;
 }
 
@@ -141,7 +164,7 @@ bool xml_save_t::Save(const std::wstring& key, const XmlValue& value) {
     if (!path || !value.IsPossible()) {
         return false;
     }
-    const std::size_t bytes = value.FileBytes() + kBytesPerPathChar * path->size() + kTagBytes;
+    const std::size_t bytes = value.FileBytes() + ElementBytes(*path);
     if (!HasRoomFor(bytes) || (value.IsDelicate() && !ReadsBack(value))) {
         return false;
     }
@@ -178,8 +201,9 @@ bool xml_save_t::Append(const std::wstring& path, const XmlValue& value) {
 
 bool xml_save_t::HasRoomFor(std::size_t bytes) {
     std::string content;
-    if (bytes > m_roomBytes && m_document->SaveBytes(content) && content.size() < kMaxDocumentBytes) {
-        m_roomBytes = kMaxDocumentBytes - content.size();
+    if (bytes > m_roomBytes && m_document->SaveBytes(content)) {
+        const std::size_t laidOutBytes = MostLaidOutBytes(content);
+        m_roomBytes = laidOutBytes < kMaxDocumentBytes ? kMaxDocumentBytes - laidOutBytes : 0;
     }
     return bytes <= m_roomBytes;
 }

@@ -30,10 +30,12 @@ class xml_save_t final : public base_save_t {
 
   private:
     [[nodiscard]] bool OpenDocument(const std::wstring& section, const std::wstring& file);
+    // False for one that there is no room for, or that runs through a value or ends in one.
+    [[nodiscard]] bool MakeSection(const std::wstring& path);
     [[nodiscard]] bool Save(const std::wstring& key, const XmlValue& value);
     [[nodiscard]] bool Replace(IXMLDOMElement* existing, const XmlValue& value);
     [[nodiscard]] bool Append(const std::wstring& path, const XmlValue& value);
-    // Whether the file stays within its greatest size with so much more.
+    // Whether the file, in its layout, stays within its greatest size with so much more.
     [[nodiscard]] bool HasRoomFor(std::size_t bytes);
 
     std::optional<XmlDocument> m_document;

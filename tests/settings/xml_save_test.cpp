@@ -147,4 +147,46 @@ TEST_F(XmlSave, AFileNeverGrowsLongerThanALoaderTakes) {
     EXPECT_GT(bytes, kMaxFileBytes - 8192);
 }
 
+TEST_F(XmlSave, AsManyValuesAsAreTakenAreWritten) {
+    const std::wstring text(4000, L'x');
+    // Each value brings many tags, and so many line breaks, with it.
+    const auto key = [](int number) { return L"v" + std::to_wstring(number) + L"/b/c/d/e/f"; };
+    ASSERT_TRUE(m_save.open_file(L"a", File()));
+    int count = 0;
+    while (m_save.save_string(key(count), text)) {
+        ++count;
+    }
+    ASSERT_GT(count, 1500);
+    EXPECT_TRUE(text == Loaded(L"a").load_string(key(0), L""));
+    EXPECT_TRUE(text == m_load.load_string(key(count - 1), L""));
+}
+
+TEST_F(XmlSave, NoSectionIsMadeThatTheFileHasNoRoomFor) {
+    std::wstring deep;
+    for (int i = 0; i < 90; ++i) {
+        deep += L"/" + std::wstring(255, L'd');
+    }
+    ASSERT_TRUE(m_save.open_file(L"a", File()));
+    ASSERT_TRUE(m_save.save_string(L"v", std::wstring(8 * 1024 * 1024 - 4096, L'x')));
+    EXPECT_FALSE(m_save.open_file(deep, L""));
+    EXPECT_TRUE(m_save.open_file(L"a", L"")); // it is there already
+    EXPECT_TRUE(m_save.save_int32(L"w", 1));
+    EXPECT_EQ(1, Loaded(L"a").load_int32(L"w", 0));
+}
+
+TEST_F(XmlSave, AFileWhoseLineBreaksWouldMakeItTooLongTakesNoMore) {
+    constexpr std::size_t kMaxFileBytes = 8 * 1024 * 1024;
+    const std::string element = "<v>" + std::string(193, 'x') + "</v>";
+    std::string text = "<XMLSettings><preferences><RegistrySettings><a>";
+    while (text.size() < kMaxFileBytes - 20000) {
+        text += element;
+    }
+    text += "</a></RegistrySettings></preferences></XMLSettings>";
+    WriteFileText(File(), text);
+    ASSERT_TRUE(m_save.open_file(L"a", File()));
+    EXPECT_FALSE(m_save.save_int32(L"w", 1));
+    m_save.close();
+    EXPECT_TRUE(text == FileText(File()));
+}
+
 } // namespace
