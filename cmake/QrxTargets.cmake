@@ -21,7 +21,7 @@ if(QRX_SANITIZE)
   target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
   target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
   target_compile_options(qrx_common INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g1
     # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
     -Wno-ignored-attributes)
   target_link_options(qrx_common INTERFACE -fsanitize=address,undefined)
@@ -33,17 +33,16 @@ else()
   target_link_options(qrx_common INTERFACE -static)
 endif()
 
-# The headers that cost every source the most, parsed once a target. Each source still includes what it uses.
-set(QRX_PRECOMPILED <algorithm> <atomic> <memory> <mutex> <optional> <string> <vector>
-  ${CMAKE_SOURCE_DIR}/win/platform.h)
-
 # qrx_library(NAME SOURCES … LINK …): the static library of one source folder.
 function(qrx_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC qrx_common ${arg_LINK})
-  target_precompile_headers(${name} PRIVATE ${QRX_PRECOMPILED})
+  target_precompile_headers(${name} REUSE_FROM qrx_precompiled)
 endfunction()
+
+# What is tested is optimised, the tests themselves need not be: that halves the build.
+set(QRX_TEST_OPTIONS -O0 -g1)
 
 # qrx_test(NAME SOURCES … LINK …): one GoogleTest program; ./dev test and ./dev sanitize run every program
 # in build/*/bin whose name begins with test_.
@@ -52,9 +51,8 @@ function(qrx_test name)
   add_executable(test_${name} ${arg_SOURCES})
   target_link_libraries(test_${name} PRIVATE ${arg_LINK} test_support gmock_main)
   set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-  target_precompile_headers(test_${name} PRIVATE ${QRX_PRECOMPILED} <gtest/gtest.h> <gmock/gmock.h>)
-  # What is tested is optimised, the tests themselves need not be: that halves the build.
-  target_compile_options(test_${name} PRIVATE -O0 -g1)
+  target_precompile_headers(test_${name} REUSE_FROM qrx_test_precompiled)
+  target_compile_options(test_${name} PRIVATE ${QRX_TEST_OPTIONS})
   if(QRX_SANITIZE)
     target_link_libraries(test_${name} PRIVATE native_win32)
     add_test(NAME ${name} COMMAND test_${name})

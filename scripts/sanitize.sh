@@ -13,7 +13,7 @@ run_ctest() {
   local log="$SANITIZE_DIR/ctest.log" status
   # The programs carry their other options themselves (tests/native/sanitizer_options.cpp).
   ASAN_OPTIONS="detect_leaks=1${ASAN_OPTIONS:+:$ASAN_OPTIONS}" \
-    ctest --test-dir "$SANITIZE_DIR" --output-on-failure --no-tests=error "$@" | tee "$log"
+    ctest --test-dir "$SANITIZE_DIR" --output-on-failure --no-tests=error --parallel "$(nproc)" "$@" | tee "$log"
   status=${PIPESTATUS[0]}
   grep -E '^[0-9]+% tests passed' "$log"
   return "$status"
