@@ -28,6 +28,18 @@ std::optional<Timing> ParseTiming(const std::string& line) {
     return start && stop ? std::optional(Timing{*start, std::max(*start, *stop)}) : std::nullopt;
 }
 
+bool ResemblesTime(const std::string& text) {
+    const std::string time = Trimmed(text);
+    return time.find_first_of("0123456789") == 0 && time.find(':') != std::string::npos;
+}
+
+// What was meant as a timing, whole or damaged: an arrow alone may be part of a text.
+bool ResemblesTiming(const std::string& line) {
+    const size_t arrow = line.find(kArrow);
+    return arrow != std::string::npos && (ResemblesTime(line.substr(0, arrow)) ||
+                                          ResemblesTime(line.substr(arrow + std::char_traits<char>::length(kArrow))));
+}
+
 bool IsNumber(const std::string& line) {
     const std::string text = Trimmed(line);
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
@@ -62,13 +74,13 @@ std::optional<SubtitleFile> ParseSrt(const std::string& text) {
     };
     for (const std::string& line : SplitLines(text)) {
         const std::optional<Timing> timing = ParseTiming(line);
-        file.isDamaged = file.isDamaged || (!timing && line.find(kArrow) != std::string::npos);
-        if (timing) {
-            finish(false);
-            current = timing;
-        } else {
+        if (!timing && !ResemblesTiming(line)) {
             lines.push_back(line);
+            continue;
         }
+        finish(false);
+        current = timing; // none: what follows belongs to no event that could be written
+        file.isDamaged = file.isDamaged || !timing;
     }
     finish(true);
     SortByStart(file.events);

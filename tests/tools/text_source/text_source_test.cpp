@@ -116,6 +116,21 @@ TEST(SrtParser, AStopBeforeTheStartBecomesTheStart) {
     EXPECT_THAT(Summary(ParseSrt("0:00:02,0 --> 0:00:01,0\na")), ElementsAre("a@2000-2000"));
 }
 
+TEST(SrtParser, AnEventWhoseTimesAreDamagedIsLeftOutAndTold) {
+    for (const char* const timing : {"0:00:zz --> 0:00:04,0", "x:00:03,0 --> 0:00:04,0", "0:00:03,0 --> "}) {
+        const auto file = ParseSrt("1\n0:00:01,0 --> 0:00:02,0\na\n\n2\n" + std::string(timing) +
+                                   "\nb\n\n3\n0:00:05,0 --> 0:00:06,0\nc\n");
+        EXPECT_THAT(Summary(file), ElementsAre("a@1000-2000", "c@5000-6000")) << timing;
+        EXPECT_TRUE(file && file->isDamaged) << timing;
+    }
+}
+
+TEST(SrtParser, AnArrowInsideATextIsNoDamage) {
+    const auto file = ParseSrt("1\n0:00:01,0 --> 0:00:02,0\nLeft --> right\n");
+    EXPECT_THAT(Summary(file), ElementsAre("Left --> right@1000-2000"));
+    EXPECT_FALSE(file->isDamaged);
+}
+
 TEST(SrtParser, LinesThatOnlyLookLikeTimesAreToldAsDamage) {
     const auto file = ParseSrt("0:00:01,0 --> 0:00:02,0\na\n\n0:00:zz --> 0:00:04,0\nb");
     ASSERT_TRUE(file);
