@@ -19,7 +19,7 @@ enum NalType : BYTE {
     kSps = 7,
     kPps = 8,
     kDelimiter = 9,
-    kFirstReservedPrefix = 14,
+    kSlicePrefix = 14,
     kLastReservedPrefix = 18,
 };
 
@@ -55,7 +55,7 @@ bool IsExactRecoveryPoint(Bytes unit) {
 }
 
 bool IsPrefix(BYTE type) {
-    return (type >= kSei && type <= kDelimiter) || (type >= kFirstReservedPrefix && type <= kLastReservedPrefix);
+    return (type >= kSei && type <= kDelimiter) || (type >= kSlicePrefix && type <= kLastReservedPrefix);
 }
 
 } // namespace
@@ -81,7 +81,7 @@ void AvcIndexer::Take(const UnitExtent& unit) {
 }
 
 void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
-    m_pictureIsComplete = true;
+    m_pictureIsComplete = m_pictureIsComplete || type != kSlicePrefix; // that one stands before each slice of a picture
     m_builder.AddPrefix(unit);
     if (type == kDelimiter) {
         return;

@@ -66,7 +66,9 @@ void HevcIndexer::Take(const UnitExtent& unit) {
     }
     const auto type = static_cast<BYTE>(header[0] >> 1 & 0x3f);
     const bool isBaseLayer = (header[0] & 1) == 0 && header[1] >> 3 == 0;
-    if (!isBaseLayer) {
+    if (!isBaseLayer && type > kLastSlice) {
+        m_builder.AddOfOtherLayer(unit);
+    } else if (!isBaseLayer) {
         m_builder.Extend(unit);
     } else if (type <= kLastSlice) {
         TakeSlice(unit);

@@ -37,6 +37,12 @@ void IndexBuilder::AddPrefix(const UnitExtent& unit) {
     }
 }
 
+void IndexBuilder::AddOfOtherLayer(const UnitExtent& unit) {
+    if (!m_prefixStart) {
+        Extend(unit);
+    }
+}
+
 void IndexBuilder::BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 order, bool keyframe) {
     CodedPicture picture;
     picture.start = std::exchange(m_prefixStart, std::nullopt).value_or(unit.start - kShortStartCodeBytes);

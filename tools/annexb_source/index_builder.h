@@ -20,6 +20,8 @@ class IndexBuilder {
 
     // A unit in front of the next picture.
     void AddPrefix(const UnitExtent& unit);
+    // A unit that begins nothing: it stays with the prefix, if one has begun, else with the picture before.
+    void AddOfOtherLayer(const UnitExtent& unit);
     // The first slice of a picture, to which the prefix belongs.
     void BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 order, bool keyframe);
     // Whatever else belongs to the picture that was begun last.

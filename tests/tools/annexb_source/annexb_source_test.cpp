@@ -94,6 +94,18 @@ TEST(AvcIndexer, SlicesOfOnePictureStayTogether) {
     EXPECT_EQ(index.level, 30);
 }
 
+TEST(AvcIndexer, PrefixesInFrontOfEachSliceKeepAPictureTogether) {
+    AvcSliceShape second = Idr();
+    second.firstMb = 150;
+    const Bytes prefix = Unit({0x6e}, mkv_test::BitWriter().Bits(0x400007, 24)); // of a scalable or multiview stream
+    const Bytes first =
+        Joined({WriteAvcSps(), WriteAvcPps(), prefix, WriteAvcSlice(Idr()), prefix, WriteAvcSlice(second)});
+    const PictureIndex index = Avc({first, prefix, WriteAvcSlice(P(1, 2))});
+    EXPECT_THAT(Shown(index), ElementsAre("0*", "1"));
+    EXPECT_EQ(index.pictures[0].end, first.size());
+    EXPECT_EQ(index.pictures[1].start, first.size() + 1) << "its own prefix belongs to it";
+}
+
 TEST(AvcIndexer, DelimitersParameterSetsAndMessagesBeginThePictureBehindThem) {
     const Bytes lead = Joined({WriteAvcDelimiter(), WriteAvcSps(), WriteAvcPps(), WriteAvcRecoveryPoint(0)});
     const Bytes first = Joined({lead, WriteAvcSlice(Idr())});
@@ -232,6 +244,19 @@ TEST(HevcIndexer, FurtherSegmentsAndSuffixesStayWithTheirPicture) {
         {WriteHevcParameterSets(), WriteHevcSlice(19, 0), WriteHevcUnit(19, segment), WriteHevcUnit(40, segment)});
     const PictureIndex index = Hevc({first, WriteHevcUnit(39, segment), WriteHevcSlice(1, 1)});
     ASSERT_EQ(index.pictures.size(), 2u);
+    EXPECT_EQ(index.pictures[0].end, first.size());
+    EXPECT_EQ(index.pictures[1].start, first.size() + 1);
+}
+
+TEST(HevcIndexer, ParameterSetsOfAnotherLayerStayBehindThoseOfTheBaseLayer) {
+    mkv_test::BitWriter content;
+    content.Bits(0x55, 8);
+    const auto otherLayer = [&content](BYTE type) { return Unit({static_cast<BYTE>(type << 1), 0x09}, content); };
+    const Bytes lead = Joined({WriteHevcParameterSets(), otherLayer(33), otherLayer(34)});
+    const Bytes first = Joined({lead, WriteHevcSlice(19, 0), otherLayer(39), otherLayer(1)});
+    const PictureIndex index = Hevc({first, lead, WriteHevcSlice(21, 1), otherLayer(21)});
+    ASSERT_EQ(index.pictures.size(), 2u);
+    EXPECT_EQ(index.pictures[0].start, 1u);
     EXPECT_EQ(index.pictures[0].end, first.size());
     EXPECT_EQ(index.pictures[1].start, first.size() + 1);
 }
