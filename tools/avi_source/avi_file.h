@@ -33,6 +33,7 @@ struct AviChunk {
 struct AviFile {
     std::vector<AviStream> streams;
     std::vector<AviChunk> chunks; // in the order of the file
+    bool isCutOff = false;        // the file ends before it says that it does
 };
 
 // None when the bytes are no AVI file.

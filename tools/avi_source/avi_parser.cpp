@@ -14,6 +14,8 @@ constexpr DWORD Id(const char (&text)[5]) {
 
 constexpr UINT64 kChunkHeaderBytes = 8;
 constexpr UINT64 kListTypeBytes = 4;
+// Writers that count the outer head as a part of its content claim this much too much, and a pad byte.
+constexpr UINT64 kMiscountedBytes = kChunkHeaderBytes + 1;
 constexpr size_t kMaxStreams = 100; // two decimal digits name a stream
 // A day of sixteen tracks; more is a file made to exhaust the memory.
 constexpr size_t kMaxChunks = size_t{64} * 1024 * 1024;
@@ -43,8 +45,12 @@ DWORD Little(const BYTE* bytes) {
            static_cast<DWORD>(bytes[3]) << 24;
 }
 
-// The stream that the identifier's first two characters name: "01wb".
+// The stream whose data the chunk holds, which the identifier's first two characters name: "01wb". A change of the
+// palette ("01pc") is no picture and takes no time.
 std::optional<WORD> StreamOf(DWORD id) {
+    if (id >> 16 == Id("00pc") >> 16) {
+        return {};
+    }
     const int tens = static_cast<int>(id & 0xff) - '0';
     const int ones = static_cast<int>(id >> 8 & 0xff) - '0';
     if (tens < 0 || tens > 9 || ones < 0 || ones > 9) {
@@ -73,6 +79,7 @@ std::optional<AviFile> AviParser::Parse() {
             break;
         }
         WalkSegment(*riff);
+        m_file.isCutOff = m_file.isCutOff || riff->next > m_source.Size() + kMiscountedBytes;
         position = riff->next;
     }
     if (m_file.streams.empty()) {
@@ -176,7 +183,11 @@ void AviParser::WalkMovie(const Chunk& list, int depth) {
 
 void AviParser::AddDataChunk(const Chunk& chunk) {
     const std::optional<WORD> stream = StreamOf(chunk.id);
-    if (!chunk.whole || !stream || *stream >= m_file.streams.size() || m_file.chunks.size() >= kMaxChunks) {
+    if (!stream || *stream >= m_file.streams.size() || m_file.chunks.size() >= kMaxChunks) {
+        return;
+    }
+    if (!chunk.whole) {
+        m_file.isCutOff = true;
         return;
     }
     const DWORD size = static_cast<DWORD>(chunk.end - chunk.data);

@@ -44,11 +44,11 @@ AviReader::AviReader(std::unique_ptr<source::ByteSource> bytes, AviFile file)
 void AviReader::Rewind() {
     m_progress.assign(m_streams.size(), {});
     m_next = 0;
-    m_isCutOff = false;
+    m_lostChunk = false;
 }
 
 HRESULT AviReader::Damage() const {
-    return m_isCutOff ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
+    return m_file.isCutOff || m_lostChunk ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
 }
 
 UINT64 AviReader::UnitAt(const AviStream& stream, const Progress& progress) const {
@@ -71,8 +71,8 @@ bool AviReader::Next(source::Packet& packet) {
         packet.stream = chunk.stream;
         packet.keyframe = chunk.keyframe;
         packet.data.resize(chunk.size);
-        m_isCutOff = m_bytes->ReadAt(chunk.offset, packet.data) != chunk.size;
-        return !m_isCutOff;
+        m_lostChunk = m_bytes->ReadAt(chunk.offset, packet.data) != chunk.size;
+        return !m_lostChunk;
     }
     return false;
 }

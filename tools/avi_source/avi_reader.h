@@ -34,7 +34,7 @@ class AviReader final : public source::PacketReader {
     std::vector<source::StreamDescription> m_streams;
     std::vector<Progress> m_progress;
     size_t m_next = 0;
-    bool m_isCutOff = false;
+    bool m_lostChunk = false;
 };
 
 } // namespace avi

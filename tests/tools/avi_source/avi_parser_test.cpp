@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/tools/avi_source/avi_builder.h"
+#include "tests/tools/source_base/packet_checks.h"
 #include "tools/avi_source/avi_file.h"
+#include "tools/avi_source/avi_reader.h"
 
 namespace avi {
 namespace {
@@ -93,6 +95,26 @@ TEST(AviParser, ARecordingThatWasCutOffIsReadAsFarAsItGoes) {
     EXPECT_EQ(Summary(file), "0*:aa 0*:bb ");
 }
 
+TEST(AviParser, TellsThatARecordingWasCutOff) {
+    const std::string whole = AviFileOf(Chunk("00dc", "aa") + Chunk("00dc", "bb"), Chunk("idx1", std::string(64, '.')));
+    EXPECT_FALSE(Parsed(whole)->isCutOff);
+    for (const size_t behindMovie : {size_t{0}, size_t{8}, size_t{40}}) {
+        EXPECT_TRUE(Parsed(whole.substr(0, whole.find("idx1") + behindMovie))->isCutOff) << behindMovie;
+    }
+    // The sizes of the outer lists were never written: only a chunk that breaks off tells.
+    std::string unfinished = AviFileOf(Chunk("00dc", "aa") + Chunk("00dc", "cccccc"));
+    unfinished.replace(4, 4, Dword(0));
+    unfinished.replace(unfinished.find("movi") - 4, 4, Dword(0));
+    EXPECT_FALSE(Parsed(unfinished)->isCutOff);
+    EXPECT_TRUE(Parsed(unfinished.substr(0, unfinished.size() - 3))->isCutOff);
+}
+
+TEST(AviParser, AnOuterSizeThatCountsItsHeadIsNoCut) {
+    std::string file = AviFileOf(Chunk("00dc", "aa"));
+    file.replace(4, 4, Dword(static_cast<UINT32>(file.size())));
+    EXPECT_FALSE(Parsed(file)->isCutOff);
+}
+
 TEST(AviParser, WhatIsNoAviFileIsNone) {
     for (const std::string& bytes : {std::string(), std::string("RIFF"), Riff("WAVE", "x"), Riff("AVI ", ""),
                                      Riff("AVI ", List("movi", Chunk("00dc", "a"))), std::string(1000, 'x')}) {
@@ -103,6 +125,13 @@ TEST(AviParser, WhatIsNoAviFileIsNone) {
 TEST(AviParser, ChunksOfUnknownStreamsAreSkipped) {
     EXPECT_EQ(Summary(AviFileOf(Chunk("07dc", "a") + Chunk("JUNK", "b") + Chunk("x1dc", "c") + Chunk("00dc", "d"))),
               "0*:d ");
+}
+
+TEST(AviParser, ChangesOfThePaletteAreNoPictures) {
+    const std::string movie = Chunk("00dc", "a") + Chunk("00pc", "palette") + Chunk("00dc", "b");
+    const std::string index =
+        Chunk("idx1", IndexEntry("00dc", kKeyframe) + IndexEntry("00pc", kKeyframe) + IndexEntry("00dc", 0));
+    EXPECT_EQ(Summary(AviFileOf(movie, index)), "0*:a 0:b ");
 }
 
 TEST(AviParser, SurvivesEveryCutAndTellsNothingBehindTheEnd) {
@@ -137,6 +166,31 @@ TEST(AviParser, SurvivesDamageEverywhere) {
             }
         }
     }
+}
+
+std::unique_ptr<source::PacketReader> ReaderOf(const test_source::Bytes& bytes) {
+    auto memory = std::make_unique<MemorySource>(bytes);
+    std::optional<AviFile> file = ReadAviFile(*memory);
+    return file ? std::make_unique<AviReader>(std::move(memory), std::move(*file)) : nullptr;
+}
+
+test_source::Bytes LongFile() {
+    std::string movie;
+    std::string index;
+    for (int i = 0; i < 60; ++i) {
+        movie += Chunk("00dc", std::string(40, static_cast<char>(i))) + Chunk("01wb", std::string(80, 's'));
+        index += IndexEntry("00dc", i % 12 == 0 ? kKeyframe : 0) + IndexEntry("01wb", kKeyframe);
+    }
+    const std::string file = AviFileOf(movie, Chunk("idx1", index));
+    return {file.begin(), file.end()};
+}
+
+TEST(AviReader, ReadsWhatATruncatedFileStillHoldsAndTellsOfTheCut) {
+    test_source::CheckTruncations(ReaderOf, LongFile(), true);
+}
+
+TEST(AviReader, SurvivesFlippedBits) {
+    test_source::CheckBitFlips(ReaderOf, LongFile());
 }
 
 } // namespace
