@@ -59,7 +59,7 @@ const AudioRow kRows[] = {
 
 DWORD SamplesPerSecond(const AudioTrack& audio) {
     const bool isSane = audio.samplingFrequency > 0 && audio.samplingFrequency < kMaxSamplingFrequency;
-    return isSane ? static_cast<DWORD>(std::lround(audio.samplingFrequency)) : 0;
+    return isSane ? static_cast<DWORD>(std::llround(audio.samplingFrequency)) : 0;
 }
 
 // That of the subtype, or that of the codec's other type; 0 where neither has one.

@@ -214,6 +214,8 @@ TEST(MediaTypesOf, SilentlyWrongNumbersStayWithinTheFieldsOfTheStructures) {
         track.audio.samplingFrequency = rate;
         EXPECT_EQ(Written(track).audio->samplingFrequencyHz, 0u) << rate;
     }
+    track.audio.samplingFrequency = 3e9; // more than the 32 bits of a long
+    EXPECT_EQ(Written(track).audio->samplingFrequencyHz, 3'000'000'000u);
     Track video = VideoTrackOf("V_MPEG2", {});
     video.video.pixelWidth = UINT64_MAX;
     video.defaultDurationNs = UINT64_MAX;
