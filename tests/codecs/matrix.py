@@ -56,6 +56,8 @@ VIDEO = [
     video("vp8", "webm", "libvpx", "'VP80'", "V_VP8", "none", GOP),
     video("vp9", "webm", "libvpx-vp9", "'VP90'", "V_VP9", "carried", (*GOP, "-deadline", "realtime", "-cpu-used", "8")),
     video("msmpeg4", "mkv", "msmpeg4v2", "'MP42'", "V_MS/VFW/FOURCC", options=GOP),
+    # What belongs to the codec follows its structure of Windows: only the larger format block carries it.
+    video("huffyuv", "mkv", "huffyuv", "'HFYU'", "V_MS/VFW/FOURCC"),
     video("cinepak", "avi", "cinepak", "'cvid'", "V_MS/VFW/FOURCC", "built", GOP),
     video("mjpeg", "avi", "mjpeg", "'MJPG'", "V_MS/VFW/FOURCC", "built"),
     video("raw", "avi", "rawvideo", "'I420'", "V_MS/VFW/FOURCC", "built", ("-pix_fmt", "yuv420p")),

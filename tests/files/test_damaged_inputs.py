@@ -3,7 +3,7 @@
 import random
 import subprocess
 
-from mkvmux_case import MkvmuxCase, make_input, picture, sound
+from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, picture, sound
 
 SEED = 20240811
 ROUNDS = 6
@@ -63,6 +63,15 @@ class DamagedInputs(MkvmuxCase):
     def test_h265(self):
         self.check_kind(raw_h265(), tells_its_length=False)
 
+    def test_an_avi_file_that_was_cut_off(self):
+        whole = cinepak_avi().read_bytes()
+        run, output = self.mux_damaged("cut.avi", whole[:len(whole) // 2])
+        self.assertEqual(run.status, 1, run)
+        self.assertIn("damaged", run.error_lines[0])
+        kept = self.packets(output, 0)
+        self.assertGreater(len(kept), 10)
+        self.assertEqual(kept, self.packets(cinepak_avi(), 0)[:len(kept)])
+
     def test_what_lies_before_the_cut_is_kept(self):
         whole = film().read_bytes()
         run, output = self.mux_damaged("half.mkv", whole[:len(whole) // 2])
@@ -97,3 +106,4 @@ class DamagedInputs(MkvmuxCase):
         text = subprocess.run(["ffmpeg", "-v", "error", "-i", str(output), "-f", "srt", "-"], capture_output=True,
                               text=True, check=True).stdout
         self.assertIn("00:00:05,000 --> 00:00:06,000\nthree", text)
+        self.assertNotIn("two", text)
