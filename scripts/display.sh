@@ -45,7 +45,8 @@ set_display_dpi() {
 # Ends what start_display began; harmless when nothing is there.
 stop_display() {
   [ -n "$display_pid" ] || return 0
-  "$WINESERVER" -k >/dev/null 2>&1
+  # Only the display's own server: others may be using that of the caller's prefix.
+  [ "$WINEPREFIX" != "$display_caller_prefix" ] && "$WINESERVER" -k >/dev/null 2>&1
   kill "$display_pid" 2>/dev/null
   wait "$display_pid" 2>/dev/null
   display_pid=
