@@ -142,6 +142,46 @@ class CarriedOver(CodecCase):
         output = self.remux(self.source(), "--track-name", "0:", "--language", "1:Polish")
         self.assertEqual(self.tags(self.identify(output)), [(None, "fre", False), (None, "pol", True)])
 
+    def remerged(self, source, *options):
+        """The file with other flags, by mkvmerge."""
+        changed = self.directory / "changed.mkv"
+        done = run_tool(["mkvmerge", "-o", str(changed), *options, str(source)])
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return changed
+
+    def remux_warned(self, source):
+        """The output and the warnings of a run that loses something."""
+        output = self.directory / "out.mkv"
+        run = self.mkvmux("-o", output, source)
+        self.assertEqual(run.status, 1, run)
+        return output, run.error_lines
+
+    def test_a_default_subtitle_becomes_forced_only_where_it_was(self):
+        text = self.directory / "a.srt"
+        text.write_text("1\n00:00:00,100 --> 00:00:00,600\nHello\n")
+        for forced in (False, True):
+            with self.subTest(forced=forced):
+                source = self.remerged(text, "--default-track-flag", "0:yes", "--forced-display-flag", f"0:{int(forced)}")
+                output = self.directory / f"forced_{forced}.mkv"
+                self.mux(output, source)
+                track = self.identify(output)["tracks"][0]["properties"]
+                self.assertEqual((track["default_track"], track["forced_track"]), (forced, forced))
+
+    def test_a_track_that_is_not_to_be_used_goes_on_with_a_warning(self):
+        source = self.remerged(self.source(), "--track-enabled-flag", "1:no")
+        output, warnings = self.remux_warned(source)
+        self.assertEqual(len(warnings), 1)
+        self.assertIn("changed.mkv: stream 'Track 2': is marked as not to be used", warnings[0])
+        self.assertEqual(len(self.identify(output)["tracks"]), 2)
+
+    def test_an_alpha_channel_is_lost_with_a_warning(self):
+        source = make_input("alpha.webm", *picture(1), "-vf", "format=yuva420p", "-c:v", "libvpx", "-auto-alt-ref", "0",
+                            "-deadline", "realtime")
+        output, warnings = self.remux_warned(source)
+        self.assertEqual(len(warnings), 1)
+        self.assertIn("alpha.webm: stream 'Track 1': what its blocks carry besides the frames", warnings[0])
+        self.assert_same_stream(source, output, 0)
+
     def test_a_matroska_file_retargeted_to_webm(self):
         source = make_input("vp9opus.mkv", *picture(1), *sound(1, 48000), "-c:v", "libvpx-vp9", "-cpu-used", "8",
                             "-deadline", "realtime", "-c:a", "libopus")

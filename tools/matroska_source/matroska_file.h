@@ -30,6 +30,7 @@ struct VideoTrack {
     UINT64 cropHeight = 0;
     UINT64 displayWidth = 0; // 0: as the pixels
     UINT64 displayHeight = 0;
+    bool hasAlpha = false; // in additions to its blocks
 };
 
 struct AudioTrack {
@@ -48,7 +49,9 @@ struct Track {
     std::string language;    // ISO 639-2 code
     std::string languageTag; // BCP 47
     bool isDefault = true;
+    bool isForced = false;
     bool isEnabled = true;
+    UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
     VideoTrack video;
     AudioTrack audio;
     std::vector<ContentEncoding> encodings;

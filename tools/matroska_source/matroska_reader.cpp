@@ -78,7 +78,7 @@ void MatroskaReader::AddStream(Track& track) {
     } else {
         m_streamOf[track.number] = m_streams.size();
     }
-    description.properties = {true, track.name, track.language, track.isDefault, track.isEnabled};
+    description.properties = {true, track.name, track.language, track.isDefault, track.isForced, track.isEnabled};
     m_streams.push_back(std::move(description));
     m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track)});
     m_queue.AddStream(track.Is(TrackType::Subtitle), track.defaultDurationNs);

@@ -13,6 +13,17 @@ namespace {
 // Registered nowhere. {5D1F8B3A-2C64-4E97-B0A8-F3716C94E2D5}
 constexpr GUID kMatroskaSourceClassId{0x5d1f8b3a, 0x2c64, 0x4e97, {0xb0, 0xa8, 0xf3, 0x71, 0x6c, 0x94, 0xe2, 0xd5}};
 
+// What a track has and no media type carries.
+void TellLosses(const Track& track, std::vector<std::string>& warnings) {
+    const std::string name = "stream 'Track " + std::to_string(track.number) + "': ";
+    if (!track.isEnabled) {
+        warnings.push_back(name + "is marked as not to be used, and goes on as any other");
+    }
+    if (track.maxAdditionId > 0 || track.video.hasAlpha) {
+        warnings.push_back(name + "what its blocks carry besides the frames, such as an alpha channel, is left out");
+    }
+}
+
 } // namespace
 
 HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened) {
@@ -21,6 +32,9 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
         std::optional<MatroskaFile> file = ReadMatroskaFile(*buffered);
         if (!file) {
             return static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);
+        }
+        for (const Track& track : file->tracks) {
+            TellLosses(track, opened.warnings);
         }
         auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file));
         std::vector<std::string> leftOut;

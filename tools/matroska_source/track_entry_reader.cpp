@@ -32,6 +32,8 @@ VideoTrack ReadVideo(const EbmlReader& reader, const Element& element) {
             video.displayWidth = value;
         } else if (child.id == IdOf<KaxVideoDisplayHeight>()) {
             video.displayHeight = value;
+        } else if (child.id == IdOf<KaxVideoAlphaMode>()) {
+            video.hasAlpha = value != 0;
         }
     });
     return video;
@@ -111,6 +113,10 @@ void ReadNumbers(const EbmlReader& reader, const Element& child, Track& track) {
         track.type = reader.ReadUnsigned(child);
     } else if (child.id == IdOf<KaxTrackFlagDefault>()) {
         track.isDefault = reader.ReadUnsigned(child, 1) != 0;
+    } else if (child.id == IdOf<KaxTrackFlagForced>()) {
+        track.isForced = reader.ReadUnsigned(child) != 0;
+    } else if (child.id == IdOf<KaxMaxBlockAdditionID>()) {
+        track.maxAdditionId = reader.ReadUnsigned(child);
     } else if (child.id == IdOf<KaxTrackFlagEnabled>()) {
         track.isEnabled = reader.ReadUnsigned(child, 1) != 0;
     } else if (child.id == IdOf<KaxTrackDefaultDuration>()) {

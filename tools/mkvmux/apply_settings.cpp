@@ -20,14 +20,21 @@ std::string TrackText(size_t number) {
     return "track " + std::to_string(number);
 }
 
+// The muxer writes default tracks as forced ones too. Players show forced subtitles to everybody, so those that were
+// not forced are not made so.
+bool CarriesDefault(const SourceStream& stream) {
+    const GUID& kind = stream.type.majortype;
+    const bool isPlain = kind == MEDIATYPE_Video || kind == MEDIATYPE_Audio;
+    return stream.tags->isDefault && (isPlain || stream.tags->isForced);
+}
+
 // What the input says is the default of what the user says. A saved configuration has said it all already.
 TrackOptions ChangeOf(const SourceStream& stream, const Options& options) {
     TrackOptions change;
     if (stream.tags && options.loadConfig.empty()) {
         change.name = stream.tags->name;
         change.language = stream.tags->language;
-        change.makeDefault = stream.tags->isDefault;
-        change.disable = !stream.tags->isEnabled;
+        change.makeDefault = CarriesDefault(stream);
     }
     if (const auto given = options.tracks.find(stream.number); given != options.tracks.end()) {
         const TrackOptions& user = given->second;

@@ -45,6 +45,7 @@ Json TrackOf(const SourceStream& stream) {
         track["name"] = Utf8FromWide(stream.tags->name);
         track["language"] = Utf8FromWide(stream.tags->language);
         track["default"] = stream.tags->isDefault;
+        track["forced"] = stream.tags->isForced;
         track["enabled"] = stream.tags->isEnabled;
     }
     return track;

@@ -60,6 +60,7 @@ StreamTags TagsOf(const source::TrackProperties& properties) {
     tags.name = WideFromUtf8(properties.name);
     tags.language = FindLanguage(WideFromUtf8(properties.language)).value_or(L"Undetermined");
     tags.isDefault = properties.isDefault;
+    tags.isForced = properties.isForced;
     tags.isEnabled = properties.isEnabled;
     return tags;
 }

@@ -9,6 +9,7 @@ struct StreamTags {
     std::wstring name;
     std::wstring language; // its English name, spelled as in the language list; empty: unknown
     bool isDefault = false;
+    bool isForced = false;
     bool isEnabled = true;
 };
 

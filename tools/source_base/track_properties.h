@@ -15,6 +15,7 @@ struct TrackProperties {
     std::string name;
     std::string language; // "eng"; "und" when the input leaves it open
     bool isDefault = true;
+    bool isForced = false;
     bool isEnabled = true;
 };
 

@@ -255,18 +255,21 @@ TEST(MatroskaReader, TracksThatCannotBeReadAreNamedWithTheCause) {
 }
 
 TEST(MatroskaReader, TellsWhatTheFileSaysOfItsTracks) {
-    const auto reader = ReaderOf(FileOf({Audio(1, {RawText(id::kName, "Tön"), RawText(id::kLanguage, "ger"),
-                                                   RawUnsigned(id::kFlagDefault, 0), RawUnsigned(id::kFlagEnabled, 0)}),
-                                         Audio(2), Audio(3, {RawText(id::kLanguageTag, "pt-BR")})},
-                                        {}));
+    const auto reader = ReaderOf(
+        FileOf({Audio(1, {RawText(id::kName, "Tön"), RawText(id::kLanguage, "ger"), RawUnsigned(id::kFlagDefault, 0),
+                          RawUnsigned(id::kFlagForced, 1), RawUnsigned(id::kFlagEnabled, 0)}),
+                Audio(2), Audio(3, {RawText(id::kLanguageTag, "pt-BR")})},
+               {}));
     const auto propertiesOf = [&](size_t i) { return reader->Streams()[i].properties; };
     EXPECT_EQ(propertiesOf(0).name, "Tön");
     EXPECT_EQ(propertiesOf(0).language, "ger");
     EXPECT_FALSE(propertiesOf(0).isDefault);
+    EXPECT_TRUE(propertiesOf(0).isForced);
     EXPECT_FALSE(propertiesOf(0).isEnabled);
     EXPECT_TRUE(propertiesOf(1).known);
     EXPECT_EQ(propertiesOf(1).language, "eng"); // what the format says when nothing is said
     EXPECT_TRUE(propertiesOf(1).isDefault);
+    EXPECT_FALSE(propertiesOf(1).isForced);
     EXPECT_TRUE(propertiesOf(1).isEnabled);
     EXPECT_EQ(propertiesOf(2).language, "pt");
 }
