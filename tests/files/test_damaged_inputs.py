@@ -67,7 +67,7 @@ class DamagedInputs(MkvmuxCase):
         whole = cinepak_avi().read_bytes()
         run, output = self.mux_damaged("cut.avi", whole[:len(whole) // 2])
         self.assertEqual(run.status, 1, run)
-        self.assertIn("damaged", run.error_lines[0])
+        self.assertIn("cut.avi: is damaged", run.error_lines[0])
         kept = self.packets(output, 0)
         self.assertGreater(len(kept), 10)
         self.assertEqual(kept, self.packets(cinepak_avi(), 0)[:len(kept)])
@@ -76,11 +76,22 @@ class DamagedInputs(MkvmuxCase):
         whole = film().read_bytes()
         run, output = self.mux_damaged("half.mkv", whole[:len(whole) // 2])
         self.assertEqual(run.status, 1, run)
-        self.assertIn("damaged", run.error_lines[0])
+        self.assertIn("half.mkv: is damaged", run.error_lines[0])
         before = self.packets(film(), 0)
         kept = self.packets(output, 0)
         self.assertGreater(len(kept), len(before) // 4)
         self.assertEqual(kept, before[:len(kept)])
+
+    def test_of_several_inputs_the_damaged_ones_are_named(self):
+        whole = film().read_bytes()
+        halves = [self.directory / name for name in ("a.mkv", "b.mkv")]
+        for half in halves:
+            half.write_bytes(whole[:len(whole) // 2])
+        run = self.mkvmux("-o", self.directory / "out.mkv", halves[0], film(), halves[1])
+        self.assertEqual(run.status, 1, run)
+        self.assertEqual(len(run.error_lines), 2, run)
+        for half in halves:
+            self.assertEqual([f"{half}: is damaged" in line for line in run.error_lines].count(True), 1, run)
 
     def test_what_lies_behind_the_damage_is_kept(self):
         content = bytearray(film().read_bytes())

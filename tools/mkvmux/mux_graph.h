@@ -40,6 +40,7 @@ class MuxGraph {
     // What the inputs carry besides streams.
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_sources.Attachments(); }
     [[nodiscard]] const std::vector<std::string>& InputWarnings() const { return m_sources.Warnings(); }
+    [[nodiscard]] std::vector<std::string> Damages() const { return m_sources.Damages(); }
     [[nodiscard]] const win::ComPtr<IGraphBuilder>& Graph() const { return m_graph; }
     [[nodiscard]] const win::ComPtr<IBaseFilter>& Muxer() const { return m_muxer; }
     [[nodiscard]] const CFileStream& Output() const { return m_sink->Stream(); }

@@ -12,7 +12,6 @@ namespace mkvmux {
 namespace {
 
 constexpr DWORD kProgressIntervalMs = 200;
-constexpr int kWholePercent = 100;
 
 } // namespace
 
@@ -28,6 +27,7 @@ MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console&
 // Reached with a running graph only when something unforeseen is thrown.
 MuxRun::~MuxRun() {
     if (!Stop()) {
+        Console::Fail("out of memory or another unforeseen failure, and an input's filter does not stop");
         LeaveAtOnce(kExitFailed);
     }
 }
@@ -90,10 +90,22 @@ bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
         m_console.Warn("a stream ended early: " + DescribeResult(hr));
         return false;
     case EC_STREAM_ERROR_STILLPLAYING:
-        m_console.Warn("a stream is damaged: " + DescribeResult(hr));
+        WarnOfDamage(hr);
         return false;
     default:
         return false;
+    }
+}
+
+// The event does not say whose it is. Sources of our own tell their damage beside it, a system's splitter does not.
+void MuxRun::WarnOfDamage(HRESULT damage) {
+    for (const std::string& line : m_graph.Damages()) {
+        if (m_toldDamages.insert(line).second) {
+            m_console.Warn(line);
+        }
+    }
+    if (m_toldDamages.empty()) {
+        m_console.Warn("a stream is damaged: " + DescribeResult(damage));
     }
 }
 

@@ -4,6 +4,9 @@
 // Errors: Failure; the graph is stopped whichever way the run ends, as far as its filters let themselves be stopped.
 #pragma once
 
+#include <set>
+#include <string>
+
 #include "tools/mkvmux/console.h"
 #include "tools/mkvmux/interruption.h"
 #include "tools/mkvmux/mux_graph.h"
@@ -33,6 +36,7 @@ class MuxRun {
     // Whether one of the graph's events was the end.
     [[nodiscard]] bool HandleEvents();
     [[nodiscard]] bool HandleEvent(LONG code, LONG_PTR first);
+    void WarnOfDamage(HRESULT damage);
     void ThrowIfOutputFailed() const;
 
     const MuxGraph& m_graph;
@@ -42,6 +46,7 @@ class MuxRun {
     ProgressMeter m_meter;
     win::ComPtr<IMediaControl> m_control;
     win::ComPtr<IMediaEvent> m_events;
+    std::set<std::string> m_toldDamages;
     bool m_started = false;
     bool m_isStuck = false;
 };

@@ -28,6 +28,9 @@ std::vector<std::string> ArgumentsOf(const std::string& path) {
             throw Failure(path + ": element " + std::to_string(arguments.size()) + " is not a string");
         }
         arguments.push_back(element.get<std::string>());
+        if (arguments.back().find('\0') != std::string::npos) {
+            throw Failure(path + ": element " + std::to_string(arguments.size() - 1) + " holds a zero character");
+        }
     }
     return arguments;
 }

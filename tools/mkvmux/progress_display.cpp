@@ -6,7 +6,6 @@ namespace mkvmux {
 
 namespace {
 
-constexpr int kWholePercent = 100;
 constexpr int kLineStepPercent = 10;
 constexpr int kMaxBarCells = 50;
 // "[", "]", " 100%" and the last column, which some terminals wrap after.

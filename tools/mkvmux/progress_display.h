@@ -10,6 +10,8 @@
 
 namespace mkvmux {
 
+inline constexpr int kWholePercent = 100;
+
 class ProgressDisplay {
   public:
     enum class Style { None, Bar, Lines };

@@ -5,12 +5,12 @@
 #include <set>
 
 #include "include/qrx_mkvmuxer.h"
+#include "tools/mkvmux/progress_display.h"
 
 namespace mkvmux {
 
 namespace {
 
-constexpr double kWholePercent = 100;
 constexpr double kMostBeforeTheEndPercent = 99;
 
 REFERENCE_TIME DurationOf(const SourceStream& stream) {

@@ -138,7 +138,18 @@ std::vector<SourceStream> SourceStreams::OpenWith(const OwnSource& kind, source:
     for (const std::string& warning : opened.warnings) {
         m_warnings.push_back(Utf8FromWide(path) + ": " + warning);
     }
+    m_watched.push_back({path, opened.damage});
     return streams;
+}
+
+std::vector<std::string> SourceStreams::Damages() const {
+    std::vector<std::string> lines;
+    for (const Watched& watched : m_watched) {
+        if (const HRESULT damage = *watched.damage; FAILED(damage)) {
+            lines.push_back(Utf8FromWide(watched.input) + ": is damaged: " + DescribeResult(damage));
+        }
+    }
+    return lines;
 }
 
 void SourceStreams::RemoveFilters() {

@@ -3,7 +3,9 @@
 // Owner: the graph owns the filters; a stream holds a reference on its pin. Errors: Failure.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,6 +50,8 @@ class SourceStreams {
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_attachments; }
     // What the files opened so far lose, a line each.
     [[nodiscard]] const std::vector<std::string>& Warnings() const { return m_warnings; }
+    // Those that have turned out to be damaged while they were read by sources of our own, a line each.
+    [[nodiscard]] std::vector<std::string> Damages() const;
 
   private:
     [[nodiscard]] std::vector<SourceStream> OpenWithSystem(const std::wstring& path);
@@ -59,12 +63,18 @@ class SourceStreams {
     [[nodiscard]] win::ComPtr<IBaseFilter> TryCandidates(IPin* pin, const AM_MEDIA_TYPE& type);
     [[nodiscard]] bool TrySplitter(IPin* pin, IBaseFilter* splitter);
 
+    struct Watched {
+        std::wstring input;
+        std::shared_ptr<const std::atomic<HRESULT>> damage;
+    };
+
     win::ComPtr<IGraphBuilder> m_graph;
     OwnSourceOptions m_options;
     win::ComPtr<IFilterMapper2> m_mapper;
     std::vector<win::ComPtr<IBaseFilter>> m_filters; // added for the file that is being opened
     std::vector<source::Attachment> m_attachments;
     std::vector<std::string> m_warnings;
+    std::vector<Watched> m_watched;
 };
 
 } // namespace mkvmux

@@ -1,6 +1,8 @@
 // OpenedSource: a source filter of our own, and what its input says besides the media types.
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,8 @@ struct OpenedSource {
     std::vector<StreamDescription> streams; // those without a pin too, in the order of the input
     std::vector<Attachment> attachments;
     std::vector<std::string> warnings; // what is lost; UTF-8
+    // A failure once the source has found damage, which it can only while it streams; set before the graph is told.
+    std::shared_ptr<const std::atomic<HRESULT>> damage;
 };
 
 } // namespace source

@@ -8,7 +8,9 @@ HRESULT CSourceFilter::Make(std::unique_ptr<PacketReader> reader, const GUID& cl
     return ComGuard([&] {
         HRESULT hr = S_OK;
         opened.streams = reader->Streams();
-        opened.filter = win::ComPtr<IBaseFilter>(new CSourceFilter(std::move(reader), classId, &hr));
+        auto* const filter = new CSourceFilter(std::move(reader), classId, &hr);
+        opened.filter = win::ComPtr<IBaseFilter>(filter);
+        opened.damage = filter->m_damage;
         return hr;
     });
 }
@@ -87,6 +89,7 @@ void CSourceFilter::Stream(const std::stop_token& stop) {
         return;
     }
     if (const HRESULT damage = m_reader->Damage(); FAILED(damage)) {
+        *m_damage = damage;
         NotifyEvent(EC_STREAM_ERROR_STILLPLAYING, damage, 0); // before the end, which may end the run
     }
     for (const auto& pin : m_pins) {

@@ -37,6 +37,7 @@ class CSourceFilter final : public CBaseFilter {
     const std::unique_ptr<PacketReader> m_reader;
     std::vector<std::unique_ptr<CSourcePin>> m_pins;
     std::vector<CSourcePin*> m_pinOfStream; // null for a stream without a pin
+    const std::shared_ptr<std::atomic<HRESULT>> m_damage = std::make_shared<std::atomic<HRESULT>>(S_OK);
     std::jthread m_thread;
 };
 

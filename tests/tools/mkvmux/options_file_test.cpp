@@ -46,6 +46,7 @@ TEST(OptionsFile, WhatCannotBeTakenIsNamed) {
         {"[\"-y\", 1]", "element 1 is not a string"},
         {"[[\"-y\"]]", "element 0 is not a string"},
         {"[\"\xFF\"]", "is not valid JSON"},
+        {"[\"-y\", \"a\\u0000b\"]", "element 1 holds a zero character"},
     };
     const TemporaryFile file(L".json");
     for (const auto& [content, reason] : cases) {

@@ -152,11 +152,13 @@ TEST_F(SourceFilter, PacketsOfAStreamWithoutAPinAreDropped) {
 
 TEST_F(SourceFilter, DamageIsToldToTheGraphBeforeTheEnd) {
     Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(1, 0)}, false, E_FAIL));
+    EXPECT_EQ(m_opened.damage->load(), S_OK);
     Start();
     ASSERT_TRUE(m_sink->Pin().WaitForEnd(10s));
     Stop();
     ASSERT_EQ(m_graph.EventCount(EC_STREAM_ERROR_STILLPLAYING), 1);
     EXPECT_EQ(static_cast<HRESULT>(m_graph.Events().front().parameter1), E_FAIL);
+    EXPECT_EQ(m_opened.damage->load(), E_FAIL);
 }
 
 TEST_F(SourceFilter, AReaderThatThrowsEndsTheRunWithAnErrorAndNothingElse) {
