@@ -42,19 +42,26 @@ def text_of(file):
     return file.read().decode("utf-8", "backslashreplace")
 
 
+def run_program(arguments):
+    """(status, standard output, standard error). To files, not to pipes: the host's own services, which its first
+    program starts, would keep those open."""
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
+        run = subprocess.run(arguments, stdin=subprocess.DEVNULL, stdout=output, stderr=errors, check=False)
+        return run.returncode, text_of(output), text_of(errors)
+
+
 def read(command, path, cut, verdict):
     """Runs mkvlayout; its findings are complaints. None when it fails."""
     arguments = shlex.split(command) + (["--cut"] if cut else []) + [str(path)]
-    # To files, not to pipes: the host's own services, which its first program starts, would keep those open.
-    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
-        run = subprocess.run(arguments, stdin=subprocess.DEVNULL, stdout=output, stderr=errors, check=False)
-        printed, complaints = (text_of(file) for file in (output, errors))
-    if run.returncode not in (0, 1):
-        verdict.complain(TOOL, f"failed with status {run.returncode}: {complaints.strip()}")
+    status, printed, complaints = run_program(arguments)
+    if status == 1 and not printed:
+        status, printed, complaints = run_program(arguments)  # the host could not start it, which happens now and then
+    if status not in (0, 1) or not printed:
+        verdict.complain(TOOL, f"failed with status {status}: {complaints.strip()}")
         return None
     data = json.loads(printed)
     for finding in data["findings"]:
         verdict.complain(TOOL, finding)
-    if (run.returncode == 1) != bool(data["findings"]):
-        verdict.complain(TOOL, f"its status {run.returncode} does not fit its findings")
+    if (status == 1) != bool(data["findings"]):
+        verdict.complain(TOOL, f"its status {status} does not fit its findings")
     return Layout(data)
