@@ -1,24 +1,6 @@
 #include "dshow/am_thread.h"
 
-namespace {
-
-// The worker's stay in COM's multithreaded apartment.
-class ComApartment {
-  public:
-    ComApartment() : m_result(CAMThread::CoInitializeHelper()) {}
-    ~ComApartment() {
-        if (SUCCEEDED(m_result)) {
-            CoUninitialize();
-        }
-    }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-
-  private:
-    const HRESULT m_result;
-};
-
-} // namespace
+#include "win/com_apartment.h"
 
 CAMThread::CAMThread(HRESULT* phr) : m_EventSend(TRUE, phr), m_EventComplete(FALSE, phr) {}
 
@@ -113,7 +95,7 @@ HANDLE CAMThread::ThreadHandle() {
 }
 
 DWORD WINAPI CAMThread::InitialThreadProc(LPVOID pv) {
-    const ComApartment apartment;
+    const win::ComApartment apartment(CoInitializeHelper()); // the multithreaded one
     return static_cast<CAMThread*>(pv)->RunThreadProc();
 }
 

@@ -2,6 +2,9 @@
 // describe a filter to the filter mapper.
 #pragma once
 
+#include <cstddef>
+#include <span>
+
 #include "dshow/unknown.h"
 #include "win/platform.h"
 
@@ -32,3 +35,7 @@ class CFactoryTemplate {
 // The module's table; whoever links the module functions defines it.
 extern CFactoryTemplate g_Templates[];
 extern int g_cTemplates;
+
+inline std::span<const CFactoryTemplate> FactoryTemplates() {
+    return {g_Templates, static_cast<std::size_t>(g_cTemplates)};
+}

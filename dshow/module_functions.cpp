@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <span>
 
 #include "dshow/class_factory.h"
 #include "dshow/factory_template.h"
@@ -10,12 +9,8 @@
 
 namespace {
 
-std::span<const CFactoryTemplate> Templates() {
-    return {g_Templates, static_cast<std::size_t>(g_cTemplates)};
-}
-
 void RunInitRoutines(BOOL loading) {
-    for (const CFactoryTemplate& entry : Templates()) {
+    for (const CFactoryTemplate& entry : FactoryTemplates()) {
         if (entry.m_lpfnInit != nullptr) {
             entry.m_lpfnInit(loading, entry.m_ClsID);
         }
@@ -32,7 +27,7 @@ HRESULT AMovieDllGetClassObject(REFCLSID rClsID, REFIID riid, void** pv) noexcep
     if (riid != IID_IUnknown && riid != IID_IClassFactory) {
         return E_NOINTERFACE;
     }
-    const auto templates = Templates();
+    const auto templates = FactoryTemplates();
     const auto found = std::find_if(templates.begin(), templates.end(),
                                     [&rClsID](const CFactoryTemplate& entry) { return entry.IsClassID(rClsID); });
     if (found == templates.end()) {

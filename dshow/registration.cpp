@@ -1,10 +1,10 @@
 #include "dshow/registration.h"
 
-#include <span>
 #include <string>
 
 #include "dshow/com_guard.h"
 #include "dshow/filter_setup.h"
+#include "win/com_apartment.h"
 #include "win/com_ptr.h"
 #include "win/handle.h"
 #include "win/module_instance.h"
@@ -17,25 +17,6 @@ struct RegistryKeyPolicy {
     static void Close(Type key) { RegCloseKey(key); }
 };
 using RegistryKey = win::UniqueHandle<RegistryKeyPolicy>;
-
-class ComApartment {
-  public:
-    ComApartment() : m_result(CoInitialize(nullptr)) {}
-    ~ComApartment() {
-        if (SUCCEEDED(m_result)) {
-            CoUninitialize();
-        }
-    }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-
-  private:
-    const HRESULT m_result; // a thread that is in another apartment already will do as well
-};
-
-std::span<const CFactoryTemplate> Templates() {
-    return {g_Templates, static_cast<std::size_t>(g_cTemplates)};
-}
 
 HRESULT FromWin32(LSTATUS status) {
     return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
@@ -97,12 +78,12 @@ HRESULT RemoveClassKeys(const CFactoryTemplate& entry) {
 HRESULT RegisterModule() {
     std::wstring fileName;
     HRESULT hr = ModuleFileName(fileName);
-    for (const CFactoryTemplate& entry : Templates()) {
+    for (const CFactoryTemplate& entry : FactoryTemplates()) {
         if (SUCCEEDED(hr)) {
             hr = RegisterClassKeys(entry, fileName);
         }
     }
-    for (const CFactoryTemplate& entry : Templates()) {
+    for (const CFactoryTemplate& entry : FactoryTemplates()) {
         if (SUCCEEDED(hr) && entry.m_pAMovieSetup_Filter != nullptr) {
             hr = AMovieSetupRegisterFilter(entry.m_pAMovieSetup_Filter, TRUE);
         }
@@ -114,12 +95,12 @@ HRESULT RegisterModule() {
 HRESULT UnregisterModule() {
     HRESULT first = S_OK;
     const auto note = [&first](HRESULT hr) { first = SUCCEEDED(first) && FAILED(hr) ? hr : first; };
-    for (const CFactoryTemplate& entry : Templates()) {
+    for (const CFactoryTemplate& entry : FactoryTemplates()) {
         if (entry.m_pAMovieSetup_Filter != nullptr) {
             note(AMovieSetupRegisterFilter(entry.m_pAMovieSetup_Filter, FALSE));
         }
     }
-    for (const CFactoryTemplate& entry : Templates()) {
+    for (const CFactoryTemplate& entry : FactoryTemplates()) {
         note(RemoveClassKeys(entry));
     }
     return first;
@@ -129,7 +110,8 @@ HRESULT UnregisterModule() {
 
 HRESULT AMovieDllRegisterServer2(BOOL bRegister) noexcept {
     return ComGuard([bRegister] {
-        const ComApartment apartment;
+        // A thread that is in another apartment already will do as well.
+        const win::ComApartment apartment(CoInitialize(nullptr));
         const HRESULT hr = bRegister ? RegisterModule() : UnregisterModule();
         return FAILED(hr) ? hr : S_OK;
     });

@@ -7,7 +7,6 @@ namespace {
 constexpr wchar_t kSeparator = L'\\';
 // KEY_WRITE and the right to query values.
 constexpr REGSAM kSaverAccess = 0x20007;
-constexpr DWORD kMaxKeyNameChars = 255;
 
 // A longer name could not be enumerated, nor deleted, later.
 bool HasOnlyShortNames(const std::wstring& path) {

@@ -8,6 +8,8 @@
 
 #include "win/platform.h"
 
+inline constexpr DWORD kMaxKeyNameChars = 255; // the registry's own limit for one part of a path
+
 class RegKey {
   public:
     RegKey() = default;

@@ -9,7 +9,6 @@ namespace {
 
 // No sensible setting is longer; the registry itself would hold far more.
 constexpr DWORD kMaxStringBytes = 64 * 1024 * 1024;
-constexpr DWORD kMaxKeyNameChars = 255;
 
 } // namespace
 

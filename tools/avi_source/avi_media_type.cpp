@@ -10,10 +10,9 @@ namespace avi {
 
 namespace {
 
-constexpr REFERENCE_TIME kSecond = 10'000'000; // in units of 100 ns
-constexpr DWORD kVideoType = 0x73646976;       // 'vids'
-constexpr DWORD kAudioType = 0x73647561;       // 'auds'
-constexpr size_t kPcmFormatBytes = 16;         // the oldest form, without cbSize
+constexpr DWORD kVideoType = 0x73646976; // 'vids'
+constexpr DWORD kAudioType = 0x73647561; // 'auds'
+constexpr size_t kPcmFormatBytes = 16;   // the oldest form, without cbSize
 
 // A format block of that length, all zero.
 BYTE* NewFormat(CMediaType& type, size_t length) {

@@ -6,8 +6,6 @@ namespace avi {
 
 namespace {
 
-constexpr REFERENCE_TIME kSecond = 10'000'000; // in units of 100 ns
-
 // "Stream 00", as the system's own splitter calls it.
 WideString PinName(size_t index) {
     const WideString number = ToWideDecimal(index);

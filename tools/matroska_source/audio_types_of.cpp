@@ -7,6 +7,7 @@
 
 #include "dshow/media_subtypes.h"
 #include "mkv/vorbis_private.h"
+#include "tools/matroska_source/big_endian.h"
 #include "tools/matroska_source/lacing.h"
 #include "tools/matroska_source/media_types_of.h"
 #include "tools/source_base/format_builder.h"
@@ -20,9 +21,7 @@ constexpr GUID kFormatVorbis2{0xb36e107f, 0xa938, 0x4387, {0x93, 0xc7, 0x55, 0xe
 
 constexpr double kMaxSamplingFrequency = 4e9; // fits a DWORD
 constexpr size_t kPcmWaveFormatBytes = 16;    // the oldest form, without cbSize
-constexpr BYTE kXiphLacing = 2;
 constexpr size_t kVorbisHeaders = 3;
-constexpr unsigned kBitsInByte = 8;
 
 enum class Private { None, Extra };
 

@@ -1,6 +1,7 @@
 #include "tools/matroska_source/avc_private.h"
 
 #include "mkv/annexb_converter.h"
+#include "tools/matroska_source/big_endian.h"
 
 namespace matroska {
 
@@ -11,18 +12,10 @@ constexpr BYTE kCountMask = 0x1f;
 constexpr BYTE kLengthMask = 0x03;
 constexpr size_t kSetLengthBytes = mkv::kParameterSetLengthSizeBytes;
 
-size_t BigEndian(Bytes bytes) {
-    size_t value = 0;
-    for (const BYTE byte : bytes) {
-        value = value << 8 | byte;
-    }
-    return value;
-}
-
 // Appends so many sets with their lengths, and takes them off the record's front.
 void TakeSets(Bytes& record, size_t count, std::vector<BYTE>& sets) {
     for (size_t i = 0; i < count && record.size() >= kSetLengthBytes; ++i) {
-        const size_t bytes = kSetLengthBytes + BigEndian(record.first(kSetLengthBytes));
+        const size_t bytes = kSetLengthBytes + static_cast<size_t>(BigEndian(record.first(kSetLengthBytes)));
         if (bytes > record.size()) {
             record = {};
             return;
@@ -56,7 +49,7 @@ AvcPrivate ParseAvcPrivate(Bytes record) {
 std::vector<BYTE> WidenLengths(Bytes sample, size_t lengthBytes) {
     std::vector<BYTE> wide;
     while (sample.size() > lengthBytes) {
-        const size_t length = BigEndian(sample.first(lengthBytes));
+        const auto length = static_cast<size_t>(BigEndian(sample.first(lengthBytes)));
         sample = sample.subspan(lengthBytes);
         if (length > sample.size()) {
             break;

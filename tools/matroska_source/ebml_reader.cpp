@@ -7,6 +7,8 @@
 #include <ebml/EbmlCrc32.h>
 #include <ebml/EbmlVoid.h>
 
+#include "tools/matroska_source/big_endian.h"
+
 namespace matroska {
 
 namespace {
@@ -14,19 +16,10 @@ namespace {
 constexpr size_t kMaxIdBytes = 4;
 constexpr size_t kMaxSizeBytes = 8;
 constexpr UINT64 kMaxStringBytes = UINT64{64} * 1024;
-constexpr unsigned kBitsInByte = 8;
 
 // The length that the position of the first set bit announces; 9 when there is none.
 size_t AnnouncedLength(BYTE first) {
     return static_cast<size_t>(std::countl_zero(first)) + 1;
-}
-
-UINT64 BigEndian(std::span<const BYTE> bytes) {
-    UINT64 value = 0;
-    for (const BYTE byte : bytes) {
-        value = value << kBitsInByte | byte;
-    }
-    return value;
 }
 
 } // namespace

@@ -4,7 +4,6 @@ namespace matroska {
 
 namespace {
 
-constexpr INT64 kNsInReferenceTime = 100;
 // 36 years: sums of a few such times still fit 64 bits.
 constexpr UINT64 kMaxNs = UINT64{1} << 60;
 

@@ -9,6 +9,8 @@
 
 namespace matroska {
 
+inline constexpr INT64 kNsInReferenceTime = 100;
+
 class FrameTimes {
   public:
     explicit FrameTimes(UINT64 timestampScaleNs) : m_scaleNs(timestampScaleNs) {}

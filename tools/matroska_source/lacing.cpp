@@ -6,7 +6,6 @@ namespace matroska {
 
 namespace {
 
-constexpr BYTE kXiphLacing = 2;
 constexpr BYTE kFixedLacing = 4;
 constexpr BYTE kEbmlLacing = 6;
 constexpr BYTE kXiphContinues = 255;

@@ -4,6 +4,7 @@
 
 #include "dshow/media_subtypes.h"
 #include "tools/matroska_source/avc_private.h"
+#include "tools/matroska_source/frame_times.h"
 #include "tools/matroska_source/media_types_of.h"
 #include "tools/source_base/format_builder.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 using source::Picture;
 
-constexpr UINT64 kNsInReferenceTime = 100;
 constexpr UINT64 kMaxFrameDurationNs = UINT64{1000} * 3600 * 1'000'000'000; // longer ones are damage
 constexpr DWORD kSampleLengthBytes = 4;
 
@@ -34,7 +34,7 @@ Picture PictureOf(const Track& track) {
         ClampedSize(video.displayHeight != 0 ? video.displayHeight : visible(video.pixelHeight, video.cropHeight)));
     if (track.defaultDurationNs <= kMaxFrameDurationNs) {
         picture.frameDuration =
-            static_cast<REFERENCE_TIME>((track.defaultDurationNs + kNsInReferenceTime / 2) / kNsInReferenceTime);
+            (static_cast<INT64>(track.defaultDurationNs) + kNsInReferenceTime / 2) / kNsInReferenceTime;
     }
     return picture;
 }

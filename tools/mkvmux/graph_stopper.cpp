@@ -5,6 +5,7 @@
 #include <system_error>
 #include <thread>
 
+#include "win/com_apartment.h"
 #include "win/handle.h"
 
 namespace mkvmux {
@@ -20,11 +21,10 @@ struct Stopping {
 };
 
 void StopOnThread(const std::shared_ptr<Stopping>& stopping) {
-    const HRESULT entered = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    stopping->control->Stop();
-    stopping->control.Reset(); // before the caller goes on, who may hold the last reference
-    if (SUCCEEDED(entered)) {
-        CoUninitialize();
+    {
+        const win::ComApartment apartment(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+        stopping->control->Stop();
+        stopping->control.Reset(); // before the caller goes on, who may hold the last reference
     }
     SetEvent(stopping->done.Get());
 }

@@ -1,8 +1,8 @@
 // GraphStopper: stops a graph without waiting for ever for a filter that does not stop. Such filters exist: the
 // splitters of a common host wait, now and then, for a stream whose reader has just left.
 //
-// What counts is the muxer, which finishes the file as it stops: it gets all the time that it takes. A filter that hangs
-// while the graph is paused, before any is stopped, is waited for.
+// What counts is the muxer, which finishes the file as it stops: it gets all the time that it takes. A filter that
+// hangs while the graph is paused, before any is stopped, is waited for.
 //
 // Threads: Stop is called from one; the graph's own Stop runs on another, which is left behind if it never returns.
 #pragma once

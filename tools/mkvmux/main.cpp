@@ -11,28 +11,20 @@
 #include "tools/mkvmux/mux_job.h"
 #include "tools/mkvmux/options.h"
 #include "tools/mkvmux/text.h"
+#include "win/com_apartment.h"
 #include "win/platform.h"
 
 namespace {
 
 using namespace mkvmux;
 
-// COM for the life of the object. Multithreaded, since nobody here pumps messages.
-class ComApartment {
-  public:
-    ComApartment() {
-        if (const HRESULT hr = CoInitializeEx(nullptr, COINIT_MULTITHREADED); FAILED(hr)) {
-            throw Failure("COM cannot be initialised: " + DescribeResult(hr));
-        }
-    }
-    ~ComApartment() { CoUninitialize(); }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-};
-
 int Follow(const Options& options) {
     Console console(options.quiet);
-    const ComApartment apartment;
+    // Multithreaded, since nobody here pumps messages.
+    const win::ComApartment apartment(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+    if (FAILED(apartment.Entered())) {
+        throw Failure("COM cannot be initialised: " + DescribeResult(apartment.Entered()));
+    }
     if (options.identify) {
         Console::Print(Identify(options));
     } else {

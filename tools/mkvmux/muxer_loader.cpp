@@ -10,7 +10,6 @@ namespace mkvmux {
 
 namespace {
 
-constexpr const wchar_t* kModuleFileName = L"QRX_MKVMuxer.ax";
 // The longest path that the system takes, in characters.
 constexpr DWORD kMaxLongPathChars = 32768;
 

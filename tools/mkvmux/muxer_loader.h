@@ -11,6 +11,8 @@
 
 namespace mkvmux {
 
+inline constexpr const wchar_t* kModuleFileName = L"QRX_MKVMuxer.ax";
+
 enum class MuxerSource { Registry, BesideProgram };
 
 class MuxerLoader {

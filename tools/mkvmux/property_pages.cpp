@@ -5,6 +5,7 @@
 #include <olectl.h>
 
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/muxer_loader.h"
 #include "tools/mkvmux/text.h"
 #include "win/com_ptr.h"
 
@@ -12,7 +13,6 @@ namespace mkvmux {
 
 namespace {
 
-constexpr const wchar_t* kModuleFileName = L"QRX_MKVMuxer.ax";
 constexpr const wchar_t* kCaption = L"Quorlex Matroska Muxer";
 constexpr UINT kOffsetPixels = 40; // from the corner of the screen
 
