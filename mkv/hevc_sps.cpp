@@ -5,6 +5,7 @@
 #include "mkv/bitstream_reader.h"
 #include "mkv/hevc_hrd_parameters.h"
 #include "mkv/hevc_short_term_ref_pic_set.h"
+#include "mkv/nal_unit.h"
 
 namespace mkv {
 
@@ -19,22 +20,6 @@ constexpr UINT32 kExtendedSampleAspectRatio = 255;
 // 2 + 1 + 5 profile bits, 32 compatibility flags, 48 constraint flags.
 constexpr size_t kSubLayerProfileBits = 88;
 constexpr size_t kSubLayerLevelBits = 8;
-
-// The raw payload of a unit: without the 03 that keeps 00 00 from looking like a start code.
-std::vector<BYTE> RemoveEmulationPrevention(std::span<const BYTE> bytes) {
-    std::vector<BYTE> payload;
-    payload.reserve(bytes.size());
-    unsigned zeros = 0;
-    for (const BYTE byte : bytes) {
-        if (zeros >= 2 && byte == 3) {
-            zeros = 0;
-            continue;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        payload.push_back(byte);
-    }
-    return payload;
-}
 
 // Reads the parameter set in its order. Every loop is bounded, since after a bad value the reader gives zeros.
 class HevcSpsParser {
@@ -234,7 +219,7 @@ HevcSps ParseHevcSps(std::span<const BYTE> unit) {
     if (unit.size() < kNalHeaderSizeBytes) {
         return {};
     }
-    const std::vector<BYTE> payload = RemoveEmulationPrevention(unit.subspan(kNalHeaderSizeBytes));
+    const std::vector<BYTE> payload = RawPayload(unit, kNalHeaderSizeBytes);
     return HevcSpsParser(payload).Parse();
 }
 

@@ -14,6 +14,24 @@ bool AllZero(std::span<const BYTE> bytes) {
 
 } // namespace
 
+std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes) {
+    std::vector<BYTE> payload;
+    if (unit.size() < headerBytes) {
+        return payload;
+    }
+    payload.reserve(unit.size());
+    unsigned zeros = 0;
+    for (const BYTE byte : unit.subspan(headerBytes)) {
+        if (zeros >= 2 && byte == 3) {
+            zeros = 0;
+            continue;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        payload.push_back(byte);
+    }
+    return payload;
+}
+
 NALUnitScanner::NALUnitScanner(std::span<const BYTE> buffer, size_t startCodeLength)
     : m_buffer(buffer), m_startCodeLength(std::max(startCodeLength, kMinStartCodeLength)) {
     const size_t firstStartCode = FindStartCode(0);

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "win/platform.h"
 
@@ -25,6 +26,10 @@ class NALUnit {
   private:
     std::span<const BYTE> m_payload;
 };
+
+// The raw payload of a unit: without its header of so many bytes, and without the 03 that keeps 00 00 from looking like
+// a start code. Empty for a unit that is shorter than its header.
+[[nodiscard]] std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes);
 
 // NALUnitScanner: takes an Annex B byte stream apart. Only start codes of the one given length count; a shorter one
 // stays inside its unit. Bytes before the first start code are a unit too, unless they are all zero (Annex B's

@@ -15,6 +15,7 @@
 #include "tests/support/matroska_layout.h"
 #include "tests/support/media_types.h"
 #include "tests/support/pin_lookup.h"
+#include "tests/support/program_run.h"
 #include "tests/support/written_files.h"
 #include "win/handle.h"
 
@@ -199,19 +200,7 @@ TEST_F(Module, RegistrationWritesTheClassesAndTheFilterIsFoundAndCreated) {
 }
 
 DWORD RunRegsvr32(const WideString& options) {
-    WideString command =
-        WideString(OLESTR("regsvr32 ")) + options + OLESTR(" \"") + LoadedModule::Path() + OLESTR("\"");
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    EXPECT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process));
-    const win::KernelHandle thread(process.hThread);
-    const win::KernelHandle handle(process.hProcess);
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(handle.Get(), 60000));
-    DWORD code = 0xffffffff;
-    GetExitCodeProcess(handle.Get(), &code);
-    return code;
+    return RunCommand(OLESTR("regsvr32 ") + options + OLESTR(" \"") + LoadedModule::Path() + OLESTR("\""));
 }
 
 TEST_F(Module, Regsvr32RegistersAndUnregistersIt) {

@@ -10,9 +10,9 @@
 
 #include "settings/load.h"
 #include "settings/save.h"
-#include "tests/settings/program_run.h"
 #include "tests/settings/scratch_folder.h"
 #include "tests/settings/scratch_key.h"
+#include "tests/support/program_run.h"
 
 namespace {
 

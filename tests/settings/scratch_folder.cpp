@@ -1,5 +1,6 @@
 #include "tests/settings/scratch_folder.h"
 
+#include "tests/log/log_directory.h"
 #include "win/handle.h"
 
 ScratchFolder::ScratchFolder() {
@@ -41,13 +42,5 @@ void WriteFileText(const std::wstring& path, const std::string& text) {
 }
 
 std::string FileText(const std::wstring& path) {
-    const win::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    std::string text;
-    char buffer[4096];
-    DWORD got = 0;
-    while (file && ReadFile(file.Get(), buffer, sizeof(buffer), &got, nullptr) && got > 0) {
-        text.append(buffer, got);
-    }
-    return text;
+    return ReadWholeFile(path);
 }

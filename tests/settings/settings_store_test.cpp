@@ -13,8 +13,8 @@
 #include <qrx_mkvmuxer.h>
 
 #include "tests/module/loaded_module.h"
-#include "tests/settings/program_run.h"
 #include "tests/settings/scratch_key.h"
+#include "tests/support/program_run.h"
 
 namespace {
 

@@ -2,16 +2,15 @@
 #pragma once
 
 #include <span>
-#include <vector>
 
 #include "mkv/bitstream_reader.h"
+#include "mkv/nal_unit.h"
 
 namespace annexb {
 
 using Bytes = std::span<const BYTE>;
 
-// Without the header of so many bytes, and without the 03 that keeps 00 00 from looking like a start code.
-[[nodiscard]] std::vector<BYTE> RawPayload(Bytes unit, size_t headerBytes);
+using mkv::RawPayload;
 
 // Signed Exp-Golomb.
 [[nodiscard]] INT32 ReadSE(mkv::BitstreamReader& reader);

@@ -41,7 +41,7 @@ TrackOptions ChangeOf(const SourceStream& stream, const Options& options) {
         change.name = user.name ? user.name : change.name;
         change.language = user.language ? user.language : change.language;
         change.makeDefault = user.makeDefault || change.makeDefault;
-        change.disable = user.disable || change.disable;
+        change.disable = user.disable;
     }
     return change;
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "dshow/media_subtypes.h"
+#include "mkv/format_block.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -19,17 +20,6 @@ std::string GuidText(const GUID& guid) {
     std::array<WCHAR, kGuidTextChars> buffer{};
     StringFromGUID2(guid, buffer.data(), static_cast<int>(buffer.size()));
     return Utf8FromWide(buffer.data());
-}
-
-// A copy, since the format block need not be aligned; none when the block is shorter than the structure.
-template <typename Format>
-std::optional<Format> FormatOf(const AM_MEDIA_TYPE& type) {
-    if (type.pbFormat == nullptr || type.cbFormat < sizeof(Format)) {
-        return {};
-    }
-    Format format;
-    std::memcpy(&format, type.pbFormat, sizeof(format));
-    return format;
 }
 
 // 'cvid', a wave tag, or the identifier itself.
@@ -58,12 +48,12 @@ PictureFacts PictureOf(const BITMAPINFOHEADER& bitmap, REFERENCE_TIME frameDurat
 std::optional<PictureFacts> PictureFactsOf(const AM_MEDIA_TYPE& type) {
     // The MPEG format blocks begin with the plain ones.
     if (type.formattype == FORMAT_VideoInfo || type.formattype == FORMAT_MPEGVideo) {
-        if (const auto info = FormatOf<VIDEOINFOHEADER>(type)) {
+        if (const auto info = mkv::FormatBlock(type).Read<VIDEOINFOHEADER>()) {
             return PictureOf(info->bmiHeader, info->AvgTimePerFrame);
         }
     }
     if (type.formattype == FORMAT_VideoInfo2 || type.formattype == FORMAT_MPEG2Video) {
-        if (const auto info = FormatOf<VIDEOINFOHEADER2>(type)) {
+        if (const auto info = mkv::FormatBlock(type).Read<VIDEOINFOHEADER2>()) {
             return PictureOf(info->bmiHeader, info->AvgTimePerFrame);
         }
     }
@@ -71,7 +61,8 @@ std::optional<PictureFacts> PictureFactsOf(const AM_MEDIA_TYPE& type) {
 }
 
 std::optional<SoundFacts> SoundFactsOf(const AM_MEDIA_TYPE& type) {
-    const auto wave = type.formattype == FORMAT_WaveFormatEx ? FormatOf<WAVEFORMATEX>(type) : std::nullopt;
+    const auto wave =
+        type.formattype == FORMAT_WaveFormatEx ? mkv::FormatBlock(type).Read<WAVEFORMATEX>() : std::nullopt;
     if (!wave) {
         return {};
     }

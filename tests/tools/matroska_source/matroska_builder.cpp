@@ -45,7 +45,7 @@ RawBytes Float(uint32_t elementId, double value) {
 }
 
 RawBytes Head(std::string_view docType) {
-    return Master(id::kEbml, {RawText(id::kDocType, docType)});
+    return Master(id::kHead, {RawText(id::kDocType, docType)});
 }
 
 RawBytes TrackEntry(uint8_t number, uint8_t type, std::string_view codec, std::initializer_list<RawBytes> more) {

@@ -5,38 +5,19 @@
 #include <string_view>
 
 #include "tests/support/byte_builder.h"
+#include "tests/support/ebml_schema.h"
 
 namespace test_matroska {
 
 using test_support::RawBytes;
 
 namespace id {
-inline constexpr uint32_t kEbml = 0x1a45dfa3;
-inline constexpr uint32_t kDocType = 0x4282;
-inline constexpr uint32_t kVoid = 0xec;
-inline constexpr uint32_t kSegment = 0x18538067;
-inline constexpr uint32_t kInfo = 0x1549a966;
-inline constexpr uint32_t kTimestampScale = 0x2ad7b1;
-inline constexpr uint32_t kDuration = 0x4489;
-inline constexpr uint32_t kTracks = 0x1654ae6b;
-inline constexpr uint32_t kTrackEntry = 0xae;
-inline constexpr uint32_t kTrackNumber = 0xd7;
-inline constexpr uint32_t kTrackType = 0x83;
-inline constexpr uint32_t kFlagDefault = 0x88;
-inline constexpr uint32_t kFlagForced = 0x55aa;
+// Those that the muxer writes, and others that a reader meets.
+using namespace test_support::ebml_id;
 inline constexpr uint32_t kFlagEnabled = 0xb9;
-inline constexpr uint32_t kDefaultDuration = 0x23e383;
-inline constexpr uint32_t kName = 0x536e;
-inline constexpr uint32_t kLanguage = 0x22b59c;
 inline constexpr uint32_t kLanguageTag = 0x22b59d;
-inline constexpr uint32_t kCodecId = 0x86;
-inline constexpr uint32_t kCodecPrivate = 0x63a2;
-inline constexpr uint32_t kVideo = 0xe0;
-inline constexpr uint32_t kPixelWidth = 0xb0;
-inline constexpr uint32_t kPixelHeight = 0xba;
 inline constexpr uint32_t kDisplayWidth = 0x54b0;
 inline constexpr uint32_t kDisplayHeight = 0x54ba;
-inline constexpr uint32_t kAudio = 0xe1;
 inline constexpr uint32_t kSamplingFrequency = 0xb5;
 inline constexpr uint32_t kChannels = 0x9f;
 inline constexpr uint32_t kBitDepth = 0x6264;
@@ -48,21 +29,6 @@ inline constexpr uint32_t kContentEncodingType = 0x5033;
 inline constexpr uint32_t kContentCompression = 0x5034;
 inline constexpr uint32_t kContentCompAlgo = 0x4254;
 inline constexpr uint32_t kContentCompSettings = 0x4255;
-inline constexpr uint32_t kCluster = 0x1f43b675;
-inline constexpr uint32_t kTimestamp = 0xe7;
-inline constexpr uint32_t kSimpleBlock = 0xa3;
-inline constexpr uint32_t kBlockGroup = 0xa0;
-inline constexpr uint32_t kBlock = 0xa1;
-inline constexpr uint32_t kBlockDuration = 0x9b;
-inline constexpr uint32_t kReferenceBlock = 0xfb;
-inline constexpr uint32_t kCues = 0x1c53bb6b;
-inline constexpr uint32_t kAttachments = 0x1941a469;
-inline constexpr uint32_t kAttachedFile = 0x61a7;
-inline constexpr uint32_t kFileName = 0x466e;
-inline constexpr uint32_t kFileDescription = 0x467e;
-inline constexpr uint32_t kFileMimeType = 0x4660;
-inline constexpr uint32_t kFileData = 0x465c;
-inline constexpr uint32_t kFileUid = 0x46ae;
 } // namespace id
 
 inline constexpr uint8_t kKeyframe = 0x80;

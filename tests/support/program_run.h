@@ -1,4 +1,4 @@
-// Runs a program of this build's and waits for it.
+// Runs a program and waits for it.
 //
 // Threads: any. Errors: a program that cannot be started, or does not end within a minute, is a test failure.
 #pragma once
@@ -10,12 +10,8 @@
 #include "win/handle.h"
 #include "win/platform.h"
 
-// The exit status of a program beside this one.
-inline DWORD RunProgramBeside(const std::wstring& name, const std::wstring& arguments) {
-    wchar_t buffer[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, buffer, MAX_PATH);
-    const std::wstring self = buffer;
-    std::wstring command = L"\"" + self.substr(0, self.rfind(L'\\') + 1) + name + L"\" " + arguments;
+// The exit status of a command line.
+inline DWORD RunCommand(std::wstring command) {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
@@ -27,4 +23,12 @@ inline DWORD RunProgramBeside(const std::wstring& name, const std::wstring& argu
     EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, 60000));
     GetExitCodeProcess(process.hProcess, &status);
     return status;
+}
+
+// That of a program beside this one.
+inline DWORD RunProgramBeside(const std::wstring& name, const std::wstring& arguments) {
+    wchar_t buffer[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, buffer, MAX_PATH);
+    const std::wstring self = buffer;
+    return RunCommand(L"\"" + self.substr(0, self.rfind(L'\\') + 1) + name + L"\" " + arguments);
 }
