@@ -65,8 +65,14 @@ void CClusterWriter::flushCluster() {
         return;
     }
     try {
+        const UINT64 start = m_io.getFilePointer();
         const UINT64 size = cluster->render(m_io, m_cues);
         m_io.flush();
+        if (m_io.takeLost()) {
+            m_cues.dropRendered();
+            m_io.moveTo(start); // the next one takes its place
+            return;
+        }
         m_writtenBytes += size;
         m_cues.keepRendered();
     } catch (...) {

@@ -30,7 +30,8 @@ class CClusterWriter {
     [[nodiscard]] size_t trackEntryCount() const { return m_entries.size(); }
 
     void startCluster(UINT64 timeNs);
-    // Writes the current cluster, even one without blocks; nothing when there is none.
+    // Writes the current cluster, even one without blocks; nothing when there is none. One that a failed write lost
+    // leaves neither size nor cue points.
     void flushCluster();
     // The end time of the block written; none when the packet left no payload.
     std::optional<UINT64> addFrameToCurrentCluster(const MkvPacket& packet);

@@ -1,6 +1,9 @@
 #include "mkv/gathering_io.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "mkv/writer_errors.h"
 
 namespace {
 
@@ -8,16 +11,73 @@ namespace {
 constexpr size_t kMaxWriteBytes = size_t{1} << 30;
 // A cluster has up to 4 MiB of payload; memory that one with a huge block took is given back.
 constexpr size_t kMaxKeptBytes = size_t{8} << 20;
+// From here on a piece, such as the data of an attachment, leaves from where it lies.
+constexpr size_t kUngatheredBytes = kMaxKeptBytes;
+// A seek that fails once is asked again before bytes go wherever the target stands.
+constexpr int kSeekTries = 2;
 
 } // namespace
 
+void CGatheringIO::moveTo(uint64 position) {
+    flush();
+    if (m_where != Target::AtStart || m_start != position) {
+        m_start = position;
+        m_where = Target::Elsewhere;
+    }
+}
+
 void CGatheringIO::flush() {
-    for (size_t done = 0; done < m_gathered.size();) {
-        const size_t size = std::min(m_gathered.size() - done, kMaxWriteBytes);
-        m_target.writeFully(m_gathered.data() + done, size);
-        done += size;
+    if (!m_gathered.empty() && !writeThrough(m_gathered)) {
+        m_lost = LostBytes{m_start, std::exchange(m_gathered, {})};
     }
     discard();
+}
+
+// False leaves the target anywhere, and the start where it was.
+bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
+    learnStart();
+    bringTarget();
+    m_where = Target::Elsewhere;
+    for (size_t done = 0; done < bytes.size();) {
+        const size_t size = std::min(bytes.size() - done, kMaxWriteBytes);
+        m_target.writeFully(bytes.data() + done, size);
+        if (!m_target.isLastWriteWhole()) {
+            return false;
+        }
+        done += size;
+    }
+    m_start += bytes.size();
+    m_where = Target::AtStart;
+    return true;
+}
+
+void CGatheringIO::learnStart() {
+    if (m_where == Target::Unknown) {
+        m_start = m_target.getFilePointer();
+        m_where = Target::AtStart;
+    }
+}
+
+// An output that does not seek gets its bytes all the same, where it stands.
+void CGatheringIO::bringTarget() {
+    if (m_where == Target::AtStart || seekTarget()) {
+        return;
+    }
+    const std::optional<uint64> position = m_target.position();
+    m_start = position.value_or(m_start);
+    m_isSure = m_isSure && position.has_value();
+}
+
+bool CGatheringIO::seekTarget() {
+    for (int i = 0; i < kSeekTries; ++i) {
+        try {
+            m_target.setFilePointer(static_cast<int64>(m_start));
+            return true;
+        } catch (const char*) {
+            continue;
+        }
+    }
+    return false;
 }
 
 void CGatheringIO::discard() noexcept {
@@ -32,25 +92,44 @@ void CGatheringIO::overwriteTail(std::span<const BYTE> bytes) {
     std::copy_n(bytes.begin(), size, m_gathered.end() - static_cast<ptrdiff_t>(size));
 }
 
+std::optional<LostBytes> CGatheringIO::takeLost() {
+    return std::exchange(m_lost, std::nullopt);
+}
+
 uint32 CGatheringIO::read(void* buffer, size_t size) {
     flush();
+    m_where = Target::Unknown;
     return m_target.read(buffer, size);
 }
 
 void CGatheringIO::setFilePointer(int64 offset, libebml::seek_mode mode) {
     flush();
+    const bool isAbsolute = mode == libebml::seek_beginning;
+    m_where = isAbsolute ? Target::Elsewhere : Target::Unknown; // if it throws
     m_target.setFilePointer(offset, mode);
+    if (isAbsolute) {
+        m_start = static_cast<uint64>(offset);
+        m_where = Target::AtStart;
+    }
 }
 
 size_t CGatheringIO::write(const void* buffer, size_t size) {
-    if (m_gathered.empty()) {
-        m_startPosition = m_target.getFilePointer();
+    const std::span<const BYTE> bytes(static_cast<const BYTE*>(buffer), size);
+    if (size >= kUngatheredBytes) {
+        flush();
+        if (!writeThrough(bytes)) {
+            m_lost = LostBytes{m_start, {}};
+        }
+        return size;
     }
-    const auto* const bytes = static_cast<const BYTE*>(buffer);
-    m_gathered.insert(m_gathered.end(), bytes, bytes + size);
+    if (m_gathered.empty()) {
+        learnStart();
+    }
+    m_gathered.insert(m_gathered.end(), bytes.begin(), bytes.end());
     return size;
 }
 
 uint64 CGatheringIO::getFilePointer() {
-    return m_gathered.empty() ? m_target.getFilePointer() : m_startPosition + m_gathered.size();
+    learnStart();
+    return m_start + m_gathered.size();
 }

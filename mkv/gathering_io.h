@@ -1,28 +1,42 @@
-// CGatheringIO: stands between the Matroska libraries, which write an element in many small pieces, and the stream;
-// what was gathered leaves in one write, at the same position and with the same bytes.
-// Units: bytes. Owner: the file being written; the target is not owned. Threads: as the target.
+// CGatheringIO: stands between the Matroska libraries, which write an element in many small pieces, and the output;
+// what was gathered leaves in one write. It counts where in the file each byte goes and asks the output for nothing, so
+// that a failed query is never taken for a position. What a failed write lost is not there: the next byte takes its
+// place.
+// Units: bytes from the output's start. Owner: the file being written; the target is not owned. Threads: as the target.
 // Errors: what the target throws, std::bad_alloc; after either, discard() what was gathered.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
-#include <ebml/IOCallback.h>
-
+#include "mkv/file_output.h"
 #include "win/platform.h"
+
+// Bytes that a write did not bring to the output; empty when they are still where they lay.
+struct LostBytes {
+    uint64 position = 0;
+    std::vector<BYTE> bytes;
+};
 
 class CGatheringIO : public libebml::IOCallback {
   public:
-    explicit CGatheringIO(libebml::IOCallback& target) : m_target(target) {}
+    explicit CGatheringIO(CFileOutput& target) : m_target(target) {}
     CGatheringIO(const CGatheringIO&) = delete;
     CGatheringIO& operator=(const CGatheringIO&) = delete;
 
+    // The next byte goes there; the target is asked to when there is one.
+    void moveTo(uint64 position);
     // Writes what was gathered to the target.
     void flush();
     // Forgets it.
     void discard() noexcept;
     // Replaces the last bytes gathered.
     void overwriteTail(std::span<const BYTE> bytes);
+    // What the last failed write lost; none when all arrived since the last call.
+    [[nodiscard]] std::optional<LostBytes> takeLost();
+    // False once the target failed so often that nothing is known of where the bytes went.
+    [[nodiscard]] bool isPositionSure() const { return m_isSure; }
 
     // libebml::IOCallback; all but write and getFilePointer flush first.
     uint32 read(void* buffer, size_t size) override;
@@ -32,7 +46,17 @@ class CGatheringIO : public libebml::IOCallback {
     void close() override { flush(); }
 
   private:
-    libebml::IOCallback& m_target;
+    enum class Target { Unknown, Elsewhere, AtStart };
+
+    void learnStart();
+    void bringTarget();
+    [[nodiscard]] bool seekTarget();
+    [[nodiscard]] bool writeThrough(std::span<const BYTE> bytes);
+
+    CFileOutput& m_target;
     std::vector<BYTE> m_gathered;
-    uint64 m_startPosition = 0; // of the target when the first byte was gathered
+    uint64 m_start = 0;               // where the first byte gathered goes
+    Target m_where = Target::Unknown; // where the target stands, by what is known; Unknown: nor is m_start
+    bool m_isSure = true;
+    std::optional<LostBytes> m_lost;
 };

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
@@ -19,16 +20,17 @@ namespace {
 
 constexpr UINT64 kDocTypeVersion = 2;
 constexpr UINT64 kPlaceholderDataBytes = 300;
+constexpr int kPatchTries = 2;
 constexpr std::array<BYTE, mkv::kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
 
 } // namespace
 
-CMatroskaFile::CMatroskaFile(libebml::IOCallback& io)
-    : m_io(io), m_gathering(io), m_clusters(m_gathering, m_segment, m_cues) {
+CMatroskaFile::CMatroskaFile(CFileOutput& io) : m_io(io), m_gathering(io), m_clusters(m_gathering, m_segment, m_cues) {
     m_cues.SetGlobalTimecodeScale(mkv::kTimecodeScaleNs);
 }
 
 void CMatroskaFile::writeHead(const char* docType) {
+    m_gathering.moveTo(0);
     libebml::EbmlHead head;
     mkv::SetChild<libebml::EDocType>(head, std::string(docType));
     mkv::SetChild<libebml::EDocTypeVersion>(head, kDocTypeVersion);
@@ -37,7 +39,17 @@ void CMatroskaFile::writeHead(const char* docType) {
     writeSegmentHead();
     writePlaceholder(m_seekHeadPlace);
     writePlaceholder(m_infoPlace);
+    flushHeadPart();
+}
+
+// A part that was lost keeps its place, so that all behind it lies where it would.
+void CMatroskaFile::flushHeadPart() {
+    const UINT64 end = m_gathering.getFilePointer();
     m_gathering.flush();
+    if (auto lost = m_gathering.takeLost()) {
+        m_lostHeadParts.push_back(std::move(*lost));
+        m_gathering.moveTo(end);
+    }
 }
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
@@ -66,7 +78,7 @@ void CMatroskaFile::writeTracks(const MkvTrackList& tracks) {
         }
     }
     m_sizes.tracks = element.Render(m_gathering, false);
-    m_gathering.flush();
+    flushHeadPart();
     if (m_sizes.tracks > 0) { // without tracks there is no element either
         m_seekHead.IndexThis(element, m_segment);
     }
@@ -78,7 +90,14 @@ void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& re
         return;
     }
     CAttachmentWriter attachments(records);
-    m_sizes.attachments = attachments.render(m_io); // not gathered: that would copy them
+    const UINT64 start = m_gathering.getFilePointer();
+    const UINT64 size = attachments.render(m_gathering);
+    m_gathering.flush();
+    if (m_gathering.takeLost()) {
+        m_gathering.moveTo(start); // the clusters take their place
+        return;
+    }
+    m_sizes.attachments = size;
     m_seekHead.IndexThis(attachments.element(), m_segment);
 }
 
@@ -87,14 +106,20 @@ void CMatroskaFile::finalise(double durationNs) {
     m_sizes.clusters = m_clusters.writtenBytes();
     libmatroska::KaxInfo info;
     mkv::WriteSegmentInfo(info, durationNs);
+    if (!m_gathering.isPositionSure()) {
+        return; // patches could hit anything
+    }
+    m_end = m_gathering.getFilePointer();
     try {
         patch(info);
     } catch (...) { // whatever was written so far stays, and can be read
         m_gathering.discard();
     }
+    m_io.cutOffAt(m_end);
 }
 
 void CMatroskaFile::patch(libmatroska::KaxInfo& info) {
+    writeLostHeadParts();
     if (fillPlace(m_infoPlace, info, true, m_sizes.infoPlace)) {
         m_seekHead.IndexThis(info, m_segment);
     }
@@ -103,14 +128,24 @@ void CMatroskaFile::patch(libmatroska::KaxInfo& info) {
     overwriteSegmentSize();
 }
 
-// False when the element does not fit; the place then stays as it is, and is as long.
+void CMatroskaFile::writeLostHeadParts() {
+    for (const LostBytes& part : std::exchange(m_lostHeadParts, {})) {
+        m_gathering.moveTo(part.position);
+        m_gathering.write(part.bytes.data(), part.bytes.size());
+        m_gathering.flush();
+    }
+    static_cast<void>(m_gathering.takeLost());
+    m_gathering.moveTo(m_end);
+}
+
+// False when the element does not fit or was lost; the place then stays as it is, and is as long.
 bool CMatroskaFile::fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults,
                               UINT64& placeBytes) {
-    const UINT64 replaced = place.ReplaceWith(element, m_gathering, true, withDefaults);
-    m_gathering.flush();
+    UINT64 replaced = INVALID_FILEPOS_T;
+    const bool arrived = arrives([&] { replaced = place.ReplaceWith(element, m_gathering, true, withDefaults); });
     const bool fits = replaced != INVALID_FILEPOS_T;
     placeBytes = fits ? replaced : place.ElementSize();
-    return fits;
+    return fits && arrived;
 }
 
 void CMatroskaFile::writeCues() {
@@ -118,16 +153,31 @@ void CMatroskaFile::writeCues() {
         return;
     }
     m_cues.restorePoints();
-    m_sizes.cues = m_cues.Render(m_gathering, false);
-    m_gathering.flush();
-    m_seekHead.IndexThis(m_cues, m_segment);
+    if (arrives([this] { m_sizes.cues = m_cues.Render(m_gathering, false); })) {
+        m_end += m_sizes.cues;
+        m_seekHead.IndexThis(m_cues, m_segment);
+    } else {
+        m_sizes.cues = 0;
+    }
+}
+
+// Nobody is told of a write that fails now, so it is made once more.
+bool CMatroskaFile::arrives(const std::function<void()>& write) {
+    for (int i = 0; i < kPatchTries; ++i) {
+        m_gathering.moveTo(m_end);
+        write();
+        m_gathering.flush();
+        if (!m_gathering.takeLost()) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The library would accept a size that the field cannot hold, and write a wrong one.
 void CMatroskaFile::overwriteSegmentSize() {
     const UINT64 dataBytes = m_sizes.dataSize(m_segment.HeadSize());
     if (mkv::FitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
-        m_segment.OverwriteHead(m_gathering);
-        m_gathering.flush();
+        static_cast<void>(arrives([this] { m_segment.OverwriteHead(m_gathering); }));
     }
 }

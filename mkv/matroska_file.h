@@ -1,10 +1,11 @@
 // CMatroskaFile: one file from its head to its finalisation: what is written in which order, and patched at the end.
 // Units: nanoseconds, bytes. Owner: the writer, while the file is open; the output is not owned.
-// Threads: the writer's. Errors: the C strings of writer_errors.h, what the output throws, std::bad_alloc.
+// Threads: the writer's. Errors: the C strings of writer_errors.h, what the output throws, std::bad_alloc. Positions
+// are counted from the output's start; an element that a failed write lost is listed nowhere.
 // Destroying it frees everything and writes nothing.
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <vector>
 
 #include <ebml/EbmlVoid.h>
@@ -19,12 +20,12 @@
 
 class CMatroskaFile {
   public:
-    explicit CMatroskaFile(libebml::IOCallback& io);
+    explicit CMatroskaFile(CFileOutput& io);
     CMatroskaFile(const CMatroskaFile&) = delete;
     CMatroskaFile& operator=(const CMatroskaFile&) = delete;
     ~CMatroskaFile() = default;
 
-    // The four steps of opening, in this order. The tracks outlive the file.
+    // The four steps of opening, in this order. The tracks outlive the file. It begins at the output's start.
     void writeHead(const char* docType);
     void writeTracks(const MkvTrackList& tracks);
     void writeAttachments(const std::vector<const MuxAttachment*>& records);
@@ -32,20 +33,26 @@ class CMatroskaFile {
 
     [[nodiscard]] CClusterWriter& clusters() { return m_clusters; }
 
-    // Writes the last cluster and fills the places reserved at the head. Throws only before anything is patched.
+    // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.
+    // Throws only before anything is patched.
     void finalise(double durationNs);
 
   private:
     void writeSegmentHead();
     void writePlaceholder(libebml::EbmlVoid& placeholder);
+    void flushHeadPart();
     void patch(libmatroska::KaxInfo& info);
+    void writeLostHeadParts();
+    [[nodiscard]] bool arrives(const std::function<void()>& write);
     [[nodiscard]] bool fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults,
                                  UINT64& placeBytes);
     void writeCues();
     void overwriteSegmentSize();
 
-    libebml::IOCallback& m_io;
+    CFileOutput& m_io;
     CGatheringIO m_gathering;
+    std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
+    UINT64 m_end = 0;                       // of the file, without what is patched
     libmatroska::KaxSegment m_segment;
     libmatroska::KaxSeekHead m_seekHead;
     libebml::EbmlVoid m_seekHeadPlace;

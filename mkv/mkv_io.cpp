@@ -44,8 +44,9 @@ size_t CMkvIO::write(const void* buffer, size_t size) {
         return 0;
     }
     const ULONG asked = ToStreamSize(size);
-    ULONG written = 0;
+    ULONG written = asked; // for streams that do not say
     m_lastWriteResult = m_stream->Write(buffer, asked, &written);
+    m_isLastWriteWhole = SUCCEEDED(m_lastWriteResult) && written == asked;
     return asked;
 }
 
@@ -65,9 +66,39 @@ void CMkvIO::setFilePointer(int64 offset, libebml::seek_mode mode) {
 }
 
 uint64 CMkvIO::getFilePointer() {
-    if (!m_stream) {
-        return 0;
-    }
+    return position().value_or(0);
+}
+
+std::optional<uint64> CMkvIO::position() {
     ULARGE_INTEGER position{};
-    return SUCCEEDED(m_stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_CUR, &position)) ? position.QuadPart : 0;
+    if (!m_stream || FAILED(m_stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_CUR, &position))) {
+        return std::nullopt;
+    }
+    return position.QuadPart;
+}
+
+// Only a stream that held more before is told: not every stream takes the call.
+void CMkvIO::cutOffAt(uint64 end) {
+    const std::optional<uint64> size = streamSize();
+    if (size && *size > end) {
+        ULARGE_INTEGER newSize{};
+        newSize.QuadPart = end;
+        static_cast<void>(m_stream->SetSize(newSize));
+    }
+}
+
+// Streams that cannot tell about themselves may still find their end.
+std::optional<uint64> CMkvIO::streamSize() {
+    if (!m_stream) {
+        return std::nullopt;
+    }
+    STATSTG facts{};
+    if (SUCCEEDED(m_stream->Stat(&facts, STATFLAG_NONAME))) {
+        return facts.cbSize.QuadPart;
+    }
+    ULARGE_INTEGER end{};
+    if (FAILED(m_stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_END, &end))) {
+        return std::nullopt;
+    }
+    return end.QuadPart;
 }

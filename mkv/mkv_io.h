@@ -5,12 +5,11 @@
 // consistent; a failed seek throws kSeekFailedError.
 #pragma once
 
-#include <ebml/IOCallback.h>
-
+#include "mkv/file_output.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-class CMkvIO : public libebml::IOCallback {
+class CMkvIO : public CFileOutput {
   public:
     CMkvIO() = default;
     CMkvIO(const CMkvIO&) = delete;
@@ -30,7 +29,15 @@ class CMkvIO : public libebml::IOCallback {
     // Does nothing: the stream is let go by releaseStream.
     void close() override {}
 
+    // CFileOutput
+    [[nodiscard]] bool isLastWriteWhole() const override { return m_isLastWriteWhole; }
+    [[nodiscard]] std::optional<uint64> position() override;
+    void cutOffAt(uint64 end) override;
+
   private:
+    [[nodiscard]] std::optional<uint64> streamSize();
+
     win::ComPtr<IStream> m_stream;
     HRESULT m_lastWriteResult = S_OK;
+    bool m_isLastWriteWhole = true;
 };

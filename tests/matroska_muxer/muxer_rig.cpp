@@ -68,10 +68,11 @@ HRESULT MuxerRig::Deliver(size_t input, INT64 startMs, INT64 durationMs, bool sy
 }
 
 bool MuxerRig::EndAll() {
+    const int endsBefore = m_sink.Counts().endsOfStream; // of earlier runs
     for (auto& input : m_inputs) {
         input->DeliverEndOfStream();
     }
-    return m_sink.WaitForEndOfStream(std::chrono::seconds(20));
+    return m_sink.WaitForEndOfStream(std::chrono::minutes(1), endsBefore + 1);
 }
 
 const std::vector<BYTE>& MuxerRig::File() {

@@ -125,7 +125,6 @@ TEST_F(AttachmentsTest, OrderIsKeptAndAttachmentsSurviveClose) {
     record.uid = 2;
     m_writer.addAttachment(record);
     for (int file = 0; file < 2; ++file) {
-        m_stream.SetBytes({});
         const auto attached = Attached();
         ASSERT_EQ(attached.size(), 2u);
         EXPECT_EQ(TextOf(File().file, *attached[0]->Child(kFileName)), "font.ttf");

@@ -47,7 +47,6 @@ TEST_F(FileHeadTest, EbmlHeadSegmentHeadAndTwoPlacesComeFirst) {
 
 TEST_F(FileHeadTest, OutputFormatOneWritesDocTypeWebmAndZeroMatroska) {
     for (const auto& [format, docType] : {std::pair{1u, "webm"}, std::pair{0u, "matroska"}}) {
-        m_stream.SetBytes({});
         m_writer.setOutputFormat(format);
         RegisterAudio();
         Open();
@@ -126,7 +125,6 @@ TEST_F(FileHeadTest, AfterAnAbandonedOpenTheWriterWritesTheNextFile) {
     Register(test_support::WaveType(SubtypeFromWaveTag(0x0161)));
     EXPECT_EQ(ThrownByOpen(), mkv::kUnsupportedCodecError);
     m_writer.abandon();
-    m_stream.SetBytes({});
     m_writer.registerTrack(PcmType().Get(), Row().get());
     Open();
     Write(0, 0, 10 * kMs);

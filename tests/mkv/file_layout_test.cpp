@@ -151,7 +151,6 @@ TEST_F(FileLayoutTest, EachOpenBeginsWithNoDuration) {
     Open();
     Write(0, 0, 5000 * kMs);
     Finish();
-    m_stream.SetBytes({});
     RegisterAudio();
     Open();
     EXPECT_EQ(m_writer.duration(), 0.0);
@@ -172,7 +171,6 @@ TEST_F(FileLayoutTest, CloseForgetsTheTracksAndDetachTheOutput) {
     EXPECT_EQ(m_stream.Bytes().size(), bytes);
     m_writer.detach();
     EXPECT_FALSE(m_writer.isOpen());
-    m_stream.SetBytes({});
     Open();
     Finish();
     EXPECT_TRUE(Snapshot().tracks.empty());
@@ -194,7 +192,6 @@ TEST_F(FileLayoutTest, PacketsBeforeOpenAreDropped) {
 TEST_F(FileLayoutTest, TheSecondFileIsAsTheFirst) {
     std::vector<size_t> sizes;
     for (int file = 0; file < 2; ++file) {
-        m_stream.SetBytes({});
         RegisterVideo();
         Open();
         Write(0, -40 * kMs, 0, true);
@@ -214,7 +211,6 @@ TEST_F(FileLayoutTest, TimeOffsetsAreForgottenAtClose) {
     Open();
     Write(0, -1000 * kMs, 0);
     Finish();
-    m_stream.SetBytes({});
     RegisterAudio();
     Open();
     Write(0, 500 * kMs, 600 * kMs);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <string>
 
 #include "mkv/mkv_io.h"
 #include "tests/support/memory_stream.h"
@@ -15,6 +16,11 @@ using test_support::StreamOperation;
 class GatheringIOTest : public testing::Test {
   protected:
     GatheringIOTest() { m_io.setStream(&m_stream); }
+
+    [[nodiscard]] std::string Text() const {
+        const auto bytes = m_stream.Bytes();
+        return {bytes.begin(), bytes.end()};
+    }
 
     MemoryStream m_stream;
     CMkvIO m_io;
@@ -48,14 +54,17 @@ TEST_F(GatheringIOTest, FilePointerCountsWhatWasGathered) {
     EXPECT_EQ(m_gathering.getFilePointer(), 8u);
 }
 
-TEST_F(GatheringIOTest, AsksTheStreamForItsPositionOncePerWrite) {
+TEST_F(GatheringIOTest, AsksTheStreamForItsPositionOnceAndCountsFromThere) {
     for (int piece = 0; piece < 100; ++piece) {
         m_gathering.write("x", 1);
         static_cast<void>(m_gathering.getFilePointer());
     }
     m_gathering.flush();
+    m_gathering.write("y", 1);
+    m_gathering.flush();
+    EXPECT_EQ(m_gathering.getFilePointer(), 101u);
     EXPECT_EQ(m_stream.Calls(StreamOperation::Seek).size(), 1u);
-    EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), 1u);
+    EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), 2u);
 }
 
 TEST_F(GatheringIOTest, SeekingWritesWhatWasGatheredFirst) {
@@ -90,6 +99,93 @@ TEST_F(GatheringIOTest, TheTailCanBeOverwrittenBeforeItLeaves) {
     m_gathering.flush();
     const auto bytes = m_stream.Bytes();
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "abcdXY");
+}
+
+// ---- Positions, when calls fail ------------------------------------------------------------------------------------
+
+TEST_F(GatheringIOTest, BytesGoWhereTheyWereMovedToAndTheStreamIsAskedOnlyThen) {
+    m_io.write("0123456789", 10);
+    m_stream.ClearCalls();
+    m_gathering.moveTo(2);
+    EXPECT_EQ(m_gathering.getFilePointer(), 2u);
+    EXPECT_TRUE(m_stream.Calls().empty());
+    m_gathering.write("ab", 2);
+    m_gathering.flush();
+    m_gathering.moveTo(4); // where it stands
+    m_gathering.write("c", 1);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "01abc56789");
+    EXPECT_EQ(m_stream.Calls(StreamOperation::Seek).size(), 1u);
+}
+
+TEST_F(GatheringIOTest, ASeekThatFailsOnceIsMadeAgain) {
+    m_io.write("0123", 4);
+    m_gathering.moveTo(1);
+    m_stream.FailNth(StreamOperation::Seek, 1, STG_E_SEEKERROR);
+    m_gathering.write("a", 1);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "0a23");
+    EXPECT_TRUE(m_gathering.isPositionSure());
+}
+
+TEST_F(GatheringIOTest, AStreamThatDoesNotSeekIsBelievedWhereItStands) {
+    m_io.write("0123", 4);
+    m_gathering.moveTo(1);
+    m_stream.FailNth(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_stream.FailNth(StreamOperation::Seek, 2, E_NOTIMPL);
+    m_gathering.write("a", 1);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "0123a");
+    EXPECT_EQ(m_gathering.getFilePointer(), 5u);
+    EXPECT_TRUE(m_gathering.isPositionSure());
+}
+
+TEST_F(GatheringIOTest, AStreamThatNeitherSeeksNorTellsGetsItsBytesAndNoPositionIsSure) {
+    m_gathering.moveTo(0);
+    m_stream.FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_gathering.write("ab", 2);
+    m_gathering.flush();
+    m_gathering.write("c", 1);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "abc");
+    EXPECT_FALSE(m_gathering.isPositionSure());
+}
+
+TEST_F(GatheringIOTest, WhatFollowsALostWriteTakesItsPlace) {
+    m_gathering.moveTo(0);
+    m_gathering.write("ab", 2);
+    m_gathering.flush();
+    EXPECT_FALSE(m_gathering.takeLost());
+    m_stream.AnswerNextWrite(S_OK, 2); // of four bytes
+    m_gathering.write("lost", 4);
+    m_gathering.flush();
+    const auto lost = m_gathering.takeLost();
+    ASSERT_TRUE(lost);
+    EXPECT_EQ(lost->position, 2u);
+    EXPECT_EQ(std::string(lost->bytes.begin(), lost->bytes.end()), "lost");
+    EXPECT_FALSE(m_gathering.takeLost()) << "it is told once";
+    m_gathering.write("cd", 2);
+    EXPECT_EQ(m_gathering.getFilePointer(), 4u);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "abcd");
+}
+
+TEST_F(GatheringIOTest, ALongPieceLeavesFromWhereItLiesBehindWhatWasGathered) {
+    const std::vector<BYTE> piece(size_t{8} << 20, 'x');
+    m_gathering.moveTo(0);
+    m_gathering.write("ab", 2);
+    m_gathering.write(piece.data(), piece.size());
+    EXPECT_EQ(m_gathering.getFilePointer(), 2 + piece.size());
+    const auto writes = m_stream.Calls(StreamOperation::Write);
+    ASSERT_EQ(writes.size(), 2u);
+    EXPECT_EQ(writes[1].position, 2u);
+    EXPECT_EQ(writes[1].size, piece.size());
+    m_stream.FailNth(StreamOperation::Write, 1, E_FAIL);
+    m_gathering.write(piece.data(), piece.size());
+    const auto lost = m_gathering.takeLost();
+    ASSERT_TRUE(lost);
+    EXPECT_EQ(lost->position, 2 + piece.size());
+    EXPECT_TRUE(lost->bytes.empty()) << "nobody needs a copy";
 }
 
 } // namespace

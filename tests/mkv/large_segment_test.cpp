@@ -11,7 +11,7 @@
 namespace {
 
 // Positions as a file has them, and the bytes of short writes.
-class SparseOutput : public libebml::IOCallback {
+class SparseOutput : public CFileOutput {
   public:
     uint32 read(void*, size_t) override { return 0; }
     void setFilePointer(int64 offset, libebml::seek_mode mode) override {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "mkv/writer_errors.h"
@@ -96,6 +97,7 @@ TEST_F(MkvIOTest, LastWriteResultSurvivesTheStream) {
     EXPECT_EQ(m_io.lastWriteResult(), E_FAIL);
 }
 
+// The stream leaves the count of a read that fails as it was.
 TEST_F(MkvIOTest, FailedReadReturnsZero) {
     m_io.setStream(&m_stream);
     m_io.write("abcd", 4);
@@ -124,8 +126,78 @@ TEST_F(MkvIOTest, FilePointerOfAStreamWhoseSeekFailsIsZero) {
     m_io.setStream(&m_stream);
     m_io.write("abcd", 4);
     m_stream.FailNth(StreamOperation::Seek, 1, STG_E_SEEKERROR);
-    EXPECT_EQ(m_io.getFilePointer(), 0u);
+    EXPECT_EQ(m_io.getFilePointer(), 0u) << "what the failed call put into its result is no position";
     EXPECT_EQ(m_io.getFilePointer(), 4u);
+}
+
+TEST_F(MkvIOTest, APositionThatTheStreamCannotTellIsNone) {
+    EXPECT_EQ(m_io.position(), std::nullopt);
+    m_io.setStream(&m_stream);
+    m_io.write("abcd", 4);
+    m_stream.FailNth(StreamOperation::Seek, 1, STG_E_SEEKERROR);
+    EXPECT_EQ(m_io.position(), std::nullopt);
+    EXPECT_EQ(m_io.position(), 4u);
+}
+
+// ---- Writes that do not arrive as a whole --------------------------------------------------------------------------
+
+// What a stream may answer to a write.
+class OddWritesTest : public MkvIOTest, public testing::WithParamInterface<std::tuple<HRESULT, int, bool>> {};
+
+TEST_P(OddWritesTest, AreWholeOnlyIfTheySucceedAndNoByteIsMissing) {
+    const auto& [result, missing, isWhole] = GetParam();
+    m_io.setStream(&m_stream);
+    EXPECT_TRUE(m_io.isLastWriteWhole());
+    m_stream.AnswerNextWrite(result, 4 - static_cast<ULONG>(missing));
+    EXPECT_EQ(m_io.write("abcd", 4), 4u);
+    EXPECT_EQ(m_io.lastWriteResult(), result);
+    EXPECT_EQ(m_io.isLastWriteWhole(), isWhole);
+    m_io.write("abcd", 4);
+    EXPECT_TRUE(m_io.isLastWriteWhole());
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, OddWritesTest,
+                         testing::Values(std::tuple(S_OK, 0, true), std::tuple(S_FALSE, 0, true),
+                                         std::tuple(S_OK, 1, false), std::tuple(S_OK, 4, false),
+                                         std::tuple(E_FAIL, 0, false), std::tuple(STG_E_MEDIUMFULL, 2, false)));
+
+// ---- What the stream holds behind the end --------------------------------------------------------------------------
+
+TEST_F(MkvIOTest, WhatLiesBehindTheEndIsCutOff) {
+    m_io.cutOffAt(0); // no stream, no effect
+    m_io.setStream(&m_stream);
+    m_io.write("abcdef", 6);
+    m_io.cutOffAt(4);
+    EXPECT_EQ(m_stream.Bytes().size(), 4u);
+}
+
+TEST_F(MkvIOTest, AStreamThatHoldsNothingBehindTheEndIsNotAskedForASize) {
+    m_io.setStream(&m_stream);
+    m_io.write("abcdef", 6);
+    m_io.cutOffAt(6);
+    m_io.cutOffAt(7);
+    EXPECT_TRUE(m_stream.Calls(StreamOperation::SetSize).empty());
+    EXPECT_EQ(m_stream.Bytes().size(), 6u);
+}
+
+TEST_F(MkvIOTest, AStreamThatCannotTellItsSizeIsAskedForItsEnd) {
+    m_io.setStream(&m_stream);
+    m_io.write("abcdef", 6);
+    m_stream.FailFrom(StreamOperation::Stat, 1, E_NOTIMPL);
+    m_io.cutOffAt(4);
+    EXPECT_EQ(m_stream.Bytes().size(), 4u);
+    m_stream.FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_io.cutOffAt(2); // nothing is known of it
+    EXPECT_EQ(m_stream.Bytes().size(), 4u);
+}
+
+TEST_F(MkvIOTest, AStreamThatCannotBeCutStaysAsItIs) {
+    m_io.setStream(&m_stream);
+    m_io.write("abcdef", 6);
+    m_stream.FailFrom(StreamOperation::SetSize, 1, E_NOTIMPL);
+    m_io.cutOffAt(4);
+    EXPECT_EQ(m_stream.Bytes().size(), 6u);
+    EXPECT_EQ(m_io.lastWriteResult(), S_OK);
 }
 
 TEST_F(MkvIOTest, SettingTheSameStreamTwiceHoldsOneReference) {

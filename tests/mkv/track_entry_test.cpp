@@ -12,7 +12,6 @@ class TrackEntryTest : public WriterTest {
   protected:
     // The language of the only track's entry as it stands in the file; none when the element is left out.
     std::optional<std::string> LanguageWrittenFor(const CTrackSettingsRow& row) {
-        m_stream.SetBytes({});
         Register(PcmType(), row);
         Open();
         Finish();

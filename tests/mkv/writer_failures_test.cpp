@@ -42,10 +42,10 @@ class WriterFailuresTest : public WriterTest {
     void StartOver() {
         m_stream.ClearFailures();
         m_stream.ClearCalls();
-        m_stream.SetBytes({});
     }
 };
 
+// A lost part of the head is written again at the end, and so is what is patched; a lost cluster is not.
 TEST_F(WriterFailuresTest, AWriteThatFailsOnceNeverThrowsAndEveryOtherOneIsMade) {
     const size_t count = CountCalls(StreamOperation::Write);
     ASSERT_GT(count, 6u);
@@ -54,7 +54,8 @@ TEST_F(WriterFailuresTest, AWriteThatFailsOnceNeverThrowsAndEveryOtherOneIsMade)
         m_stream.FailNth(StreamOperation::Write, n, kDiskFull);
         EXPECT_NO_THROW(WriteScenario()) << n;
         EXPECT_EQ(m_stream.References(), 0) << n;
-        EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), count) << n;
+        const size_t calls = m_stream.Calls(StreamOperation::Write).size();
+        EXPECT_TRUE(calls == count || calls == count + 1) << n << ": " << calls;
     }
 }
 
@@ -108,7 +109,7 @@ TEST_F(WriterFailuresTest, ASeekThatFailsInTheFinalisationLeavesTheFileAsARecord
         Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, true);
     }
     m_stream.ClearCalls();
-    m_stream.FailNth(StreamOperation::Seek, 3, STG_E_SEEKERROR); // after the two of the last cluster and of the Info
+    m_stream.FailNth(StreamOperation::Seek, 3, STG_E_SEEKERROR); // behind the two of the Info
     Finish();
     const auto layout = Snapshot();
     EXPECT_TRUE(layout.Segment()->unknownSize);

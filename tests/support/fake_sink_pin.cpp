@@ -56,9 +56,9 @@ FakeSinkPin::Received FakeSinkPin::Counts() const {
     return m_received;
 }
 
-bool FakeSinkPin::WaitForEndOfStream(std::chrono::milliseconds timeout) const {
+bool FakeSinkPin::WaitForEndOfStream(std::chrono::milliseconds timeout, int count) const {
     std::unique_lock lock(m_lock);
-    return m_changed.wait_for(lock, timeout, [this] { return m_received.endsOfStream > 0; });
+    return m_changed.wait_for(lock, timeout, [this, count] { return m_received.endsOfStream >= count; });
 }
 
 HRESULT FakeSinkPin::EndOfStream() {

@@ -45,8 +45,8 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     [[nodiscard]] IMemAllocator* NotifiedAllocator() const { return m_notified.Get(); }
 
     [[nodiscard]] Received Counts() const;
-    // Waits until an end of stream has arrived; false when the time is over.
-    [[nodiscard]] bool WaitForEndOfStream(std::chrono::milliseconds timeout) const;
+    // Waits until so many ends of stream have arrived, those of all runs together; false when the time is over.
+    [[nodiscard]] bool WaitForEndOfStream(std::chrono::milliseconds timeout, int count = 1) const;
 
     // IUnknown
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {

@@ -10,6 +10,8 @@ namespace {
 
 // Far above what a test writes: a runaway seek must not take the machine's memory.
 constexpr UINT64 kDefaultCapacityBytes = UINT64{1} << 30;
+// What a failed seek leaves in its result, which nobody may believe.
+constexpr UINT64 kWrongPosition = 0x0123456789abcdef;
 
 } // namespace
 
@@ -31,6 +33,11 @@ void MemoryStream::FailFrom(StreamOperation operation, UINT64 n, HRESULT result)
 void MemoryStream::ClearFailures() {
     const std::lock_guard guard(m_lock);
     m_rules.clear();
+}
+
+void MemoryStream::AnswerNextWrite(HRESULT result, ULONG keptBytes) {
+    const std::lock_guard guard(m_lock);
+    m_nextWrite = WriteAnswer{result, keptBytes};
 }
 
 void MemoryStream::SetCapacity(UINT64 bytes) {
@@ -132,13 +139,13 @@ ULONG MemoryStream::Release() {
 
 HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
     const std::lock_guard guard(m_lock);
-    if (read != nullptr) {
-        *read = 0;
-    }
     const UINT64 start = m_position;
     HRESULT result = FailureDue(StreamOperation::Read);
     if (SUCCEEDED(result) && buffer == nullptr) {
         result = STG_E_INVALIDPOINTER;
+    }
+    if (SUCCEEDED(result) && read != nullptr) { // a call that fails may leave it as it was
+        *read = 0;
     }
     if (SUCCEEDED(result) && start < m_bytes.size()) {
         const auto count = static_cast<ULONG>(std::min<UINT64>(size, m_bytes.size() - start));
@@ -178,12 +185,17 @@ HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
         *written = 0;
     }
     const UINT64 start = m_position;
+    const std::optional<WriteAnswer> answer = std::exchange(m_nextWrite, std::nullopt);
+    const ULONG kept = answer ? std::min(answer->keptBytes, size) : size;
     HRESULT result = FailureDue(StreamOperation::Write);
     if (SUCCEEDED(result)) {
-        result = WriteAtPosition(static_cast<const BYTE*>(buffer), size);
+        result = WriteAtPosition(static_cast<const BYTE*>(buffer), kept);
     }
     if (SUCCEEDED(result) && written != nullptr) {
-        *written = size;
+        *written = kept;
+    }
+    if (SUCCEEDED(result) && answer) {
+        result = answer->result;
     }
     return Record({StreamOperation::Write, start, size, 0, 0, result});
 }
@@ -216,8 +228,8 @@ HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* new
     if (SUCCEEDED(result)) {
         result = MoveTo(move.QuadPart, origin);
     }
-    if (SUCCEEDED(result) && newPosition != nullptr) {
-        newPosition->QuadPart = m_position;
+    if (newPosition != nullptr) {
+        newPosition->QuadPart = SUCCEEDED(result) ? m_position : kWrongPosition;
     }
     return Record({StreamOperation::Seek, m_position, 0, move.QuadPart, origin, result});
 }

@@ -2,10 +2,12 @@
 //
 // Units: bytes. Owner: the test; references are counted, none deletes it.
 // Threads: any; one lock around each call.
-// Errors: the HRESULTs asked for with FailNth and FailFrom; STG_E_MEDIUMFULL above the capacity.
+// Errors: the HRESULTs asked for with FailNth and FailFrom; STG_E_MEDIUMFULL above the capacity. A Read that fails
+// leaves the count as it was, and a Seek that fails puts a wrong position: neither may be believed.
 #pragma once
 
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "tests/support/reference_count.h"
@@ -37,6 +39,8 @@ class MemoryStream final : public IStream {
     // So do all calls of that kind from the n-th on.
     void FailFrom(StreamOperation operation, UINT64 n, HRESULT result);
     void ClearFailures();
+    // The next write keeps only so many bytes, and answers so.
+    void AnswerNextWrite(HRESULT result, ULONG keptBytes);
     // Growing beyond this many bytes fails with STG_E_MEDIUMFULL, as a full disk does.
     void SetCapacity(UINT64 bytes);
     // Switches the list of calls off and on; the counters of FailNth go on.
@@ -77,6 +81,11 @@ class MemoryStream final : public IStream {
         HRESULT result;
     };
 
+    struct WriteAnswer {
+        HRESULT result;
+        ULONG keptBytes;
+    };
+
     void AddRule(StreamOperation operation, UINT64 n, bool onlyOnce, HRESULT result);
     HRESULT FailureDue(StreamOperation operation);
     HRESULT Record(const StreamCall& call);
@@ -93,6 +102,7 @@ class MemoryStream final : public IStream {
     bool m_recording = true;
     std::vector<StreamCall> m_calls;
     std::vector<FailureRule> m_rules;
+    std::optional<WriteAnswer> m_nextWrite;
 };
 #pragma GCC diagnostic pop
 
