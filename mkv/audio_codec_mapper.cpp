@@ -10,10 +10,21 @@ namespace {
 
 static_assert(sizeof(WAVEFORMATEX) == 18);
 
+// WAVEFORMATEX without its last field, which types of the older structures lack: PCMWAVEFORMAT.
+struct PlainWaveFormat {
+    WORD wFormatTag;
+    WORD nChannels;
+    DWORD nSamplesPerSec;
+    DWORD nAvgBytesPerSec;
+    WORD nBlockAlign;
+    WORD wBitsPerSample;
+};
+static_assert(sizeof(PlainWaveFormat) == 16);
+
 // ---- One function a layout; false when the format block does not hold it ----------------------------------------
 
 bool DescribePlain(const FormatBlock& block, CodecDescription& description) {
-    const auto format = block.Read<WAVEFORMATEX>();
+    const auto format = block.Read<PlainWaveFormat>();
     if (!format) {
         return false;
     }
@@ -23,15 +34,16 @@ bool DescribePlain(const FormatBlock& block, CodecDescription& description) {
 
 // What follows the structure, as long as the block is: cbSize is not asked.
 bool DescribeWithExtraBytes(const FormatBlock& block, CodecDescription& description) {
-    if (!DescribePlain(block, description)) {
+    const auto extra = block.From(sizeof(WAVEFORMATEX));
+    if (!extra || !DescribePlain(block, description)) {
         return false;
     }
-    description.codecPrivate = CopyOf(*block.From(sizeof(WAVEFORMATEX)));
+    description.codecPrivate = CopyOf(*extra);
     return true;
 }
 
 bool DescribeWithWholeBlock(const FormatBlock& block, CodecDescription& description) {
-    if (!DescribePlain(block, description)) {
+    if (!block.Read<WAVEFORMATEX>() || !DescribePlain(block, description)) { // the private data holds that structure
         return false;
     }
     description.codecPrivate = CopyOf(block.Bytes());

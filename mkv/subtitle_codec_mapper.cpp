@@ -9,8 +9,12 @@ namespace {
 
 constexpr UINT64 kDefaultDurationNs = 3'000'000'000;
 
-// The block starts with the offset of the codec header; an offset at the block's end means that there is none.
+// The block starts with the offset of the codec header; an offset at the block's end means that there is none, and so
+// does a type without a block.
 bool DescribeWithHeader(const FormatBlock& block, CodecDescription& description) {
+    if (block.Bytes().empty()) {
+        return true;
+    }
     const auto offset = block.Read<DWORD>();
     const auto header = block.From(offset.value_or(0));
     if (!offset || !header) {

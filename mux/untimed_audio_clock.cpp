@@ -1,5 +1,6 @@
 #include "mux/untimed_audio_clock.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -10,14 +11,14 @@ namespace {
 constexpr double kNsPerSecond = 1e9;
 constexpr INT64 kNsPerUnit = 100;
 
-// 0 when the format block is no WAVEFORMATEX.
+// 0 when the format block does not reach as far. The older structures without a size field have it, too.
 DWORD AverageBytesPerSecond(const AM_MEDIA_TYPE& type) {
-    if (type.pbFormat == nullptr || type.cbFormat < sizeof(WAVEFORMATEX)) {
-        return 0;
+    constexpr size_t kOffset = offsetof(WAVEFORMATEX, nAvgBytesPerSec);
+    DWORD bytesPerSecond = 0;
+    if (type.pbFormat != nullptr && type.cbFormat >= kOffset + sizeof bytesPerSecond) {
+        std::memcpy(&bytesPerSecond, type.pbFormat + kOffset, sizeof bytesPerSecond);
     }
-    WAVEFORMATEX format;
-    std::memcpy(&format, type.pbFormat, sizeof format);
-    return format.nAvgBytesPerSec;
+    return bytesPerSecond;
 }
 
 INT64 DurationOf(UINT32 bytes, const AM_MEDIA_TYPE& type) {

@@ -207,6 +207,42 @@ TEST(MatroskaMuxer, RowsReachTheirTracks) {
     ExpectSoundFile(rig, "rows.mkv");
 }
 
+TEST(MatroskaMuxer, SubtitlesWithoutAFormatBlockRunAndHaveNoPrivateData) {
+    MuxerRig rig;
+    for (const GUID& subtype :
+         {mediasubtype::kUtf8, mediasubtype::kSsa, mediasubtype::kAss, mediasubtype::kUsf, mediasubtype::kVobSub}) {
+        ASSERT_EQ(S_OK, rig.ConnectInput(MediaTypeValue(mediatype::kSubtitle, subtype, GUID_NULL)));
+    }
+    ASSERT_EQ(S_OK, rig.ConnectOutput());
+    ASSERT_EQ(S_OK, rig.Pause());
+    for (size_t input = 0; input < 5; ++input) {
+        EXPECT_EQ(S_OK, rig.Deliver(input, 1000, 500));
+    }
+    ASSERT_TRUE(rig.EndAll());
+    ASSERT_EQ(S_OK, rig.Stop());
+    const auto layout = rig.Layout();
+    ASSERT_EQ(5u, layout.tracks.size());
+    for (const LayoutTrack& track : layout.tracks) {
+        EXPECT_EQ(std::nullopt, track.codecPrivateSize) << track.codecId;
+        EXPECT_EQ(1u, layout.BlocksOf(track.number).size()) << track.codecId;
+    }
+    EXPECT_EQ("S_TEXT/UTF8", layout.tracks[0].codecId);
+    EXPECT_EQ("S_VOBSUB", layout.tracks[4].codecId);
+}
+
+TEST(MatroskaMuxer, ASoundWhoseFormatBlockHasNoSizeFieldRuns) {
+    MuxerRig rig;
+    ASSERT_EQ(S_OK, rig.ConnectInput(Pcm().CutTo(16)));
+    ASSERT_EQ(S_OK, rig.ConnectOutput());
+    ASSERT_EQ(S_OK, rig.Pause());
+    EXPECT_EQ(S_OK, rig.Deliver(0, 0, 20));
+    ASSERT_TRUE(rig.EndAll());
+    ASSERT_EQ(S_OK, rig.Stop());
+    ASSERT_EQ(1u, rig.Layout().tracks.size());
+    EXPECT_EQ("A_PCM/INT/LIT", rig.Layout().tracks[0].codecId);
+    ExpectSoundFile(rig, "pcm_of_16_format_bytes.mkv");
+}
+
 TEST(MatroskaMuxer, PagesAreTheAboutPageThenTheSettingsPage) {
     MuxerRig rig;
     win::ComPtr<ISpecifyPropertyPages> specify;

@@ -131,6 +131,21 @@ TEST(AudioCodecTest, AacKeepsATwoByteConfigurationAndWithoutOneHasEmptyPrivateDa
     EXPECT_EQ(PrivateOf(without), ""); // present, and empty
 }
 
+TEST(AudioCodecTest, ABlockWithoutASizeFieldIsEnoughForTheRowsThatReadNoFurther) {
+    for (const RowCase& row : kRowCases) {
+        SCOPED_TRACE(row.name);
+        const CodecDescription described = DescribeAudioCodec(WaveType(row.subtype, kShape, kExtra).CutTo(16).Get());
+        const bool readsOn = row.codecPrivate != Private::None;
+        EXPECT_EQ(described.codecId, readsOn ? "" : row.codecId);
+        EXPECT_EQ(described.audio.has_value(), !readsOn);
+        if (!readsOn) {
+            EXPECT_EQ(described.audio->samplingFrequencyHz, 44100u);
+            EXPECT_EQ(described.audio->channels, 6u);
+            EXPECT_EQ(described.audio->bitDepth, 24u);
+        }
+    }
+}
+
 // cbSize lies at offset 16.
 MediaTypeValue WithExtraSize(const GUID& subtype, WORD extraSize) {
     MediaTypeValue type = WaveType(subtype, kShape, kExtra);

@@ -81,13 +81,26 @@ TEST_F(CodecFilesTest, ASampleOfNothingButStartCodesIsNoBlock) {
     EXPECT_TRUE(File().BlocksOf(1).empty());
 }
 
+TEST_F(CodecFilesTest, AnAspectRatioOfZeroIsWrittenAsItStands) {
+    constexpr VideoShape kNoAspectRatio{320, 240, 400000, 0, 0};
+    Register(test_support::VideoInfo2Type(SubtypeFromFourCC('c', 'v', 'i', 'd'), kNoAspectRatio));
+    Open();
+    Write(0, 0, 40 * kMs, true);
+    using namespace test_support::ebml_id;
+    for (const uint32_t id : {kDisplayWidth, kDisplayHeight}) {
+        const auto* const size = Element({kTracks, kTrackEntry, kVideo, id});
+        ASSERT_NE(size, nullptr);
+        EXPECT_EQ(test_support::UnsignedOf(File().file, *size), 0u);
+    }
+}
+
 TEST_F(CodecFilesTest, AnUnsupportedCodecThrowsItsTextFromOpen) {
     Register(Mpeg2VideoType(GUID_NULL, kShape, {}));
     EXPECT_EQ(ThrownByOpen(), "CMkvWriter::addTrack unsupported codec");
 }
 
 TEST_F(CodecFilesTest, AFormatBlockThatIsTooShortThrowsTheSameText) {
-    Register(test_support::WaveType(mediasubtype::kPcm).CutTo(17));
+    Register(test_support::WaveType(mediasubtype::kPcm).CutTo(15));
     EXPECT_EQ(ThrownByOpen(), "CMkvWriter::addTrack unsupported codec");
 }
 

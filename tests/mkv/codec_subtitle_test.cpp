@@ -76,6 +76,17 @@ TEST(SubtitleCodecTest, AnOffsetAtTheEndOfTheBlockGivesNoPrivateData) {
     }
 }
 
+TEST(SubtitleCodecTest, WithoutAFormatBlockThereIsNoPrivateData) {
+    for (const RowCase& row : kRowCases) {
+        SCOPED_TRACE(row.name);
+        const MediaTypeValue type = SubtitleType(row.subtype, kHeader).CutTo(0);
+        const CodecDescription described = DescribeSubtitleCodec(type.Get());
+        EXPECT_EQ(described.codecId, row.codecId);
+        EXPECT_EQ(described.defaultDurationNs, kThreeSecondsNs);
+        EXPECT_EQ(PrivateOf(type), "none");
+    }
+}
+
 TEST(SubtitleCodecTest, TheHeaderBeginsWhereTheOffsetSays) {
     MediaTypeValue type = SubtitleType(mediasubtype::kSsa);
     type.SetFormat(FromHex("08000000 656e6700 aabbcc"));

@@ -86,12 +86,18 @@ TEST_F(UntimedAudioClockTest, ResetGoesBackTo0) {
 
 TEST_F(UntimedAudioClockTest, AFormatBlockThatTellsNoBitRateGivesNoDuration) {
     const MediaTypeValue whole = Mp3(16000);
-    for (size_t bytes = 0; bytes < sizeof(WAVEFORMATEX); ++bytes) {
+    constexpr size_t kRateEnd = offsetof(WAVEFORMATEX, nAvgBytesPerSec) + sizeof(DWORD);
+    for (size_t bytes = 0; bytes < kRateEnd; ++bytes) {
         const auto packet = Stamp(417, whole.CutTo(bytes));
         EXPECT_TRUE(packet->hasTime) << bytes;
         EXPECT_EQ(packet->start, packet->stop) << bytes;
     }
     EXPECT_EQ(0, Stamp(417, Mp3(0))->stop);
+}
+
+TEST_F(UntimedAudioClockTest, AFormatBlockWithoutASizeFieldTellsItsBitRate) {
+    const auto packet = Stamp(16000, Mp3(16000).CutTo(16));
+    EXPECT_EQ(10000000, packet->stop - packet->start);
 }
 
 TEST_F(UntimedAudioClockTest, HugeSizesAndTimesDoNotOverflow) {
