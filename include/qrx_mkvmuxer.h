@@ -58,12 +58,12 @@ struct TrackSettings {
     INT32 trackType; // read back: 1 video, 2 audio, 17 subtitle, of a connected pin; otherwise as stored, -1 at first
 };
 
-// A file that is attached to the output. Null or empty fields are left out of the file.
+// A file that is attached to the output. Null fields are left out of the file, empty ones are not.
 struct MuxAttachment {
     BSTR fileName;
     BSTR description;
     char* mimeType;  // zero-terminated
-    UINT32 dataSize; // bytes
+    UINT32 dataSize; // bytes; of no meaning without data
     BYTE* data;
     UINT64 uid; // not 0, unique among the attachments of a file
 };

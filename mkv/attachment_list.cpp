@@ -10,7 +10,7 @@ constexpr UINT32 kTooManyAttachmentBytes = 0x7fffffff;
 } // namespace
 
 bool CAttachmentList::add(const MuxAttachment& attachment) {
-    if (attachment.dataSize >= kTooManyAttachmentBytes) {
+    if (attachment.data != nullptr && attachment.dataSize >= kTooManyAttachmentBytes) {
         return false;
     }
     auto copy = std::make_unique<const CMuxAttachmentCopy>(attachment);

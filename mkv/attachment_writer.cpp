@@ -13,16 +13,16 @@ namespace {
 using libmatroska::KaxAttached;
 
 void FillAttached(KaxAttached& attached, const MuxAttachment& record) {
-    if (SysStringLen(record.description) > 0) {
+    if (record.description != nullptr) {
         mkv::SetTextChild<libmatroska::KaxFileDescription>(attached, record.description);
     }
-    if (SysStringLen(record.fileName) > 0) {
+    if (record.fileName != nullptr) {
         mkv::SetTextChild<libmatroska::KaxFileName>(attached, record.fileName);
     }
-    if (record.mimeType != nullptr && *record.mimeType != '\0') {
+    if (record.mimeType != nullptr) {
         mkv::SetChild<libmatroska::KaxMimeType>(attached, std::string(record.mimeType));
     }
-    if (record.data != nullptr && record.dataSize > 0) {
+    if (record.data != nullptr) {
         libebml::GetChild<libmatroska::KaxFileData>(attached).SetBuffer(record.data, record.dataSize);
     }
     if (record.uid != 0) {

@@ -10,7 +10,7 @@
 
 class CAttachmentWriter {
   public:
-    // The records outlive this object. Null or empty fields, and a UID of 0, are left out.
+    // The records outlive this object. Null fields, and a UID of 0, are left out; empty ones are written.
     explicit CAttachmentWriter(const std::vector<const MuxAttachment*>& records);
     ~CAttachmentWriter();
     CAttachmentWriter(const CAttachmentWriter&) = delete;

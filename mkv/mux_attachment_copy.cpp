@@ -13,6 +13,9 @@ CMuxAttachmentCopy::CMuxAttachmentCopy(const MuxAttachment& attachment)
     m_record.description = m_description.Get();
     m_record.mimeType = m_mimeType ? m_mimeType->data() : nullptr;
     m_record.dataSize = static_cast<UINT32>(m_data.size());
-    m_record.data = m_data.empty() ? nullptr : m_data.data();
+    m_record.data = m_data.empty() ? &m_noBytes : m_data.data();
+    if (attachment.data == nullptr) {
+        m_record.data = nullptr;
+    }
     m_record.uid = attachment.uid;
 }

@@ -12,7 +12,8 @@
 
 class CMuxAttachmentCopy {
   public:
-    // What is given stays its holder's. A data size without data counts as no data.
+    // What is given stays its holder's. A field is there when it is not null, even an empty one; a data size without
+    // data counts as no data.
     explicit CMuxAttachmentCopy(const MuxAttachment& attachment);
     CMuxAttachmentCopy(const CMuxAttachmentCopy& other) : CMuxAttachmentCopy(other.m_record) {}
     CMuxAttachmentCopy& operator=(const CMuxAttachmentCopy&) = delete;
@@ -26,5 +27,6 @@ class CMuxAttachmentCopy {
     win::Bstr m_description;
     std::optional<std::string> m_mimeType;
     std::vector<BYTE> m_data;
+    BYTE m_noBytes = 0; // what data of no bytes points at
     MuxAttachment m_record;
 };

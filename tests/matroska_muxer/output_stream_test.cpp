@@ -209,7 +209,8 @@ const char* NameOf(StreamOperation operation) {
 }
 
 void SaveFailureForJudges(ByteView file, StreamOperation operation, UINT64 n) {
-    const bool isCut = ReadLayout(file).Segment()->unknownSize;
+    const auto layout = ReadLayout(file);
+    const bool isCut = layout.Segment() == nullptr || layout.Segment()->unknownSize;
     SaveForJudges(std::string("failed_") + NameOf(operation) + "_" + std::to_string(n), file,
                   isCut ? WrittenFile::CutOnPurpose : WrittenFile::Finished);
 }

@@ -302,6 +302,14 @@ TEST_F(Parameters, AttachmentsReachTheFileAndStayForTheNextOne) {
 }
 
 // The leak checker of the Linux lane watches the copies; the address checker, that none is freed twice.
+TEST_F(Parameters, AnAttachmentWithALengthButNoDataIsTakenWhateverTheLength) {
+    MuxAttachment record{};
+    for (const UINT32 size : {0u, 1000u, 0x7fffffffu, 0xffffffffu}) {
+        record.dataSize = size;
+        EXPECT_EQ(S_OK, Attach(record)) << size;
+    }
+}
+
 TEST_F(Parameters, AttachmentsWithEmptyAndSupplementaryNamesReachTheFile) {
     const win::Bstr empty{WideStringView()};
     const win::Bstr supplementary{WideStringView(OLESTR("\U0001F3AC.ttf"))};

@@ -54,12 +54,32 @@ TEST_F(AttachmentListTest, EveryFieldMayBeAbsent) {
     EXPECT_EQ(kept.uid, 0u);
 }
 
-TEST_F(AttachmentListTest, ALengthWithoutDataCountsAsNoData) {
+TEST_F(AttachmentListTest, ALengthWithoutDataCountsAsNoDataWhateverItIs) {
     MuxAttachment record{};
-    record.dataSize = 1000;
-    ASSERT_TRUE(m_list.add(record));
-    EXPECT_EQ(m_list.at(0)->data, nullptr);
-    EXPECT_EQ(m_list.at(0)->dataSize, 0u);
+    for (const UINT32 size : {1u, 1000u, 0x7ffffffeu, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
+        record.dataSize = size;
+        ASSERT_TRUE(m_list.add(record)) << size;
+        const MuxAttachment& kept = *m_list.at(m_list.count() - 1);
+        EXPECT_EQ(kept.data, nullptr);
+        EXPECT_EQ(kept.dataSize, 0u);
+    }
+}
+
+TEST_F(AttachmentListTest, EmptyFieldsAreThereAndNullOnesAreNot) {
+    const win::Bstr nothing{WideStringView()};
+    char noMimeType[] = "";
+    BYTE notRead = 7;
+    ASSERT_TRUE(m_list.add({nothing.Get(), nothing.Get(), noMimeType, 0, &notRead, 0}));
+    const MuxAttachment& kept = *m_list.at(0);
+    ASSERT_NE(kept.fileName, nullptr);
+    EXPECT_EQ(SysStringLen(kept.fileName), 0u);
+    ASSERT_NE(kept.description, nullptr);
+    EXPECT_EQ(SysStringLen(kept.description), 0u);
+    ASSERT_NE(kept.mimeType, nullptr);
+    EXPECT_STREQ(kept.mimeType, "");
+    EXPECT_NE(kept.data, nullptr);
+    EXPECT_NE(kept.data, &notRead);
+    EXPECT_EQ(kept.dataSize, 0u);
 }
 
 TEST_F(AttachmentListTest, TwoGibibytesOrMoreAreRefusedUnread) {

@@ -56,22 +56,45 @@ TEST_F(AttachmentsTest, EveryFieldIsWritten) {
     EXPECT_EQ(UnsignedOf(file, *attached[0]->Child(kFileUid)), 0x1122334455667788u);
 }
 
-TEST_F(AttachmentsTest, NullAndEmptyFieldsAndUidZeroAreLeftOut) {
+TEST_F(AttachmentsTest, NullFieldsAndUidZeroAreLeftOut) {
     KeepFromJudges(); // the format requires the fields that the application did not give
     m_writer.addAttachment(MuxAttachment{});
-    MuxAttachment empty{};
-    const win::Bstr nothing{WideStringView()};
-    char noMimeType[] = "";
-    empty.fileName = nothing.Get();
-    empty.description = nothing.Get();
-    empty.mimeType = noMimeType;
-    m_writer.addAttachment(empty);
     MuxAttachment nameOnly{};
     nameOnly.fileName = m_fileName.Get();
     m_writer.addAttachment(nameOnly);
     const auto attached = Attached();
-    ASSERT_EQ(attached.size(), 1u); // nothing is left of the other two
+    ASSERT_EQ(attached.size(), 1u); // nothing is left of the other one
     EXPECT_EQ(ChildNames(*attached[0]), (std::vector<std::string>{"FileName"}));
+}
+
+TEST_F(AttachmentsTest, EmptyFieldsThatTheRecordHasAreWritten) {
+    const win::Bstr nothing{WideStringView()};
+    char noMimeType[] = "";
+    m_writer.addAttachment({nothing.Get(), nothing.Get(), noMimeType, 0, m_data.data(), 7});
+    const auto attached = Attached();
+    ASSERT_EQ(attached.size(), 1u);
+    for (const uint32_t id : {kFileDescription, kFileName, kFileMimeType, kFileData}) {
+        const EbmlElement* const child = attached[0]->Child(id);
+        ASSERT_NE(child, nullptr) << id;
+        EXPECT_EQ(child->dataSize, 0u) << child->Name();
+    }
+    EXPECT_EQ(UnsignedOf(File().file, *attached[0]->Child(kFileUid)), 7u);
+}
+
+TEST_F(AttachmentsTest, ALengthWithoutDataWritesNoDataWhateverItIs) {
+    KeepFromJudges(); // the format requires data
+    auto record = Full();
+    record.data = nullptr;
+    for (const UINT32 size : {5u, 0x7fffffffu, 0xffffffffu}) {
+        record.dataSize = size;
+        EXPECT_TRUE(m_writer.addAttachment(record)) << size;
+    }
+    const auto attached = Attached();
+    ASSERT_EQ(attached.size(), 3u);
+    for (const EbmlElement* const element : attached) {
+        EXPECT_EQ(element->Child(kFileData), nullptr);
+        EXPECT_EQ(element->children.size(), 4u);
+    }
 }
 
 TEST_F(AttachmentsTest, EachFieldMayBeMissingAlone) {

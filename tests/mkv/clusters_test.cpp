@@ -62,6 +62,19 @@ TEST_F(ClustersTest, ALaterPacketStillNegativeAfterTheShiftMovesToZeroWithItsLen
     EXPECT_EQ(File().BlocksOf(1)[1].duration, 25u);
 }
 
+TEST_F(ClustersTest, AFirstPacketWithoutAByteDecidesTheShiftAllTheSame) {
+    RegisterAudio();
+    RegisterAudio();
+    Open();
+    Write(0, -40 * kMs, 0, true, {});
+    Write(0, 0, 40 * kMs);
+    Write(0, -100 * kMs, -60 * kMs); // still below zero
+    Write(1, 100 * kMs, 140 * kMs, true, {});
+    Write(1, -40 * kMs, 0);
+    EXPECT_EQ(BlockTimes(1), (Times{40, 0}));
+    EXPECT_EQ(BlockTimes(2), (Times{0}));
+}
+
 TEST_F(ClustersTest, APacketThatStopsBeforeItStartsHasNoDuration) {
     RegisterSubtitle();
     Open();

@@ -93,11 +93,9 @@ TEST_F(FileLayoutTest, TheSegmentReachesToTheEndOfTheFile) {
 
 TEST_F(FileLayoutTest, WithoutTracksNothingPointsAtThem) {
     Open();
-    Finish();
-    const auto layout = Snapshot();
-    EXPECT_EQ(layout.Segment()->Child(kTracks), nullptr);
-    ASSERT_EQ(layout.seekEntries.size(), 1u);
-    EXPECT_EQ(layout.seekEntries[0].targetId, kInfo);
+    EXPECT_EQ(Element({kTracks}), nullptr);
+    ASSERT_EQ(File().seekEntries.size(), 1u);
+    EXPECT_EQ(File().seekEntries[0].targetId, kInfo);
 }
 
 // ---- Info ----------------------------------------------------------------------------------------------------------

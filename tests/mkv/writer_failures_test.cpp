@@ -1,4 +1,5 @@
 // Outputs that fail, and recordings that are cut off.
+#include <new>
 #include <stdexcept>
 
 #include "tests/mkv/writer_fixture.h"
@@ -116,6 +117,55 @@ TEST_F(WriterFailuresTest, ASeekThatFailsInTheFinalisationLeavesTheFileAsARecord
     EXPECT_EQ(layout.clusters.size(), 10u);
     EXPECT_EQ(layout.BlocksOf(1).size(), 10u);
     EXPECT_EQ(m_writer.duration(), 400e6);
+}
+
+// An output whose writes throw from some moment on, as memory that runs out makes them.
+class ThrowingIO : public CMkvIO {
+  public:
+    size_t write(const void* buffer, size_t size) override {
+        if (throws) {
+            throw std::bad_alloc();
+        }
+        return CMkvIO::write(buffer, size);
+    }
+    bool throws = false;
+};
+
+TEST_F(WriterFailuresTest, AnExceptionOfTheLastClusterReachesWhoeverClosesAndNothingIsCleanedUp) {
+    ThrowingIO io;
+    io.setStream(&m_stream);
+    RegisterVideo();
+    m_writer.Open(&io);
+    Write(0, 0, 40 * kMs, true);
+    Write(0, 40 * kMs, 80 * kMs, true);
+    io.throws = true;
+    EXPECT_THROW(m_writer.Close(), std::bad_alloc);
+    EXPECT_TRUE(m_writer.isOpen());
+    io.throws = false;
+    m_writer.Close(); // what was there is still there
+    m_writer.detach();
+    const auto layout = Snapshot();
+    EXPECT_TRUE(test_support::CheckLayout(layout).empty());
+    EXPECT_EQ(layout.tracks.size(), 1u);
+    EXPECT_EQ(layout.BlocksOf(1).size(), 1u) << "the last cluster is lost";
+}
+
+TEST_F(WriterFailuresTest, AnExceptionOfAPatchIsSwallowed) {
+    ThrowingIO io;
+    io.setStream(&m_stream);
+    RegisterAudio();
+    m_writer.Open(&io);
+    Write(0, 0, 40 * kMs);
+    m_stream.ClearCalls();
+    m_stream.FailNth(StreamOperation::Seek, 1, STG_E_SEEKERROR);
+    EXPECT_NO_THROW(m_writer.Close());
+    m_writer.detach();
+    EXPECT_EQ(Snapshot().BlocksOf(1).size(), 1u);
+    RegisterAudio();
+    m_writer.Open(&io);
+    m_writer.Close();
+    m_writer.detach();
+    EXPECT_EQ(Snapshot().tracks.size(), 1u) << "the clean-up was made";
 }
 
 TEST_F(WriterFailuresTest, AnOutputWithoutAStreamCannotBeOpened) {

@@ -134,10 +134,10 @@ UINT64 MuxerSettings::UniqueUid(UINT64 wanted) {
 void MuxerSettings::Attach(Attachment attachment) {
     const win::Bstr name(attachment.name);
     const win::Bstr description(attachment.description);
-    MuxAttachment record{};
-    record.fileName = name.Get();
-    record.description = description.Get();
-    record.mimeType = attachment.mimeType.data();
+    MuxAttachment record{}; // what is null is left out of the file
+    record.fileName = attachment.name.empty() ? nullptr : name.Get();
+    record.description = attachment.description.empty() ? nullptr : description.Get();
+    record.mimeType = attachment.mimeType.empty() ? nullptr : attachment.mimeType.data();
     record.dataSize = static_cast<UINT32>(attachment.bytes.size());
     record.data = reinterpret_cast<BYTE*>(attachment.bytes.data());
     record.uid = UniqueUid(attachment.uid);
