@@ -94,11 +94,8 @@ HRESULT CBaseInputPin::BreakConnect() {
 
 HRESULT CBaseInputPin::Inactive() {
     m_bRunTimeError = false;
-    if (!m_pAllocator) {
-        return VFW_E_NO_ALLOCATOR;
-    }
-    m_bFlushing = false;
-    return m_pAllocator->Decommit();
+    m_bFlushing = false; // whatever comes of the rest: the next run must not begin inside an old flush
+    return m_pAllocator ? m_pAllocator->Decommit() : VFW_E_NO_ALLOCATOR;
 }
 
 HRESULT CBaseInputPin::CheckStreaming() {

@@ -34,7 +34,10 @@ HRESULT CBaseMuxInputPin::BreakConnect() {
 }
 
 HRESULT CBaseMuxInputPin::Inactive() {
-    const HRESULT result = CBaseInputPin::Inactive();
+    HRESULT result = CBaseInputPin::Inactive();
+    if (result == VFW_E_NO_ALLOCATOR) {
+        result = S_OK; // samples are only read here, so whoever sends them need not say where they come from
+    }
     if (SUCCEEDED(result)) {
         m_grouper.Clear();
     }

@@ -73,7 +73,9 @@ TEST_F(InputPinTest, PropertiesFollowTheSample) {
 TEST_F(InputPinTest, UnconnectedPinTakesNoSample) {
     TestInputPin& free = filter->AddInput(OLESTR("free"));
     EXPECT_EQ(free.Receive(&sample), VFW_E_NOT_CONNECTED);
+    EXPECT_EQ(free.BeginFlush(), S_OK);
     EXPECT_EQ(free.Inactive(), VFW_E_NO_ALLOCATOR);
+    EXPECT_FALSE(free.IsFlushing());
 }
 
 TEST_F(InputPinTest, StoppedFilterTakesNoSample) {

@@ -4,10 +4,12 @@
 #include <stdexcept>
 
 #include "tests/mux/mux_test_fixture.h"
+#include "tests/support/watchdog.h"
 
 namespace {
 
 using test_support::FakeUpstreamPin;
+using test_support::kWatchdog;
 using test_support::MediaTypeValue;
 
 using BaseMuxStatesTest = MuxTest;
@@ -192,6 +194,25 @@ TEST_F(BaseMuxStatesTest, AFilterReleasedWhileStreamingEndsItsWorkerItself) {
     mux.Reset();
     EXPECT_EQ(objectsBefore, CBaseObject::ObjectsActive());
     EXPECT_EQ(0, video.References());
+}
+
+TEST_F(BaseMuxStatesTest, AnInputWithoutAnAllocatorStopsWithoutErrorAndItsOpenFlushEndsWithTheRun) {
+    FakeUpstreamPin bare(test_support::VideoInfoType(mediasubtype::kVp8));
+    bare.NotifyNoAllocator();
+    ASSERT_EQ(S_OK, bare.ConnectTo(&mux->InputPin(0)));
+    ASSERT_EQ(S_OK, ConnectOutput());
+    ASSERT_EQ(S_OK, mux->Pause());
+    EXPECT_EQ(S_OK, bare.Deliver(Data(1), 0, 1));
+    EXPECT_EQ(S_OK, bare.DeliverBeginFlush()); // and nobody ends it
+    EXPECT_EQ(S_OK, mux->Stop());
+    ASSERT_EQ(S_OK, mux->Pause());
+    EXPECT_EQ(S_OK, bare.Deliver(Data(2), 0, 1));
+    EXPECT_EQ(S_OK, bare.DeliverEndOfStream());
+    EXPECT_TRUE(sink.WaitForEndOfStream(kWatchdog));
+    EXPECT_EQ(S_OK, mux->Stop());
+    ASSERT_EQ(1u, mux->Seen().size());
+    EXPECT_EQ(Data(2), mux->Seen()[0].bytes);
+    bare.Unplug();
 }
 
 TEST_F(BaseMuxStatesTest, OneInputAfterAnotherCanBeUsedBetweenRuns) {

@@ -33,7 +33,7 @@ HRESULT FakeUpstreamPin::Connect(IPin* receiver, const AM_MEDIA_TYPE* type) {
 // The allocator is ours, whatever the input pin would offer.
 HRESULT FakeUpstreamPin::OnConnected() {
     const HRESULT result = Peer()->QueryInterface(IID_IMemInputPin, m_input.PutVoid());
-    return FAILED(result) ? result : m_input->NotifyAllocator(&m_allocator, FALSE);
+    return FAILED(result) || !m_notifiesAllocator ? result : m_input->NotifyAllocator(&m_allocator, FALSE);
 }
 
 void FakeUpstreamPin::OnDisconnected() {

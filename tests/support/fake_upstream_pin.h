@@ -30,6 +30,8 @@ class FakeUpstreamPin final : public FakePin {
     HRESULT DeliverEndFlush();
     HRESULT DeliverNewSegment(INT64 start, INT64 stop, double rate = 1.0);
 
+    // The input pin never hears of an allocator. Before connecting.
+    void NotifyNoAllocator() { m_notifiesAllocator = false; }
     [[nodiscard]] IMemInputPin* Input() const { return m_input.Get(); } // null when not connected
     [[nodiscard]] FakeAllocator& Allocator() { return m_allocator; }
 
@@ -41,6 +43,7 @@ class FakeUpstreamPin final : public FakePin {
     [[nodiscard]] HRESULT OnConnected() override;
     void OnDisconnected() override;
 
+    bool m_notifiesAllocator = true;
     FakeAllocator m_allocator;
     win::ComPtr<IMemInputPin> m_input;
 };
