@@ -82,10 +82,18 @@ HRESULT CPersistStream::GetSizeMax(ULARGE_INTEGER* pcbSize) noexcept {
 HRESULT CPersistStream::LoadFrom(IStream* pStream) {
     VersionHeader header{};
     HRESULT hr = ReadExactly(pStream, header.data(), kHeaderBytes);
+    DWORD version = 0;
     if (SUCCEEDED(hr)) {
-        hr = ParseVersion(header, mPS_dwFileVersion);
+        hr = ParseVersion(header, version);
     }
-    return FAILED(hr) ? hr : ReadFromStream(pStream);
+    if (SUCCEEDED(hr)) {
+        mPS_dwFileVersion = version;
+        hr = ReadFromStream(pStream);
+    }
+    if (SUCCEEDED(hr)) {
+        mPS_fDirty = FALSE; // it is what the stream holds
+    }
+    return hr;
 }
 
 HRESULT CPersistStream::SaveTo(IStream* pStream, BOOL fClearDirty) {

@@ -4,6 +4,8 @@
 // Threads: as the object. Errors: the stream's; VFW_E_INVALID_FILE_FORMAT for a header that is no number.
 #pragma once
 
+#include <atomic>
+
 #include "win/platform.h"
 
 #pragma GCC diagnostic push
@@ -15,6 +17,7 @@ class CPersistStream : public IPersistStream {
 
     // IPersistStream
     STDMETHODIMP IsDirty() noexcept override;
+    // A loaded object is not dirty.
     STDMETHODIMP Load(LPSTREAM pStm) noexcept override;
     STDMETHODIMP Save(LPSTREAM pStm, BOOL fClearDirty) noexcept override;
     STDMETHODIMP GetSizeMax(ULARGE_INTEGER* pcbSize) noexcept override;
@@ -29,8 +32,9 @@ class CPersistStream : public IPersistStream {
   protected:
     HRESULT SetDirty(BOOL fDirty);
 
-    BOOL mPS_fDirty = FALSE;
-    DWORD mPS_dwFileVersion = 0;
+    // Any thread may ask and change them; no lock is held while a stream is read or written.
+    std::atomic<BOOL> mPS_fDirty{FALSE};
+    std::atomic<DWORD> mPS_dwFileVersion{0};
 
   private:
     HRESULT LoadFrom(IStream* pStream);

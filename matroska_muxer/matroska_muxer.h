@@ -84,6 +84,7 @@ class CMatroskaMuxer final : public CBaseMux,
 
     HRESULT SetTrackInfo(const TrackSettings* record);
     HRESULT GetTrackInfo(TrackSettings* record);
+    HRESULT SetDocType(UINT32 docType);
     HRESULT AddAttachment(const MuxAttachment* record);
     static HRESULT SetLogDirectory(BSTR directory);
 

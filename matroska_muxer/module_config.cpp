@@ -1,4 +1,5 @@
-// The parameters of the filter: single values, and all of them as one persisted stream.
+// The parameters of the filter: single values, and all of them as one persisted stream. None takes the filter lock or
+// the writer lock: the stream that is written to may ask for them on the worker, which Stop joins.
 #include "dshow/com_guard.h"
 #include "log/logger.h"
 #include "matroska_muxer/configuration_stream.h"
@@ -22,8 +23,7 @@ HRESULT CMatroskaMuxer::SetValue(const GUID* key, const VARIANT* value) noexcept
             return AddAttachment(static_cast<const MuxAttachment*>(V_BYREF(value)));
         }
         if (IsEqualGUID(*key, MKVMUX_DocType)) {
-            m_writer.setOutputFormat(V_UI4(value)); // ignores all but 0 and 1
-            return SetDirty(TRUE);
+            return SetDocType(V_UI4(value));
         }
         if (IsEqualGUID(*key, MKVMUX_LogDirectory)) {
             return SetLogDirectory(V_BSTR(value));
@@ -45,8 +45,7 @@ HRESULT CMatroskaMuxer::GetValue(const GUID* key, VARIANT* value) noexcept {
             return S_OK;
         }
         if (IsEqualGUID(*key, MKVMUX_InputCount)) {
-            const CAutoLock lock(&m_filterLock);
-            V_UI2(value) = static_cast<USHORT>(m_inputPins.size() - 1); // without the spare one
+            V_UI2(value) = static_cast<USHORT>(Inputs().Count() - 1); // without the spare one
             return S_OK;
         }
         if (IsEqualGUID(*key, MKVMUX_DocType)) {
@@ -64,7 +63,21 @@ HRESULT CMatroskaMuxer::SetTrackInfo(const TrackSettings* record) {
     if (!m_settings.Has(record->index)) {
         return E_INVALIDARG; // before the strings are read: such a record may hold anything
     }
-    return m_settings.Replace(record->index, CTrackSettingsRow(*record)) ? SetDirty(TRUE) : E_INVALIDARG;
+    switch (m_settings.Replace(record->index, CTrackSettingsRow(*record))) {
+    case CTrackSettingsTable::Replaced::Changed:
+        return SetDirty(TRUE);
+    case CTrackSettingsTable::Replaced::SameAsBefore:
+        return S_OK;
+    case CTrackSettingsTable::Replaced::OutsideTheTable:
+        break;
+    }
+    return E_INVALIDARG;
+}
+
+HRESULT CMatroskaMuxer::SetDocType(UINT32 docType) {
+    const UINT32 before = m_writer.outputFormat();
+    m_writer.setOutputFormat(docType); // ignores all but 0 and 1
+    return m_writer.outputFormat() == before ? S_OK : SetDirty(TRUE);
 }
 
 HRESULT CMatroskaMuxer::GetTrackInfo(TrackSettings* record) {
@@ -72,15 +85,16 @@ HRESULT CMatroskaMuxer::GetTrackInfo(TrackSettings* record) {
         return E_POINTER;
     }
     const INT32 index = record->index;
+    const auto majorType = Inputs().MajorTypeOf(index);
     const auto row = m_settings.At(index);
     if (!row) {
         return E_INVALIDARG;
     }
     row->copyTo(*record);
-    const CAutoLock lock(&m_filterLock);
-    if (static_cast<size_t>(index) < m_inputPins.size() && m_inputPins[static_cast<size_t>(index)]->IsConnected()) {
-        const CBaseMuxInputPin& pin = *m_inputPins[static_cast<size_t>(index)];
-        record->trackType = CMkvWriter::getTrackType(pin.CurrentMediaType());
+    if (majorType) {
+        CMediaType type;
+        type.SetType(&*majorType);
+        record->trackType = CMkvWriter::getTrackType(type);
     }
     return S_OK;
 }

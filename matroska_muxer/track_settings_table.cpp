@@ -3,6 +3,22 @@
 #include <mutex>
 #include <utility>
 
+namespace {
+
+// No string and an empty one differ: both come back as they were given.
+bool AreEqual(BSTR left, BSTR right) {
+    const WideStringView leftText(left, SysStringLen(left));
+    return (left == nullptr) == (right == nullptr) && leftText == WideStringView(right, SysStringLen(right));
+}
+
+bool AreEqual(const TrackSettings& left, const TrackSettings& right) {
+    return left.index == right.index && left.bEnabled == right.bEnabled && left.bDefault == right.bDefault &&
+           left.bReserved == right.bReserved && left.trackType == right.trackType &&
+           AreEqual(left.language, right.language) && AreEqual(left.name, right.name);
+}
+
+} // namespace
+
 CTrackSettingsTable::CTrackSettingsTable() {
     m_rows.reserve(kDefaultRows);
     for (INT32 index = 0; index < kDefaultRows; ++index) {
@@ -33,13 +49,15 @@ std::vector<CTrackSettingsRow> CTrackSettingsTable::All() const {
     return m_rows;
 }
 
-bool CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
+CTrackSettingsTable::Replaced CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
     const std::lock_guard lock(m_lock);
     if (!IsInside(index)) {
-        return false;
+        return Replaced::OutsideTheTable;
     }
-    m_rows[static_cast<size_t>(index)] = std::move(row);
-    return true;
+    CTrackSettingsRow& current = m_rows[static_cast<size_t>(index)];
+    const bool same = AreEqual(current.get(), row.get());
+    current = std::move(row);
+    return same ? Replaced::SameAsBefore : Replaced::Changed;
 }
 
 void CTrackSettingsTable::Clear() {

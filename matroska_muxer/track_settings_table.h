@@ -21,8 +21,8 @@ class CTrackSettingsTable {
     [[nodiscard]] std::optional<CTrackSettingsRow> At(INT32 index) const;
     // A copy of all rows.
     [[nodiscard]] std::vector<CTrackSettingsRow> All() const;
-    // False, and nothing changes, outside the table.
-    bool Replace(INT32 index, CTrackSettingsRow row);
+    enum class Replaced { Changed, SameAsBefore, OutsideTheTable };
+    [[nodiscard]] Replaced Replace(INT32 index, CTrackSettingsRow row);
 
     void Clear();
     void Append(CTrackSettingsRow row);

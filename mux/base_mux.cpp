@@ -75,6 +75,7 @@ int CBaseMux::AddInputPin() {
     }
     created->SetIndex(static_cast<INT32>(index));
     m_inputPins.emplace_back(created);
+    m_inputs.Add();
     if (index == 0) {
         m_firstInputPin = created;
     }
@@ -95,14 +96,20 @@ HRESULT CBaseMux::SetInputType(CBaseMuxInputPin*, const CMediaType*) {
     return S_OK;
 }
 
-HRESULT CBaseMux::BreakInputConnect(CBaseMuxInputPin*) {
+HRESULT CBaseMux::BreakInputConnect(CBaseMuxInputPin* pin) {
+    if (pin != nullptr) {
+        m_inputs.Disconnect(pin->Index());
+    }
     return S_OK;
 }
 
-HRESULT CBaseMux::CompleteInputConnect(CBaseMuxInputPin*, IPin*) {
+HRESULT CBaseMux::CompleteInputConnect(CBaseMuxInputPin* pin, IPin*) {
     const CAutoLock lock(&m_filterLock);
+    if (pin != nullptr) {
+        m_inputs.Connect(pin->Index(), pin->CurrentMediaType().majortype);
+    }
     const bool allConnected =
-        std::all_of(m_inputPins.begin(), m_inputPins.end(), [](const auto& pin) { return pin->IsConnected(); });
+        std::all_of(m_inputPins.begin(), m_inputPins.end(), [](const auto& input) { return input->IsConnected(); });
     if (allConnected) {
         // The connection stands even when there is no further pin.
         (void)ComGuard([this] { return AddInputPin() == kMuxOk ? S_OK : E_FAIL; });

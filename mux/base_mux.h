@@ -15,6 +15,7 @@
 #include "dshow/base_filter.h"
 #include "mux/base_mux_input_pin.h"
 #include "mux/base_mux_output_pin.h"
+#include "mux/connected_inputs.h"
 #include "mux/mux_interleaver.h"
 #include "mux/mux_result.h"
 #include "mux/mux_stream_kind.h"
@@ -73,6 +74,8 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
     CMuxInterleaver& Interleaver() { return m_interleaver; }
     // Null before the concrete muxer's constructor has added it.
     [[nodiscard]] CBaseMuxInputPin* FirstInputPin() const { return m_firstInputPin; }
+    // As of now; for any thread, whoever holds the filter lock.
+    [[nodiscard]] const ConnectedInputs& Inputs() const { return m_inputs; }
 
   protected:
     CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid);
@@ -103,6 +106,7 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
     void FinishRun();
 
     CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
+    ConnectedInputs m_inputs;                    // what m_inputPins says, readable without the filter lock
     CMuxInterleaver m_interleaver;
     std::atomic<bool> m_abort{false}; // set by Stop, cleared by Pause; ends the upstream threads' polls
     UINT64 m_outputPosition = 0;      // bytes; where WriteOutput writes next

@@ -162,6 +162,18 @@ TEST_F(PersistStreamTest, DirtyFlagGoesWithASuccessfulSaveThatClearsIt) {
     EXPECT_EQ(object.IsDirty(), S_FALSE);
 }
 
+TEST_F(PersistStreamTest, ASuccessfulLoadClearsTheDirtyFlagAndAFailedOneLeavesIt) {
+    ASSERT_EQ(object.Save(&stream, TRUE), S_OK);
+    object.MarkDirty();
+    stream.SetBytes(stream.Bytes());
+    stream.FailNth(StreamOperation::Read, 2, STG_E_READFAULT);
+    EXPECT_EQ(object.Load(&stream), STG_E_READFAULT);
+    EXPECT_EQ(object.IsDirty(), S_OK);
+    stream.SetBytes(stream.Bytes());
+    EXPECT_EQ(object.Load(&stream), S_OK);
+    EXPECT_EQ(object.IsDirty(), S_FALSE);
+}
+
 TEST_F(PersistStreamTest, ExceptionInTheBodyBecomesAnHresult) {
     ASSERT_EQ(object.Save(&stream, TRUE), S_OK);
     stream.SetBytes(stream.Bytes());

@@ -270,8 +270,9 @@ TEST_F(Parameters, AnEmptyLogDirectorySwitchesTheLogOffWithoutError) {
     const win::Bstr empty{WideStringView()};
     EXPECT_EQ(S_OK, SetLogDirectory(empty.Get()));
     EXPECT_FALSE(g_Logger.IsEnabled());
+    const std::string log = ReadWholeFile(directory.Path() + OLESTR("\\QRX_MKVMuxer.log"));
+    EXPECT_NE(std::string::npos, log.find("CLogger::CloseLog")) << "the file is closed, not only forgotten";
     EXPECT_EQ(S_OK, SetLogDirectory(nullptr)) << "a null string is an empty one";
-    EXPECT_TRUE(FileExists(directory.Path() + OLESTR("\\QRX_MKVMuxer.log")));
 }
 
 TEST_F(Parameters, ALogDirectoryThatCannotBeMadeIsNoError) {
@@ -351,10 +352,60 @@ TEST_F(Parameters, SupplementaryCharactersOfARowComeBack) {
     EXPECT_EQ(name.View(), WideStringView(read.row.name, SysStringLen(read.row.name)));
 }
 
-TEST_F(Parameters, SettingAPersistedValueMakesTheFilterDirty) {
+// A filter of its own each time: nothing but that one value makes it dirty.
+class DirtyParameters : public Parameters {};
+
+TEST_F(DirtyParameters, ADocumentTypeMakesTheFilterDirty) {
     EXPECT_EQ(S_FALSE, m_config->IsDirty());
     EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
     EXPECT_EQ(S_OK, m_config->IsDirty());
+}
+
+TEST_F(DirtyParameters, EachFieldOfARowMakesTheFilterDirty) {
+    const win::Bstr english{WideStringView(OLESTR("English"))};
+    const win::Bstr empty{WideStringView()};
+    const win::Bstr text{WideStringView(OLESTR("x"))};
+    const TrackSettings rows[] = {
+        {3, 0, 0, 0, english.Get(), empty.Get(), -1}, {3, 1, 1, 0, english.Get(), empty.Get(), -1},
+        {3, 1, 0, 1, english.Get(), empty.Get(), -1}, {3, 1, 0, 0, text.Get(), empty.Get(), -1},
+        {3, 1, 0, 0, nullptr, empty.Get(), -1},       {3, 1, 0, 0, english.Get(), text.Get(), -1},
+        {3, 1, 0, 0, english.Get(), nullptr, -1},     {3, 1, 0, 0, english.Get(), empty.Get(), 2},
+    };
+    const TrackSettings fresh{3, 1, 0, 0, english.Get(), empty.Get(), -1};
+    for (const TrackSettings& row : rows) {
+        EXPECT_EQ(S_OK, SetRow(fresh));
+        MemoryStream saved;
+        EXPECT_EQ(S_OK, m_config->Save(&saved, TRUE));
+        EXPECT_EQ(S_FALSE, m_config->IsDirty());
+        EXPECT_EQ(S_OK, SetRow(row));
+        EXPECT_EQ(S_OK, m_config->IsDirty()) << &row - rows;
+    }
+}
+
+TEST_F(DirtyParameters, AnAttachmentMakesTheFilterDirty) {
+    EXPECT_EQ(S_OK, Attach({nullptr, nullptr, nullptr, 0, nullptr, 1}));
+    EXPECT_EQ(S_OK, m_config->IsDirty());
+}
+
+TEST_F(DirtyParameters, WhatIsThereAlreadyAndWhatIsIgnoredLeaveTheFilterClean) {
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 0));
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 2));
+    OwnedRow read;
+    read.row.index = 5;
+    ASSERT_EQ(S_OK, GetRow(read.row));
+    EXPECT_EQ(S_OK, SetRow(read.row));
+    EXPECT_EQ(E_INVALIDARG, SetRow({100, 0, 0, 0, nullptr, nullptr, -1}));
+    EXPECT_EQ(S_OK, SetLogDirectory(nullptr)); // not persisted
+    EXPECT_EQ(S_FALSE, m_config->IsDirty());
+}
+
+TEST_F(DirtyParameters, LoadingAConfigurationLeavesTheFilterClean) {
+    MemoryStream saved;
+    ASSERT_EQ(S_OK, m_config->Save(&saved, FALSE));
+    saved.SetBytes(saved.Bytes());
+    EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
+    EXPECT_EQ(S_OK, m_config->Load(&saved));
+    EXPECT_EQ(S_FALSE, m_config->IsDirty());
 }
 
 } // namespace

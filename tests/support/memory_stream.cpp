@@ -138,6 +138,7 @@ ULONG MemoryStream::Release() {
 }
 
 HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     const UINT64 start = m_position;
     HRESULT result = FailureDue(StreamOperation::Read);
@@ -180,6 +181,7 @@ HRESULT MemoryStream::WriteAtPosition(const BYTE* bytes, ULONG size) {
 }
 
 HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     if (written != nullptr) {
         *written = 0;
@@ -223,6 +225,7 @@ HRESULT MemoryStream::MoveTo(INT64 move, DWORD origin) {
 }
 
 HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) {
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     HRESULT result = FailureDue(StreamOperation::Seek);
     if (SUCCEEDED(result)) {
@@ -235,6 +238,7 @@ HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* new
 }
 
 HRESULT MemoryStream::SetSize(ULARGE_INTEGER size) {
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     HRESULT result = FailureDue(StreamOperation::SetSize);
     if (SUCCEEDED(result) && size.QuadPart > m_capacity) {
@@ -251,6 +255,7 @@ HRESULT MemoryStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_I
 }
 
 HRESULT MemoryStream::Commit(DWORD) {
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     return Record({StreamOperation::Other, m_position, 0, 0, 0, FailureDue(StreamOperation::Other)});
 }
@@ -271,6 +276,7 @@ HRESULT MemoryStream::Stat(STATSTG* stat, DWORD) {
     if (stat == nullptr) {
         return STG_E_INVALIDPOINTER;
     }
+    m_everyCall();
     const std::lock_guard guard(m_lock);
     *stat = {};
     const HRESULT result = FailureDue(StreamOperation::Stat);

@@ -6,6 +6,7 @@
 // leaves the count as it was, and a Seek that fails puts a wrong position: neither may be believed.
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -45,6 +46,10 @@ class MemoryStream final : public IStream {
     void SetCapacity(UINT64 bytes);
     // Switches the list of calls off and on; the counters of FailNth go on.
     void SetRecording(bool record);
+
+    // Called at the begin of every Read, Write, Seek, SetSize, Commit and Stat, on the caller's thread and outside the
+    // lock. Set before the stream is used.
+    void OnEveryCall(std::function<void()> hook) { m_everyCall = std::move(hook); }
 
     void SetBytes(std::vector<BYTE> bytes); // and goes to the start
     [[nodiscard]] std::vector<BYTE> Bytes() const;
@@ -94,6 +99,8 @@ class MemoryStream final : public IStream {
 
     IUnknown* const m_outer; // not owned; null when this object is one of its own
     ReferenceCount m_references{"a memory stream"};
+
+    std::function<void()> m_everyCall = [] {};
 
     mutable std::mutex m_lock; // guards all below
     std::vector<BYTE> m_bytes;
