@@ -44,8 +44,9 @@ class WineProcess:
     def __init__(self, *command, **more):
         self.output = tempfile.TemporaryFile()
         self.errors = tempfile.TemporaryFile()
+        environment = {**wine_environment(), **more.pop("environment", {})}
         more = {"stdin": subprocess.DEVNULL, "stdout": self.output, "stderr": self.errors, **more}
-        self.process = subprocess.Popen([WINE, *map(str, command)], env=wine_environment(), **more)
+        self.process = subprocess.Popen([WINE, *map(str, command)], env=environment, **more)
         self.pid = self.process.pid
 
     def is_running(self):

@@ -6,6 +6,7 @@
 
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/file_bytes.h"
+#include "tools/mkvmux/language_spelling.h"
 #include "tools/mkvmux/mime_types.h"
 #include "tools/mkvmux/text.h"
 
@@ -74,6 +75,24 @@ Attachment Load(const AttachmentOptions& file) {
     return attachment;
 }
 
+bool CannotBeSpelt(const TrackOptions& change) {
+    return change.language && !SpellingForMuxer(*change.language);
+}
+
+// The muxer reads a language in the code page of the thread that starts the run, which is this one.
+void SpellLanguages(std::vector<TrackOptions>& changes) {
+    if (std::any_of(changes.begin(), changes.end(), CannotBeSpelt)) {
+        UseCodePageOfTheList();
+    }
+    for (TrackOptions& change : changes) {
+        if (CannotBeSpelt(change)) {
+            throw Failure("the language '" + Utf8FromWide(*change.language) +
+                          "' has no letters in the code page of this system that the muxer would find it by");
+        }
+        change.language = change.language ? SpellingForMuxer(*change.language) : std::nullopt;
+    }
+}
+
 bool SaysAnything(const TrackOptions& change) {
     return change.name || change.language || change.makeDefault || change.disable;
 }
@@ -85,10 +104,15 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
         console.Warn(warning);
     }
     WarnOfTracksThatAreNotThere(graph, options, console);
+    std::vector<TrackOptions> changes;
+    for (const SourceStream& stream : graph.Streams()) {
+        changes.push_back(ChangeOf(stream, options));
+    }
+    SpellLanguages(changes);
     bool anyEnabled = false;
     for (size_t input = 0; input < graph.Streams().size(); ++input) {
         const SourceStream& stream = graph.Streams()[input];
-        const TrackOptions change = ChangeOf(stream, options);
+        const TrackOptions& change = changes[input];
         if (SaysAnything(change) && !settings.ChangeTrack(input, change)) {
             console.Warn(TrackText(stream.number) + ": the muxer has no settings for input " + std::to_string(input) +
                          "; what was said of the track is ignored");

@@ -15,10 +15,7 @@ constexpr UINT kListCodePage = 1252;
 constexpr size_t kMaxSuggestions = 3;
 
 std::wstring Widen(std::string_view text) {
-    std::wstring wide(text.size(), L'\0'); // one character a byte
-    MultiByteToWideChar(kListCodePage, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                        static_cast<int>(wide.size()));
-    return wide;
+    return WideFromCodePage(kListCodePage, text);
 }
 
 std::wstring Lower(std::wstring_view text) {

@@ -1,5 +1,6 @@
 // LanguageChoice: finds the language that a user means in the list of ISO 639-2.
 //
+// Names are what users read and write, in any code page of the system; LanguageSpelling has the muxer's form of them.
 // Threads: any. Errors: an unknown language is no answer; NearestLanguages helps the user on.
 #pragma once
 

@@ -9,6 +9,7 @@
 #include "tools/mkvmux/graph_stopper.h"
 #include "tools/mkvmux/identify.h"
 #include "tools/mkvmux/interruption.h"
+#include "tools/mkvmux/language_check.h"
 #include "tools/mkvmux/mux_graph.h"
 #include "tools/mkvmux/mux_run.h"
 #include "tools/mkvmux/muxer_loader.h"
@@ -83,6 +84,7 @@ void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& set
     if (options.showProperties) {
         ShowPropertyPages(graph.Muxer().Get()); // before the configuration is saved, which shall hold what is set there
     }
+    CheckLanguages(graph, settings, console);
     if (!options.saveConfig.empty()) {
         settings.SaveTo(options.saveConfig, options.overwrite);
     }

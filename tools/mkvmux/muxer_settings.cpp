@@ -118,6 +118,14 @@ bool MuxerSettings::ChangeTrack(size_t input, const TrackOptions& change) {
     return SUCCEEDED(Set(MKVMUX_TrackInfo, ReferenceTo(&row)));
 }
 
+std::optional<std::wstring> MuxerSettings::LanguageOf(size_t input) const {
+    OwnedRow row;
+    if (FAILED(GetRow(input, row))) {
+        return {};
+    }
+    return row.language == nullptr ? std::wstring() : std::wstring(row.language);
+}
+
 bool MuxerSettings::IsEnabled(size_t input) const {
     OwnedRow row;
     return FAILED(GetRow(input, row)) || row.bEnabled != 0;

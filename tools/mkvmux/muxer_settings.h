@@ -3,6 +3,7 @@
 // Owner: holds the interface; the muxer's module must outlive it. Threads: one. Errors: Failure.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -31,6 +32,8 @@ class MuxerSettings {
     void LogTo(const std::wstring& directory);
     // False when the muxer has no settings row for that input, in which case nothing is changed.
     [[nodiscard]] bool ChangeTrack(size_t input, const TrackOptions& change);
+    // As the muxer is told it; nothing for an input without a row.
+    [[nodiscard]] std::optional<std::wstring> LanguageOf(size_t input) const;
     // An input without a row is written.
     [[nodiscard]] bool IsEnabled(size_t input) const;
     void Attach(Attachment attachment);

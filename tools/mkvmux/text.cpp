@@ -52,13 +52,17 @@ std::string Utf8FromWide(std::wstring_view text) {
 }
 
 std::wstring WideFromUtf8(std::string_view text) {
+    return WideFromCodePage(CP_UTF8, text);
+}
+
+std::wstring WideFromCodePage(UINT codePage, std::string_view text) {
     if (text.empty()) {
         return {};
     }
     const int narrowLength = static_cast<int>(text.size());
-    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), narrowLength, nullptr, 0);
+    const int length = MultiByteToWideChar(codePage, 0, text.data(), narrowLength, nullptr, 0);
     std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), narrowLength, wide.data(), length);
+    MultiByteToWideChar(codePage, 0, text.data(), narrowLength, wide.data(), length);
     return wide;
 }
 

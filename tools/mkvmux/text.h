@@ -11,6 +11,7 @@ namespace mkvmux {
 // Unpaired surrogates, which file names may hold, become U+FFFD.
 [[nodiscard]] std::string Utf8FromWide(std::wstring_view text);
 [[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
+[[nodiscard]] std::wstring WideFromCodePage(UINT codePage, std::string_view text);
 
 // What the system says about a result, on one line and without a final full stop: "File not found (0x80070002)".
 [[nodiscard]] std::string DescribeResult(HRESULT result);
