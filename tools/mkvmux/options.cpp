@@ -28,6 +28,7 @@ struct RawOptions {
     std::string saveConfig;
     std::string loadConfig;
     std::string frameRate;
+    std::string progress = "auto";
     RawTrackOptions tracks;
     std::vector<std::string> attached;
     std::vector<std::string> mimeTypes;
@@ -45,6 +46,24 @@ struct AttachmentArguments {
     CLI::Option* description = nullptr;
 };
 
+// A file that was forgotten makes the next option its name.
+CLI::Validator NoOption() {
+    const auto check = [](const std::string& value) {
+        return value.starts_with('-') ? "'" + value + "' looks like an option; './" + value + "' names a file"
+                                      : std::string();
+    };
+    return CLI::Validator(check, "");
+}
+
+// Texts may begin with anything, but are no options of the program.
+CLI::Validator NoOptionOf(const CLI::App& app) {
+    const auto check = [&app](const std::string& value) {
+        const bool isOption = value.starts_with('-') && app.get_option_no_throw(value) != nullptr;
+        return isOption ? "'" + value + "' is an option" : std::string();
+    };
+    return CLI::Validator(check, "");
+}
+
 // An option that can be given several times, with one value each time.
 CLI::Option* AddRepeatable(CLI::App& app, const char* name, std::vector<std::string>& values, const char* help,
                            const char* type) {
@@ -53,7 +72,8 @@ CLI::Option* AddRepeatable(CLI::App& app, const char* name, std::vector<std::str
 
 void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("-o,--output", raw.output, "the file to write; a name that ends in .webm implies --webm")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NoOption());
     app.add_flag("-y,--yes", options.overwrite, "overwrite what exists");
     app.add_flag("--webm", options.webm, "write the document type webm");
     app.add_option("INPUT", raw.inputs,
@@ -78,6 +98,7 @@ AttachmentArguments DescribeAttachments(CLI::App& app, RawOptions& raw) {
     app.option_defaults()->group("Attachments");
     AttachmentArguments arguments;
     arguments.attach = AddRepeatable(app, "--attach", raw.attached, "attach this file to the output", "FILE");
+    arguments.attach->check(NoOption());
     arguments.mimeType =
         AddRepeatable(app, "--attach-mime", raw.mimeTypes,
                       "the MIME type of the next attachment; without it the extension decides", "TYPE");
@@ -85,6 +106,9 @@ AttachmentArguments DescribeAttachments(CLI::App& app, RawOptions& raw) {
                                    "the name of the next attachment in the output", "NAME");
     arguments.description =
         AddRepeatable(app, "--attach-description", raw.descriptions, "describe the next attachment", "TEXT");
+    for (CLI::Option* const text : {arguments.mimeType, arguments.name, arguments.description}) {
+        text->check(NoOptionOf(app));
+    }
     return arguments;
 }
 
@@ -94,17 +118,19 @@ void DescribeRun(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_flag("--json", options.json, "make --identify answer in JSON");
     app.add_flag("--list-languages", raw.listLanguages, "list the languages with their codes");
     app.add_option("--load-config", raw.loadConfig, "begin with the settings and attachments of this file")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NoOption());
     app.add_option("--save-config", raw.saveConfig, "save the muxer's settings and attachments for --load-config")
-        ->type_name("FILE");
-    app.add_option("--log", raw.logDirectory, "write the muxer's trace log into this directory")->type_name("DIR");
+        ->type_name("FILE")
+        ->check(NoOption());
+    app.add_option("--log", raw.logDirectory, "write the muxer's trace log into this directory")
+        ->type_name("DIR")
+        ->check(NoOption());
     app.add_flag("--properties", options.showProperties, "show the muxer's property pages before running");
     app.add_flag("--no-register", options.noRegister,
                  "load QRX_MKVMuxer.ax from beside the program instead of the registered one");
     app.add_flag("-q,--quiet", options.quiet, "print warnings and errors only");
-    app.add_option("--progress", options.progress, "show the progress: auto, always or never")
-        ->type_name("WHEN")
-        ->transform(CLI::CheckedTransformer(kProgressModes).description(""));
+    app.add_option("--progress", raw.progress, "show the progress: auto, always or never")->type_name("WHEN");
 }
 
 AttachmentArguments Describe(CLI::App& app, Options& options, RawOptions& raw, const std::string& version) {
@@ -158,6 +184,14 @@ std::vector<AttachmentOptions> ReadAttachments(const CLI::App& app, const Attach
     return attachments;
 }
 
+ProgressMode ReadProgressMode(const std::string& text) {
+    const auto mode = kProgressModes.find(text);
+    if (mode == kProgressModes.end()) {
+        throw Failure("--progress: '" + text + "' is not auto, always or never");
+    }
+    return mode->second;
+}
+
 void Complete(Options& options, const RawOptions& raw) {
     options.output = WideFromUtf8(raw.output);
     options.webm = options.webm || EndsInWebm(options.output);
@@ -172,6 +206,7 @@ void Complete(Options& options, const RawOptions& raw) {
         }
         options.frameRate = *rate;
     }
+    options.progress = ReadProgressMode(raw.progress);
     for (const std::string& input : raw.inputs) {
         options.inputs.push_back({WideFromUtf8(input)});
     }

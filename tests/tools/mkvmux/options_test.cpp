@@ -165,7 +165,9 @@ TEST(Options, WhatCannotBeFollowedIsOneLineAndStatus2) {
         {{"-o", "out.mkv"}, "no input is given"},
         {{"a.avi"}, "no output is given"},
         {{"--no-such", "-o", "o", "a.avi"}, "--no-such"},
-        {{"--progress", "sometimes", "-o", "o", "a.avi"}, "sometimes"},
+        {{"--progress", "sometimes", "-o", "o", "a.avi"}, "--progress: 'sometimes' is not auto, always or never"},
+        {{"--progress", "0", "-o", "o", "a.avi"}, "--progress: '0' is not"},
+        {{"--progress", "", "-o", "o", "a.avi"}, "--progress: '' is not"},
         {{"a.avi", "-o"}, "-o"},
         {{"-o", "o", "--track-name", "main", "a"}, "--track-name: 'main' is not TRACK:NAME"},
         {{"-o", "o", "--track-name", "x:main", "a"}, "--track-name: 'x' is no track number"},
@@ -185,6 +187,36 @@ TEST(Options, WhatCannotBeFollowedIsOneLineAndStatus2) {
         EXPECT_THAT(exit.output, HasSubstr(reason));
         EXPECT_EQ(exit.output.find('\n'), std::string::npos) << exit.output;
     }
+}
+
+// A file that is forgotten makes the next option its name.
+TEST(Options, AFileNameThatLooksLikeAnOptionIsRefusedWithTheWayToWriteIt) {
+    for (const std::string option : {"--output", "--save-config", "--load-config", "--log", "--attach"}) {
+        for (const std::string value : {"--webm", "-y", "-", "--no-such", "-film.mkv"}) {
+            const EarlyExit exit = Refused({"-o", "o", option, value, "a.avi"});
+            EXPECT_EQ(exit.status, 2);
+            EXPECT_EQ(exit.output, option + ": '" + value + "' looks like an option; './" + value +
+                                       "' names a file; see mkvmux --help");
+        }
+    }
+    EXPECT_THAT(Refused({"-o--webm", "a.avi"}).output, HasSubstr("'./--webm'"));
+    EXPECT_THAT(Refused({"--output=--webm", "a.avi"}).output, HasSubstr("'./--webm'"));
+    const Options options = Parsed({"-o", "./--webm", "--attach", "./-", "./-a.avi"});
+    EXPECT_EQ(options.output, L"./--webm");
+    EXPECT_EQ(options.attachments.at(0).path, L"./-");
+    EXPECT_FALSE(options.webm);
+}
+
+TEST(Options, ATextThatIsAnOptionIsRefused) {
+    for (const std::string option : {"--attach-name", "--attach-mime", "--attach-description"}) {
+        const EarlyExit exit = Refused({"-o", "o", option, "--attach", "a.txt", "a.avi"});
+        EXPECT_EQ(exit.status, 2);
+        EXPECT_EQ(exit.output, option + ": '--attach' is an option; see mkvmux --help");
+        EXPECT_THAT(Refused({"-o", "o", option, "-y", "--attach", "a.txt", "a.avi"}).output, HasSubstr("'-y' is an"));
+    }
+    EXPECT_EQ(
+        Parsed({"-o", "o", "--attach-description", "- a dash", "--attach", "a.txt", "a"}).attachments.at(0).description,
+        L"- a dash");
 }
 
 } // namespace
