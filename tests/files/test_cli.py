@@ -5,10 +5,11 @@ import pty
 import re
 import select
 import signal
+import subprocess
 import time
 
 from mkvmux_case import MkvmuxCase, cinepak_avi, long_mkv, long_video_avi, make_input, pcm_wave, raw_avi, sound
-from wine_process import WAIT_SECONDS
+from wine_process import BUILD, HOST_NOISE, WAIT_SECONDS
 
 
 class CommandLine(MkvmuxCase):
@@ -69,6 +70,16 @@ class CommandLine(MkvmuxCase):
         run = self.mkvmux("-q", "-o", self.directory / "out.mkv", raw_avi())
         self.assertEqual((run.status, run.output, run.error_lines), (0, "", []))
         self.assert_decodes(self.directory / "out.mkv")
+
+    def test_quiet_keeps_the_build_tool_quiet_too(self):
+        output, said = self.directory / "out.mkv", self.directory / "said.txt"
+        for quiet in ("-q", "--quiet"):
+            with said.open("wb") as file:  # no pipe, which the host's services would keep open
+                status = subprocess.call([BUILD.parent / "dev", "mkvmux", quiet, "-y", "-o", output, pcm_wave()],
+                                         stdin=subprocess.DEVNULL, stdout=file, stderr=file)
+            lines = [line for line in said.read_text().splitlines() if not HOST_NOISE.search(line)]
+            self.assertEqual((status, lines), (0, []))
+            self.assert_decodes(output)
 
     def test_progress_never_and_always(self):
         never = self.mkvmux("--progress", "never", "-o", self.directory / "a.mkv", pcm_wave())

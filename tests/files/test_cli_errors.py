@@ -47,13 +47,34 @@ class Failures(MkvmuxCase):
         run = self.mkvmux("-o", self.output, source)
         self.assert_fails_without_output(run, "wma.avi: stream 'Stream 01'", "wave tag 0x0161", "does not take")
 
-    def test_an_output_that_cannot_be_created(self):
-        run = self.mkvmux("-o", self.directory / "no" / "such" / "out.mkv", pcm_wave())
-        self.assert_fails(run, "out.mkv", "cannot be created")
+    def test_an_empty_input(self):
+        empty = self.directory / "empty.avi"
+        empty.touch()
+        for options in (["-o", self.output], ["--identify"]):
+            run = self.mkvmux(*options, pcm_wave(), empty)
+            self.assert_fails_without_output(run, "empty.avi: is empty")
+            self.assertNotIn("GStreamer-CRITICAL", run.errors, "nobody tries to read it")
 
-    def test_an_output_that_is_a_directory(self):
-        run = self.mkvmux("-y", "-o", self.directory, pcm_wave())
-        self.assert_fails(run, str(self.directory), "cannot be created")
+    def test_an_output_in_a_folder_that_is_missing_is_told_before_an_input_is_opened(self):
+        missing = self.directory / "no" / "such"
+        for options in (["-o", missing / "out.mkv"], ["-o", self.output, "--save-config", missing / "out.mkv"]):
+            run = self.mkvmux(*options, pcm_wave())
+            self.assert_fails_without_output(run, "out.mkv: cannot be created: there is no directory", str(missing))
+            self.assertEqual(run.output, "", "no input was opened")
+
+    def test_an_output_that_is_a_directory_is_told_so_with_and_without_leave_to_overwrite(self):
+        for options in ([], ["-y"]):
+            run = self.mkvmux(*options, "-o", self.directory, pcm_wave())
+            self.assert_fails(run, f"{self.directory}: cannot be created: it is a directory")
+            self.assertEqual(run.output, "", "no input was opened")
+
+    def test_a_name_that_is_too_long(self):
+        name = "x" * 256
+        for arguments in (["-o", self.output, name], ["-o", name, pcm_wave()], [f"@{name}"],
+                          ["-o", self.output, "--attach", name, pcm_wave()],
+                          ["-o", self.output, "--load-config", name, pcm_wave()]):
+            with self.subTest(arguments=arguments):
+                self.assert_fails_without_output(self.mkvmux(*arguments), name, "the name is too long")
 
     def test_the_output_is_an_input(self):
         source = self.directory / "same.wav"

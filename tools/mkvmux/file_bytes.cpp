@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/text.h"
 #include "win/handle.h"
 
@@ -14,7 +15,7 @@ constexpr UINT64 kReadStepBytes = UINT64{16} << 20;
 
 [[noreturn]] void FailWithLastError(const std::wstring& path, const char* what) {
     const DWORD error = GetLastError();
-    throw Failure(Utf8FromWide(path) + what + DescribeResult(HRESULT_FROM_WIN32(error)));
+    throw Failure(Utf8FromWide(path) + what + DescribeFileError(path, HRESULT_FROM_WIN32(error)));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "tools/mkvmux/apply_settings.h"
 #include "tools/mkvmux/exit_status.h"
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/graph_stopper.h"
 #include "tools/mkvmux/identify.h"
 #include "tools/mkvmux/interruption.h"
@@ -27,14 +28,7 @@ namespace fs = std::filesystem;
 
 void CheckInputs(const Options& options) {
     for (const InputOptions& input : options.inputs) {
-        const DWORD attributes = GetFileAttributesW(input.path.c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES) {
-            throw Failure(Utf8FromWide(input.path) +
-                          ": cannot be opened: " + DescribeResult(HRESULT_FROM_WIN32(GetLastError())));
-        }
-        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-            throw Failure(Utf8FromWide(input.path) + ": is a directory");
-        }
+        CheckInput(input.path);
     }
 }
 
@@ -141,6 +135,8 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
 
 void Mux(const Options& options, Console& console) {
     CheckInputs(options);
+    CheckPlace(options.output);
+    CheckPlace(options.saveConfig);
     CheckWritten(options.output, "the output", options);
     CheckWritten(options.saveConfig, "the saved configuration", options);
     MuxerLoader loader; // before all that comes from its module

@@ -7,6 +7,7 @@
 #include <shlwapi.h>
 
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/text.h"
 #include "win/bstr.h"
 
@@ -49,7 +50,7 @@ win::ComPtr<IStream> OpenStream(const std::wstring& path, DWORD mode, BOOL creat
     const HRESULT hr = SHCreateStreamOnFileEx(path.c_str(), mode, FILE_ATTRIBUTE_NORMAL, create, nullptr, stream.Put());
     if (FAILED(hr)) {
         throw Failure(Utf8FromWide(path) + (create != FALSE ? ": cannot be created: " : ": cannot be opened: ") +
-                      DescribeResult(hr));
+                      DescribeFileError(path, hr));
     }
     return stream;
 }

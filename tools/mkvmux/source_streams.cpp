@@ -6,6 +6,7 @@
 
 #include "dshow/media_subtypes.h"
 #include "tools/mkvmux/failure.h"
+#include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/graph_walk.h"
 #include "tools/mkvmux/language_choice.h"
 #include "tools/mkvmux/text.h"
@@ -94,6 +95,7 @@ SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
 }
 
 std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
+    CheckInput(path);
     source::OpenedSource opened;
     const OwnSource* const kind = OwnSourceFor(path);
     if (kind != nullptr && SUCCEEDED(kind->open(path, m_options, opened))) {

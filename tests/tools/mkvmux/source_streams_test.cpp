@@ -60,9 +60,20 @@ TEST_F(SourceStreamsTest, AnInputThatNoSplitterTakesIsNamed) {
     const TemporaryFile damaged(L".avi");
     damaged.SetContent("RIFFxxxxAVI and nothing more");
     EXPECT_THAT(FailureOf(damaged.Path()), HasSubstr("no splitter takes it"));
-    const TemporaryFile empty(L".avi");
-    empty.SetContent("");
-    EXPECT_THAT(FailureOf(empty.Path()), HasSubstr("no splitter takes it"));
+}
+
+TEST_F(SourceStreamsTest, AnEmptyInputIsNamedAsSuch) {
+    for (const wchar_t* const extension : {L".avi", L".mkv", L".srt"}) {
+        const TemporaryFile empty(extension);
+        empty.SetContent("");
+        EXPECT_EQ(FailureOf(empty.Path()), Utf8FromWide(empty.Path()) + ": is empty");
+    }
+}
+
+TEST_F(SourceStreamsTest, ANameThatIsTooLongIsNamedAsSuch) {
+    EXPECT_THAT(FailureOf(std::wstring(256, L'x') + L".avi"), HasSubstr("cannot be opened: the name is too long"));
+    EXPECT_THAT(FailureOf(L"folder/" + std::wstring(256, L'x') + L"/a.avi"), HasSubstr("the name is too long"));
+    EXPECT_THAT(FailureOf(std::wstring(250, L'x') + L".avi"), HasSubstr("0x80070002"));
 }
 
 } // namespace
