@@ -61,6 +61,23 @@ const OwnSource* OwnSourceFor(const std::wstring& path) {
     return nullptr;
 }
 
+const OwnSource* OwnSourceFor(ContentKind content) {
+    switch (content) {
+    case ContentKind::Matroska:
+        return &kMatroska;
+    case ContentKind::Avc:
+        return &kAvc;
+    case ContentKind::Hevc:
+        return &kHevc;
+    case ContentKind::SubRip:
+        return &kSrt;
+    case ContentKind::Ass:
+        return &kAss;
+    default:
+        return nullptr;
+    }
+}
+
 const OwnSource& OwnAviSource() {
     return kAvi;
 }

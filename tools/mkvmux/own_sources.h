@@ -1,4 +1,4 @@
-// OwnSources: the source filters of our own, by the names of the files that they read.
+// OwnSources: the source filters of our own, by the names and the contents of the files that they read.
 //
 // Errors: what a source answers when it cannot read the file.
 #pragma once
@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/annexb_source/frame_rate.h"
+#include "tools/mkvmux/content_kind.h"
 #include "tools/source_base/opened_source.h"
 
 namespace mkvmux {
@@ -19,8 +20,10 @@ struct OwnSource {
     HRESULT (*open)(const std::wstring& path, const OwnSourceOptions& options, source::OpenedSource& opened);
 };
 
-// The one for files whose names end like this, which no system splits; null for other names.
+// The one for files whose names end like this; null for other names.
 [[nodiscard]] const OwnSource* OwnSourceFor(const std::wstring& path);
+// The one for this content; null for what the system's splitters come first for, and for what is not known.
+[[nodiscard]] const OwnSource* OwnSourceFor(ContentKind content);
 // The one for AVI files, where the system's splitter fails.
 [[nodiscard]] const OwnSource& OwnAviSource();
 

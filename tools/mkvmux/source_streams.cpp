@@ -9,6 +9,7 @@
 #include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/graph_walk.h"
 #include "tools/mkvmux/language_choice.h"
+#include "tools/mkvmux/splitter_check.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
@@ -97,11 +98,20 @@ SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
 std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
     CheckInput(path);
     source::OpenedSource opened;
-    const OwnSource* const kind = OwnSourceFor(path);
-    if (kind != nullptr && SUCCEEDED(kind->open(path, m_options, opened))) {
-        return OpenWith(*kind, std::move(opened), path);
+    const ContentKind content = KindOfFile(path);
+    // By what it holds, and by its name where that cannot be seen.
+    for (const OwnSource* const kind : {OwnSourceFor(content), OwnSourceFor(path)}) {
+        if (kind != nullptr && SUCCEEDED(kind->open(path, m_options, opened))) {
+            return OpenWith(*kind, std::move(opened), path);
+        }
     }
     std::vector<SourceStream> streams = OpenWithSystem(path);
+    if (const std::string contradiction = ContradictionOf(content, streams); !contradiction.empty()) {
+        throw Failure(Utf8FromWide(path) + ": " + contradiction);
+    }
+    if (const std::string doubt = DurationDoubtOf(streams, path); !doubt.empty()) {
+        m_warnings.push_back(Utf8FromWide(path) + ": " + doubt);
+    }
     const OwnSource& avi = OwnAviSource();
     if (std::all_of(streams.begin(), streams.end(), CanBeStreamed) || FAILED(avi.open(path, m_options, opened))) {
         return streams;

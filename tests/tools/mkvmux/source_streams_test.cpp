@@ -47,6 +47,18 @@ TEST_F(SourceStreamsTest, OpensAFileWhoseNameIsNotInTheCodePage) {
     EXPECT_EQ(FailureOf(file.Path()), "");
 }
 
+TEST_F(SourceStreamsTest, TextIsReadByTheOwnSourceWhateverItsName) {
+    for (const wchar_t* const extension : {L".srt", L".dat", L".avi", L".wav"}) {
+        const TemporaryFile file(extension);
+        file.SetContent("1\n00:00:00,000 --> 00:00:01,000\nA\n");
+        const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
+        const std::vector<SourceStream> streams = SourceStreams(graph.Get()).Open(file.Path());
+        ASSERT_EQ(streams.size(), 1u);
+        EXPECT_TRUE(streams[0].ownReader);
+        EXPECT_EQ(streams[0].readerName, "SubRip");
+    }
+}
+
 TEST_F(SourceStreamsTest, AMissingInputIsNamedWithItsCause) {
     const std::string failure = FailureOf(L"no_such_file.avi");
     EXPECT_THAT(failure, HasSubstr("no_such_file.avi: cannot be opened"));
