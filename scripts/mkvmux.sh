@@ -1,4 +1,27 @@
-# ./dev mkvmux: the command-line tool under Wine. Sourced by ./dev; expects $BUILD.
+# ./dev mkvmux: the command-line tool under Wine. Sourced by ./dev; expects `say`, $BUILD.
+
+# run_interruptible COMMAND…: a Windows program hears of Ctrl-C alone, so the signals that end a program and those of a
+# closed terminal are passed on as one; the program itself does not get them. A program that Ctrl-C reached while Wine
+# was still starting it ends with 0, or never knew: that is no success.
+run_interruptible() {
+  local pid status told=
+  env --default-signal=INT --ignore-signal=TERM --ignore-signal=HUP "$@" <&0 &
+  pid=$!
+  trap 'told=1' INT # the terminal tells the program, too
+  trap 'told=1; kill -INT "$pid"' TERM HUP
+  while :; do
+    wait "$pid"
+    status=$?
+    # A signal that is trapped ends the wait, not the program.
+    kill -0 "$pid" 2>/dev/null || break
+  done
+  trap - INT TERM HUP
+  if [ -n "$told" ] && [ "$status" -eq 0 ]; then
+    printf 'mkvmux: error: interrupted, but not in time to be noticed; the output may be there or not\n' >&2
+    return 2
+  fi
+  return "$status"
+}
 
 # asks_for_quiet ARGUMENT…: whether one of them is -q or --quiet.
 asks_for_quiet() {
@@ -23,5 +46,5 @@ build_mkvmux_quietly() {
 verb_mkvmux() {
   if asks_for_quiet "$@"; then build_mkvmux_quietly; else build_mkvmux; fi
   need_wine_prefix
-  exec "$WINE" "$BUILD/windows/bin/mkvmux.exe" --no-register "$@"
+  run_interruptible "$WINE" "$BUILD/windows/bin/mkvmux.exe" --no-register "$@"
 }

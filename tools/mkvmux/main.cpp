@@ -8,6 +8,7 @@
 #include "tools/mkvmux/exit_status.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/identify.h"
+#include "tools/mkvmux/interruption.h"
 #include "tools/mkvmux/mux_job.h"
 #include "tools/mkvmux/options.h"
 #include "tools/mkvmux/text.h"
@@ -18,7 +19,7 @@ namespace {
 
 using namespace mkvmux;
 
-int Follow(const Options& options) {
+int Follow(const Options& options, Interruption& interruption) {
     Console console(options.quiet);
     // Multithreaded, since nobody here pumps messages.
     const win::ComApartment apartment(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
@@ -26,9 +27,11 @@ int Follow(const Options& options) {
         throw Failure("COM cannot be initialised: " + DescribeResult(apartment.Entered()));
     }
     if (options.identify) {
-        Console::Print(Identify(options));
+        const std::string identified = Identify(options);
+        interruption.Check();
+        Console::Print(identified);
     } else {
-        Mux(options, console);
+        Mux(options, interruption, console);
     }
     return console.HasWarned() ? kExitDoneWithWarnings : kExitDone;
 }
@@ -42,13 +45,14 @@ int Leave(const EarlyExit& exit) {
 
 int wmain(int count, wchar_t** arguments) {
     try {
+        Interruption interruption; // before all else: an interruption that nobody watches may look like success
         std::vector<std::string> utf8;
         for (int i = 1; i < count; ++i) {
             utf8.push_back(Utf8FromWide(arguments[i]));
         }
         const auto parsed = ParseOptions(utf8, QRX_VERSION);
         const Options* const options = std::get_if<Options>(&parsed);
-        return options != nullptr ? Follow(*options) : Leave(std::get<EarlyExit>(parsed));
+        return options != nullptr ? Follow(*options, interruption) : Leave(std::get<EarlyExit>(parsed));
     } catch (const std::exception& error) {
         Console::Fail(error.what());
         return kExitFailed;

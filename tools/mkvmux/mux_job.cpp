@@ -1,6 +1,5 @@
 #include "tools/mkvmux/mux_job.h"
 
-#include <filesystem>
 #include <set>
 
 #include "tools/mkvmux/apply_settings.h"
@@ -9,7 +8,7 @@
 #include "tools/mkvmux/file_checks.h"
 #include "tools/mkvmux/graph_stopper.h"
 #include "tools/mkvmux/identify.h"
-#include "tools/mkvmux/interruption.h"
+#include "tools/mkvmux/input_guard.h"
 #include "tools/mkvmux/language_check.h"
 #include "tools/mkvmux/mux_graph.h"
 #include "tools/mkvmux/mux_run.h"
@@ -17,34 +16,15 @@
 #include "tools/mkvmux/muxer_settings.h"
 #include "tools/mkvmux/progress_display.h"
 #include "tools/mkvmux/property_pages.h"
-#include "tools/mkvmux/same_file.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 void CheckInputs(const Options& options) {
     for (const InputOptions& input : options.inputs) {
         CheckInput(input.path);
-    }
-}
-
-// An input that is written as well would be gone before it is read.
-void CheckWritten(const std::wstring& path, const char* purpose, const Options& options) {
-    std::error_code error;
-    if (path.empty() || !fs::exists(path, error)) {
-        return;
-    }
-    for (const InputOptions& input : options.inputs) {
-        if (IsSameFile(input.path, path)) {
-            throw Failure(Utf8FromWide(path) + ": is an input and cannot be " + purpose);
-        }
-    }
-    if (!options.overwrite) {
-        throw Failure(Utf8FromWide(path) + ": exists already (-y overwrites it)");
     }
 }
 
@@ -71,17 +51,20 @@ void PrepareMuxer(const Options& options, MuxerSettings& settings) {
     }
 }
 
+void SaveConfiguration(const Options& options, const MuxerSettings& settings, Interruption& interruption) {
+    interruption.Enter(Interruption::Stage::Saving);
+    settings.SaveTo(options.saveConfig, options.overwrite);
+    interruption.Enter(Interruption::Stage::Preparing);
+}
+
 void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
     ApplyTrackSettings(graph, options, settings, console);
     CarryAttachments(graph, options, settings);
     AttachFiles(options, settings);
     if (options.showProperties) {
-        ShowPropertyPages(graph.Muxer().Get()); // before the configuration is saved, which shall hold what is set there
+        ShowPropertyPages(graph.Muxer().Get());
     }
     CheckLanguages(graph, settings, console);
-    if (!options.saveConfig.empty()) {
-        settings.SaveTo(options.saveConfig, options.overwrite);
-    }
 }
 
 ProgressDisplay MakeDisplay(const Options& options) {
@@ -133,12 +116,11 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
 
 } // namespace
 
-void Mux(const Options& options, Console& console) {
+void Mux(const Options& options, Interruption& interruption, Console& console) {
     CheckInputs(options);
     CheckPlace(options.output);
     CheckPlace(options.saveConfig);
-    CheckWritten(options.output, "the output", options);
-    CheckWritten(options.saveConfig, "the saved configuration", options);
+    CheckWrittenFiles(options);
     MuxerLoader loader; // before all that comes from its module
     MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
     MuxerSettings settings(graph.Muxer());
@@ -146,10 +128,14 @@ void Mux(const Options& options, Console& console) {
     graph.UseFrameRate(options.frameRate);
     for (const InputOptions& input : options.inputs) {
         graph.AddInput(input.path, DisabledTracks(options));
+        interruption.Check();
     }
     Configure(graph, options, settings, console);
+    if (!options.saveConfig.empty()) {
+        SaveConfiguration(options, settings, interruption); // with what was set in the property pages
+    }
     ListTracks(graph, settings, console);
-    const Interruption interruption;
+    interruption.Enter(Interruption::Stage::Running);
     graph.OpenOutput(options.output, options.overwrite);
     Run(graph, options, interruption, console);
 }

@@ -2,11 +2,12 @@
 #pragma once
 
 #include "tools/mkvmux/console.h"
+#include "tools/mkvmux/interruption.h"
 #include "tools/mkvmux/options.h"
 
 namespace mkvmux {
 
 // Muxes the inputs into the output and says on the console how it goes. Throws Failure.
-void Mux(const Options& options, Console& console);
+void Mux(const Options& options, Interruption& interruption, Console& console);
 
 } // namespace mkvmux

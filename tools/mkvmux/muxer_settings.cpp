@@ -156,7 +156,7 @@ void MuxerSettings::Attach(Attachment attachment) {
 }
 
 void MuxerSettings::SaveTo(const std::wstring& path, bool overwrite) const {
-    const std::wstring unfinished = path + L".part";
+    const std::wstring unfinished = UnfinishedName(path);
     const DWORD whenItExists = overwrite ? STGM_CREATE : STGM_FAILIFTHERE;
     win::ComPtr<IStream> stream = OpenStream(unfinished, STGM_WRITE | whenItExists | STGM_SHARE_EXCLUSIVE, TRUE);
     HRESULT hr = OleSaveToStream(m_config.Get(), stream.Get());

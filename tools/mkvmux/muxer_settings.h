@@ -38,6 +38,10 @@ class MuxerSettings {
     [[nodiscard]] bool IsEnabled(size_t input) const;
     void Attach(Attachment attachment);
 
+    // What LogTo writes in its directory, and what SaveTo writes before it replaces the file.
+    static constexpr const wchar_t* kLogFileName = L"QRX_MKVMuxer.log";
+    [[nodiscard]] static std::wstring UnfinishedName(const std::wstring& path) { return path + L".part"; }
+
     // The file holds the class identifier and what IPersistStream writes, as OleSaveToStream puts them down. It is
     // replaced at once and whole, or not at all.
     void SaveTo(const std::wstring& path, bool overwrite) const;

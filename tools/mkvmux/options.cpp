@@ -239,6 +239,7 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
     CLI::App app{"Multiplexes the streams of media files into one Matroska or WebM file."};
     const AttachmentArguments attachments = Describe(app, options, raw, version);
     try {
+        options.optionsFiles = OptionsFilesOf(arguments);
         std::vector<std::string> expanded = ExpandOptionsFiles(arguments);
         // The parser takes the arguments from the back.
         std::reverse(expanded.begin(), expanded.end());

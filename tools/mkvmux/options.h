@@ -48,9 +48,10 @@ struct Options {
     annexb::FrameRate frameRate;           // of inputs that do not say
     std::map<size_t, TrackOptions> tracks; // by the number of the track, counted over all inputs from 0
     std::vector<AttachmentOptions> attachments;
-    std::wstring logDirectory; // empty: no trace log
-    std::wstring saveConfig;   // empty: not saved
-    std::wstring loadConfig;   // empty: not loaded
+    std::wstring logDirectory;              // empty: no trace log
+    std::wstring saveConfig;                // empty: not saved
+    std::wstring loadConfig;                // empty: not loaded
+    std::vector<std::wstring> optionsFiles; // that arguments came from
 };
 
 // The command line that was asked for help, the version or the languages, or that cannot be followed.

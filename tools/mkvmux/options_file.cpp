@@ -13,6 +13,10 @@ namespace {
 // More is no list of options, and need not be read to say so.
 constexpr UINT64 kMaxOptionsFileBytes = UINT64{16} << 20;
 
+bool NamesOptionsFile(const std::string& argument) {
+    return argument.starts_with('@');
+}
+
 std::vector<std::string> ArgumentsOf(const std::string& path) {
     const std::string text = ReadWholeFile(WideFromUtf8(path), kMaxOptionsFileBytes);
     const nlohmann::json json = nlohmann::json::parse(text, nullptr, false); // skips a byte order mark by itself
@@ -37,10 +41,20 @@ std::vector<std::string> ArgumentsOf(const std::string& path) {
 
 } // namespace
 
+std::vector<std::wstring> OptionsFilesOf(const std::vector<std::string>& arguments) {
+    std::vector<std::wstring> files;
+    for (const std::string& argument : arguments) {
+        if (NamesOptionsFile(argument)) {
+            files.push_back(WideFromUtf8(argument.substr(1)));
+        }
+    }
+    return files;
+}
+
 std::vector<std::string> ExpandOptionsFiles(const std::vector<std::string>& arguments) {
     std::vector<std::string> expanded;
     for (const std::string& argument : arguments) {
-        if (!argument.starts_with('@')) {
+        if (!NamesOptionsFile(argument)) {
             expanded.push_back(argument);
             continue;
         }

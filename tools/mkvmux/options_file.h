@@ -12,4 +12,7 @@ namespace mkvmux {
 // an "@" inside the file begins a plain argument.
 [[nodiscard]] std::vector<std::string> ExpandOptionsFiles(const std::vector<std::string>& arguments);
 
+// The files that these arguments name.
+[[nodiscard]] std::vector<std::wstring> OptionsFilesOf(const std::vector<std::string>& arguments);
+
 } // namespace mkvmux
