@@ -45,7 +45,8 @@ class CPropTree {
   private:
     static LRESULT CALLBACK TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
     static LRESULT CALLBACK HeaderProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    void OnTreeMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // The item is the one whose value was clicked.
+    void OnTreeMessage(UINT message, WPARAM wParam, HTREEITEM clicked);
     void OnHeaderMessage();
     void OnEditorKey(PropTreeEditorKey key);
 
@@ -70,7 +71,8 @@ class CPropTree {
     void StoreEdit(HTREEITEM item);
     void OpenEditor(HTREEITEM item);
     void PlaceEditor();
-    void FocusClickedEditor(LPARAM position) const;
+    // The item whose value is at the mouse message's position; null when there is none.
+    [[nodiscard]] HTREEITEM ItemOfValueAt(LPARAM position) const;
     void SelectNeighbour(UINT relation) const;
     void LeaveForNextControl() const;
 

@@ -79,6 +79,7 @@ void PropTreeEditor::FillChoices(HFONT font, const PropTreeItem& item) const {
     // Wide enough for every choice, however narrow the value column is.
     const int width = widest + GetSystemMetrics(SM_CXVSCROLL) + dc.Scale(kListPaddingAt96);
     SendMessageW(m_window, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
+    SendMessageW(m_window, CB_SETMINVISIBLE, kMaxVisibleChoices, 0); // themed lists count rows; others do not know it
 }
 
 void PropTreeEditor::Show(const PropTreeItem& item) {
@@ -110,18 +111,29 @@ void PropTreeEditor::Place(const RECT& cell) {
     if (keepsSize) {
         SetWindowPos(m_window, nullptr, cell.left, cell.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     } else if (m_kind == PropItemKind::List) {
-        MoveWindow(m_window, cell.left, cell.top, width, height + OpenListHeight(), TRUE);
+        MoveWindow(m_window, cell.left, cell.top, width, height, TRUE);
+        MakeRoomForOpenList(cell);
         FitClosedList(height);
     } else {
         MoveWindow(m_window, cell.left, cell.top, width, height, TRUE);
     }
 }
 
-// The window of a drop-down list has the height of the open list, too.
+// Of the whole rows that can be seen at once, in their frame.
 int PropTreeEditor::OpenListHeight() const {
     const auto rowHeight = static_cast<int>(SendMessageW(m_window, CB_GETITEMHEIGHT, 0, 0));
     const auto choices = static_cast<int>(SendMessageW(m_window, CB_GETCOUNT, 0, 0));
-    return std::min(choices, kMaxVisibleChoices) * rowHeight + 2 * GetSystemMetrics(SM_CYBORDER);
+    return std::clamp(choices, 1, kMaxVisibleChoices) * rowHeight + 2 * GetSystemMetrics(SM_CYBORDER);
+}
+
+// A drop-down list is sized with its open list in the height, which gets what the closed one leaves. How high the
+// closed one is at that moment is the system's affair: it can be fitted to the cell only afterwards, and the open list
+// keeps its height then.
+void PropTreeEditor::MakeRoomForOpenList(const RECT& cell) const {
+    RECT closed{};
+    GetWindowRect(m_window, &closed);
+    MoveWindow(m_window, cell.left, cell.top, cell.right - cell.left, closed.bottom - closed.top + OpenListHeight(),
+               TRUE);
 }
 
 // The closed height follows from that of the text field, with a frame around it that differs between systems.

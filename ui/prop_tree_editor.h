@@ -44,6 +44,7 @@ class PropTreeEditor {
     void FillChoices(HFONT font, const PropTreeItem& item) const;
     [[nodiscard]] int OpenListHeight() const;
     void FitClosedList(int height) const;
+    void MakeRoomForOpenList(const RECT& cell) const;
 
     HWND m_window = nullptr;
     HFONT m_font = nullptr; // not owned

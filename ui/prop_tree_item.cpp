@@ -4,13 +4,12 @@
 
 namespace {
 
+// What stands in the item reads as its first choice where none is selected, but the first one can be chosen all the
+// same.
 bool SelectChoice(PropTreeItem& item, const std::wstring& text) {
-    if (item.choices.empty()) {
-        return false;
-    }
-    const std::wstring& current = item.selection < item.choices.size() ? item.choices[item.selection] : item.choices[0];
+    const bool isSelected = item.selection < item.choices.size() && item.choices[item.selection] == text;
     const auto found = std::find(item.choices.begin(), item.choices.end(), text);
-    if (text == current || found == item.choices.end()) {
+    if (isSelected || found == item.choices.end()) {
         return false;
     }
     item.selection = static_cast<UINT32>(found - item.choices.begin());

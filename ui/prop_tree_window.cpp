@@ -52,6 +52,8 @@ LRESULT CALLBACK CPropTree::TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPA
     if (message == WM_COMMAND && lParam != 0 && win::FromMessageValue<HWND>(lParam) == tree->m_editor.Window()) {
         return 0; // the tree's procedure would take our editor for the one that it renames labels with
     }
+    // Before the tree moves a row that is in sight only in part under the mouse away.
+    const HTREEITEM clicked = message == WM_LBUTTONDOWN ? tree->ItemOfValueAt(lParam) : nullptr;
     LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
     if (TreeBehind(hwnd) != tree) {
         return result; // gone meanwhile
@@ -60,13 +62,13 @@ LRESULT CALLBACK CPropTree::TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPA
         result |= DLGC_WANTTAB;
     }
     static_cast<void>(ComGuard([&] {
-        tree->OnTreeMessage(message, wParam, lParam);
+        tree->OnTreeMessage(message, wParam, clicked);
         return S_OK;
     }));
     return result;
 }
 
-void CPropTree::OnTreeMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+void CPropTree::OnTreeMessage(UINT message, WPARAM wParam, HTREEITEM clicked) {
     const HWND tree = m_tree;
     PlaceEditor(); // whatever scrolled, opened or closed a branch
     if (message == WM_PAINT) {
@@ -76,9 +78,9 @@ void CPropTree::OnTreeMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (TreeBehind(tree) != this) {
         return;
     }
-    if (message == WM_LBUTTONDOWN) {
-        FocusClickedEditor(lParam);
-    } else if (message == WM_KEYDOWN && (wParam == VK_F2 || wParam == VK_TAB) && m_editor.IsOpen()) {
+    const bool isForEditor = message == WM_LBUTTONDOWN ? clicked != nullptr && clicked == m_editedItem
+                                                       : message == WM_KEYDOWN && (wParam == VK_F2 || wParam == VK_TAB);
+    if (isForEditor && m_editor.IsOpen()) {
         SetFocus(m_editor.Window());
     }
 }
@@ -202,15 +204,12 @@ void CPropTree::PlaceEditor() {
     }
 }
 
-void CPropTree::FocusClickedEditor(LPARAM position) const {
+HTREEITEM CPropTree::ItemOfValueAt(LPARAM position) const {
     TVHITTESTINFO hit{};
     hit.pt = {static_cast<SHORT>(LOWORD(position)), static_cast<SHORT>(HIWORD(position))};
+    const auto item = win::FromMessageValue<HTREEITEM>(Ask(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
     RECT cell{};
-    if (m_editor.IsOpen() &&
-        win::FromMessageValue<HTREEITEM>(Ask(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit))) == m_editedItem &&
-        ValueCell(m_editedItem, cell) && hit.pt.x >= cell.left) {
-        SetFocus(m_editor.Window());
-    }
+    return item != nullptr && ValueCell(item, cell) && hit.pt.x >= cell.left ? item : nullptr;
 }
 
 void CPropTree::OnEditorKey(PropTreeEditorKey key) {

@@ -76,6 +76,25 @@ TEST_F(PropTreeTest, BesideAScrollBarTheEditorEndsWhereTheRowCanBeSeen) {
     EXPECT_EQ(Sides(Driver().ValueCellOf(m_choice)), Sides(Driver().EditorArea()));
 }
 
+TEST_F(PropTreeTest, AClickOnTheValueOfARowThatIsInSightInPartGivesItsEditorTheKeys) {
+    AddManyRows();
+    const LRESULT whole = SendMessageW(m_tree->TreeWindow(), TVM_GETVISIBLECOUNT, 0, 0);
+    // The group and three rows come first.
+    const std::wstring label = L"Row " + std::to_wstring(whole - 4);
+    RECT area = m_host.PageArea();
+    RECT client{};
+    GetClientRect(m_tree->TreeWindow(), &client);
+    const auto rowHeight = static_cast<LONG>(SendMessageW(m_tree->TreeWindow(), TVM_GETITEMHEIGHT, 0, 0));
+    area.bottom += static_cast<LONG>(whole) * rowHeight + rowHeight * 3 / 4 - client.bottom;
+    m_tree->Resize(area);
+    PumpMessages();
+    const LONG top = Driver().RowOf(Driver().Find(L"Group/" + label)).top;
+    Click(label);
+    EXPECT_LT(Driver().RowOf(Driver().Selected()).top, top) << "the row was in sight as a whole";
+    EXPECT_EQ(label, Driver().LabelOf(Driver().Selected()));
+    EXPECT_EQ(Driver().Editor(), GetFocus());
+}
+
 TEST_F(PropTreeTest, TheWheelKeepsTheEditorOverItsCell) {
     AddManyRows();
     Click(L"Name");

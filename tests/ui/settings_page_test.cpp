@@ -147,6 +147,23 @@ TEST_F(SettingsPageTest, ChoosingWebmAndApplyingWritesOneAndMatroskaZero) {
     m_rig.Page().SetObjects(0, nullptr);
 }
 
+TEST_F(SettingsPageTest, ClicksInTheOpenListsChooseWebmAndFalse) {
+    m_config.AddInputs({kVideo});
+    m_rig.Show(&m_config);
+    for (const WCHAR* path : {L"Common/DocType", L"Video/In 0/bEnabled"}) {
+        m_rig.ClickValue(path);
+        const HWND list = m_rig.Tree().DropDown();
+        const auto rowHeight = static_cast<LONG>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+        ClickAt(list, {5, rowHeight + rowHeight / 2});
+        PumpMessages();
+        m_rig.ClickLabel(L"Common");
+    }
+    EXPECT_EQ(S_OK, Apply());
+    ASSERT_EQ(2u, m_config.writes.size());
+    EXPECT_EQ(0, m_config.writes[0].row.enabled);
+    EXPECT_EQ(1u, m_config.writes[1].docType);
+}
+
 TEST_F(SettingsPageTest, ApplyingWithoutAChangeStillWritesEveryShownTrackAndTheDocType) {
     m_config.AddInputs({kVideo, kNotConnected, kSubtitles});
     m_config.docType = 1;
@@ -250,6 +267,24 @@ TEST_F(SettingsPageTest, ALanguageThatIsNotInTheTableShowsAsNoneAndIsKeptUntilAn
     Choose(L"Video/In 0/Track Language", L"Zuni");
     EXPECT_EQ(S_OK, Apply());
     EXPECT_EQ(L"Zuni", m_config.writes[2].row.language);
+}
+
+TEST_F(SettingsPageTest, TheFirstLanguageCanBeChosenForATrackWithoutAKnownOne) {
+    m_config.AddInputs({kVideo, kAudio});
+    m_config.rows[0].language = L"";
+    m_config.rows[1].language = L"Elvish";
+    m_rig.Show(&m_config);
+    for (const WCHAR* path : {L"Video/In 0/Track Language", L"Audio/In 1/Track Language"}) {
+        m_rig.ClickValue(path);
+        PressKey(VK_HOME);
+        PumpMessages();
+        EXPECT_EQ(L"Abkhazian", TextOf(m_rig.Tree().Editor()));
+        m_rig.ClickLabel(L"Audio");
+    }
+    EXPECT_EQ(2, m_rig.Site().changes);
+    EXPECT_EQ(S_OK, Apply());
+    EXPECT_EQ(L"Abkhazian", m_config.writes[0].row.language);
+    EXPECT_EQ(L"Abkhazian", m_config.writes[1].row.language);
 }
 
 TEST_F(SettingsPageTest, NamesOf255And10000CharactersAndSupplementaryOnesSurviveApply) {

@@ -131,6 +131,16 @@ std::vector<std::wstring> TreeDriver::EditorChoices() const {
     return choices;
 }
 
+HWND TreeDriver::DropDown() const {
+    SendMessageW(Editor(), CB_SHOWDROPDOWN, TRUE, 0);
+    PumpMessages();
+    COMBOBOXINFO info{};
+    info.cbSize = sizeof(info);
+    EXPECT_TRUE(GetComboBoxInfo(Editor(), &info));
+    EXPECT_TRUE(IsWindowVisible(info.hwndList));
+    return info.hwndList;
+}
+
 void TreeDriver::ChooseWithKeys(const std::wstring& choice) const {
     const auto choices = EditorChoices();
     const auto indexOf = [&choices](const std::wstring& text) {

@@ -38,6 +38,8 @@ class TreeDriver {
     [[nodiscard]] RECT EditorArea() const;
     [[nodiscard]] std::vector<std::wstring> EditorChoices() const;
 
+    // Opens the list of the list editor, which shows on the same thread.
+    [[nodiscard]] HWND DropDown() const;
     // In the open list editor, with its keys: the first letter, then down to the first choice of that text.
     void ChooseWithKeys(const std::wstring& choice) const;
 
