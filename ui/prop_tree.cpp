@@ -8,7 +8,8 @@
 namespace {
 
 constexpr int kHeaderHeightAt96 = 20;
-constexpr int kRowPadding = 6; // pixels of a row that are not text
+constexpr int kRowPaddingAt96 = 6; // pixels of a row that are not text
+constexpr int kIndentAt96 = 19;    // of a row below its group: what the system takes on a usual screen
 constexpr int kMinColumnWidthAt96 = 24;
 constexpr const WCHAR* kTallText = L"Ggi"; // an ascender, a descender and a dot
 
@@ -78,13 +79,15 @@ bool CPropTree::CreateTree(HWND parent, const RECT& area) {
     SetWindowLongPtrW(m_tree, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_previousProc = win::FromMessageValue<WNDPROC>(
         SetWindowLongPtrW(m_tree, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CPropTree::TreeProc)));
-    SetItemHeight();
+    SetRowGeometry();
     return true;
 }
 
-void CPropTree::SetItemHeight() const {
+// What is no text grows with the resolution as the text and the header do.
+void CPropTree::SetRowGeometry() const {
     const WindowDc dc(m_tree, Font());
-    Ask(TVM_SETITEMHEIGHT, static_cast<WPARAM>(dc.Measure(kTallText).cy + kRowPadding), 0);
+    Ask(TVM_SETITEMHEIGHT, static_cast<WPARAM>(dc.Measure(kTallText).cy + dc.Scale(kRowPaddingAt96)), 0);
+    Ask(TVM_SETINDENT, static_cast<WPARAM>(dc.Scale(kIndentAt96)), 0);
 }
 
 HFONT CPropTree::Font() const {

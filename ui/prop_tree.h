@@ -52,7 +52,7 @@ class CPropTree {
 
     bool CreateHeader(HWND parent, const RECT& area);
     bool CreateTree(HWND parent, const RECT& area);
-    void SetItemHeight() const;
+    void SetRowGeometry() const;
     HTREEITEM Insert(PropTreeItem item);
     [[nodiscard]] HFONT Font() const;
     // Straight to the tree's own procedure, past ours.
@@ -64,7 +64,7 @@ class CPropTree {
     void SetNameWidth(int width);
     // The item's row and the "Value" column; false for an item in a collapsed branch.
     [[nodiscard]] bool ValueCell(HTREEITEM item, RECT& cell) const;
-    void PaintValues() const;
+    void PaintValues(HDC given) const;
     void PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const;
 
     void FollowSelection();

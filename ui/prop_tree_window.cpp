@@ -71,8 +71,8 @@ LRESULT CALLBACK CPropTree::TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPA
 void CPropTree::OnTreeMessage(UINT message, WPARAM wParam, HTREEITEM clicked) {
     const HWND tree = m_tree;
     PlaceEditor(); // whatever scrolled, opened or closed a branch
-    if (message == WM_PAINT) {
-        PaintValues();
+    if (message == WM_PAINT || message == WM_PRINTCLIENT) {
+        PaintValues(win::FromMessageValue<HDC>(static_cast<LONG_PTR>(wParam)));
     }
     FollowSelection();
     if (TreeBehind(tree) != this) {
@@ -130,18 +130,23 @@ bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
     return true;
 }
 
-void CPropTree::PaintValues() const {
+// Into the caller's device context, when it has given one, or onto the screen.
+void CPropTree::PaintValues(HDC given) const {
     RECT client{};
     GetClientRect(m_tree, &client);
-    const WindowDc dc(m_tree, Font());
-    SetBkMode(dc.Get(), TRANSPARENT);
-    SetTextColor(dc.Get(), GetSysColor(COLOR_WINDOWTEXT));
+    const WindowDc screen(m_tree, nullptr);
+    const HDC dc = given != nullptr ? given : screen.Get();
+    const int state = SaveDC(dc);
+    SelectObject(dc, Font());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
     RECT cell{};
     for (HTREEITEM item = Neighbour(TVGN_FIRSTVISIBLE, nullptr);
          item != nullptr && ValueCell(item, cell) && cell.top < client.bottom;
          item = Neighbour(TVGN_NEXTVISIBLE, item)) {
-        PaintValue(dc.Get(), item, cell);
+        PaintValue(dc, item, cell);
     }
+    RestoreDC(dc, state);
 }
 
 void CPropTree::PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const {
@@ -150,8 +155,14 @@ void CPropTree::PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const {
         return;
     }
     FillRect(dc, &cell, GetSysColorBrush(COLOR_WINDOW)); // a long label ends here
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc, &metrics);
     RECT text = cell;
-    text.left += MulDiv(kValueIndentAt96, GetDeviceCaps(dc, LOGPIXELSX), 96);
+    text.left += WindowDc(m_tree, nullptr).Scale(kValueIndentAt96);
+    // In the middle of the row, with an odd pixel below as the tree's own labels have it: on one line with them. In the
+    // row's whole height the system would round by where on the screen the row is.
+    text.top += (cell.bottom - cell.top - metrics.tmHeight) / 2;
+    text.bottom = text.top + metrics.tmHeight;
     const std::wstring& value = ShownValueOf(*record);
     DrawTextW(dc, value.c_str(), static_cast<int>(value.size()), &text,
               DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);

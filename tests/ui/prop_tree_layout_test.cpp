@@ -48,7 +48,7 @@ TEST_F(PropTreeTest, StylesAreThoseOfAPropertyTree) {
     EXPECT_NE(0u, static_cast<DWORD>(header) & WS_BORDER);
 }
 
-TEST_F(PropTreeTest, RowsAreTheTextsHeightAndSixPixels) {
+TEST_F(PropTreeTest, RowsAreTheTextsHeightAndSixPixelsAndAsTheirIndentScaledWithTheScreen) {
     const HWND tree = m_tree->TreeWindow();
     const HDC dc = GetDC(tree);
     const HGDIOBJ previous = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(tree, WM_GETFONT, 0, 0)));
@@ -56,7 +56,8 @@ TEST_F(PropTreeTest, RowsAreTheTextsHeightAndSixPixels) {
     GetTextExtentPoint32W(dc, L"Ggi", 3, &size);
     SelectObject(dc, previous);
     ReleaseDC(tree, dc);
-    EXPECT_EQ(size.cy + 6, SendMessageW(tree, TVM_GETITEMHEIGHT, 0, 0));
+    EXPECT_EQ(size.cy + MulDiv(6, ScreenDpi(), 96), SendMessageW(tree, TVM_GETITEMHEIGHT, 0, 0));
+    EXPECT_EQ(MulDiv(19, ScreenDpi(), 96), SendMessageW(tree, TVM_GETINDENT, 0, 0));
     EXPECT_EQ(SendMessageW(m_host.Window(), WM_GETFONT, 0, 0), SendMessageW(tree, WM_GETFONT, 0, 0));
 }
 
