@@ -8,6 +8,7 @@
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
+#include "mkv/language_lookup.h"
 #include "mkv/language_table.h"
 #include "mkv/writer_errors.h"
 
@@ -23,23 +24,11 @@ UINT64 RandomTrackUid() {
     return static_cast<unsigned>(std::rand()) & kTrackUidMask;
 }
 
-std::string ToAnsi(const WCHAR* text) {
-    const int size = WideCharToMultiByte(CP_THREAD_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    if (size <= 1) {
-        return {};
-    }
-    std::string ansi(static_cast<size_t>(size), '\0');
-    if (WideCharToMultiByte(CP_THREAD_ACP, 0, text, -1, ansi.data(), size, nullptr, nullptr) != size) {
-        return {};
-    }
-    ansi.pop_back(); // the terminator
-    return ansi;
-}
-
 } // namespace
 
 std::string LanguageCodeOf(const TrackSettings& settings) {
-    return settings.language == nullptr ? std::string() : languageCodeByName(ToAnsi(settings.language).c_str());
+    const UINT32 index = FindLanguage(settings.language);
+    return index == kNoLanguageIndex ? std::string() : languageRows()[index].code;
 }
 
 void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvTrack& track) {

@@ -7,8 +7,8 @@
 
 namespace mkv {
 
-// The code of the language as the file has it: looked up by its English name, empty for a name that is not known,
-// cannot be spelled in the ANSI code page, or is absent.
+// The code of the language as the file has it: looked up by its English name as the ANSI code page spells it, empty for
+// a name that is not known or is absent.
 [[nodiscard]] std::string LanguageCodeOf(const TrackSettings& settings);
 
 // Fills the entry; number counts from 1. Throws kUnsupportedTypeError, kUnsupportedCodecError.

@@ -29,15 +29,13 @@ Picture Picture::OfPrint(HWND window) {
 }
 
 Picture Picture::OfPaint(HWND window) {
-    return {window,
-            [window](HDC to, const RECT&) { SendMessageW(window, WM_PAINT, reinterpret_cast<WPARAM>(to), 0); }};
+    return {window, [window](HDC to, const RECT&) { SendMessageW(window, WM_PAINT, reinterpret_cast<WPARAM>(to), 0); }};
 }
 
 Picture Picture::OfText(HWND window, const std::wstring& text) {
     return {window, [&](HDC to, const RECT& client) {
                 FillRect(to, &client, GetSysColorBrush(COLOR_WINDOW));
-                const HGDIOBJ font =
-                    SelectObject(to, reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
+                const HGDIOBJ font = SelectObject(to, reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
                 SetTextColor(to, GetSysColor(COLOR_WINDOWTEXT));
                 SetBkMode(to, TRANSPARENT);
                 TextOutW(to, 5, 5, text.c_str(), static_cast<int>(text.size()));
