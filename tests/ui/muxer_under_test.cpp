@@ -109,7 +109,7 @@ std::vector<BYTE> MuxerUnderTest::WriteFile() {
     for (auto& source : m_sources) {
         EXPECT_EQ(S_OK, source->DeliverEndOfStream());
     }
-    EXPECT_TRUE(m_sink.WaitForEndOfStream(std::chrono::seconds(20)));
+    EXPECT_TRUE(m_sink.WaitForEndOfStream(std::chrono::minutes(2)));
     EXPECT_EQ(S_OK, m_filter->Stop());
     return m_sink.Stream().Bytes();
 }

@@ -83,6 +83,7 @@ class PropertyFrame::PageKeeper final : public IClassFactory {
 PropertyFrame::PropertyFrame(IUnknown* object) : m_thread([this, object] { Run(object); }) {
     EXPECT_TRUE(WaitUntil([this] { return (m_window = FindFrame()) != nullptr; }));
     SetForegroundWindow(m_window);
+    Settle();
 }
 
 PropertyFrame::~PropertyFrame() {
@@ -129,6 +130,15 @@ void PropertyFrame::Apply() {
     });
 }
 
+void PropertyFrame::Paint() const {
+    Settle();
+    RunOnFrameThread([this] {
+        RedrawWindow(m_window, nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        GdiFlush();
+    });
+}
+
 HWND PropertyFrame::Tabs() const {
     return FindWindowExW(m_window, nullptr, WC_TABCONTROLW, nullptr);
 }
@@ -155,11 +165,18 @@ void PropertyFrame::ShowPage(const std::wstring& title) const {
     EXPECT_TRUE(SendMessageW(Tabs(), TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area)));
     ClickAt(Tabs(), MiddleOf(area));
     EXPECT_TRUE(WaitUntil([&] { return SendMessageW(Tabs(), TCM_GETCURSEL, 0, 0) == index; }));
-    // The page lays itself out once more when the frame has settled: behind that message comes ours.
-    static std::atomic<bool> settled;
-    settled = false;
-    PostMessageW(m_caller, kMark, 0, reinterpret_cast<LPARAM>(&settled));
-    EXPECT_TRUE(WaitUntil([] { return settled.load(); }));
+    Settle();
+}
+
+// A page lays itself out once more when the frame has settled, with a message that it posts. The first mark comes back
+// when the frame is done with what it was at, the second one behind what was posted by then.
+void PropertyFrame::Settle() const {
+    for (int mark = 0; mark < 2; ++mark) {
+        static std::atomic<bool> isBack;
+        isBack = false;
+        PostMessageW(m_caller, kMark, 0, reinterpret_cast<LPARAM>(&isBack));
+        EXPECT_TRUE(WaitUntil([] { return isBack.load(); }));
+    }
 }
 
 void PropertyFrame::Click(int id) const {

@@ -30,6 +30,8 @@ class PropertyFrame {
     // Presses Apply. Wine's frame never enables that button, nor does it ever ask a page to apply, OK pressed or not:
     // then the settings page is asked here, on the frame's thread, as the frame of Windows asks it.
     void Apply();
+    // Waits until everything is done and on the screen.
+    void Paint() const;
     // Waits until the frame is gone; what OleCreatePropertyFrame answered.
     HRESULT WaitForEnd();
 
@@ -40,6 +42,8 @@ class PropertyFrame {
 
     [[nodiscard]] HWND Tabs() const;
     void Run(IUnknown* object);
+    // Waits until the frame has done what it has to do.
+    void Settle() const;
     void RunOnFrameThread(const std::function<void()>& call) const;
 
     HWND m_window = nullptr;

@@ -20,18 +20,23 @@ class PropertyFrameTest : public testing::Test {
         tree.ClickValue(path);
         const HTREEITEM item = tree.Find(path);
         ASSERT_TRUE(WaitUntil([&] { return tree.Selected() == item && tree.Editor() != nullptr; }));
+        ASSERT_TRUE(WaitForFocus(tree.Editor()));
     }
-    // Both take the edit over with Enter.
+    // Keys come behind what is sent to the frame's thread: the edit is stored when the tree has them again.
+    static void TakeOver(const TreeDriver& tree) {
+        PressKey(VK_RETURN);
+        ASSERT_TRUE(WaitForFocus(tree.Tree()));
+    }
     static void TypeInto(const TreeDriver& tree, const std::wstring& path, const std::wstring& text) {
         Open(tree, path);
         TypeText(text);
         ASSERT_TRUE(WaitUntil([&] { return TextOf(tree.Editor()) == text; }));
-        PressKey(VK_RETURN);
+        TakeOver(tree);
     }
     static void Choose(const TreeDriver& tree, const std::wstring& path, const std::wstring& choice) {
         Open(tree, path);
         tree.ChooseWithKeys(choice);
-        PressKey(VK_RETURN);
+        TakeOver(tree);
     }
 };
 

@@ -10,8 +10,10 @@ namespace ui_test {
 
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(10);
-constexpr DWORD kQuietMs = 30; // input is on its way no longer than that
+// What is waited for comes at once; this is for the case that it never does.
+constexpr auto kPatience = std::chrono::minutes(2);
+// Input is in the queue when SendInput returns. This is for what the screen's server still has to say about it.
+constexpr DWORD kQuietMs = 30;
 
 void Send(std::vector<INPUT> inputs) {
     for (INPUT& input : inputs) {
@@ -74,6 +76,15 @@ bool PumpUntil(const std::function<bool()>& condition) {
 
 bool WaitUntil(const std::function<bool()>& condition) {
     return Patiently(condition, [] { std::this_thread::sleep_for(std::chrono::milliseconds(10)); });
+}
+
+bool WaitForFocus(HWND window) {
+    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    return WaitUntil([&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof(info);
+        return GetGUIThreadInfo(thread, &info) && info.hwndFocus == window;
+    });
 }
 
 void PressKey(WORD virtualKey, WORD modifier) {

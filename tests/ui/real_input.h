@@ -13,10 +13,12 @@ namespace ui_test {
 
 // Dispatches what waits, dialog keys included, until nothing has come for a moment.
 void PumpMessages();
-// Pumps until the condition holds; false when it does not within ten seconds.
+// Pumps until the condition holds; false when it does not within minutes.
 bool PumpUntil(const std::function<bool()>& condition);
 // The same for a thread whose windows are another's.
 bool WaitUntil(const std::function<bool()>& condition);
+// Waits until the window, which is another thread's, has the keys.
+bool WaitForFocus(HWND window);
 
 // Each key goes down and up; a modifier is held meanwhile.
 void PressKey(WORD virtualKey, WORD modifier = 0);

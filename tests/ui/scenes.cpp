@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <string>
-#include <thread>
 
 #include "tests/ui/muxer_under_test.h"
 #include "tests/ui/property_frame.h"
@@ -15,12 +14,6 @@
 using namespace ui_test;
 
 namespace {
-
-constexpr auto kTimeToPaint = std::chrono::milliseconds(400);
-
-void Settle() {
-    std::this_thread::sleep_for(kTimeToPaint);
-}
 
 void ConnectThreeKinds(MuxerUnderTest& muxer) {
     muxer.ConnectVideo();
@@ -31,26 +24,43 @@ void ConnectThreeKinds(MuxerUnderTest& muxer) {
     muxer.SetTrack(2, {0, 0, 0, L"French", L""});
 }
 
+// Each step waits for what comes of it.
+void OpenEditor(const TreeDriver& tree, const std::wstring& path) {
+    tree.ClickValue(path);
+    EXPECT_TRUE(WaitUntil([&] { return tree.Selected() == tree.Find(path) && tree.Editor() != nullptr; }));
+    EXPECT_TRUE(WaitForFocus(tree.Editor()));
+}
+
+void OpenList(const TreeDriver& tree, const std::wstring& path) {
+    OpenEditor(tree, path);
+    PressKey(VK_F4);
+    EXPECT_TRUE(WaitUntil([&] { return SendMessageW(tree.Editor(), CB_GETDROPPEDSTATE, 0, 0) != FALSE; }));
+}
+
+void Scroll(const TreeDriver& tree, int notches) {
+    const HTREEITEM common = tree.Find(L"Common");
+    const LONG before = tree.RowOf(common).top;
+    TurnWheel(tree.Tree(), {10, 10}, notches);
+    EXPECT_TRUE(WaitUntil([&] { return tree.RowOf(common).top != before; }));
+}
+
 void Prepare(const std::string& scene, PropertyFrame& frame) {
     if (scene == "about") {
         frame.ShowPage(L"About");
         return;
     }
     frame.ShowPage(L"Settings");
-    Settle();
+    const TreeDriver tree = frame.Tree();
     if (scene == "list") {
-        frame.Tree().ClickValue(L"Audio/In 1/Track Language");
-        Settle();
-        PressKey(VK_F4);
+        OpenList(tree, L"Audio/In 1/Track Language");
+    } else if (scene == "choices") {
+        OpenList(tree, L"Common/DocType");
     } else if (scene == "scrolled") {
-        const TreeDriver tree = frame.Tree();
-        TurnWheel(tree.Tree(), {10, 10}, -4);
-        Settle();
-        tree.ClickValue(L"Audio/In 5/Track Name");
-        Settle();
+        Scroll(tree, -4);
+        OpenEditor(tree, L"Audio/In 5/Track Name");
         TypeText(L"Interpreter, booth 5");
-        Settle();
-        TurnWheel(tree.Tree(), {10, 10}, -1);
+        EXPECT_TRUE(WaitUntil([&] { return TextOf(tree.Editor()) == L"Interpreter, booth 5"; }));
+        Scroll(tree, -1);
     }
 }
 
@@ -63,7 +73,7 @@ int main(int argc, char** argv) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     {
         MuxerUnderTest muxer;
-        if (scene == "tracks" || scene == "list") {
+        if (scene == "tracks" || scene == "list" || scene == "choices") {
             ConnectThreeKinds(muxer);
         } else if (scene == "scrolled") {
             muxer.ConnectVideo();
@@ -73,7 +83,7 @@ int main(int argc, char** argv) {
         }
         PropertyFrame frame(muxer.Filter());
         Prepare(scene, frame);
-        Settle();
+        frame.Paint();
         std::puts("ready");
         std::fflush(stdout);
         while (std::getchar() != EOF) {
