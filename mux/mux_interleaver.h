@@ -29,7 +29,7 @@ class CMuxInterleaver {
     // Owned by the interleaver until ClearStreams.
     CMuxInterStream* AddStream();
     void ClearStreams();
-    // Null outside the range.
+    // Null outside the range. Takes no lock: see m_streams.
     [[nodiscard]] CMuxInterStream* StreamAt(INT32 index) const;
     [[nodiscard]] size_t StreamCount() const { return m_streams.size(); }
 
@@ -63,7 +63,9 @@ class CMuxInterleaver {
     int TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet);
     bool SleepUntil(UINT64 deadline);
 
-    mutable win::CriticalSection m_lock; // guards all below, the streams' queues and their flags
+    mutable win::CriticalSection m_lock; // guards the streams' queues and flags, and every change of what is below
+    // The list itself changes only while no producer and no worker runs, so they find their stream in it without the
+    // lock.
     std::vector<std::unique_ptr<CMuxInterStream>> m_streams;
     ManualResetEvent m_stopEvent{false};
     ManualResetEvent m_dataEvent{false}; // set by the first packet ever queued, never reset

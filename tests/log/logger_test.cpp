@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -204,6 +205,48 @@ TEST_F(LoggerTest, InsertionsOfManyThreadsArriveWhole) {
         expected += "[piece]";
     }
     EXPECT_EQ(kOpenBanner + expected + kCloseBanner, LogText());
+}
+
+// What is inserted while another thread closes and opens the log is between two banners or nowhere: never behind the
+// end, never in a file that is no longer ours.
+TEST_F(LoggerTest, InsertionsBesideAThreadThatClosesTheLogStayBetweenTheBanners) {
+    constexpr int kRounds = 300;
+    {
+        CLogger logger;
+        Enable(logger, m_directory.Path());
+        std::atomic<bool> done{false};
+        std::vector<std::thread> writers;
+        for (int i = 0; i < 3; ++i) {
+            writers.emplace_back([&] {
+                while (!done) {
+                    logger << OLESTR("[piece]");
+                }
+            });
+        }
+        for (int round = 0; round < kRounds; ++round) {
+            logger.CloseLog();
+            std::this_thread::yield();
+            Enable(logger, m_directory.Path());
+        }
+        done = true;
+        for (auto& writer : writers) {
+            writer.join();
+        }
+    }
+    const std::string text = LogText();
+    size_t at = 0;
+    const auto take = [&](const std::string& what) {
+        const bool there = text.compare(at, what.size(), what) == 0;
+        at += there ? what.size() : 0;
+        return there;
+    };
+    for (int round = 0; round <= kRounds; ++round) {
+        ASSERT_TRUE(take(kOpenBanner)) << "round " << round << ", at " << text.substr(at, 100);
+        while (take("[piece]")) {
+        }
+        ASSERT_TRUE(take(kCloseBanner)) << "round " << round << ", at " << text.substr(at, 100);
+    }
+    EXPECT_EQ(text.size(), at);
 }
 
 TEST(GlobalLogger, IsOffWhenTheModuleLoads) {

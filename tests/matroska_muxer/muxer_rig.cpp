@@ -4,6 +4,7 @@
 
 #include "dshow/base_object.h"
 #include "tests/support/pin_lookup.h"
+#include "tests/support/watchdog.h"
 
 using namespace test_support;
 
@@ -73,7 +74,7 @@ bool MuxerRig::EndAll() {
     for (auto& input : m_inputs) {
         input->DeliverEndOfStream();
     }
-    return m_sink.WaitForEndOfStream(std::chrono::minutes(1), endsBefore + 1);
+    return m_sink.WaitForEndOfStream(kWatchdog, endsBefore + 1);
 }
 
 const std::vector<BYTE>& MuxerRig::File() {

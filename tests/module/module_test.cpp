@@ -16,6 +16,7 @@
 #include "tests/support/media_types.h"
 #include "tests/support/pin_lookup.h"
 #include "tests/support/program_run.h"
+#include "tests/support/watchdog.h"
 #include "tests/support/written_files.h"
 #include "win/handle.h"
 
@@ -158,7 +159,7 @@ TEST_F(Module, AFileWrittenWithoutRegistrationNamesTheModulesVersion) {
     ASSERT_EQ(S_OK, filter->Pause());
     EXPECT_EQ(S_OK, source.Deliver({1, 2, 3, 4}, 0, 200000));
     EXPECT_EQ(S_OK, source.DeliverEndOfStream());
-    EXPECT_TRUE(sink.WaitForEndOfStream(std::chrono::seconds(20)));
+    EXPECT_TRUE(sink.WaitForEndOfStream(kWatchdog));
     ASSERT_EQ(S_OK, filter->Stop());
     source.Unplug();
     sink.Unplug();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/mux/packet_helpers.h"
+#include "tests/support/watchdog.h"
 
 namespace {
 
@@ -24,7 +25,10 @@ class MuxInterleaverTest : public ::testing::Test {
         stream->Attach(nullptr, kind, interleaved);
         return *stream;
     }
-    int Take(DWORD timeoutMs = 0) { return interleaver.GetNextPacket(taken, timeoutMs); }
+    // For what can be answered at once; the time is up for a product that cannot, never for a slow machine.
+    int Take() { return interleaver.GetNextPacket(taken, test_support::kWatchdogMs); }
+    // For what no time would be enough for.
+    int TakeInVain(DWORD timeoutMs = 1) { return interleaver.GetNextPacket(taken, timeoutMs); }
 
     CMuxInterleaver interleaver;
     std::unique_ptr<CMuxInterPacket> taken;
@@ -74,6 +78,7 @@ TEST_F(MuxInterleaverTest, AStreamKeepsItsOwnOrderWhateverTheTimes) {
     for (const INT64 start : {30, 10, 20}) {
         interleaver.AddPacket(MakePacket(0, start));
     }
+    interleaver.AddPacket(MakeEndOfStream(0));
     std::vector<std::int64_t> starts;
     while (Take() == kMuxOk) {
         starts.push_back(taken->start);
@@ -88,11 +93,10 @@ TEST_F(MuxInterleaverTest, WithAnEmptyInterleavedAudioStreamNothingIsTakenFor40M
         interleaver.AddPacket(MakePacket(0, i));
     }
     const auto begin = steady_clock::now();
-    EXPECT_EQ(kMuxFailed, Take(kTakeTimeoutMs));
+    EXPECT_EQ(kMuxFailed, TakeInVain(kTakeTimeoutMs));
     const auto waited = steady_clock::now() - begin;
     EXPECT_EQ(nullptr, taken);
     EXPECT_GE(waited, milliseconds(20)); // the tick count may advance in steps of 16 ms
-    EXPECT_LT(waited, milliseconds(2000));
     EXPECT_EQ(1000u, interleaver.QueuedPacketCount());
 }
 
@@ -101,11 +105,11 @@ TEST_F(MuxInterleaverTest, WhenTheEmptyAudioStreamEndsTheVideoFlowsAndThenAllHav
     AddStream(MuxStreamKind::Audio);
     interleaver.AddPacket(MakePacket(0, 1));
     interleaver.AddPacket(MakePacket(0, 2));
-    EXPECT_EQ(kMuxFailed, Take());
+    EXPECT_EQ(kMuxFailed, TakeInVain());
     interleaver.AddPacket(MakeEndOfStream(1));
     EXPECT_EQ(kMuxOk, Take());
     EXPECT_EQ(kMuxOk, Take());
-    EXPECT_EQ(kMuxFailed, Take()); // video may still go on
+    EXPECT_EQ(kMuxFailed, TakeInVain()); // video may still go on
     interleaver.AddPacket(MakeEndOfStream(0));
     EXPECT_EQ(kMuxAllEnded, Take());
     EXPECT_EQ(kMuxAllEnded, Take());
@@ -116,13 +120,13 @@ TEST_F(MuxInterleaverTest, WithNoStreamsTheFirstPassSaysThatAllHaveEnded) {
     AddStream(MuxStreamKind::Video);
     interleaver.AddPacket(MakePacket(0, 0));
     interleaver.ClearStreams();
-    EXPECT_EQ(kMuxAllEnded, Take(kTakeTimeoutMs));
+    EXPECT_EQ(kMuxAllEnded, Take());
 }
 
 TEST_F(MuxInterleaverTest, BeforeAnythingWasEverQueuedThereIsNoPassAtAll) {
-    EXPECT_EQ(kMuxFailed, Take(1));
+    EXPECT_EQ(kMuxFailed, TakeInVain(1));
     AddStream(MuxStreamKind::Video);
-    EXPECT_EQ(kMuxFailed, Take(1));
+    EXPECT_EQ(kMuxFailed, TakeInVain(1));
 }
 
 TEST_F(MuxInterleaverTest, AStreamOfKindOtherBlocksItsProducerAsSoonAs2000BytesAreQueued) {
@@ -146,7 +150,7 @@ TEST_F(MuxInterleaverTest, StopWinsEvenIfPacketsAreAvailable) {
     AddStream(MuxStreamKind::Video);
     interleaver.AddPacket(MakePacket(0, 0));
     interleaver.SetStop();
-    EXPECT_EQ(kMuxStopping, Take(kTakeTimeoutMs));
+    EXPECT_EQ(kMuxStopping, Take());
     EXPECT_EQ(nullptr, taken);
     interleaver.ResetStop();
     EXPECT_EQ(kMuxOk, Take());

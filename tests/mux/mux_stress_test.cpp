@@ -10,8 +10,6 @@
 namespace {
 
 using std::chrono::microseconds;
-using std::chrono::milliseconds;
-using std::chrono::seconds;
 using test_support::FakeUpstreamPin;
 
 constexpr int kInputs = 8;
@@ -74,7 +72,7 @@ TEST_F(MuxStressTest, StopAtRandomTimesUnderEightHurriedInputsLeavesNothingBehin
         });
     }
     std::mt19937 random(20240501);
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 60 || delivered <= 1000; ++round) {
         ASSERT_EQ(S_OK, mux->Pause());
         std::this_thread::sleep_for(microseconds(random() % 15000));
         if (random() % 2 == 0) {
@@ -88,7 +86,6 @@ TEST_F(MuxStressTest, StopAtRandomTimesUnderEightHurriedInputsLeavesNothingBehin
     for (auto& thread : threads) {
         thread.join();
     }
-    EXPECT_GT(delivered, 1000);
     CloseMuxer();
 }
 
@@ -109,7 +106,7 @@ TEST_F(MuxStressTest, EveryPacketOfEightInputsArrivesOnceAndInOrder) {
     for (auto& thread : threads) {
         thread.join();
     }
-    ASSERT_TRUE(sink.WaitForEndOfStream(seconds(60)));
+    ASSERT_TRUE(sink.WaitForEndOfStream(test_support::kWatchdog));
     const auto seen = mux->Seen();
     ASSERT_EQ(static_cast<size_t>(kInputs * kPackets), seen.size());
     for (size_t i = 0; i < seen.size(); ++i) {

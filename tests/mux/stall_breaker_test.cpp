@@ -9,6 +9,7 @@
 #include "log/logger.h"
 #include "tests/log/log_directory.h"
 #include "tests/mux/packet_helpers.h"
+#include "tests/support/watchdog.h"
 
 namespace {
 
@@ -86,7 +87,7 @@ TEST_F(StallBreakerTest, APacketQueuedAfterTheSnapshotKeepsTheWaitingFor50Timeou
     EXPECT_FALSE(audio.IsSuspended());
     std::unique_ptr<CMuxInterPacket> packet;
     audio.Suspend();
-    ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(packet, 0));
+    ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(packet, test_support::kWatchdogMs));
     audio.WaitAgain();
     TimeOut(49); // one packet again, as in the snapshot; the 50th timeout compares
     EXPECT_TRUE(audio.IsInterleaved());

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "mux/base_mux.h"
+#include "tests/support/watchdog.h"
 
 // A packet as the concrete muxer saw it.
 struct SeenPacket {
@@ -49,7 +50,7 @@ class TestMuxer final : public CBaseMux {
 
     [[nodiscard]] std::vector<SeenPacket> Seen() const;
     // Waits until so many packets were seen; false when the time is over.
-    [[nodiscard]] bool WaitForPackets(size_t count, std::chrono::milliseconds timeout = std::chrono::seconds(20)) const;
+    [[nodiscard]] bool WaitForPackets(size_t count, std::chrono::milliseconds timeout = test_support::kWatchdog) const;
     int starts = 0;
     int stops = 0;
 

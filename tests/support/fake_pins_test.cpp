@@ -8,6 +8,7 @@
 #include "tests/support/fake_upstream_pin.h"
 #include "tests/support/media_types.h"
 #include "tests/support/pin_lookup.h"
+#include "tests/support/watchdog.h"
 
 namespace test_support {
 namespace {
@@ -95,8 +96,8 @@ TEST(FakePins, WaitingEndsWithTheEventOrWithTheTime) {
         sink.EndOfStream();
         graph.Notify(EC_COMPLETE, S_OK, 7);
     });
-    EXPECT_TRUE(sink.WaitForEndOfStream(10s));
-    EXPECT_TRUE(graph.WaitForEvent(EC_COMPLETE, 10s));
+    EXPECT_TRUE(sink.WaitForEndOfStream(kWatchdog));
+    EXPECT_TRUE(graph.WaitForEvent(EC_COMPLETE, kWatchdog));
     worker.join();
     ASSERT_EQ(graph.EventCount(EC_COMPLETE), 1);
     EXPECT_EQ(graph.Events()[0].parameter2, 7);

@@ -1,12 +1,13 @@
 // Runs a program and waits for it.
 //
-// Threads: any. Errors: a program that cannot be started, or does not end within a minute, is a test failure.
+// Threads: any. Errors: a program that cannot be started, or does not end in time, is a test failure.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "tests/support/watchdog.h"
 #include "win/handle.h"
 #include "win/platform.h"
 
@@ -20,7 +21,7 @@ inline DWORD RunCommand(std::wstring command) {
     const win::KernelHandle owned(process.hProcess);
     const win::KernelHandle thread(process.hThread);
     DWORD status = 99;
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, 60000));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, test_support::kWatchdogMs));
     GetExitCodeProcess(process.hProcess, &status);
     return status;
 }

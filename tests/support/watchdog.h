@@ -6,5 +6,6 @@
 namespace test_support {
 
 inline constexpr std::chrono::minutes kWatchdog{3};
+inline constexpr unsigned kWatchdogMs = 3 * 60 * 1000;
 
 } // namespace test_support
