@@ -28,7 +28,7 @@ bool IsDirectory(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-HRESULT LastError() {
+HRESULT LastResult() {
     const DWORD error = GetLastError();
     return HRESULT_FROM_WIN32(error);
 }
@@ -42,7 +42,7 @@ HRESULT LastError() {
 void CheckInput(const std::wstring& path) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) == FALSE) {
-        throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeFileError(path, LastError()));
+        throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeFileError(path, LastResult()));
     }
     if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         throw Failure(Utf8FromWide(path) + ": is a directory");

@@ -5,13 +5,13 @@
 #include <utility>
 
 #include "mkv/language_table.h"
+#include "tools/mkvmux/language_spelling.h"
 #include "tools/mkvmux/text.h"
 
 namespace mkvmux {
 
 namespace {
 
-constexpr UINT kListCodePage = 1252;
 constexpr size_t kMaxSuggestions = 3;
 
 std::wstring Widen(std::string_view text) {

@@ -4,13 +4,10 @@
 
 #include "mkv/language_table.h"
 #include "tools/mkvmux/text.h"
-#include "win/platform.h"
 
 namespace mkvmux {
 
 namespace {
-
-constexpr UINT kListCodePage = 1252;
 
 // As the muxer narrows a row's language.
 std::string Narrow(std::wstring_view text) {

@@ -11,7 +11,12 @@
 #include <string>
 #include <string_view>
 
+#include "win/platform.h"
+
 namespace mkvmux {
+
+// Of the names in the list.
+inline constexpr UINT kListCodePage = 1252;
 
 // For a name as FindLanguage answers it: that language as the muxer finds it, if need be by another name of the same
 // code. Nothing when no text gives the bytes of any of its names.

@@ -13,12 +13,6 @@ namespace {
 
 constexpr double kMostBeforeTheEndPercent = 99;
 
-REFERENCE_TIME DurationOf(const SourceStream& stream) {
-    const win::ComPtr<IMediaSeeking> seeking = stream.pin.Query<IMediaSeeking>(IID_IMediaSeeking);
-    LONGLONG duration = 0;
-    return seeking && SUCCEEDED(seeking->GetDuration(&duration)) ? duration : 0;
-}
-
 // What the muxer has written so far; 0 when it does not tell.
 REFERENCE_TIME PositionOf(const win::ComPtr<IBaseFilter>& muxer) {
     const win::ComPtr<IModuleConfig> config = muxer.Query<IModuleConfig>(IID_IModuleConfig);
@@ -37,7 +31,7 @@ UINT64 SizeOf(const std::wstring& path) {
 ProgressMeter::ProgressMeter(const MuxGraph& graph) : m_graph(graph) {
     std::set<std::wstring> inputs;
     for (const SourceStream& stream : graph.Streams()) {
-        m_duration = std::max(m_duration, DurationOf(stream));
+        m_duration = std::max(m_duration, stream.Duration());
         if (inputs.insert(stream.input).second) {
             m_inputBytes += SizeOf(stream.input);
         }

@@ -87,6 +87,12 @@ std::string SourceStream::Name() const {
     return Utf8FromWide(input) + ": stream '" + Utf8FromWide(pinName) + "'";
 }
 
+REFERENCE_TIME SourceStream::Duration() const {
+    const win::ComPtr<IMediaSeeking> seeking = pin.Query<IMediaSeeking>(IID_IMediaSeeking);
+    LONGLONG duration = 0;
+    return seeking && SUCCEEDED(seeking->GetDuration(&duration)) ? duration : 0;
+}
+
 SourceStreams::SourceStreams(IGraphBuilder* graph) : m_graph(graph) {
     const HRESULT hr =
         CoCreateInstance(CLSID_FilterMapper2, nullptr, CLSCTX_INPROC_SERVER, IID_IFilterMapper2, m_mapper.PutVoid());

@@ -34,6 +34,8 @@ struct SourceStream {
 
     // "a.avi: stream 'Stream 00'", for messages.
     [[nodiscard]] std::string Name() const;
+    // 0 when nobody tells.
+    [[nodiscard]] REFERENCE_TIME Duration() const;
     [[nodiscard]] bool HasType() const { return type.majortype != GUID_NULL; }
 };
 

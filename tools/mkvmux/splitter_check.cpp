@@ -12,7 +12,7 @@ namespace mkvmux {
 
 namespace {
 
-constexpr double kReferenceTimesPerSecond = 1e7;
+constexpr double kUnitsPerSecond = 1e7;
 
 // What sound of a wave tag looks like in a file of its own.
 ContentKind KindOfTag(WORD tag) {
@@ -65,12 +65,6 @@ std::optional<ByteRates> RatesOf(const WAVEFORMATEX& wave) {
     return isPlain && rate > 0 ? std::optional(ByteRates{rate, rate}) : std::nullopt;
 }
 
-REFERENCE_TIME DurationOf(const SourceStream& stream) {
-    const win::ComPtr<IMediaSeeking> seeking = stream.pin.Query<IMediaSeeking>(IID_IMediaSeeking);
-    LONGLONG duration = 0;
-    return seeking && SUCCEEDED(seeking->GetDuration(&duration)) ? duration : 0;
-}
-
 } // namespace
 
 std::string ContradictionOf(ContentKind content, std::span<const SourceStream> streams) {
@@ -92,7 +86,7 @@ std::string DoubtOf(const AM_MEDIA_TYPE& sound, REFERENCE_TIME duration, UINT64 
     const auto wave = WaveOf(sound);
     const auto rates = wave ? RatesOf(*wave) : std::nullopt;
     const double size = static_cast<double>(fileBytes);
-    const double seconds = static_cast<double>(duration) / kReferenceTimesPerSecond;
+    const double seconds = static_cast<double>(duration) / kUnitsPerSecond;
     if (!rates || duration <= 0 ||
         (size <= kTolerance * seconds * rates->most + kSlackBytes &&
          seconds * rates->least <= kTolerance * size + kSlackBytes)) {
@@ -108,7 +102,7 @@ std::string DoubtOf(const AM_MEDIA_TYPE& sound, REFERENCE_TIME duration, UINT64 
 std::string DurationDoubtOf(std::span<const SourceStream> streams, const std::wstring& path) {
     std::error_code error;
     const UINT64 size = std::filesystem::file_size(path, error);
-    return error || streams.size() != 1 ? std::string() : DoubtOf(streams[0].type, DurationOf(streams[0]), size);
+    return error || streams.size() != 1 ? std::string() : DoubtOf(streams[0].type, streams[0].Duration(), size);
 }
 
 } // namespace mkvmux

@@ -15,7 +15,6 @@ namespace {
 constexpr LCID kEnglish = 0x409;
 constexpr LCID kRussian = 0x419;  // code page 1251
 constexpr LCID kJapanese = 0x411; // code page 932
-constexpr UINT kListCodePage = 1252;
 
 // A thread of another locale has another code page; the test's own gets its locale back.
 class LanguageSpellingTest : public testing::Test {
