@@ -44,11 +44,17 @@ endfunction()
 # What is tested is optimised, the tests themselves need not be: that halves the build.
 set(QRX_TEST_OPTIONS -O0 -g1)
 
+# Sources of every test program.
+set(QRX_TEST_EVERYWHERE)
+if(WIN32)
+  list(APPEND QRX_TEST_EVERYWHERE ${CMAKE_SOURCE_DIR}/tests/support/crash_report.cpp)
+endif()
+
 # qrx_test(NAME SOURCES … LINK …): one GoogleTest program; ./dev test and ./dev sanitize run every program
 # in build/*/bin whose name begins with test_.
 function(qrx_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
-  add_executable(test_${name} ${arg_SOURCES})
+  add_executable(test_${name} ${arg_SOURCES} ${QRX_TEST_EVERYWHERE})
   target_link_libraries(test_${name} PRIVATE ${arg_LINK} test_support gmock_main)
   set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
   target_precompile_headers(test_${name} REUSE_FROM qrx_test_precompiled)

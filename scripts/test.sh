@@ -1,7 +1,7 @@
 # ./dev test: every GoogleTest program under Wine, whole files through mkvmux, and the judges.
 # Sourced by ./dev; expects `die`, `say`, $ROOT, $BUILD.
 
-TEST_TIMEOUT_SECONDS=600
+TEST_TIMEOUT_SECONDS=3600 # a watchdog, far beyond what a loaded machine needs
 tests_passed=0
 tests_failed=0
 
@@ -15,6 +15,23 @@ test_programs() {
 TEST_SCRIPTS=(files codecs players judge_self languages judge) # the judge comes after all that writes files
 TEST_SCRIPTS_AT_ONCE=2
 
+# report_crash LOG: the test that ran last, and what the program itself could say (tests/support/crash_report.cpp).
+report_crash() {
+  local running
+  running=$(tr -d '\r' <"$1" | sed -nE 's/^\[ RUN      \] (.*)/\1/p; s/^\[       OK \] .*//p; s/^\[  FAILED  \] .*//p' | tail -n 1)
+  [ -n "$running" ] && printf 'error: it ended during %s\n' "$running"
+  tr -d '\r' <"$1" | grep -aE '^(crash: |wine: |terminate called|.*what\(\):|Assertion failed)' | head -n 60
+  name_places "$1" "$2"
+}
+
+# name_places LOG PROGRAM: the functions and lines of the program's own addresses.
+name_places() {
+  local addresses
+  mapfile -t addresses < <(tr -d '\r' <"$1" | sed -nE "s/^crash: .*${2##*/}\+.*\((0x[0-9a-f]+)\)\$/\1/p" | head -n 20)
+  [ ${#addresses[@]} -gt 0 ] || return 0
+  x86_64-w64-mingw32-addr2line -Cfpse "$2" "${addresses[@]}"
+}
+
 # run_program NAME [TITLE]: one GoogleTest program; its own summary is what counts, a crash counts as a failure.
 run_program() {
   local name=$1 title=${2:-$1} passed failed status
@@ -27,6 +44,10 @@ run_program() {
   failed=$(tr -d '\r' <"$log" | sed -nE 's/^\[  FAILED  \] ([0-9]+) tests?, listed below.*/\1/p')
   if [ -z "$passed" ] || { [ "$status" -ne 0 ] && [ -z "$failed" ]; }; then
     failed=$((${failed:-0} + 1)) # it did not reach its end
+    report_crash "$log" "$BUILD/windows/bin/test_$name.exe"
+  elif [ "$passed" -eq 0 ] && [ -z "${failed:-}${GTEST_FILTER:-}" ]; then
+    failed=1
+    echo 'error: it has no tests'
   fi
   if [ "${failed:-0}" -gt 0 ]; then
     grep -aE '^\[  FAILED|: Failure|error:' -A6 "$log" | head -n 80
@@ -161,5 +182,9 @@ verb_test() {
     for suite in "${suites[@]}"; do run_suite "$suite"; done
   fi
   printf '%s passed, %s failed\n' "$tests_passed" "$tests_failed"
+  if [ $((tests_passed + tests_failed)) -eq 0 ]; then
+    say "no test ran${GTEST_FILTER:+: none has a name like GTEST_FILTER=$GTEST_FILTER}"
+    return 1
+  fi
   [ "$tests_failed" -eq 0 ]
 }

@@ -14,7 +14,7 @@ from pathlib import Path
 from wine_process import BUILD, WAIT_SECONDS, WineProcess
 
 BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
-RUN_TIMEOUT_SECONDS = 60
+RUN_TIMEOUT_SECONDS = 600  # a watchdog
 
 
 def run_tool(command, **more):

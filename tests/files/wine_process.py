@@ -12,7 +12,7 @@ from pathlib import Path
 
 BUILD = Path(__file__).resolve().parents[2] / "build"
 WINE = os.environ.get("QRX_WINE", "/usr/lib/wine/wine64")
-WAIT_SECONDS = 60
+WAIT_SECONDS = 600  # a watchdog: nothing that goes well takes a tenth of it
 
 # What the host under Wine prints on its own account; everything else on standard error is the program's.
 HOST_NOISE = re.compile(r"GStreamer|ALSA lib|^wine: |^wineserver: |fixme:|err:|^\s*$")

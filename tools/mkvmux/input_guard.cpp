@@ -43,7 +43,8 @@ std::vector<WrittenFile> WrittenFiles(const Options& options) {
                          options.overwrite});
     }
     if (!options.logDirectory.empty()) {
-        files.push_back({(fs::path(options.logDirectory) / MuxerSettings::kLogFileName).native(), "the trace log", true});
+        files.push_back(
+            {(fs::path(options.logDirectory) / MuxerSettings::kLogFileName).native(), "the trace log", true});
     }
     return files;
 }

@@ -21,7 +21,10 @@ namespace {
 using testing::ElementsAre;
 
 constexpr DWORD kShortPatienceMs = 200;
-constexpr std::chrono::milliseconds kLongerThanPatience{500};
+constexpr DWORD kLongPatienceMs = 600'000; // for what stops by itself, however loaded the machine is
+// A muxer takes longer than this, and the rest has this long after it.
+constexpr DWORD kSomePatienceMs = 2000;
+constexpr std::chrono::milliseconds kLongerThanPatience{kSomePatienceMs + 500};
 
 // A filter without pins that does what the test says before it changes its state, and remembers the changes.
 class SteppedFilter final : public CBaseFilter {
@@ -84,17 +87,17 @@ class GraphStopperTest : public test_mkvmux::ComTest {
 
     // A thread that was left behind lets go of the graph a little later.
     static void WaitUntilNothingIsLeft() {
-        for (int i = 0; i < 1000 && CBaseObject::ObjectsActive() != 0; ++i) {
+        for (int i = 0; i < 60'000 && CBaseObject::ObjectsActive() != 0; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     }
 
-    [[nodiscard]] bool Stop() const {
-        return GraphStopper(kShortPatienceMs).Stop(m_control, win::ComPtr<IBaseFilter>(m_muxer.Get()));
+    [[nodiscard]] bool Stop(DWORD patienceMs) const {
+        return GraphStopper(patienceMs).Stop(m_control, win::ComPtr<IBaseFilter>(m_muxer.Get()));
     }
 
     // What waits for the end of another thread's stop gives up after this, so that a failing test ends.
-    static void WaitFor(HANDLE event) { WaitForSingleObject(event, 10'000); }
+    static void WaitFor(HANDLE event) { WaitForSingleObject(event, 600'000); }
 
     win::KernelHandle m_release{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     win::KernelHandle m_left{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -105,7 +108,7 @@ class GraphStopperTest : public test_mkvmux::ComTest {
 };
 
 TEST_F(GraphStopperTest, StopsEveryFilter) {
-    EXPECT_TRUE(Stop());
+    EXPECT_TRUE(Stop(kLongPatienceMs));
     EXPECT_THAT(m_source->calls, ElementsAre("Pause", "Stop"));
     EXPECT_THAT(m_muxer->calls, ElementsAre("Pause", "Stop"));
 }
@@ -115,7 +118,7 @@ TEST_F(GraphStopperTest, ASourceThatNeverStopsIsLeftBehindOnceTheMuxerHasStopped
         WaitFor(m_release.Get());
         SetEvent(m_left.Get());
     };
-    EXPECT_FALSE(Stop());
+    EXPECT_FALSE(Stop(kShortPatienceMs));
     EXPECT_THAT(m_muxer->calls, ElementsAre("Pause", "Stop"));
     SetEvent(m_release.Get());
     WaitFor(m_left.Get());
@@ -126,18 +129,18 @@ TEST_F(GraphStopperTest, ASourceThatNeverStopsIsLeftBehindOnceTheMuxerHasStopped
 
 TEST_F(GraphStopperTest, TheMuxerGetsAllTheTimeThatItTakes) {
     m_muxer->beforeStopped = [] { std::this_thread::sleep_for(kLongerThanPatience); };
-    EXPECT_TRUE(Stop());
+    EXPECT_TRUE(Stop(kSomePatienceMs));
     EXPECT_THAT(m_source->calls, ElementsAre("Pause", "Stop"));
 }
 
 TEST_F(GraphStopperTest, ASourceThatStopsLateIsWaitedFor) {
-    m_source->beforeStopped = [] { std::this_thread::sleep_for(std::chrono::milliseconds(kShortPatienceMs / 2)); };
-    EXPECT_TRUE(Stop());
+    m_source->beforeStopped = [] { std::this_thread::sleep_for(std::chrono::milliseconds(kShortPatienceMs)); };
+    EXPECT_TRUE(Stop(kLongPatienceMs));
 }
 
 TEST_F(GraphStopperTest, AMuxerThatIsStillToBePausedIsNotStoppedBefore) {
     m_muxer->beforePause = [] { std::this_thread::sleep_for(kLongerThanPatience); };
-    EXPECT_TRUE(Stop());
+    EXPECT_TRUE(Stop(kSomePatienceMs));
     EXPECT_THAT(m_muxer->calls, ElementsAre("Pause", "Stop"));
 }
 

@@ -173,8 +173,7 @@ std::string NameOfKind(const testing::TestParamInfo<DWORD>& kind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, InterruptionTest,
-                         testing::Values<DWORD>(CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_CLOSE_EVENT),
-                         NameOfKind);
+                         testing::Values<DWORD>(CTRL_C_EVENT, CTRL_BREAK_EVENT, CTRL_CLOSE_EVENT), NameOfKind);
 
 class SecondInterruptionTest : public InterruptionTest {};
 
