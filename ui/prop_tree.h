@@ -6,6 +6,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 
 #include "ui/prop_tree_editor.h"
 #include "ui/prop_tree_item.h"
@@ -66,6 +67,11 @@ class CPropTree {
     [[nodiscard]] bool ValueCell(HTREEITEM item, RECT& cell) const;
     void PaintValues(HDC given) const;
     void PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const;
+
+    // Of the item that accessibility knows by that number: its label and its value. None for another number.
+    [[nodiscard]] std::optional<std::wstring> AccessibleName(WPARAM child) const;
+    [[nodiscard]] WPARAM AccessibleNumber(HTREEITEM item) const;
+    LRESULT TellAccessibleName(WPARAM child, LPARAM text) const;
 
     void FollowSelection();
     void StoreEdit(HTREEITEM item);

@@ -1,14 +1,12 @@
-// The windows of CPropTree: its procedures, the painted values, and the editor that follows the selection.
+// The windows of CPropTree: its procedures, what accessibility is told, and the editor that follows the selection.
 #include <cstring>
 
 #include "dshow/com_guard.h"
 #include "ui/prop_tree.h"
-#include "ui/window_dc.h"
+#include "ui/prop_tree_accessible.h"
 #include "win/message_value.h"
 
 namespace {
-
-constexpr int kValueIndentAt96 = 4;
 
 CPropTree* TreeBehind(HWND window) {
     return win::FromMessageValue<CPropTree*>(GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -51,6 +49,14 @@ LRESULT CALLBACK CPropTree::TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPA
     }
     if (message == WM_COMMAND && lParam != 0 && win::FromMessageValue<HWND>(lParam) == tree->m_editor.Window()) {
         return 0; // the tree's procedure would take our editor for the one that it renames labels with
+    }
+    if (message == WM_GETOBJECT && static_cast<LONG>(lParam) == OBJID_CLIENT) {
+        if (const LRESULT object = AccessibleTree(hwnd, wParam)) {
+            return object;
+        }
+    }
+    if (message == kNameOfAccessibleChild) {
+        return tree->TellAccessibleName(wParam, lParam);
     }
     // Before the tree moves a row that is in sight only in part under the mouse away.
     const HTREEITEM clicked = message == WM_LBUTTONDOWN ? tree->ItemOfValueAt(lParam) : nullptr;
@@ -130,42 +136,30 @@ bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
     return true;
 }
 
-// Into the caller's device context, when it has given one, or onto the screen.
-void CPropTree::PaintValues(HDC given) const {
-    RECT client{};
-    GetClientRect(m_tree, &client);
-    const WindowDc screen(m_tree, nullptr);
-    const HDC dc = given != nullptr ? given : screen.Get();
-    const int state = SaveDC(dc);
-    SelectObject(dc, Font());
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    RECT cell{};
-    for (HTREEITEM item = Neighbour(TVGN_FIRSTVISIBLE, nullptr);
-         item != nullptr && ValueCell(item, cell) && cell.top < client.bottom;
-         item = Neighbour(TVGN_NEXTVISIBLE, item)) {
-        PaintValue(dc, item, cell);
-    }
-    RestoreDC(dc, state);
+LRESULT CPropTree::TellAccessibleName(WPARAM child, LPARAM text) const {
+    return SUCCEEDED(ComGuard([&] {
+        const auto name = AccessibleName(child);
+        if (!name) {
+            return E_INVALIDARG;
+        }
+        *win::FromMessageValue<std::wstring*>(text) = *name;
+        return S_OK;
+    }));
 }
 
-void CPropTree::PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const {
-    const PropTreeItem* const record = GetItem(item);
-    if (record == nullptr || record->kind == PropItemKind::Label) {
-        return;
+// Trees of the newer common controls number their items; the older ones give the handle, of which 32 bits travel.
+WPARAM CPropTree::AccessibleNumber(HTREEITEM item) const {
+    const auto number = static_cast<UINT>(Ask(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item), 0));
+    return number != 0 ? number : static_cast<UINT>(reinterpret_cast<UINT_PTR>(item));
+}
+
+std::optional<std::wstring> CPropTree::AccessibleName(WPARAM child) const {
+    for (const auto& [item, record] : m_items) {
+        if (AccessibleNumber(item) == static_cast<UINT>(child)) {
+            return record.kind == PropItemKind::Label ? record.label : record.label + L": " + ShownValueOf(record);
+        }
     }
-    FillRect(dc, &cell, GetSysColorBrush(COLOR_WINDOW)); // a long label ends here
-    TEXTMETRICW metrics{};
-    GetTextMetricsW(dc, &metrics);
-    RECT text = cell;
-    text.left += WindowDc(m_tree, nullptr).Scale(kValueIndentAt96);
-    // In the middle of the row, with an odd pixel below as the tree's own labels have it: on one line with them. In the
-    // row's whole height the system would round by where on the screen the row is.
-    text.top += (cell.bottom - cell.top - metrics.tmHeight) / 2;
-    text.bottom = text.top + metrics.tmHeight;
-    const std::wstring& value = ShownValueOf(*record);
-    DrawTextW(dc, value.c_str(), static_cast<int>(value.size()), &text,
-              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    return {};
 }
 
 void CPropTree::FollowSelection() {
@@ -193,6 +187,7 @@ void CPropTree::StoreEdit(HTREEITEM item) {
     if (!wasOpen || !text || record == m_items.end() || !StoreText(record->second, *text)) {
         return;
     }
+    NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, m_tree, OBJID_CLIENT, static_cast<LONG>(AccessibleNumber(item)));
     NMHDR changed{};
     changed.hwndFrom = m_tree; // code 0, and no control identifier
     SendMessageW(GetParent(m_tree), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&changed));
