@@ -5,6 +5,7 @@
 
 #include "settings/failure.h"
 #include "settings/file_bytes.h"
+#include "settings/file_replace.h"
 #include "settings/xml_layout.h"
 #include "settings/xml_names.h"
 

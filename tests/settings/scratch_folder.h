@@ -27,6 +27,11 @@ class ScratchFolder {
 void WriteFileText(const std::wstring& path, const std::string& text);
 [[nodiscard]] std::string FileText(const std::wstring& path);
 
+// A symbolic link. Where the system makes none, its host is asked to; false when neither does.
+[[nodiscard]] bool MakeFileLink(const std::wstring& link, const std::wstring& target);
+// Not what it leads to, which is there.
+[[nodiscard]] bool RemoveFileLink(const std::wstring& link);
+
 // COM for a suite's thread, as an application has it.
 class ComTest : public ::testing::Test {
   protected:

@@ -166,25 +166,6 @@ TEST_F(XmlBadFile, AFileThatBecomesReadOnlyWhileItIsOpenStaysWholeAndNothingIsLe
     EXPECT_EQ(std::vector<std::wstring>{L"f.xml"}, m_folder.FileNames());
 }
 
-TEST_F(XmlBadFile, ASaveThatCannotBeWrittenLeavesTheOldFileWhole) {
-    ASSERT_TRUE(Saves());
-    const std::string before = FileText(File());
-    // A folder in the place of the file that is written first.
-    const std::wstring inTheWay =
-        File() + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetCurrentThreadId()) + L".tmp";
-    ASSERT_TRUE(CreateDirectoryW(inTheWay.c_str(), nullptr));
-    xml_save_t save(kSettingsPathPrefix);
-    ASSERT_TRUE(save.open_file(L"a", File()));
-    ASSERT_TRUE(save.save_int32(L"v", 2));
-    save.close();
-    EXPECT_EQ(before, FileText(File()));
-    RemoveDirectoryW(inTheWay.c_str());
-    ASSERT_TRUE(save.open_file(L"a", File()));
-    ASSERT_TRUE(save.save_int32(L"v", 2));
-    save.close();
-    EXPECT_NE(before, FileText(File()));
-}
-
 TEST_F(XmlBadFile, TwoSaversAtOnceLeaveOneWholeFile) {
     ASSERT_TRUE(Saves());
     const auto saveOften = [this](std::int32_t value) {
