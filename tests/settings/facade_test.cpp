@@ -95,10 +95,19 @@ TEST_F(Facade, OpeningAFileSelectsXmlWhateverWasOpen) {
 }
 
 TEST_F(Facade, OpeningAKeyWhileAFileIsOpenFailsAndKeepsTheFile) {
+    save_t keySaver;
+    ASSERT_TRUE(keySaver.open_key(m_key.Path(), HKEY_CURRENT_USER));
+    ASSERT_TRUE(keySaver.save_int32(L"v", 9));
     ASSERT_TRUE(m_save.open_file(L"a", File()));
     EXPECT_FALSE(m_save.open_key(m_key.Path(), HKEY_CURRENT_USER));
     EXPECT_EQ(1, m_save.kind());
     EXPECT_TRUE(m_save.save_int32(L"v", 1));
+    m_save.close();
+    EXPECT_EQ((RawValue{REG_DWORD, {9, 0, 0, 0}}), m_key.Read(L"v"));
+    ASSERT_TRUE(m_load.open_file(L"a", File()));
+    EXPECT_FALSE(m_load.open_key(m_key.Path(), HKEY_CURRENT_USER));
+    EXPECT_EQ(1, m_load.kind());
+    EXPECT_EQ(1, m_load.load_int32(L"v", 0));
 }
 
 TEST_F(Facade, ASecondFileIsRefusedUntilTheFirstIsClosed) {
@@ -146,14 +155,20 @@ TEST_F(Facade, EveryHandleIsGivenBackWhetherOpensSucceedOrFail) {
         EXPECT_FALSE(load.open_file(L"a[", File()));
     };
     openAndClose(); // the system keeps some for itself the first time
-    DWORD before = 0;
-    DWORD after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
-    for (int i = 0; i < 20; ++i) {
-        openAndClose();
+    // Its own threads come and go at any time; what is lost here is lost in each round.
+    constexpr int kRounds = 5;
+    int rounds = 0;
+    for (bool grew = true; grew && rounds < kRounds; ++rounds) {
+        DWORD before = 0;
+        DWORD after = 0;
+        GetProcessHandleCount(GetCurrentProcess(), &before);
+        for (int i = 0; i < 20; ++i) {
+            openAndClose();
+        }
+        GetProcessHandleCount(GetCurrentProcess(), &after);
+        grew = after > before;
+        EXPECT_FALSE(grew && rounds + 1 == kRounds) << before << " and then " << after;
     }
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    EXPECT_EQ(before, after);
 }
 
 TEST_F(Facade, AStringOfImpossibleLengthRaisesInvalidArgument) {

@@ -152,9 +152,13 @@ TEST_F(RegistryTest, ValuesOfAnotherTypeOrSizeYieldTheDefault) {
     m_scratch.Write(L"short number", REG_DWORD, {1, 2});
     m_scratch.Write(L"long number", REG_DWORD, {1, 2, 3, 4, 5, 6, 7, 8});
     m_scratch.Write(L"number", REG_DWORD, {1, 2, 3, 4});
+    m_scratch.Write(L"four bytes", REG_BINARY, {1, 2, 3, 4});
+    m_scratch.Write(L"four of text", REG_SZ, BytesOf(L"12"));
+    m_scratch.Write(L"big end first", REG_DWORD_BIG_ENDIAN, {1, 2, 3, 4});
     m_scratch.Write(L"seven", REG_BINARY, {1, 2, 3, 4, 5, 6, 7});
     m_scratch.Write(L"nine", REG_BINARY, {1, 2, 3, 4, 5, 6, 7, 8, 9});
-    for (const wchar_t* const name : {L"text", L"short number", L"long number", L"seven", L"missing"}) {
+    for (const wchar_t* const name : {L"text", L"short number", L"long number", L"seven", L"four bytes",
+                                      L"four of text", L"big end first", L"missing"}) {
         EXPECT_EQ(kFallback, m_load.load_int32(name, kFallback)) << name;
     }
     for (const wchar_t* const name : {L"text", L"number", L"seven", L"nine", L"missing"}) {
@@ -220,6 +224,13 @@ TEST_F(RegistryTest, AnOpenThatTheSystemRefusesLeavesNothingOpen) {
     EXPECT_FALSE(m_load.open_key(L"x", noKey));
     EXPECT_EQ(kFallback, m_load.load_int32(L"v", kFallback));
     EXPECT_EQ((RawValue{REG_DWORD, {1, 0, 0, 0}}), m_scratch.Read(L"v"));
+}
+
+TEST_F(RegistryTest, ASaverAsksToWriteAndToQueryAndForNothingMore) {
+    ASSERT_TRUE(m_save.open_key(m_scratch.Section(L"asked"), HKEY_CURRENT_USER));
+    EXPECT_EQ(std::vector<ACCESS_MASK>{0x20007}, AccessToOpenKeys(m_scratch.Section(L"asked")));
+    m_save.close();
+    EXPECT_TRUE(AccessToOpenKeys(m_scratch.Section(L"asked")).empty());
 }
 
 TEST_F(RegistryTest, WithNoKeyOpenNothingIsLoadedAndNothingSaved) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 
@@ -111,4 +112,57 @@ std::string ScratchKey::Dump() const {
 std::vector<BYTE> BytesOf(const std::wstring& text) {
     const auto* const bytes = reinterpret_cast<const BYTE*>(text.data());
     return {bytes, bytes + text.size() * sizeof(wchar_t)};
+}
+
+namespace {
+
+// The system's own questions about handles and keys, as its driver kit documents them.
+using QueryKey = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+using QueryObject = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+constexpr int kKeyNameInformation = 3;
+constexpr int kObjectBasicInformation = 0;
+
+template <typename Function>
+Function SystemFunction(const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+}
+
+// Empty when the handle is that of no key.
+std::wstring KeyName(HANDLE handle) {
+    static const auto s_query = SystemFunction<QueryKey>("NtQueryKey");
+    struct {
+        ULONG bytes;
+        wchar_t name[1024];
+    } information{};
+    ULONG got = 0;
+    const LONG known = s_query(handle, kKeyNameInformation, &information, sizeof(information), &got);
+    return known == 0 ? std::wstring(information.name, information.bytes / sizeof(wchar_t)) : std::wstring();
+}
+
+ACCESS_MASK AccessOf(HANDLE handle) {
+    static const auto s_query = SystemFunction<QueryObject>("NtQueryObject");
+    struct {
+        ULONG attributes;
+        ACCESS_MASK access;
+        ULONG others[12];
+    } information{};
+    ULONG got = 0;
+    EXPECT_EQ(0, s_query(handle, kObjectBasicInformation, &information, sizeof(information), &got));
+    return information.access;
+}
+
+} // namespace
+
+std::vector<ACCESS_MASK> AccessToOpenKeys(const std::wstring& path) {
+    constexpr std::uintptr_t kLastHandle = 0x10000;
+    std::vector<ACCESS_MASK> access;
+    for (std::uintptr_t value = 4; value < kLastHandle; value += 4) {
+        const auto handle = reinterpret_cast<HANDLE>(value);
+        const std::wstring name = KeyName(handle);
+        const std::size_t tail = name.size() < path.size() ? std::wstring::npos : name.size() - path.size();
+        if (tail != std::wstring::npos && lstrcmpiW(name.c_str() + tail, path.c_str()) == 0) {
+            access.push_back(AccessOf(handle));
+        }
+    }
+    return access;
 }

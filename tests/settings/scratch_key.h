@@ -39,4 +39,7 @@ class ScratchKey {
     HKEY m_key = nullptr;
 };
 
+// What this process may do with the keys that it has open under the path below HKEY_CURRENT_USER.
+[[nodiscard]] std::vector<ACCESS_MASK> AccessToOpenKeys(const std::wstring& path);
+
 [[nodiscard]] std::vector<BYTE> BytesOf(const std::wstring& text);
