@@ -1,9 +1,12 @@
 #include "settings/xml_document.h"
 
-#include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "settings/variant.h"
 #include "settings/xml_names.h"
+#include "settings/xml_nodes.h"
+#include "settings/xml_survey.h"
 #include "settings/xml_value.h"
 
 namespace {
@@ -11,17 +14,6 @@ namespace {
 constexpr std::wstring_view kFreshDocument = L"<XMLSettings version=\"1.0\"></XMLSettings>";
 constexpr std::wstring_view kDeclarationTarget = L"xml";
 constexpr std::wstring_view kDeclarationData = L" version=\"1.0\" encoding=\"UTF-8\"";
-// The older language has words that no element may be named, "and" for one.
-constexpr std::wstring_view kQueryLanguageProperty = L"SelectionLanguage";
-constexpr std::wstring_view kQueryLanguage = L"XPath";
-constexpr std::string_view kDocumentType = "<!DOCTYPE";
-
-// In any encoding that keeps ASCII's bytes, with zeros between them or not.
-bool MentionsDocumentType(const std::string& bytes) {
-    std::string plain = bytes;
-    std::erase(plain, '\0');
-    return plain.find(kDocumentType) != std::string::npos;
-}
 
 win::ComPtr<IStream> StreamOf(const std::string& bytes) {
     win::ComPtr<IStream> stream;
@@ -53,23 +45,25 @@ bool XmlDocument::Create() {
     }
     return SUCCEEDED(m_document->put_async(VARIANT_FALSE)) &&
            SUCCEEDED(m_document->put_validateOnParse(VARIANT_FALSE)) &&
-           SUCCEEDED(m_document->put_resolveExternals(VARIANT_FALSE)) &&
-           SUCCEEDED(m_document->setProperty(win::Bstr(kQueryLanguageProperty).Get(), Variant(kQueryLanguage).Get()));
+           SUCCEEDED(m_document->put_resolveExternals(VARIANT_FALSE));
 }
 
-bool XmlDocument::LoadBytes(const std::string& bytes) {
-    const win::ComPtr<IStream> stream = MentionsDocumentType(bytes) ? nullptr : StreamOf(bytes);
-    if (!stream) {
-        return false;
+LoadStatus XmlDocument::LoadBytes(const std::string& bytes) {
+    if (!IsHarmless(bytes)) {
+        return LoadStatus::Refused;
     }
+    const win::ComPtr<IStream> stream = StreamOf(bytes);
     const Variant source(static_cast<IUnknown*>(stream.Get()));
     VARIANT_BOOL parsed = VARIANT_FALSE;
-    return m_document->load(source.Get(), &parsed) == S_OK && parsed == VARIANT_TRUE && Root();
+    if (!stream || m_document->load(source.Get(), &parsed) != S_OK || parsed != VARIANT_TRUE || !Index()) {
+        return LoadStatus::NoDocument;
+    }
+    return HasDocumentType() ? LoadStatus::Refused : LoadStatus::Loaded;
 }
 
 bool XmlDocument::LoadText(const std::wstring& text) {
     VARIANT_BOOL parsed = VARIANT_FALSE;
-    return m_document->loadXML(win::Bstr(text).Get(), &parsed) == S_OK && parsed == VARIANT_TRUE && Root();
+    return m_document->loadXML(win::Bstr(text).Get(), &parsed) == S_OK && parsed == VARIANT_TRUE && Index();
 }
 
 bool XmlDocument::LoadFresh() {
@@ -94,38 +88,65 @@ bool XmlDocument::HasPlainRoot() const {
 }
 
 win::ComPtr<IXMLDOMElement> XmlDocument::Find(const std::wstring& path) const {
-    return path.empty() ? Root() : ChildElement(Root().Get(), path.substr(1));
+    return m_index->Find(ElementNames(path));
 }
 
 win::ComPtr<IXMLDOMElement> XmlDocument::FindOrCreate(const std::wstring& path) {
-    const auto names = ElementNames(path);
-    win::ComPtr<IXMLDOMElement> deepest = Root();
-    auto name = names.begin();
-    for (; name != names.end(); ++name) {
-        auto child = ChildElement(deepest.Get(), *name);
-        if (!child) {
-            break;
-        }
-        deepest = child;
+    if (auto existing = Find(path)) {
+        return IsXmlValue(existing.Get()) ? nullptr : existing;
     }
-    if (IsXmlValue(deepest.Get())) {
-        return {};
-    }
-    return name == names.end() ? deepest : AppendChain(deepest.Get(), {name, names.end()});
+    const auto created = NewElement(path.substr(path.rfind(L'/') + 1));
+    return created && Append(path, created.Get()) ? created : nullptr;
 }
 
-// The chain is complete before it joins the document.
-win::ComPtr<IXMLDOMElement> XmlDocument::AppendChain(IXMLDOMNode* parent, std::span<const std::wstring> names) {
-    const win::ComPtr<IXMLDOMElement> top = NewElement(names.front());
-    win::ComPtr<IXMLDOMElement> last = top;
-    for (const std::wstring& name : names.subspan(1)) {
-        const auto child = NewElement(name);
-        if (!last || !child || FAILED(last->appendChild(child.Get(), nullptr))) {
-            return {};
-        }
-        last = child;
+bool XmlDocument::Append(const std::wstring& path, IXMLDOMElement* element) {
+    const auto names = ElementNames(path);
+    std::size_t found = 0;
+    const auto deepest = m_index->FindDeepest(names, found);
+    if (found == names.size() || IsXmlValue(deepest.Get())) {
+        return false;
     }
-    return top && SUCCEEDED(parent->appendChild(top.Get(), nullptr)) ? last : nullptr;
+    // The chain is complete before it joins the document.
+    std::vector<win::ComPtr<IXMLDOMElement>> chain;
+    for (std::size_t i = found; i + 1 < names.size(); ++i) {
+        chain.push_back(NewElement(names[i]));
+    }
+    chain.emplace_back(element);
+    for (std::size_t i = 1; i < chain.size(); ++i) {
+        if (!chain[i - 1] || FAILED(chain[i - 1]->appendChild(chain[i].Get(), nullptr))) {
+            return false;
+        }
+    }
+    for (std::size_t i = 0; i < chain.size(); ++i) {
+        m_index->Added(std::span(names).first(found + i + 1), chain[i]);
+    }
+    if (SUCCEEDED(deepest->appendChild(chain.front().Get(), nullptr))) {
+        return true;
+    }
+    m_index->Removed(std::span(names).first(found + 1));
+    return false;
+}
+
+bool XmlDocument::Replace(const std::wstring& path, IXMLDOMElement* element) {
+    const auto existing = Find(path);
+    win::ComPtr<IXMLDOMNode> parent;
+    if (!existing || existing->get_parentNode(parent.Put()) != S_OK ||
+        FAILED(parent->replaceChild(element, existing.Get(), nullptr))) {
+        return false;
+    }
+    m_index->Replaced(ElementNames(path), element);
+    return true;
+}
+
+bool XmlDocument::Remove(const std::wstring& path) {
+    const auto existing = path.empty() ? nullptr : Find(path);
+    win::ComPtr<IXMLDOMNode> parent;
+    if (!existing || existing->get_parentNode(parent.Put()) != S_OK ||
+        FAILED(parent->removeChild(existing.Get(), nullptr))) {
+        return false;
+    }
+    m_index->Removed(ElementNames(path));
+    return true;
 }
 
 win::ComPtr<IXMLDOMElement> XmlDocument::NewElement(const std::wstring& name) {
@@ -147,22 +168,29 @@ bool XmlDocument::SaveBytes(std::string& bytes) const {
     return m_document->save(target.Get()) == S_OK && ReadAll(stream.Get(), bytes);
 }
 
+bool XmlDocument::HasDocumentType() const {
+    win::ComPtr<IXMLDOMDocumentType> type;
+    return m_document->get_doctype(type.Put()) == S_OK;
+}
+
+bool XmlDocument::Index() {
+    auto root = Root();
+    m_index = root ? std::make_unique<ElementIndex>(std::move(root)) : nullptr;
+    return m_index != nullptr;
+}
+
 win::ComPtr<IXMLDOMElement> XmlDocument::Root() const {
     win::ComPtr<IXMLDOMElement> root;
     return m_document->get_documentElement(root.Put()) == S_OK ? root : nullptr;
 }
 
-win::ComPtr<IXMLDOMElement> ChildElement(IXMLDOMNode* parent, const std::wstring& path) {
-    win::ComPtr<IXMLDOMNode> node;
-    if (parent == nullptr || parent->selectSingleNode(win::Bstr(path).Get(), node.Put()) != S_OK) {
-        return {};
-    }
-    return node.Query<IXMLDOMElement>(IID_IXMLDOMElement);
-}
-
 bool HasChildElement(IXMLDOMNode* element) {
-    win::ComPtr<IXMLDOMNode> node;
-    return element->selectSingleNode(win::Bstr(L"*").Get(), node.Put()) == S_OK;
+    bool has = false;
+    ForEachChild(element, [&has](IXMLDOMNode* node) {
+        has = IsElement(node);
+        return !has;
+    });
+    return has;
 }
 
 bool CopyPlainAttributes(IXMLDOMElement* from, IXMLDOMElement* to) {

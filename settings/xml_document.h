@@ -5,23 +5,29 @@
 // Errors: false or null; std::bad_alloc.
 #pragma once
 
-#include <span>
+#include <memory>
 #include <string>
 
 #include "settings/msxml.h"
+#include "settings/xml_index.h"
 #include "win/com_ptr.h"
 
 // A longer file is no settings file, and none is written. Some parsers give up at ten million bytes.
 inline constexpr std::size_t kMaxDocumentBytes = std::size_t{8} * 1024 * 1024;
+
+enum class LoadStatus {
+    Loaded,
+    NoDocument, // it is not well-formed
+    Refused,    // it may be a document, but one with a document type, or one that would cost a parser too much
+};
 
 class XmlDocument {
   public:
     // Every call below needs a document that was created.
     [[nodiscard]] bool Create();
 
-    // Replaces what it holds. False for what is not well-formed, and for what has a document type: no entity is ever
-    // looked up or expanded.
-    [[nodiscard]] bool LoadBytes(const std::string& bytes);
+    // Replaces what it holds. No entity is ever looked up or expanded.
+    [[nodiscard]] LoadStatus LoadBytes(const std::string& bytes);
     [[nodiscard]] bool LoadText(const std::wstring& text);
     // The empty settings document.
     [[nodiscard]] bool LoadFresh();
@@ -32,6 +38,12 @@ class XmlDocument {
     [[nodiscard]] win::ComPtr<IXMLDOMElement> Find(const std::wstring& path) const;
     // Creates what is missing. Null, with nothing created, when the path runs through a value or ends in one.
     [[nodiscard]] win::ComPtr<IXMLDOMElement> FindOrCreate(const std::wstring& path);
+    // Where there is none of that path; what is missing above it is created. False as above.
+    [[nodiscard]] bool Append(const std::wstring& path, IXMLDOMElement* element);
+    // Both have no child elements.
+    [[nodiscard]] bool Replace(const std::wstring& path, IXMLDOMElement* element);
+    // False when there is none, and for the root.
+    [[nodiscard]] bool Remove(const std::wstring& path);
     [[nodiscard]] win::ComPtr<IXMLDOMElement> NewElement(const std::wstring& name);
 
     [[nodiscard]] std::wstring Text() const;
@@ -40,12 +52,14 @@ class XmlDocument {
 
   private:
     [[nodiscard]] win::ComPtr<IXMLDOMElement> Root() const;
-    [[nodiscard]] win::ComPtr<IXMLDOMElement> AppendChain(IXMLDOMNode* parent, std::span<const std::wstring> names);
+    [[nodiscard]] bool HasDocumentType() const;
+    // After each load.
+    [[nodiscard]] bool Index();
 
     win::ComPtr<IXMLDOMDocument2> m_document;
+    std::unique_ptr<ElementIndex> m_index; // of what was loaded
 };
 
-[[nodiscard]] win::ComPtr<IXMLDOMElement> ChildElement(IXMLDOMNode* parent, const std::wstring& path);
 [[nodiscard]] bool HasChildElement(IXMLDOMNode* element);
 // Those without a prefix, which mean nothing to the settings but may to others.
 [[nodiscard]] bool CopyPlainAttributes(IXMLDOMElement* from, IXMLDOMElement* to);

@@ -3,47 +3,11 @@
 #include <algorithm>
 
 #include "settings/lexical.h"
+#include "settings/xml_markup.h"
 
 namespace {
 
 constexpr std::wstring_view kDeclaration = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
-
-// Where the tag, comment, section or instruction that begins the text ends.
-std::size_t MarkupLength(std::wstring_view text) {
-    const auto lengthUpTo = [text](std::wstring_view end, std::size_t from) {
-        const std::size_t found = text.find(end, from);
-        return found == std::wstring_view::npos ? text.size() : found + end.size();
-    };
-    if (text.starts_with(L"<!--")) {
-        return lengthUpTo(L"-->", 4);
-    }
-    if (text.starts_with(L"<![CDATA[")) {
-        return lengthUpTo(L"]]>", 9);
-    }
-    if (text.starts_with(L"<?")) {
-        return lengthUpTo(L"?>", 2);
-    }
-    wchar_t quote = 0;
-    for (std::size_t i = 1; i < text.size(); ++i) {
-        if (quote != 0) {
-            quote = text[i] == quote ? wchar_t{0} : quote;
-        } else if (text[i] == L'"' || text[i] == L'\'') {
-            quote = text[i];
-        } else if (text[i] == L'>') {
-            return i + 1;
-        }
-    }
-    return text.size();
-}
-
-bool IsCharacterData(std::wstring_view markup) {
-    return markup.starts_with(L"<![CDATA[");
-}
-
-bool IsOpeningTag(std::wstring_view markup) {
-    return markup.starts_with(L'<') && !markup.starts_with(L"<!") && !markup.starts_with(L"<?") &&
-           !markup.starts_with(L"</") && !markup.ends_with(L"/>");
-}
 
 bool IsSpace(std::wstring_view text) {
     return std::all_of(text.begin(), text.end(), IsXmlSpace);
@@ -54,7 +18,7 @@ std::wstring_view Between(std::wstring_view before, std::wstring_view text, std:
     if (after.empty()) {
         return {}; // behind the last tag
     }
-    const bool wholeContent = IsOpeningTag(before) && after.starts_with(L"</") && !text.empty();
+    const bool wholeContent = IsOpeningTag(before) && IsClosingTag(after) && !text.empty();
     const bool keeps = wholeContent || IsCharacterData(before) || IsCharacterData(after) || !IsSpace(text);
     return keeps ? text : std::wstring_view(L"\n");
 }

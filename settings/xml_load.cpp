@@ -2,10 +2,12 @@
 
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "settings/failure.h"
 #include "settings/file_bytes.h"
 #include "settings/xml_names.h"
+#include "settings/xml_nodes.h"
 #include "settings/xml_value.h"
 
 namespace {
@@ -13,6 +15,17 @@ namespace {
 constexpr std::int32_t kAbsentInt32 = 0x7FFFFFFF;
 constexpr std::int64_t kAbsentInt64 = 0x7FFFFFFFFFFFFFFF;
 constexpr wchar_t kAbsentText[] = L"#?#?";
+
+std::vector<std::wstring> NamesOfChildren(IXMLDOMNode* parent) {
+    std::vector<std::wstring> names;
+    ForEachChild(parent, [&names](IXMLDOMNode* child) {
+        win::Bstr name;
+        child->get_nodeName(name.Put());
+        names.emplace_back(name.View());
+        return true;
+    });
+    return names;
+}
 
 } // namespace
 
@@ -23,6 +36,7 @@ bool xml_load_t::open_file(const std::wstring& section, const std::wstring& file
             return false;
         }
         m_section = *path;
+        m_childNames.reset();
         return true;
     });
 }
@@ -33,27 +47,19 @@ bool xml_load_t::open_key(const std::wstring& /*section*/, HKEY /*root*/) {
 
 void xml_load_t::close() {
     m_document.reset();
+    m_childNames.reset();
     m_file.clear();
     m_section.clear();
 }
 
 std::uint32_t xml_load_t::child_count() {
-    return Guarded([&] {
-        const auto children = Children();
-        long count = 0;
-        return children && SUCCEEDED(children->get_length(&count)) ? static_cast<std::uint32_t>(count) : 0U;
-    });
+    return Guarded([&] { return static_cast<std::uint32_t>(ChildNames().size()); });
 }
 
 std::wstring xml_load_t::child_name(std::uint32_t index) {
     return Guarded([&] {
-        const auto children = Children();
-        win::ComPtr<IXMLDOMNode> child;
-        win::Bstr name;
-        const bool found = children && index <= static_cast<std::uint32_t>(std::numeric_limits<long>::max()) &&
-                           children->get_item(static_cast<long>(index), child.Put()) == S_OK &&
-                           child->get_nodeName(name.Put()) == S_OK;
-        return found ? std::wstring(name.View()) : std::wstring();
+        const std::vector<std::wstring>& names = ChildNames();
+        return index < names.size() ? names[index] : std::wstring();
     });
 }
 
@@ -131,10 +137,10 @@ bool xml_load_t::OpenDocument(const std::wstring& file) {
     std::string bytes;
     XmlDocument document;
     if (ReadFileBytes(file, kMaxDocumentBytes, bytes) != ReadStatus::Read || !document.Create() ||
-        !document.LoadBytes(bytes)) {
+        document.LoadBytes(bytes) != LoadStatus::Loaded) {
         return false;
     }
-    m_document = document;
+    m_document = std::move(document);
     m_file = file;
     return true;
 }
@@ -144,8 +150,10 @@ win::ComPtr<IXMLDOMElement> xml_load_t::FindValue(const std::wstring& key) const
     return path ? m_document->Find(*path) : nullptr;
 }
 
-win::ComPtr<IXMLDOMNodeList> xml_load_t::Children() const {
-    const auto section = m_document ? m_document->Find(m_section) : nullptr;
-    win::ComPtr<IXMLDOMNodeList> children;
-    return section && section->get_childNodes(children.Put()) == S_OK ? children : nullptr;
+const std::vector<std::wstring>& xml_load_t::ChildNames() {
+    if (!m_childNames) {
+        const auto section = m_document ? m_document->Find(m_section) : nullptr;
+        m_childNames = section ? NamesOfChildren(section.Get()) : std::vector<std::wstring>();
+    }
+    return *m_childNames;
 }

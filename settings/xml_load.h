@@ -6,6 +6,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "settings/base_load.h"
 #include "settings/xml_document.h"
@@ -34,10 +35,11 @@ class xml_load_t final : public base_load_t {
     [[nodiscard]] bool OpenDocument(const std::wstring& file);
     // Null when there is no such value.
     [[nodiscard]] win::ComPtr<IXMLDOMElement> FindValue(const std::wstring& key) const;
-    [[nodiscard]] win::ComPtr<IXMLDOMNodeList> Children() const;
+    [[nodiscard]] const std::vector<std::wstring>& ChildNames();
 
     std::optional<XmlDocument> m_document;
     std::wstring m_file;
     std::wstring m_section;
     std::wstring m_prefix;
+    std::optional<std::vector<std::wstring>> m_childNames; // of the section, once it was asked for them
 };

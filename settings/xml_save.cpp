@@ -8,6 +8,7 @@
 #include "settings/file_replace.h"
 #include "settings/xml_layout.h"
 #include "settings/xml_names.h"
+#include "settings/xml_survey.h"
 
 namespace {
 
@@ -16,9 +17,16 @@ constexpr std::size_t kTagBytes = 200;
 // Each name stands in two tags, and a character takes up to three bytes.
 constexpr std::size_t kBytesPerPathChar = 6;
 
-// At most so many bytes of a file stand for the elements on the path.
-std::size_t ElementBytes(const std::wstring& path) {
-    return kBytesPerPathChar * path.size() + kTagBytes;
+constexpr wchar_t kScratchPath[] = L"/value";
+
+std::wstring LastName(const std::wstring& path) {
+    return path.substr(path.rfind(L'/') + 1);
+}
+
+// At most so much of a file stands for the elements on the path.
+XmlRoom RoomOf(const std::wstring& path) {
+    const auto names = static_cast<std::size_t>(std::count(path.begin(), path.end(), L'/'));
+    return {kBytesPerPathChar * path.size() + kTagBytes, 2 * names};
 }
 
 // The document in the layout of the file, as save writes it.
@@ -31,12 +39,13 @@ bool FileContent(const std::wstring& xml, std::string& bytes) {
     return laidOut.LoadText(OneTagPerLine(xml)) && laidOut.SaveBytes(bytes);
 }
 
-// A document of that content has at most so many bytes in the layout of the file: it may lack the declaration, and a
-// line break before each tag.
-std::size_t MostLaidOutBytes(const std::string& content) {
+// What a document of that content leaves in the layout of the file, at least: it may lack the declaration, and a line
+// break before each tag.
+XmlRoom RoomBeside(const std::string& content) {
     constexpr std::size_t kDeclarationBytes = 40;
-    return content.size() + kDeclarationBytes +
-           static_cast<std::size_t>(std::count(content.begin(), content.end(), '<'));
+    const auto markup = static_cast<std::size_t>(std::count(content.begin(), content.end(), '<')) + 1;
+    const std::size_t bytes = content.size() + kDeclarationBytes + markup;
+    return {kMaxDocumentBytes - std::min(bytes, kMaxDocumentBytes), kMaxMarkup - std::min(markup, kMaxMarkup)};
 }
 
 // Goes the whole way through a file and back with the value alone.
@@ -47,12 +56,11 @@ bool ReadsBack(const XmlValue& value) {
         return false;
     }
     const auto element = document.NewElement(L"value");
-    const auto root = document.Find({});
-    if (!element || !value.WriteTo(element.Get()) || FAILED(root->appendChild(element.Get(), nullptr)) ||
-        !FileContent(document.Text(), bytes) || !document.LoadBytes(bytes)) {
+    if (!element || !value.WriteTo(element.Get()) || !document.Append(kScratchPath, element.Get()) ||
+        !FileContent(document.Text(), bytes) || document.LoadBytes(bytes) != LoadStatus::Loaded) {
         return false;
     }
-    const auto read = document.Find(L"/value");
+    const auto read = document.Find(kScratchPath);
     return read && ReadText(read.Get()) == value.Text();
 }
 
@@ -95,13 +103,8 @@ bool xml_save_t::delete_section(const std::wstring& section) {
     return Guarded([&] {
         const auto path = EffectiveSectionPath(m_prefix, section);
         // Without a name it would be all that there is.
-        if (!m_document || !path || path == EffectiveSectionPath(m_prefix, {})) {
-            return false;
-        }
-        const auto element = m_document->Find(*path);
-        win::ComPtr<IXMLDOMNode> parent;
-        return element && element->get_parentNode(parent.Put()) == S_OK &&
-               SUCCEEDED(parent->removeChild(element.Get(), nullptr));
+        m_roomIsExact = false;
+        return m_document && path && path != EffectiveSectionPath(m_prefix, {}) && m_document->Remove(*path);
     });
 }
 
@@ -140,23 +143,25 @@ bool xml_save_t::OpenDocument(const std::wstring& section, const std::wstring& f
     if (status == ReadStatus::Unreadable || !IsReplaceable(file) || !document.Create()) {
         return false;
     }
-    const bool loaded = status == ReadStatus::Read && document.LoadBytes(bytes);
-    if ((!loaded && !document.LoadFresh()) || !document.HasPlainRoot() || !document.FindOrCreate(section)) {
+    const LoadStatus loaded = status == ReadStatus::Read ? document.LoadBytes(bytes) : LoadStatus::NoDocument;
+    if (loaded == LoadStatus::Refused || (loaded == LoadStatus::NoDocument && !document.LoadFresh()) ||
+        !document.HasPlainRoot() || !document.FindOrCreate(section)) {
         return false;
     }
-    m_document = document;
+    m_document = std::move(document);
     m_file = file;
     m_section = section;
-    m_roomBytes = 0; // the first save asks
+    m_room = {}; // the first save asks
+    m_roomIsExact = false;
     return true;
 }
 
 bool xml_save_t::MakeSection(const std::wstring& path) {
-    const std::size_t bytes = m_document->Find(path) ? 0 : ElementBytes(path);
-    if (!HasRoomFor(bytes) || !m_document->FindOrCreate(path)) {
+    const XmlRoom need = m_document->Find(path) ? XmlRoom() : RoomOf(path);
+    if (!HasRoomFor(need) || !m_document->FindOrCreate(path)) {
         return false;
     }
-    m_roomBytes -= bytes;
+    TakeRoom(need);
     return true;
 }
 
@@ -165,46 +170,46 @@ bool xml_save_t::Save(const std::wstring& key, const XmlValue& value) {
     if (!path || !value.IsPossible()) {
         return false;
     }
-    const std::size_t bytes = value.FileBytes() + ElementBytes(*path);
-    if (!HasRoomFor(bytes) || (value.IsDelicate() && !ReadsBack(value))) {
+    XmlRoom need = RoomOf(*path);
+    need.bytes += value.FileBytes();
+    if (!HasRoomFor(need) || (value.IsDelicate() && !ReadsBack(value))) {
         return false;
     }
     const auto existing = m_document->Find(*path);
-    const bool saved = existing ? Replace(existing.Get(), value) : Append(*path, value);
-    m_roomBytes -= saved ? bytes : 0;
-    return saved;
+    if (!(existing ? Replace(*path, existing.Get(), value) : Append(*path, value))) {
+        return false;
+    }
+    TakeRoom(need);
+    return true;
 }
 
 // A new element takes the place: some platforms cannot take attributes with a prefix away again.
-bool xml_save_t::Replace(IXMLDOMElement* existing, const XmlValue& value) {
+bool xml_save_t::Replace(const std::wstring& path, IXMLDOMElement* existing, const XmlValue& value) {
     if (HasChildElement(existing)) {
         return false; // it is a section
     }
-    win::ComPtr<IXMLDOMNode> parent;
-    win::Bstr name;
-    if (existing->get_parentNode(parent.Put()) != S_OK || FAILED(existing->get_nodeName(name.Put()))) {
-        return false;
-    }
-    const auto element = m_document->NewElement(std::wstring(name.View()));
+    const auto element = m_document->NewElement(LastName(path));
     return element && CopyPlainAttributes(existing, element.Get()) && value.WriteTo(element.Get()) &&
-           SUCCEEDED(parent->replaceChild(element.Get(), existing, nullptr));
+           m_document->Replace(path, element.Get());
 }
 
 bool xml_save_t::Append(const std::wstring& path, const XmlValue& value) {
-    const std::size_t separator = path.rfind(L'/');
-    const auto element = m_document->NewElement(path.substr(separator + 1));
-    if (!element || !value.WriteTo(element.Get())) {
-        return false;
-    }
-    const auto parent = m_document->FindOrCreate(path.substr(0, separator));
-    return parent && SUCCEEDED(parent->appendChild(element.Get(), nullptr));
+    const auto element = m_document->NewElement(LastName(path));
+    return element && value.WriteTo(element.Get()) && m_document->Append(path, element.Get());
 }
 
-bool xml_save_t::HasRoomFor(std::size_t bytes) {
+bool xml_save_t::HasRoomFor(const XmlRoom& need) {
+    const auto fits = [&] { return need.bytes <= m_room.bytes && need.markup <= m_room.markup; };
     std::string content;
-    if (bytes > m_roomBytes && m_document->SaveBytes(content)) {
-        const std::size_t laidOutBytes = MostLaidOutBytes(content);
-        m_roomBytes = laidOutBytes < kMaxDocumentBytes ? kMaxDocumentBytes - laidOutBytes : 0;
+    if (!fits() && !m_roomIsExact && m_document->SaveBytes(content)) {
+        m_room = RoomBeside(content);
+        m_roomIsExact = true;
     }
-    return bytes <= m_roomBytes;
+    return fits();
+}
+
+void xml_save_t::TakeRoom(const XmlRoom& need) {
+    m_room.bytes -= need.bytes;
+    m_room.markup -= need.markup;
+    m_roomIsExact = false;
 }

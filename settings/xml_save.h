@@ -11,13 +11,20 @@
 #include "settings/xml_document.h"
 #include "settings/xml_value.h"
 
+// What a file of limited size has left, or what an element takes of it.
+struct XmlRoom {
+    std::size_t bytes = 0;
+    std::size_t markup = 0; // tags and other pieces
+};
+
 class xml_save_t final : public base_save_t {
   public:
     // prefix: the path, below the root element, that all sections are below.
     explicit xml_save_t(std::wstring prefix) : m_prefix(std::move(prefix)) {}
 
     // With a file open, an empty path or the same one switches the section; any other is refused. A file that is no
-    // document is replaced by a new one; one that cannot be read or replaced is refused.
+    // document is replaced by a new one; one that cannot be read or replaced, or may be somebody else's document, is
+    // refused.
     bool open_file(const std::wstring& section, const std::wstring& file) override;
     bool open_key(const std::wstring& section, HKEY root) override;
     void close() override;
@@ -33,14 +40,16 @@ class xml_save_t final : public base_save_t {
     // False for one that there is no room for, or that runs through a value or ends in one.
     [[nodiscard]] bool MakeSection(const std::wstring& path);
     [[nodiscard]] bool Save(const std::wstring& key, const XmlValue& value);
-    [[nodiscard]] bool Replace(IXMLDOMElement* existing, const XmlValue& value);
+    [[nodiscard]] bool Replace(const std::wstring& path, IXMLDOMElement* existing, const XmlValue& value);
     [[nodiscard]] bool Append(const std::wstring& path, const XmlValue& value);
-    // Whether the file, in its layout, stays within its greatest size with so much more.
-    [[nodiscard]] bool HasRoomFor(std::size_t bytes);
+    // Whether the file, in its layout, stays one that loads with so much more.
+    [[nodiscard]] bool HasRoomFor(const XmlRoom& need);
+    void TakeRoom(const XmlRoom& need);
 
     std::optional<XmlDocument> m_document;
     std::wstring m_file;
     std::wstring m_section;
     std::wstring m_prefix;
-    std::size_t m_roomBytes = 0; // at least so much is left
+    XmlRoom m_room;             // at least so much is left
+    bool m_roomIsExact = false; // nothing has changed since it was found out
 };

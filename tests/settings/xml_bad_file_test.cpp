@@ -3,6 +3,7 @@
 
 #include <random>
 #include <thread>
+#include <utility>
 
 #include "settings/back_end.h"
 #include "settings/xml_load.h"
@@ -105,18 +106,136 @@ TEST_F(XmlBadFile, DamagedDocumentsLoadOrFailAndAreReadToTheEnd) {
     EXPECT_LT(loaded, kDamages);
 }
 
-TEST_F(XmlBadFile, ADocumentTypeIsRefusedInAnyEncodingSoThatNoEntityIsExpanded) {
-    const std::string text =
-        "<!DOCTYPE a [<!ENTITY x \"y\"><!ENTITY f SYSTEM \"file:///c:/windows/win.ini\">]><a>&x;</a>";
-    WriteFileText(File(), text);
-    EXPECT_FALSE(Loads());
+// As a file in UTF-16 with a byte order mark has it.
+std::string Wide(const std::string& text) {
     std::string wide = "\xFF\xFE";
     for (const char c : text) {
         wide += c;
         wide += '\0';
     }
-    WriteFileText(File(), wide);
+    return wide;
+}
+
+TEST_F(XmlBadFile, ADocumentTypeIsRefusedInAnyEncodingSoThatNoEntityIsExpandedAndTheFileStays) {
+    const std::string text =
+        "<!DOCTYPE a [<!ENTITY x \"y\"><!ENTITY f SYSTEM \"file:///c:/windows/win.ini\">]><a>&x;</a>";
+    std::string turned = Wide(text);
+    for (std::size_t i = 0; i + 1 < turned.size(); i += 2) {
+        std::swap(turned[i], turned[i + 1]);
+    }
+    const std::string files[] = {text,
+                                 Wide(text),
+                                 turned,
+                                 Wide(text).substr(2),
+                                 "\xEF\xBB\xBF" + text,
+                                 "<?xml version=\"1.0\"?>\n<!-- <a> -->\n<?b '?>\n" + text,
+                                 "<!DOCTYPE html>\n<html><body>not closed</html>"};
+    for (const std::string& file : files) {
+        WriteFileText(File(), file);
+        EXPECT_FALSE(Loads()) << file;
+        EXPECT_FALSE(Saves()) << file;
+        EXPECT_EQ(file, FileText(File()));
+    }
+}
+
+TEST_F(XmlBadFile, ADocumentTypeInACommentOrInCharacterDataIsNone) {
+    const std::string before = "<XMLSettings><preferences><RegistrySettings><a>";
+    const std::string after = "<w>7</w></a></RegistrySettings></preferences></XMLSettings>";
+    const std::string comment = "<!-- <!DOCTYPE a> -->";
+    for (const std::string& part : {comment, std::string("<c><![CDATA[<!DOCTYPE a>]]></c>")}) {
+        for (const std::string& file :
+             {before + part + after, Wide(before + part + after), comment + before + part + after}) {
+            WriteFileText(File(), file);
+            EXPECT_TRUE(Loads()) << file;
+            EXPECT_TRUE(Saves()) << file;
+            EXPECT_TRUE(IsSaved()) << file;
+            EXPECT_NE(std::string::npos, FileText(File()).find(part)) << file;
+            EXPECT_NE(std::string::npos, FileText(File()).find("<w>7</w>")) << file;
+        }
+    }
+}
+
+TEST_F(XmlBadFile, AnEncodingThatHidesMarkupIsRefusedAndTheFileStays) {
+    for (const char* const encoding : {"UTF-7", "ISO-2022-JP", "HZ-GB-2312", "IBM037", "UTF-16LE"}) {
+        const std::string file =
+            std::string("<?xml version=\"1.0\" encoding=\"") + encoding + "\"?><XMLSettings></XMLSettings>";
+        WriteFileText(File(), file);
+        EXPECT_FALSE(Loads()) << encoding;
+        EXPECT_FALSE(Saves()) << encoding;
+        EXPECT_EQ(file, FileText(File()));
+    }
+    for (const char* const encoding : {"utf-8", "US-ASCII", "ISO-8859-1", "windows-1252"}) {
+        WriteFileText(File(),
+                      std::string("<?xml version='1.0' encoding='") + encoding + "'?><XMLSettings></XMLSettings>");
+        EXPECT_TRUE(Loads()) << encoding;
+        EXPECT_TRUE(Saves()) << encoding;
+    }
+}
+
+// A document with so many attributes on one element, or on one within another each.
+std::string WithAttributes(int count, bool nested) {
+    std::string text = "<XMLSettings";
+    for (int i = 0; i < count; ++i) {
+        text += std::string(nested ? "><n" : "") + " a" + std::to_string(i) + "='1='";
+    }
+    text += ">";
+    for (int i = 0; nested && i < count; ++i) {
+        text += "</n>";
+    }
+    return text + "</XMLSettings>";
+}
+
+TEST_F(XmlBadFile, MoreAttributesThanAParserComparesQuicklyAreRefusedAndTheFileStays) {
+    WriteFileText(File(), WithAttributes(256, false));
+    EXPECT_TRUE(Loads());
+    WriteFileText(File(), WithAttributes(200, true));
+    EXPECT_TRUE(Loads());
+    for (const std::string& text :
+         {WithAttributes(257, false), WithAttributes(257, true), WithAttributes(50000, false)}) {
+        WriteFileText(File(), text);
+        EXPECT_FALSE(Loads());
+        EXPECT_FALSE(Saves());
+        EXPECT_TRUE(text == FileText(File()));
+    }
+}
+
+TEST_F(XmlBadFile, WhatASaverAddsIsNeverOneAttributeTooMany) {
+    WriteFileText(File(), WithAttributes(256, false));
+    for (int i = 0; i < 2; ++i) {
+        xml_save_t save(kSettingsPathPrefix);
+        ASSERT_TRUE(save.open_file(L"a", File()));
+        EXPECT_TRUE(save.save_int32(L"v", 1));
+        EXPECT_TRUE(save.save_string(L"spaces", L"  "));
+        save.close();
+        EXPECT_TRUE(IsSaved());
+    }
+    WriteFileText(
+        File(), "<a" + [] {
+            std::string own;
+            for (int i = 0; i < 50000; ++i) {
+                own += " dt:dt='i4'";
+            }
+            return own;
+        }() + "/>");
+    EXPECT_FALSE(Saves()); // nor are these free of charge
+}
+
+TEST_F(XmlBadFile, MoreElementsThanAFileOfValuesHasAreRefusedAndTheFileStays) {
+    constexpr int kMaxMarkup = 256 * 1024;
+    const auto withElements = [](int count) {
+        std::string text = "<x>";
+        for (int i = 0; i < count; ++i) {
+            text += "<a/>";
+        }
+        return text + "</x>";
+    };
+    WriteFileText(File(), withElements(kMaxMarkup - 2));
+    EXPECT_TRUE(Loads());
+    const std::string tooMany = withElements(kMaxMarkup - 1);
+    WriteFileText(File(), tooMany);
     EXPECT_FALSE(Loads());
+    EXPECT_FALSE(Saves());
+    EXPECT_TRUE(tooMany == FileText(File()));
 }
 
 TEST_F(XmlBadFile, OtherEncodingsAreReadAndTheFileIsUtf8Afterwards) {
