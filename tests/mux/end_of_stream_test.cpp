@@ -24,6 +24,7 @@ class EndOfStreamTest : public MuxTest {
         FakeUpstreamPin& other = ConnectOther();
         ConnectAudio();
         EXPECT_EQ(S_OK, mux->Pause());
+        HoldTheWorker();
         EXPECT_EQ(S_OK, other.Deliver(Data(2000), 0, 1));
         EXPECT_EQ(S_OK, other.Deliver(Data(1), 1, 2));
         EXPECT_FALSE(mux->Interleaver().StreamAt(0)->IsWritable());
@@ -181,6 +182,7 @@ TEST_F(EndOfStreamTest, TheEndWaitsForRoomInTheQueueBehindTheData) {
     auto result = EndElsewhere(other);
     EXPECT_EQ(std::future_status::timeout, result.wait_for(milliseconds(100)));
     EXPECT_EQ(S_OK, upstreams[1]->DeliverEndOfStream());
+    LetTheWorkerGo();
     ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
     EXPECT_EQ(S_OK, result.get());
     EXPECT_TRUE(graph.WaitForEvent(EC_COMPLETE, kLong));

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "mux/worker_request.h"
 #include "tests/mux/test_muxer.h"
 #include "tests/support/fake_graph.h"
 #include "tests/support/fake_sink_pin.h"
@@ -33,6 +34,10 @@ class MuxTest : public ::testing::Test {
     test_support::FakeUpstreamPin& ConnectSubtitle();
     // Of a kind that the interleaver throttles to 2000 bytes.
     test_support::FakeUpstreamPin& ConnectOther();
+    // Between the two nothing is taken and no stall is broken, however long the test takes for the rest. While
+    // streaming.
+    void HoldTheWorker() { EXPECT_EQ(kWorkerDone, mux->CallWorker(kWorkerIdle)); }
+    void LetTheWorkerGo() { EXPECT_EQ(kWorkerDone, mux->CallWorker(kWorkerRun)); }
     [[nodiscard]] HRESULT ConnectOutput() { return static_cast<IPin*>(mux->OutputPin())->Connect(&sink, nullptr); }
 
     const LONG objectsBefore = CBaseObject::ObjectsActive();

@@ -128,13 +128,17 @@ TEST_F(MuxWorkerTest, AFullVideoQueueEndsTheWaitingForAnEmptyInputSoon) {
 
 TEST_F(MuxWorkerTest, StopDoesNotWaitForWhatIsQueued) {
     FakeUpstreamPin& video = ConnectVideo();
-    ConnectAudio();
+    mux->onPacket = [this](CMuxInterPacket&, CBaseMuxInputPin&) {
+        while (!mux->IsAborted()) { // the first packet lasts until Stop is under way
+            std::this_thread::yield();
+        }
+    };
     ASSERT_EQ(S_OK, mux->Pause());
     for (INT64 i = 0; i < 1000; ++i) {
         EXPECT_EQ(S_OK, video.Deliver({1}, i, i + 1));
     }
     EXPECT_EQ(S_OK, mux->Stop());
-    EXPECT_TRUE(mux->Seen().empty());
+    EXPECT_LE(mux->Seen().size(), 1u);
 }
 
 #ifdef QRX_NATIVE

@@ -30,8 +30,6 @@ class ReceiveTest : public MuxTest {
     }
     void StartVideo() { StartWith(ConnectVideo()); }
 
-    // A second input that stays empty, so that what is queued stays queued.
-    void HoldTheWorker() { ConnectAudio(); }
     [[nodiscard]] size_t Queued() const { return mux->Interleaver().QueuedPacketCount(); }
 
     // Ends the stream and gives what the muxer saw.
@@ -43,8 +41,9 @@ class ReceiveTest : public MuxTest {
     // Fills the queue of an input of kind Other, so that the next sample must wait.
     void StartFullOther() {
         FakeUpstreamPin& other = ConnectOther();
-        HoldTheWorker();
+        ConnectAudio(); // stays empty
         StartWith(other);
+        HoldTheWorker();
         EXPECT_EQ(S_OK, other.Deliver(Data(2000), 0, 1));
         EXPECT_EQ(S_OK, other.Deliver(Data(1), 1, 2)); // makes the first one a finished frame
         EXPECT_FALSE(mux->Interleaver().StreamAt(0)->IsWritable());
@@ -128,8 +127,9 @@ TEST_F(ReceiveTest, WithoutATimeThePacketHasNone) {
 }
 
 TEST_F(ReceiveTest, TwoTimedSamplesThenTwoUntimedOnesGiveOnePacketATimedSampleWithTheUntimedBytesInTheSecond) {
-    HoldTheWorker(); // In 0 stays empty
+    ConnectAudio(); // In 0 stays empty
     StartWith(ConnectVideo());
+    HoldTheWorker();
     EXPECT_EQ(S_OK, input->Deliver({1}, 10, 20));
     EXPECT_EQ(0u, Queued());
     EXPECT_EQ(S_OK, input->Deliver({2}, 20, 30));
@@ -139,6 +139,7 @@ TEST_F(ReceiveTest, TwoTimedSamplesThenTwoUntimedOnesGiveOnePacketATimedSampleWi
     EXPECT_EQ(1u, Queued());
     EXPECT_EQ(S_OK, input->Deliver({6}, 30, 40));
     EXPECT_EQ(2u, Queued());
+    LetTheWorkerGo();
     EXPECT_EQ(S_OK, upstreams[0]->DeliverEndOfStream());
     const auto seen = Finish();
     ASSERT_EQ(3u, seen.size());
@@ -209,7 +210,8 @@ TEST_F(ReceiveTest, AFullQueueHoldsTheProducerUntilThereIsRoom) {
     StartFullOther();
     auto result = DeliverElsewhere(*input);
     EXPECT_EQ(std::future_status::timeout, result.wait_for(milliseconds(100)));
-    EXPECT_EQ(S_OK, upstreams[1]->DeliverEndOfStream()); // lets the worker take
+    EXPECT_EQ(S_OK, upstreams[1]->DeliverEndOfStream());
+    LetTheWorkerGo();
     ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
     EXPECT_EQ(S_OK, result.get());
 }
@@ -244,7 +246,7 @@ TEST_F(ReceiveTest, AProducerThatWaitsForRoomSleeps20MsAtATime) {
         const RecordedSleeps::OfThisThread recording(sleeps);
         return input->Deliver(Data(1), 2, 3);
     });
-    ASSERT_TRUE(sleeps.WaitFor(3, kSoon));
+    ASSERT_TRUE(sleeps.WaitFor(1, kSoon));
     EXPECT_EQ(S_OK, input->DeliverBeginFlush());
     ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
     for (const DWORD timeoutMs : sleeps.TimeoutsMs()) {
@@ -285,12 +287,14 @@ TEST_F(ReceiveTest, TheInterleaverOrdersTheInputsByStartTime) {
     FakeUpstreamPin& video = ConnectVideo();
     FakeUpstreamPin& audio = ConnectAudio();
     ASSERT_EQ(S_OK, mux->Pause());
+    HoldTheWorker();
     for (const INT64 start : {0, 40, 80}) {
         EXPECT_EQ(S_OK, video.Deliver({1}, start, start + 40));
     }
     for (const INT64 start : {0, 20, 60}) {
         EXPECT_EQ(S_OK, audio.Deliver({2}, start, start + 20));
     }
+    LetTheWorkerGo();
     EXPECT_EQ(S_OK, video.DeliverEndOfStream());
     EXPECT_EQ(S_OK, audio.DeliverEndOfStream());
     ASSERT_TRUE(graph.WaitForEvent(EC_COMPLETE, kSoon));
@@ -338,7 +342,7 @@ TEST_F(ReceiveTest, StopWaitsForASampleThatIsStillBeingRead) {
 #ifdef QRX_NATIVE
 TEST_F(ReceiveTest, QueuesASampleWithoutAKernelCallWhileThereIsRoom) {
     FakeUpstreamPin& video = ConnectVideo();
-    HoldTheWorker();
+    ConnectAudio(); // stays empty, so that what is queued stays queued
     StartWith(video);
     // The first packet ever queued ends the worker's first wait; let it settle into the next.
     EXPECT_EQ(S_OK, video.Deliver({1}, 0, 1));
