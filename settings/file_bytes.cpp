@@ -4,12 +4,6 @@
 
 #include "settings/file_open.h"
 
-namespace {
-
-constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
-
-} // namespace
-
 ReadStatus ReadFileBytes(const std::wstring& path, std::size_t limit, std::string& bytes) {
     if (!IsFileName(path)) {
         return ReadStatus::Unreadable;

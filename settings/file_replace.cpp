@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
 constexpr int kMaxFailures = 40;
 constexpr int kMaxPauseMs = 50;
 constexpr int kProbes = 5;
