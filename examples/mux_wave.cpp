@@ -4,7 +4,8 @@
 //     mux_wave QRX_MKVMuxer.ax input.wav output.mkv cover.jpg
 //
 // All that it needs is the public header; strmiids, ole32, oleaut32 and uuid are linked. The output is written by the
-// system's file writer.
+// system's file writer, whose input pin offers IStream. (That of Wine does not: the program can say there only that the
+// output cannot be connected. "./dev example input.wav output.mkv cover.jpg" brings one that does.)
 #include <initguid.h> // the header's identifiers are defined here
 
 #include <qrx_mkvmuxer.h>

@@ -70,8 +70,9 @@ struct MuxAttachment {
 
 // ---- The parameter interface ------------------------------------------------------------------------------------
 
-// Named parameters of the filter, and its persisted configuration. Values take effect at once; track rows and the
-// document type are read when streaming starts. The VARIANT's type tag is neither checked nor set.
+// Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
+// rows, document type and attachments reach the file when streaming starts, and a file that is being written keeps what
+// it began with. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

@@ -1,4 +1,4 @@
-# ./dev mkvmux: the command-line tool under Wine. Sourced by ./dev; expects `say`, $BUILD.
+# ./dev mkvmux and ./dev example: the command-line tool and the example under Wine. Sourced by ./dev; expects `say`, $BUILD.
 
 # run_interruptible COMMAND…: a Windows program hears of Ctrl-C alone, so the signals that end a program and those of a
 # closed terminal are passed on as one; the program itself does not get them. A program that Ctrl-C reached while Wine
@@ -47,4 +47,12 @@ verb_mkvmux() {
   if asks_for_quiet "$@"; then build_mkvmux_quietly; else build_mkvmux; fi
   need_wine_prefix
   run_interruptible "$WINE" "$BUILD/windows/bin/mkvmux.exe" --no-register "$@"
+}
+
+# The shortest application, with the module that was built.
+verb_example() {
+  build_windows mux_wave_here QRX_MKVMuxer
+  need_wine_prefix
+  run_interruptible "$WINE" "$BUILD/windows/bin/mux_wave_here.exe" \
+    "$(windows_path "$BUILD/windows/bin/QRX_MKVMuxer.ax")" "$@"
 }

@@ -7,6 +7,7 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   demo            make a real AVI, mux it with the registered module, show tracks and layout
   test [NAME…]    build and run all tests, or the named suites (./dev test list names them)
   mkvmux ARG…     run the command-line tool under Wine, with Linux paths
+  example IN OUT COVER  run examples/mux_wave.cpp: a WAVE file with a cover into a Matroska file
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
   bench [--quick] the benchmarks, printed as tables

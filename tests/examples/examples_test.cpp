@@ -5,41 +5,19 @@
 
 #include <gmock/gmock.h>
 
-#include "dshow/class_factory.h"
+#include "tests/examples/file_writer_class.h"
 #include "tests/support/layout_check.h"
 #include "tests/support/matroska_layout.h"
 #include "tests/support/written_files.h"
 #include "tests/tools/mkvmux/temporary_file.h"
-#include "tools/mkvmux/file_sink_filter.h"
 #include "tools/mkvmux/muxer_loader.h"
 
 int RunExample(int count, wchar_t** arguments);
 
 namespace {
 
+using test_examples::FileWriterClass;
 using test_mkvmux::TemporaryFile;
-
-// Wine's file writer offers no IStream where the one of Windows does; for this process another one is its class.
-class FileWriterClass {
-  public:
-    FileWriterClass() {
-        CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        EXPECT_EQ(S_OK, CoRegisterClassObject(CLSID_FileWriter, &m_factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                              &m_registration));
-    }
-    ~FileWriterClass() {
-        CoRevokeClassObject(m_registration);
-        CoUninitialize();
-    }
-    FileWriterClass(const FileWriterClass&) = delete;
-    FileWriterClass& operator=(const FileWriterClass&) = delete;
-
-  private:
-    CFactoryTemplate m_template{L"File writer", &CLSID_FileWriter, mkvmux::CFileSinkFilter::CreateInstance, nullptr,
-                                nullptr};
-    CClassFactory& m_factory = *new CClassFactory(&m_template); // released by the revocation
-    DWORD m_registration = 0;
-};
 
 int RunMuxWave(std::vector<std::wstring> arguments) {
     std::vector<wchar_t*> pointers;
@@ -61,6 +39,7 @@ TEST(MuxWave, WritesTheNamedTrackAndTheAttachment) {
     cover.SetContent("not really a picture");
     {
         const FileWriterClass fileWriter;
+        ASSERT_EQ(S_OK, fileWriter.Result());
         ASSERT_EQ(0, RunMuxWave({L"mux_wave", ModulePath(), input.Path(), output.Path(), cover.Path()}));
     }
     const std::string written = output.Content();

@@ -48,8 +48,8 @@ TEST(CrashReportTest, ACrashNamesTheFaultThePlaceAndTheCallers) {
     self.resize(GetModuleFileNameW(nullptr, self.data(), MAX_PATH));
     PROCESS_INFORMATION process{};
     SetEnvironmentVariableW(kCrashVariable, L"1");
-    const BOOL started = CreateProcessW(self.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                        &startup, &process);
+    const BOOL started =
+        CreateProcessW(self.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
     SetEnvironmentVariableW(kCrashVariable, nullptr);
     ASSERT_TRUE(started);
     const win::KernelHandle owned(process.hProcess);
