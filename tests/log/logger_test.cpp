@@ -210,7 +210,7 @@ TEST_F(LoggerTest, InsertionsOfManyThreadsArriveWhole) {
 // What is inserted while another thread closes and opens the log is between two banners or nowhere: never behind the
 // end, never in a file that is no longer ours.
 TEST_F(LoggerTest, InsertionsBesideAThreadThatClosesTheLogStayBetweenTheBanners) {
-    constexpr int kRounds = 300;
+    constexpr int kRounds = 60;
     {
         CLogger logger;
         Enable(logger, m_directory.Path());
