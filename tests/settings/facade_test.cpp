@@ -8,6 +8,7 @@
 #include "settings/save.h"
 #include "tests/settings/scratch_folder.h"
 #include "tests/settings/scratch_key.h"
+#include "tests/support/handle_count.h"
 
 namespace {
 
@@ -159,13 +160,11 @@ TEST_F(Facade, EveryHandleIsGivenBackWhetherOpensSucceedOrFail) {
     constexpr int kRounds = 5;
     int rounds = 0;
     for (bool grew = true; grew && rounds < kRounds; ++rounds) {
-        DWORD before = 0;
-        DWORD after = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &before);
+        const std::size_t before = test_support::OpenHandleCount();
         for (int i = 0; i < 20; ++i) {
             openAndClose();
         }
-        GetProcessHandleCount(GetCurrentProcess(), &after);
+        const std::size_t after = test_support::OpenHandleCount();
         grew = after > before;
         EXPECT_FALSE(grew && rounds + 1 == kRounds) << before << " and then " << after;
     }
