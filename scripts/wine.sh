@@ -1,17 +1,18 @@
 # The Wine prefix of this build, and how programs run in it.
-# Sourced by ./dev; expects `die`, `say`, $BUILD.
+# Sourced by ./dev; expects `die`, `say`, $ROOT, $BUILD.
 
 export WINEARCH=win64
 export WINEPREFIX="${QRX_WINEPREFIX:-$BUILD/wineprefix}"
 export WINEDEBUG="${WINEDEBUG:--all}"
 # No menu entries, no browser or Mono installer windows, no search for sound cards (it fills standard error).
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-winealsa.drv,winepulse.drv,winemenubuilder.exe,mscoree,mshtml=}"
-WINE=/usr/lib/wine/wine64
+WINE="$ROOT/scripts/wine64"
+WINE_LOADER=/usr/lib/wine/wine64
 WINESERVER=/usr/lib/wine/wineserver64
 
 need_wine_prefix() {
   need_packages "${PACKAGES_WINE[@]}"
-  [ -x "$WINE" ] || die "$WINE is missing although the package wine64 is installed"
+  [ -x "$WINE_LOADER" ] || die "$WINE_LOADER is missing although the package wine64 is installed"
   if [ ! -f "$WINEPREFIX/.ready" ]; then
     say "making a Wine prefix in $WINEPREFIX"
     "$WINE" wineboot -i >"$BUILD/wineboot.log" 2>&1 || die "wineboot failed; see $BUILD/wineboot.log"

@@ -11,7 +11,7 @@ import tempfile
 from pathlib import Path
 
 BUILD = Path(__file__).resolve().parents[2] / "build"
-WINE = os.environ.get("QRX_WINE", "/usr/lib/wine/wine64")
+WINE = os.environ.get("QRX_WINE", str(BUILD.parent / "scripts" / "wine64"))
 WAIT_SECONDS = 600  # a watchdog: nothing that goes well takes a tenth of it
 
 # What the host under Wine prints on its own account; everything else on standard error is the program's.

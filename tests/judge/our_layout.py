@@ -54,8 +54,6 @@ def read(command, path, cut, verdict):
     """Runs mkvlayout; its findings are complaints. None when it fails."""
     arguments = shlex.split(command) + (["--cut"] if cut else []) + [str(path)]
     status, printed, complaints = run_program(arguments)
-    if status == 1 and not printed:
-        status, printed, complaints = run_program(arguments)  # the host could not start it, which happens now and then
     if status not in (0, 1) or not printed:
         verdict.complain(TOOL, f"failed with status {status}: {complaints.strip()}")
         return None
