@@ -16,7 +16,7 @@ start_display() {
   Xvfb -displayfd 3 -screen 0 "$DISPLAY_SIZE" -nolisten tcp 3>"$number_file" >"$BUILD/xvfb.log" 2>&1 </dev/null &
   display_pid=$!
   trap stop_display EXIT
-  for _ in $(seq 1200); do # for the case that it neither starts nor ends
+  for _ in $(seq 6000); do # a watchdog of ten minutes
     [ -s "$number_file" ] && break
     kill -0 "$display_pid" 2>/dev/null || break
     sleep 0.1

@@ -1,7 +1,7 @@
 # ./dev screenshots: pictures of the property pages for the documents. Sourced by ./dev; expects `die`, `say`, $BUILD,
 # $ROOT.
 
-SCREENSHOT_SCENES=(empty tracks list choices scrolled about)
+SCREENSHOT_SCENES=(empty tracks list scrolled about)
 
 # shoot SCENE FILE: the part of the screen that the scene covers.
 shoot() {
@@ -11,7 +11,7 @@ shoot() {
   local pid=$SCENE_PID in=${SCENE[1]} out=${SCENE[0]}
   # What comes before "ready" is what failed.
   while [ "$line" != ready ]; do
-    IFS= read -r -t 300 line <&"$out" || break
+    IFS= read -r -t 600 line <&"$out" || break
     line=${line%$'\r'}
     printf '%s\n' "$line" >>"$BUILD/scene.log"
   done

@@ -48,23 +48,23 @@ class CommandLine(MkvmuxCase):
         self.assertNotIn("Progress:", text)
 
     def read_terminal(self, master, process):
-        """What is shown until the program ends, without the sequences that move the cursor."""
+        """All that is shown until nobody has the terminal open any more, which the host keeps for a while after the
+        program has ended; without the sequences that move the cursor."""
         shown = b""
         deadline = time.monotonic() + WAIT_SECONDS
-        while process.is_running():
+        while (piece := self.read_waiting(master)) is not None:
             self.assertLess(time.monotonic(), deadline, shown)
-            shown += self.read_waiting(master, 0.1)
-        while piece := self.read_waiting(master, 1):  # the terminal's own process lags behind
             shown += piece
         os.close(master)
+        self.assertFalse(process.wait().status)
         return re.sub(r"\x1b\[[0-9;?]*[A-Za-z]", "", shown.decode("utf-8", "replace"))
 
     @staticmethod
-    def read_waiting(master, seconds):
+    def read_waiting(master):
         try:
-            return os.read(master, 4096) if select.select([master], [], [], seconds)[0] else b""
+            return os.read(master, 4096) if select.select([master], [], [], 0.1)[0] else b""
         except OSError:  # nobody has the other side open any more
-            return b""
+            return None
 
     def test_quiet_says_nothing(self):
         run = self.mkvmux("-q", "-o", self.directory / "out.mkv", raw_avi())

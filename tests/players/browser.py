@@ -13,7 +13,7 @@ import urllib.request
 from pathlib import Path
 
 STARTED = re.compile(r"started successfully on port (\d+)")
-COMMAND_TIMEOUT_SECONDS = 60
+COMMAND_TIMEOUT_SECONDS = 600  # a watchdog
 SCRIPT_TIMEOUT_MS = 30_000
 ELEMENT_KEY = "element-6066-11e4-a52e-4f735466cecf"  # so named by the WebDriver standard
 

@@ -5,7 +5,7 @@ import shutil
 import subprocess
 from dataclasses import dataclass
 
-TIMEOUT_SECONDS = 20
+TIMEOUT_SECONDS = 600  # a watchdog
 SINK = ("fakesink", "silent=false", "sync=false")  # it says what it gets, and as soon as it can
 BUFFER = re.compile(r"chain +\*+ \(\w+:sink\) \((?P<size>\d+) bytes, dts: (?P<dts>\S+), pts: (?P<pts>\S+), "
                     r".*flags: [0-9a-f]+ (?P<flags>[^,]*),")
