@@ -167,8 +167,20 @@ void TreeDriver::ChooseWithKeys(const std::wstring& choice) const {
     EXPECT_EQ(wanted, selection());
 }
 
+// At a high resolution not every row is in sight; a user would scroll there.
+void TreeDriver::BringIntoSight(HTREEITEM item) const {
+    RECT client{};
+    GetClientRect(m_tree, &client);
+    const RECT row = RowOf(item);
+    if (!PtInRect(&client, {client.left, (row.top + row.bottom) / 2})) {
+        SendMessageW(m_tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
+        PumpMessages();
+    }
+}
+
 void TreeDriver::ClickLabel(const std::wstring& path) const {
     const HTREEITEM item = Find(path);
+    BringIntoSight(item);
     RECT text{};
     std::memcpy(&text, &item, sizeof(item));
     EXPECT_TRUE(SendMessageW(m_tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&text)));
@@ -176,7 +188,9 @@ void TreeDriver::ClickLabel(const std::wstring& path) const {
 }
 
 void TreeDriver::ClickValue(const std::wstring& path) const {
-    ClickAt(m_tree, MiddleOf(ValueCellOf(Find(path))));
+    const HTREEITEM item = Find(path);
+    BringIntoSight(item);
+    ClickAt(m_tree, MiddleOf(ValueCellOf(item)));
 }
 
 } // namespace ui_test

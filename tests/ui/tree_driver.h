@@ -47,6 +47,7 @@ class TreeDriver {
     void ClickValue(const std::wstring& path) const;
 
   private:
+    void BringIntoSight(HTREEITEM item) const;
     [[nodiscard]] HTREEITEM Next(UINT relation, HTREEITEM item) const;
     void AppendRows(HTREEITEM first, size_t level, std::vector<std::wstring>& rows) const;
 
