@@ -16,7 +16,8 @@ namespace {
 // since the import library that tests link has a thunk of the identifier's name.
 template <typename Function>
 Function Accessibility(const char* name) {
-    static const HMODULE library = LoadLibraryW(L"oleacc.dll");
+    // From the system's folder alone: the host's may hold a file of that name.
+    static const HMODULE library = LoadLibraryExW(L"oleacc.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     return library != nullptr ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)))
                               : nullptr;
 }
