@@ -9,6 +9,7 @@
 #include "dshow/com_guard.h"
 #include "win/bstr.h"
 #include "win/com_ptr.h"
+#include "win/system_library.h"
 
 namespace {
 
@@ -16,10 +17,8 @@ namespace {
 // since the import library that tests link has a thunk of the identifier's name.
 template <typename Function>
 Function Accessibility(const char* name) {
-    // From the system's folder alone: the host's may hold a file of that name.
-    static const HMODULE library = LoadLibraryExW(L"oleacc.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library != nullptr ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)))
-                              : nullptr;
+    static const HMODULE library = win::LoadSystemLibrary(L"oleacc.dll");
+    return win::EntryPoint<Function>(library, name);
 }
 
 #pragma GCC diagnostic push

@@ -44,6 +44,8 @@ int Leave(const EarlyExit& exit) {
 } // namespace
 
 int wmain(int count, wchar_t** arguments) {
+    // What lies beside the program or in the current folder is not the system's, whatever its name.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
     try {
         Interruption interruption; // before all else: an interruption that nobody watches may look like success
         std::vector<std::string> utf8;

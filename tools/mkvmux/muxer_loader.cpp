@@ -5,6 +5,7 @@
 #include "include/qrx_mkvmuxer.h"
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/text.h"
+#include "win/system_library.h"
 
 namespace mkvmux {
 
@@ -29,12 +30,6 @@ win::ComPtr<IBaseFilter> CreateRegistered() {
 
 using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
-GetClassObjectFunction FindGetClassObject(HMODULE library) {
-    // Through void*, since the system types every entry point alike.
-    return reinterpret_cast<GetClassObjectFunction>(
-        reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
-}
-
 } // namespace
 
 std::filesystem::path ProgramDirectory() {
@@ -49,11 +44,11 @@ win::ComPtr<IBaseFilter> MuxerLoader::Create(MuxerSource source) {
 
 win::ComPtr<IBaseFilter> MuxerLoader::CreateFromFile(const std::filesystem::path& module) {
     const std::string name = Utf8FromWide(module.native());
-    m_library.Reset(LoadLibraryW(module.c_str()));
+    m_library.Reset(win::LoadLibraryByPath(module.native()));
     if (!m_library) {
         throw Failure(name + ": cannot be loaded: " + DescribeResult(HRESULT_FROM_WIN32(GetLastError())));
     }
-    const GetClassObjectFunction getClassObject = FindGetClassObject(m_library.Get());
+    const auto getClassObject = win::EntryPoint<GetClassObjectFunction>(m_library.Get(), "DllGetClassObject");
     if (getClassObject == nullptr) {
         throw Failure(name + ": is no COM module");
     }

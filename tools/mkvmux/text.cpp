@@ -5,6 +5,8 @@
 
 #include <errors.h>
 
+#include "win/system_library.h"
+
 namespace mkvmux {
 
 namespace {
@@ -24,16 +26,21 @@ std::wstring OnOneLine(std::wstring text) {
     return text;
 }
 
+// DirectShow keeps its messages to itself; the system does not know them. Its library is not imported: a program's
+// imports are looked for beside the program first. Once loaded it stays.
+DWORD DirectShowMessage(HRESULT result, WCHAR* buffer, DWORD chars) {
+    static const auto s_getText =
+        win::EntryPoint<decltype(&AMGetErrorTextW)>(win::LoadSystemLibrary(L"quartz.dll"), "AMGetErrorTextW");
+    return s_getText == nullptr ? 0 : s_getText(result, buffer, chars);
+}
+
 std::wstring SystemMessage(HRESULT result) {
     std::array<WCHAR, kMaxMessageChars> buffer{};
-    // DirectShow keeps its messages to itself; the system does not know them.
-    DWORD length = HRESULT_FACILITY(result) == FACILITY_ITF
-                       ? AMGetErrorTextW(result, buffer.data(), static_cast<DWORD>(buffer.size()))
-                       : 0;
+    const auto chars = static_cast<DWORD>(buffer.size());
+    DWORD length = HRESULT_FACILITY(result) == FACILITY_ITF ? DirectShowMessage(result, buffer.data(), chars) : 0;
     if (length == 0) {
-        length =
-            FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                           static_cast<DWORD>(result), 0, buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
+        length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                static_cast<DWORD>(result), 0, buffer.data(), chars, nullptr);
     }
     return OnOneLine(std::wstring(buffer.data(), length));
 }

@@ -27,6 +27,8 @@ TEST(Text, DescribesSystemAndDirectShowResultsOnOneLine) {
     }
     EXPECT_EQ(DescribeResult(static_cast<HRESULT>(0xA7654321)), "error 0xA7654321");
     EXPECT_THAT(DescribeResult(HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)), testing::EndsWith(" (0x80070002)"));
+    // In words, of which the system itself has none for it.
+    EXPECT_THAT(DescribeResult(VFW_E_TYPE_NOT_ACCEPTED), testing::EndsWith(" (0x8004022A)"));
 }
 
 } // namespace
