@@ -236,7 +236,7 @@ class Configurations(Settings):
         source = self.write("in.wav", pcm_wave().read_bytes())
         for name in (source, self.directory / "." / "IN.wav"):
             run = self.mkvmux("-y", "-o", self.output, "--save-config", name, source)
-            self.assert_fails(run, "in.wav" if name == source else "IN.wav", "is an input")
+            self.assert_fails(run, "in.wav", "is an input")
             self.assertEqual(source.read_bytes(), pcm_wave().read_bytes())
             self.assertFalse(self.output.exists())
 
