@@ -5,7 +5,7 @@
 
 #include "settings/file_identity.h"
 #include "settings/file_open.h"
-#include "settings/temporary_file.h"
+#include "win/temporary_file.h"
 
 namespace {
 
@@ -18,6 +18,10 @@ constexpr DWORD kKeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM 
 bool HasAttribute(const std::wstring& path, DWORD attribute) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & attribute) != 0;
+}
+
+std::wstring NewTemporaryName() {
+    return win::TemporaryFile::RandomName(L"settings");
 }
 
 // With its separator; empty for the current one.
@@ -82,7 +86,8 @@ bool CanBeMade(const std::wstring& path) {
 }
 
 // A file like the one that it will replace, still without content.
-bool CreateBeside(TemporaryFile& temporary, const std::wstring& path, const std::optional<FileIdentity>& identity) {
+bool CreateBeside(win::TemporaryFile& temporary, const std::wstring& path,
+                  const std::optional<FileIdentity>& identity) {
     const DWORD attributes = identity ? identity->attributes & kKeptAttributes : 0;
     return temporary.Create(FolderOf(path), GENERIC_WRITE | (identity ? WRITE_DAC : 0),
                             attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes) &&
@@ -123,7 +128,7 @@ bool ReplaceFileBytes(const std::wstring& path, const std::string& bytes, const 
     const std::optional<FileIdentity> identity = IdentityOf(path);
     const bool isUnknown = !identity && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
     const std::wstring& target = identity ? identity->path : path;
-    TemporaryFile temporary;
+    win::TemporaryFile temporary(NewTemporaryName);
     if (isUnknown || !CreateBeside(temporary, target, identity)) {
         return WriteInPlace(path, bytes);
     }

@@ -39,8 +39,6 @@ class Overwriting(MkvmuxCase):
         return {
             "the output": (["-o", output], output),
             "the saved configuration": (["-o", self.directory / "x.mkv", "--save-config", config], config),
-            "the unfinished saved configuration": (["-o", self.directory / "x.mkv", "--save-config", config],
-                                                   self.directory / "new.cfg.part"),
             "the trace log": (["-o", self.directory / "x.mkv", "--log", self.logs], self.logs / "QRX_MKVMuxer.log"),
         }
 
@@ -70,7 +68,6 @@ class Overwriting(MkvmuxCase):
         cover = self.write("notes.dat", b"a note")
         output = self.write("out.mkv", b"old")
         config = self.write("new.cfg", b"old")
-        self.write("new.cfg.part", b"old")
         arguments = ["-o", output, "--save-config", config, "--attach", cover, self.source]
         self.assert_fails(self.mkvmux(*arguments), "out.mkv", "exists already")
         self.assertEqual((output.read_bytes(), config.read_bytes()), (b"old", b"old"))

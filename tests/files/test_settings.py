@@ -246,10 +246,17 @@ class Configurations(Settings):
         self.assertFalse(self.output.exists())
 
     def test_saving_one_leaves_other_files_alone(self):
-        other = self.write("muxer.cfg.part", b"precious")
-        run = self.mkvmux("-o", self.output, "--save-config", self.directory / "muxer.cfg", pcm_wave())
-        self.assert_fails(run, "muxer.cfg.part", "cannot be created")
-        self.assertEqual(other.read_bytes(), b"precious")
+        config = self.directory / "muxer.cfg"
+        others = [self.write(name, b"precious") for name in ("muxer.cfg.part", "muxer.cfg.tmp", "mkvmux.tmp")]
+        for leave in ([], ["-y"]):
+            self.succeed(*leave, "-o", self.output, "--save-config", config, pcm_wave())
+            self.assertEqual([other.read_bytes() for other in others], [b"precious"] * 3)
+            self.assertEqual(sorted(self.directory.iterdir()), sorted([*others, config, self.output]))
+
+    def test_one_is_saved_under_a_name_that_is_as_long_as_names_can_be(self):
+        config = self.directory / ("m" * 251 + ".cfg")
+        self.succeed("-o", self.output, "--save-config", config, pcm_wave())
+        self.succeed("-y", "-o", self.output, "--load-config", config, pcm_wave())
 
     def test_one_that_cannot_be_saved_is_named(self):
         run = self.mkvmux("-o", self.output, "--save-config", self.directory / "no" / "muxer.cfg", pcm_wave())

@@ -5,9 +5,9 @@
 
 #include <vector>
 
-#include "settings/temporary_file.h"
 #include "tests/settings/scratch_folder.h"
 #include "win/handle.h"
+#include "win/temporary_file.h"
 
 namespace {
 
@@ -87,21 +87,31 @@ TEST_F(FileReplace, ATemporaryFileIsNeverOneThatIsThereAlready) {
     const std::wstring taken = m_folder.File(L"taken");
     WriteFileText(taken, "somebody else's");
     {
-        TemporaryFile file(TakenTwiceThenFree);
+        win::TemporaryFile file(TakenTwiceThenFree);
         EXPECT_TRUE(file.Create(m_folder.File(L""), GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL));
         EXPECT_EQ(3U, m_folder.FileNames().size());
-        TemporaryFile none(TakenName);
+        win::TemporaryFile none(TakenName);
         EXPECT_FALSE(none.Create(m_folder.File(L""), GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL));
         EXPECT_FALSE(none.MoveTo(m_file));
+        EXPECT_FALSE(none.MoveToFreePath(m_folder.File(L"new")));
     }
     EXPECT_EQ("somebody else's", FileText(taken));
     EXPECT_EQ("old", FileText(m_file));
     EXPECT_EQ(2U, m_folder.FileNames().size()); // what it made is gone
 }
 
+TEST_F(FileReplace, ATemporaryFileTakesAFreePathAndLeavesATakenOneAlone) {
+    win::TemporaryFile file(TakenName);
+    EXPECT_TRUE(file.Create(m_folder.File(L""), GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL));
+    EXPECT_FALSE(file.MoveToFreePath(m_file));
+    EXPECT_EQ("old", FileText(m_file));
+    EXPECT_TRUE(file.MoveToFreePath(m_folder.File(L"new")));
+    EXPECT_EQ((std::vector<std::wstring>{L"f", L"new"}), m_folder.FileNames());
+}
+
 TEST_F(FileReplace, NoTwoTemporaryNamesAreAlikeAndAllAreShort) {
-    const std::wstring first = TemporaryFile::RandomName();
-    const std::wstring second = TemporaryFile::RandomName();
+    const std::wstring first = win::TemporaryFile::RandomName(L"settings");
+    const std::wstring second = win::TemporaryFile::RandomName(L"settings");
     EXPECT_NE(first, second);
     // All but the fixed parts differ from run to run: not the numbers of the process and the thread.
     EXPECT_EQ(first.size(), second.size());

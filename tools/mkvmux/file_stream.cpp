@@ -26,12 +26,18 @@ OVERLAPPED AtPosition(UINT64 position) {
 CFileStream::CFileStream(LPUNKNOWN outer) : CUnknown(L"FileStream", outer) {}
 
 HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
+    win::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                     overwrite ? CREATE_ALWAYS : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HRESULT hr = file ? S_OK : LastError();
+    Take(std::move(file), path);
+    return hr;
+}
+
+void CFileStream::Take(win::FileHandle file, const std::wstring& path) {
     const std::lock_guard lock(m_lock);
-    m_file.Reset(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                             overwrite ? CREATE_ALWAYS : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    m_file = std::move(file);
     m_path = path;
     m_position = 0;
-    return m_file ? S_OK : LastError();
 }
 
 STDMETHODIMP CFileStream::NonDelegatingQueryInterface(REFIID iid, void** object) {

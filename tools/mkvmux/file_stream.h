@@ -26,6 +26,8 @@ class CFileStream : public CUnknown, public IStream {
 
     // An existing file is an error (ERROR_FILE_EXISTS) unless it may be overwritten.
     HRESULT Create(const std::wstring& path, bool overwrite);
+    // A file that is open already; it is closed with the stream.
+    void Take(win::FileHandle file, const std::wstring& path);
     // Called once, at the first write or seek that fails, on the thread of the caller that met it.
     void SetFailureHandler(FailureHandler handler) { m_onFailure = std::move(handler); }
     // S_OK as long as all went well.

@@ -39,8 +39,6 @@ std::vector<WrittenFile> WrittenFiles(const Options& options) {
     std::vector<WrittenFile> files{{options.output, "the output", options.overwrite}};
     if (!options.saveConfig.empty()) {
         files.push_back({options.saveConfig, "the saved configuration", options.overwrite});
-        files.push_back({MuxerSettings::UnfinishedName(options.saveConfig), "the unfinished saved configuration",
-                         options.overwrite});
     }
     if (!options.logDirectory.empty()) {
         files.push_back(

@@ -5,9 +5,9 @@
 
 namespace mkvmux {
 
-// Looks at every file that the options have written: the output, the saved configuration and the file that becomes it,
-// the trace log. None may be a file that is read (inputs, attachments, the loaded configuration, files with options),
-// whatever name it goes by, nor exist when nothing may be overwritten; the log, which grows, may. Throws Failure.
+// Looks at every file that the options have written: the output, the saved configuration, the trace log. None may be a
+// file that is read (inputs, attachments, the loaded configuration, files with options), whatever name it goes by, nor
+// exist when nothing may be overwritten; the log, which grows, may. Throws Failure.
 void CheckWrittenFiles(const Options& options);
 
 } // namespace mkvmux

@@ -8,8 +8,10 @@
 
 #include "tools/mkvmux/failure.h"
 #include "tools/mkvmux/file_checks.h"
+#include "tools/mkvmux/file_stream.h"
 #include "tools/mkvmux/text.h"
 #include "win/bstr.h"
+#include "win/temporary_file.h"
 
 namespace mkvmux {
 
@@ -45,14 +47,18 @@ UINT64 RandomUid() {
     return std::uniform_int_distribution<UINT64>(1)(source);
 }
 
-win::ComPtr<IStream> OpenStream(const std::wstring& path, DWORD mode, BOOL create) {
-    win::ComPtr<IStream> stream;
-    const HRESULT hr = SHCreateStreamOnFileEx(path.c_str(), mode, FILE_ATTRIBUTE_NORMAL, create, nullptr, stream.Put());
-    if (FAILED(hr)) {
-        throw Failure(Utf8FromWide(path) + (create != FALSE ? ": cannot be created: " : ": cannot be opened: ") +
-                      DescribeFileError(path, hr));
-    }
-    return stream;
+HRESULT LastResult() {
+    const DWORD error = GetLastError();
+    return error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error);
+}
+
+std::wstring NewTemporaryName() {
+    return win::TemporaryFile::RandomName(L"mkvmux");
+}
+
+// With what separates it from the name; empty for the current one.
+std::wstring FolderOf(const std::wstring& path) {
+    return path.substr(0, path.size() - std::filesystem::path(path).filename().native().size());
 }
 
 } // namespace
@@ -155,24 +161,35 @@ void MuxerSettings::Attach(Attachment attachment) {
     }
 }
 
+HRESULT MuxerSettings::Write(win::FileHandle file, const std::wstring& path) const {
+    const win::ComPtr<CFileStream> stream(new CFileStream(nullptr));
+    stream->Take(std::move(file), path);
+    const HRESULT hr = OleSaveToStream(m_config.Get(), stream.Get());
+    return FAILED(hr) ? hr : stream->Commit(STGC_DEFAULT);
+}
+
 void MuxerSettings::SaveTo(const std::wstring& path, bool overwrite) const {
-    const std::wstring unfinished = UnfinishedName(path);
-    const DWORD whenItExists = overwrite ? STGM_CREATE : STGM_FAILIFTHERE;
-    win::ComPtr<IStream> stream = OpenStream(unfinished, STGM_WRITE | whenItExists | STGM_SHARE_EXCLUSIVE, TRUE);
-    HRESULT hr = OleSaveToStream(m_config.Get(), stream.Get());
-    stream.Reset(); // closes the file
-    if (SUCCEEDED(hr) &&
-        MoveFileExW(unfinished.c_str(), path.c_str(), overwrite ? MOVEFILE_REPLACE_EXISTING : 0) == FALSE) {
-        hr = HRESULT_FROM_WIN32(GetLastError());
+    win::TemporaryFile unfinished(NewTemporaryName);
+    if (!unfinished.Create(FolderOf(path), GENERIC_READ | GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL)) {
+        const HRESULT hr = LastResult();
+        throw Failure(Utf8FromWide(path) + ": cannot be created: " + DescribeFileError(path, hr));
+    }
+    HRESULT hr = Write(unfinished.Take(), path);
+    if (SUCCEEDED(hr) && !(overwrite ? unfinished.MoveTo(path) : unfinished.MoveToFreePath(path))) {
+        hr = LastResult();
     }
     if (FAILED(hr)) {
-        DeleteFileW(unfinished.c_str());
         throw Failure(Utf8FromWide(path) + ": the configuration cannot be saved: " + DescribeResult(hr));
     }
 }
 
 void MuxerSettings::LoadFrom(const std::wstring& path) {
-    const win::ComPtr<IStream> stream = OpenStream(path, STGM_READ | STGM_SHARE_DENY_WRITE, FALSE);
+    win::ComPtr<IStream> stream;
+    const HRESULT opened = SHCreateStreamOnFileEx(path.c_str(), STGM_READ | STGM_SHARE_DENY_WRITE,
+                                                  FILE_ATTRIBUTE_NORMAL, FALSE, nullptr, stream.Put());
+    if (FAILED(opened)) {
+        throw Failure(Utf8FromWide(path) + ": cannot be opened: " + DescribeFileError(path, opened));
+    }
     CLSID owner{};
     if (ReadClassStm(stream.Get(), &owner) != S_OK || owner != CLSID_MatroskaMuxer) {
         throw Failure(Utf8FromWide(path) + ": is no saved configuration of the muxer");

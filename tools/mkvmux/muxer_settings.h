@@ -10,6 +10,7 @@
 #include "include/qrx_mkvmuxer.h"
 #include "tools/mkvmux/options.h"
 #include "win/com_ptr.h"
+#include "win/handle.h"
 #include "win/platform.h"
 
 namespace mkvmux {
@@ -38,17 +39,17 @@ class MuxerSettings {
     [[nodiscard]] bool IsEnabled(size_t input) const;
     void Attach(Attachment attachment);
 
-    // What LogTo writes in its directory, and what SaveTo writes before it replaces the file.
+    // What LogTo writes in its directory.
     static constexpr const wchar_t* kLogFileName = L"QRX_MKVMuxer.log";
-    [[nodiscard]] static std::wstring UnfinishedName(const std::wstring& path) { return path + L".part"; }
 
     // The file holds the class identifier and what IPersistStream writes, as OleSaveToStream puts them down. It is
-    // replaced at once and whole, or not at all.
+    // replaced at once and whole, or not at all; until then the bytes stand beside it under a name of their own.
     void SaveTo(const std::wstring& path, bool overwrite) const;
     void LoadFrom(const std::wstring& path);
 
   private:
     [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value) const;
+    [[nodiscard]] HRESULT Write(win::FileHandle file, const std::wstring& path) const;
     [[nodiscard]] HRESULT GetRow(size_t input, TrackSettings& row) const;
     // Two inputs can carry the same attachment.
     [[nodiscard]] UINT64 UniqueUid(UINT64 wanted);

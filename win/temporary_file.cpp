@@ -1,7 +1,9 @@
-#include "settings/temporary_file.h"
+#include "win/temporary_file.h"
 
 #include <array>
 #include <cstdio>
+
+namespace win {
 
 namespace {
 
@@ -9,16 +11,16 @@ constexpr int kMaxNames = 8;
 
 } // namespace
 
-std::wstring TemporaryFile::RandomName() {
+std::wstring TemporaryFile::RandomName(const wchar_t* maker) {
     GUID random{};
     if (FAILED(CoCreateGuid(&random))) {
         return {};
     }
     std::array<wchar_t, 64> name{};
-    std::swprintf(name.data(), name.size(), L"settings-%08lx%04x%04x%02x%02x%02x%02x%02x%02x%02x%02x.tmp", random.Data1,
+    std::swprintf(name.data(), name.size(), L"-%08lx%04x%04x%02x%02x%02x%02x%02x%02x%02x%02x.tmp", random.Data1,
                   random.Data2, random.Data3, random.Data4[0], random.Data4[1], random.Data4[2], random.Data4[3],
                   random.Data4[4], random.Data4[5], random.Data4[6], random.Data4[7]);
-    return name.data();
+    return maker + std::wstring(name.data());
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -35,7 +37,7 @@ bool TemporaryFile::Create(const std::wstring& folder, DWORD access, DWORD attri
             return false;
         }
         std::wstring path = folder + name;
-        m_file = win::FileHandle(CreateFileW(path.c_str(), access, 0, nullptr, CREATE_NEW, attributes, nullptr));
+        m_file = FileHandle(CreateFileW(path.c_str(), access, 0, nullptr, CREATE_NEW, attributes, nullptr));
         if (m_file) {
             m_path = std::move(path);
         } else if (const DWORD error = GetLastError(); error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) {
@@ -45,12 +47,13 @@ bool TemporaryFile::Create(const std::wstring& folder, DWORD access, DWORD attri
     return static_cast<bool>(m_file);
 }
 
-bool TemporaryFile::MoveTo(const std::wstring& path) {
+bool TemporaryFile::Move(const std::wstring& path, DWORD flags) {
     m_file.Reset();
-    if (m_path.empty() ||
-        !MoveFileExW(m_path.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    if (m_path.empty() || !MoveFileExW(m_path.c_str(), path.c_str(), flags | MOVEFILE_WRITE_THROUGH)) {
         return false;
     }
     m_path.clear();
     return true;
 }
+
+} // namespace win
