@@ -34,16 +34,16 @@ AnnexBReader::AnnexBReader(std::unique_ptr<source::ByteSource> bytes, PictureInd
     m_streams.push_back(std::move(description));
 }
 
-void AnnexBReader::Rewind() {
+void AnnexBReader::StartOver() {
     m_next = 0;
     m_lostPictures = false;
 }
 
-HRESULT AnnexBReader::Damage() const {
+HRESULT AnnexBReader::DamageSoFar() const {
     return m_index.isDamaged || m_lostPictures ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
 }
 
-bool AnnexBReader::Next(source::Packet& packet) {
+bool AnnexBReader::ReadNext(source::Packet& packet) {
     while (m_next < m_index.pictures.size()) {
         const CodedPicture& picture = m_index.pictures[m_next++];
         packet.stream = 0;

@@ -19,11 +19,13 @@ class AnnexBReader final : public source::PacketReader {
     AnnexBReader(std::unique_ptr<source::ByteSource> bytes, PictureIndex index, Codec codec, const FrameRate& rate);
 
     [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
-    void Rewind() override;
-    [[nodiscard]] bool Next(source::Packet& packet) override;
-    [[nodiscard]] HRESULT Damage() const override;
 
   private:
+    // PacketReader
+    void StartOver() override;
+    [[nodiscard]] bool ReadNext(source::Packet& packet) override;
+    [[nodiscard]] HRESULT DamageSoFar() const override;
+
     [[nodiscard]] bool ReadPicture(const CodedPicture& picture, std::vector<BYTE>& data) const;
 
     const std::unique_ptr<source::ByteSource> m_bytes;

@@ -44,6 +44,11 @@ void IndexBuilder::AddOfOtherLayer(const UnitExtent& unit) {
 }
 
 void IndexBuilder::BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 order, bool keyframe) {
+    if (m_index.pictures.size() >= m_mostPictures) {
+        m_isFull = true;
+        m_index.isDamaged = true;
+        return;
+    }
     CodedPicture picture;
     picture.start = std::exchange(m_prefixStart, std::nullopt).value_or(unit.start - kShortStartCodeBytes);
     picture.end = unit.end;
@@ -55,7 +60,7 @@ void IndexBuilder::BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 o
 
 void IndexBuilder::Extend(const UnitExtent& unit) {
     m_prefixStart.reset();
-    if (!m_index.pictures.empty()) {
+    if (!m_index.pictures.empty() && !m_isFull) {
         m_index.pictures.back().end = unit.end;
     }
 }

@@ -13,7 +13,12 @@ namespace annexb {
 
 class IndexBuilder {
   public:
-    explicit IndexBuilder(const source::ByteSource& source) : m_source(source) {}
+    // A day of sixty pictures a second does not reach it; a file made of the smallest units needs five times its size
+    // in memory.
+    static constexpr size_t kMaxPictures = size_t{4} * 1024 * 1024;
+
+    explicit IndexBuilder(const source::ByteSource& source, size_t mostPictures = kMaxPictures)
+        : m_source(source), m_mostPictures(mostPictures) {}
 
     // The first so many bytes of the unit.
     [[nodiscard]] std::vector<BYTE> Read(const UnitExtent& unit, size_t most) const;
@@ -22,7 +27,8 @@ class IndexBuilder {
     void AddPrefix(const UnitExtent& unit);
     // A unit that begins nothing: it stays with the prefix, if one has begun, else with the picture before.
     void AddOfOtherLayer(const UnitExtent& unit);
-    // The first slice of a picture, to which the prefix belongs.
+    // The first slice of a picture, to which the prefix belongs. Behind the most pictures it is passed over as damage,
+    // and so is all that follows.
     void BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 order, bool keyframe);
     // Whatever else belongs to the picture that was begun last.
     void Extend(const UnitExtent& unit);
@@ -38,6 +44,8 @@ class IndexBuilder {
   private:
     const source::ByteSource& m_source;
     PictureIndex m_index;
+    const size_t m_mostPictures;
+    bool m_isFull = false;
     std::optional<UINT64> m_prefixStart;
     std::set<std::pair<BYTE, UINT32>> m_knownSets;
 };

@@ -36,6 +36,7 @@ struct AviFile {
     std::vector<AviStream> streams;
     std::vector<AviChunk> chunks; // in the order of the file
     bool isCutOff = false;        // the file ends before it says that it does
+    bool lacksChunks = false;     // there are more than anybody would record
 };
 
 // None when the bytes are no AVI file.

@@ -10,9 +10,10 @@ namespace avi {
 
 namespace {
 
-constexpr DWORD kVideoType = 0x73646976; // 'vids'
-constexpr DWORD kAudioType = 0x73647561; // 'auds'
-constexpr size_t kPcmFormatBytes = 16;   // the oldest form, without cbSize
+constexpr DWORD kVideoType = 0x73646976;          // 'vids'
+constexpr DWORD kAudioType = 0x73647561;          // 'auds'
+constexpr size_t kPcmFormatBytes = 16;            // the oldest form, without cbSize
+constexpr DWORD kMaxPictureSeconds = 1000 * 3600; // longer ones are damage
 
 // A format block of that length, all zero.
 BYTE* NewFormat(CMediaType& type, size_t length) {
@@ -36,7 +37,7 @@ CMediaType VideoType(const AviStream& stream) {
     type.bTemporalCompression = !source::IsUncompressed(bitmap);
     type.SetVariableSize();
     VIDEOINFOHEADER info{};
-    if (stream.rate > 0) {
+    if (stream.rate > 0 && stream.scale / stream.rate <= kMaxPictureSeconds) {
         info.AvgTimePerFrame = kSecond * stream.scale / stream.rate;
     }
     // The picture's header and all that follows it (palette, codec data) end the block.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace avi {
 
@@ -17,8 +18,8 @@ constexpr UINT64 kListTypeBytes = 4;
 // Writers that count the outer head as a part of its content claim this much too much, and a pad byte.
 constexpr UINT64 kMiscountedBytes = kChunkHeaderBytes + 1;
 constexpr size_t kMaxStreams = 100; // two decimal digits name a stream
-// A day of sixteen tracks; more is a file made to exhaust the memory.
-constexpr size_t kMaxChunks = size_t{64} * 1024 * 1024;
+// A day of pictures and sound, twice over; more is a file made to exhaust the memory.
+constexpr size_t kMaxChunks = size_t{8} * 1024 * 1024;
 constexpr UINT64 kMaxFormatBytes = UINT64{1024} * 1024;
 constexpr int kMaxListDepth = 2;
 
@@ -113,6 +114,7 @@ DWORD AviParser::DwordAt(UINT64 position) const {
 
 void AviParser::WalkSegment(const Chunk& riff) {
     m_segmentStart = m_file.chunks.size();
+    m_hasLegacyIndex = false;
     UINT64 position = riff.data + kListTypeBytes;
     while (const auto chunk = ChunkAt(position, riff.end)) {
         if (chunk->id == Id("LIST")) {
@@ -145,12 +147,13 @@ void AviParser::ReadStream(const Chunk& list) {
     while (const auto chunk = ChunkAt(position, list.end)) {
         if (chunk->id == Id("strh")) {
             ReadStreamHeader(*chunk, stream);
-        } else if (chunk->id == Id("strf") && chunk->end - chunk->data <= kMaxFormatBytes) {
+        } else if (chunk->id == Id("strf") && chunk->end - chunk->data <= std::min(kMaxFormatBytes, m_formatRoom)) {
             stream.format.resize(static_cast<size_t>(chunk->end - chunk->data));
             stream.format.resize(m_source.ReadAt(chunk->data, stream.format));
         }
         position = chunk->next;
     }
+    m_formatRoom -= stream.format.size();
     m_file.streams.push_back(std::move(stream));
 }
 
@@ -183,7 +186,11 @@ void AviParser::WalkMovie(const Chunk& list, int depth) {
 
 void AviParser::AddDataChunk(const Chunk& chunk) {
     const std::optional<WORD> stream = StreamOf(chunk.id);
-    if (!stream || *stream >= m_file.streams.size() || m_file.chunks.size() >= kMaxChunks) {
+    if (!stream || *stream >= m_file.streams.size()) {
+        return;
+    }
+    if (m_file.chunks.size() >= kMaxChunks) {
+        m_file.lacksChunks = true;
         return;
     }
     if (!chunk.whole) {
@@ -196,21 +203,29 @@ void AviParser::AddDataChunk(const Chunk& chunk) {
     m_file.chunks.push_back({chunk.data, size, *stream, true});
 }
 
-// Its offsets count from here or from there; the order of its entries is that of the chunks.
+// Its offsets count from here or from there; the order of its entries is that of the chunks. A segment has one: what
+// follows is not looked at, or many of them would cost the number of chunks each.
 void AviParser::ReadLegacyIndex(const Chunk& chunk) {
-    std::array<size_t, kMaxStreams> next{};
-    next.fill(m_segmentStart);
+    if (std::exchange(m_hasLegacyIndex, true)) {
+        return;
+    }
+    std::vector<std::vector<bool>> flags(m_file.streams.size());
     for (UINT64 entry = chunk.data; entry + kLegacyEntryBytes <= chunk.end; entry += kLegacyEntryBytes) {
         const std::optional<WORD> stream = StreamOf(DwordAt(entry));
-        if (!stream) {
-            continue;
+        if (stream && *stream < flags.size() && flags[*stream].size() < m_file.chunks.size()) {
+            flags[*stream].push_back((DwordAt(entry + 4) & kLegacyKeyframe) != 0);
         }
-        size_t& at = next.at(*stream);
-        while (at < m_file.chunks.size() && m_file.chunks[at].stream != *stream) {
-            ++at;
-        }
-        if (at < m_file.chunks.size()) {
-            m_file.chunks[at++].keyframe = (DwordAt(entry + 4) & kLegacyKeyframe) != 0;
+    }
+    MarkKeyframes(flags);
+}
+
+void AviParser::MarkKeyframes(const std::vector<std::vector<bool>>& flags) {
+    std::vector<size_t> next(flags.size());
+    for (size_t at = m_segmentStart; at < m_file.chunks.size(); ++at) {
+        AviChunk& chunk = m_file.chunks[at];
+        const std::vector<bool>& ofStream = flags[chunk.stream];
+        if (size_t& entry = next[chunk.stream]; entry < ofStream.size()) {
+            chunk.keyframe = ofStream[entry++];
         }
     }
 }

@@ -1,12 +1,14 @@
 // AviParser: walks the RIFF structure of an AVI file once, from front to back.
 //
-// Units: bytes. Errors: a chunk that reaches behind its list or the file ends the walk of that list.
+// Units: bytes. Each byte is looked at once. Errors: a chunk that reaches behind its list or the file ends the walk of
+// that list.
 #pragma once
 
 #include <array>
 #include <optional>
 
 #include "tools/avi_source/avi_file.h"
+#include "tools/source_base/limits.h"
 
 namespace avi {
 
@@ -35,12 +37,15 @@ class AviParser {
     void WalkMovie(const Chunk& list, int depth);
     void AddDataChunk(const Chunk& chunk);
     void ReadLegacyIndex(const Chunk& chunk);
+    void MarkKeyframes(const std::vector<std::vector<bool>>& flags);
     void ReadStandardIndex(const Chunk& chunk);
     void SetKeyframe(UINT64 dataOffset, bool keyframe);
 
     const source::ByteSource& m_source;
     AviFile m_file;
-    size_t m_segmentStart = 0; // the first chunk of the current RIFF segment
+    UINT64 m_formatRoom = source::kMaxPrivateBytes; // for the formats of further streams
+    size_t m_segmentStart = 0;                      // the first chunk of the current RIFF segment
+    bool m_hasLegacyIndex = false;                  // that segment had its index already
 };
 
 } // namespace avi

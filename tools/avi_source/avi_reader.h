@@ -1,7 +1,7 @@
 // AviReader: the chunks of an AVI file as packets with times.
 //
 // Units: times in 100 ns. Owner: the source filter. Threads: one at a time.
-// Errors: reading ends at a chunk that cannot be read.
+// Errors: reading ends at a chunk that cannot be read; one that is too large is left out.
 #pragma once
 
 #include <memory>
@@ -16,11 +16,13 @@ class AviReader final : public source::PacketReader {
     AviReader(std::unique_ptr<source::ByteSource> bytes, AviFile file);
 
     [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
-    void Rewind() override;
-    [[nodiscard]] bool Next(source::Packet& packet) override;
-    [[nodiscard]] HRESULT Damage() const override;
 
   private:
+    // PacketReader
+    void StartOver() override;
+    [[nodiscard]] bool ReadNext(source::Packet& packet) override;
+    [[nodiscard]] HRESULT DamageSoFar() const override;
+
     // What was passed of a stream so far.
     struct Progress {
         UINT64 bytes = 0;

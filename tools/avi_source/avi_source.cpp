@@ -2,6 +2,7 @@
 
 #include "dshow/com_guard.h"
 #include "tools/avi_source/avi_reader.h"
+#include "tools/source_base/buffered_source.h"
 #include "tools/source_base/file_source.h"
 #include "tools/source_base/source_filter.h"
 
@@ -16,6 +17,7 @@ constexpr GUID kAviSourceClassId{0x8e6a2d14, 0x57c3, 0x4f0b, {0xa9, 0xb1, 0x6d, 
 
 HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened) {
     return ComGuard([&] {
+        bytes = std::make_unique<source::BufferedSource>(std::move(bytes));
         std::optional<AviFile> file = ReadAviFile(*bytes);
         if (!file) {
             return static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);

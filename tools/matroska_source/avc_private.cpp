@@ -1,5 +1,7 @@
 #include "tools/matroska_source/avc_private.h"
 
+#include <algorithm>
+
 #include "mkv/annexb_converter.h"
 #include "tools/matroska_source/big_endian.h"
 
@@ -11,6 +13,7 @@ constexpr size_t kHeadBytes = 6; // up to and with the number of sequence parame
 constexpr BYTE kCountMask = 0x1f;
 constexpr BYTE kLengthMask = 0x03;
 constexpr size_t kSetLengthBytes = mkv::kParameterSetLengthSizeBytes;
+constexpr size_t kLengthBytes = mkv::kSampleLengthSizeBytes;
 
 // Appends so many sets with their lengths, and takes them off the record's front.
 void TakeSets(Bytes& record, size_t count, std::vector<BYTE>& sets) {
@@ -23,6 +26,20 @@ void TakeSets(Bytes& record, size_t count, std::vector<BYTE>& sets) {
         sets.insert(sets.end(), record.begin(), record.begin() + static_cast<std::ptrdiff_t>(bytes));
         record = record.subspan(bytes);
     }
+}
+
+// A unit off the sample's front, without its length; none where the length does not fit.
+std::optional<Bytes> TakeUnit(Bytes& sample, size_t lengthBytes) {
+    if (sample.size() <= lengthBytes) {
+        return {};
+    }
+    const auto length = static_cast<size_t>(BigEndian(sample.first(lengthBytes)));
+    if (length > sample.size() - lengthBytes) {
+        return {};
+    }
+    const Bytes unit = sample.subspan(lengthBytes, length);
+    sample = sample.subspan(lengthBytes + length);
+    return unit;
 }
 
 } // namespace
@@ -46,19 +63,21 @@ AvcPrivate ParseAvcPrivate(Bytes record) {
     return avc;
 }
 
-std::vector<BYTE> WidenLengths(Bytes sample, size_t lengthBytes) {
-    std::vector<BYTE> wide;
-    while (sample.size() > lengthBytes) {
-        const auto length = static_cast<size_t>(BigEndian(sample.first(lengthBytes)));
-        sample = sample.subspan(lengthBytes);
-        if (length > sample.size()) {
-            break;
+std::optional<std::vector<BYTE>> WidenLengths(Bytes sample, size_t lengthBytes, size_t most) {
+    size_t bytes = 0; // asked for at once: growing would hold it twice over
+    for (Bytes rest = sample; const std::optional<Bytes> unit = TakeUnit(rest, lengthBytes);) {
+        bytes += kLengthBytes + unit->size();
+        if (bytes > most) {
+            return {};
         }
-        for (size_t byte = mkv::kSampleLengthSizeBytes; byte-- > 0;) {
-            wide.push_back(static_cast<BYTE>(length >> (8 * byte)));
+    }
+    std::vector<BYTE> wide(bytes);
+    auto to = wide.begin();
+    while (const std::optional<Bytes> unit = TakeUnit(sample, lengthBytes)) {
+        for (size_t byte = kLengthBytes; byte-- > 0;) {
+            *to++ = static_cast<BYTE>(unit->size() >> (8 * byte));
         }
-        wide.insert(wide.end(), sample.begin(), sample.begin() + static_cast<std::ptrdiff_t>(length));
-        sample = sample.subspan(length);
+        to = std::copy(unit->begin(), unit->end(), to);
     }
     return wide;
 }

@@ -1,6 +1,7 @@
 // The AVCDecoderConfigurationRecord (ISO/IEC 14496-15), as splitters hand it on.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "tools/matroska_source/lacing.h"
@@ -17,7 +18,7 @@ struct AvcPrivate {
 // As much as the record holds.
 [[nodiscard]] AvcPrivate ParseAvcPrivate(Bytes record);
 
-// The sample with 4-byte lengths; what does not fit its length is left out.
-[[nodiscard]] std::vector<BYTE> WidenLengths(Bytes sample, size_t lengthBytes);
+// The sample with 4-byte lengths; what does not fit its length is left out. None for what becomes larger than that.
+[[nodiscard]] std::optional<std::vector<BYTE>> WidenLengths(Bytes sample, size_t lengthBytes, size_t most);
 
 } // namespace matroska

@@ -1,6 +1,7 @@
 #include "tools/matroska_source/frame_queue.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "tools/matroska_source/frame_times.h"
@@ -15,6 +16,13 @@ constexpr INT64 kMaxFrameNs = INT64{1000} * 3600 * 1'000'000'000;
 constexpr double kMaxLastFrameNs = 10e9;
 // So that nobody waits for a picture because the next one of its track is far away.
 constexpr INT64 kMaxWaitNs = 1'000'000'000;
+// And so that a block of each of many tracks does not fill the memory.
+constexpr size_t kMaxWaitingBytes = 64 * source::kMiB;
+
+size_t BytesOf(const std::vector<source::Packet>& frames) {
+    return std::accumulate(frames.begin(), frames.end(), size_t{0},
+                           [](size_t sum, const source::Packet& frame) { return sum + frame.data.size(); });
+}
 
 } // namespace
 
@@ -26,7 +34,7 @@ void FrameQueue::AddStream(bool isSubtitle, UINT64 defaultDurationNs) {
 void FrameQueue::Clear() {
     m_queue.clear();
     for (Stream& stream : m_streams) {
-        stream.waiting.clear();
+        (void)TakeWaiting(stream);
         stream.lastFrameNs = 0;
     }
 }
@@ -46,6 +54,10 @@ void FrameQueue::Add(size_t index, INT64 startNs, std::optional<INT64> blockNs, 
     } else {
         stream.waiting = std::move(frames);
         stream.startNs = startNs;
+        m_waitingBytes += BytesOf(stream.waiting);
+        if (m_waitingBytes > kMaxWaitingBytes) {
+            ReleaseAll();
+        }
     }
 }
 
@@ -67,7 +79,7 @@ bool FrameQueue::Take(source::Packet& packet) {
 // A frame alone stays without a duration, as it is in the file; but the last one makes the file as long as it says
 // that it is. Several frames share the time until the next block.
 void FrameQueue::ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs) {
-    std::vector<source::Packet> frames = std::exchange(stream.waiting, {});
+    std::vector<source::Packet> frames = TakeWaiting(stream);
     if (frames.size() == 1) {
         Send(std::move(frames), stream.startNs, nextStartNs ? std::nullopt : LastFrameNs(stream.startNs));
         return;
@@ -82,9 +94,23 @@ void FrameQueue::ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs)
 void FrameQueue::ReleaseLate(INT64 nowNs) {
     for (Stream& stream : m_streams) {
         if (stream.waiting.size() == 1 && nowNs - stream.startNs > kMaxWaitNs) {
-            Send(std::exchange(stream.waiting, {}), stream.startNs, {});
+            Send(TakeWaiting(stream), stream.startNs, {});
         }
     }
+}
+
+// Without knowing the next block: a frame alone gets no duration, several get that of the ones before.
+void FrameQueue::ReleaseAll() {
+    for (Stream& stream : m_streams) {
+        std::vector<source::Packet> frames = TakeWaiting(stream);
+        const bool isAlone = frames.size() == 1;
+        Send(std::move(frames), stream.startNs, isAlone ? std::nullopt : std::optional(stream.lastFrameNs));
+    }
+}
+
+std::vector<source::Packet> FrameQueue::TakeWaiting(Stream& stream) {
+    m_waitingBytes -= BytesOf(stream.waiting);
+    return std::exchange(stream.waiting, {});
 }
 
 std::optional<INT64> FrameQueue::LastFrameNs(INT64 startNs) const {

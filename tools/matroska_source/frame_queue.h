@@ -1,4 +1,5 @@
-// FrameQueue: gives the frames of blocks their times, and holds those whose duration only the next block shows.
+// FrameQueue: gives the frames of blocks their times, and holds those whose duration only the next block shows, as long
+// as they are few.
 //
 // Units: nanoseconds from the start of the segment; packets in 100 ns. Owner: the reader. Threads: one at a time.
 #pragma once
@@ -40,6 +41,8 @@ class FrameQueue {
 
     void ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs);
     void ReleaseLate(INT64 nowNs);
+    void ReleaseAll();
+    [[nodiscard]] std::vector<source::Packet> TakeWaiting(Stream& stream);
     void Send(std::vector<source::Packet> frames, INT64 startNs, std::optional<INT64> frameNs);
     [[nodiscard]] std::optional<INT64> LastFrameNs(INT64 startNs) const;
 
@@ -47,6 +50,7 @@ class FrameQueue {
     REFERENCE_TIME m_shift = 0;
     std::vector<Stream> m_streams;
     std::deque<source::Packet> m_queue;
+    size_t m_waitingBytes = 0; // of all streams
 };
 
 } // namespace matroska

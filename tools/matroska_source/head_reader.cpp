@@ -112,26 +112,33 @@ void HeadReader::ReadTracks(const Element& tracks) {
         if (child.id != IdOf<KaxTrackEntry>() || m_file.tracks.size() >= kMaxTracks) {
             return;
         }
-        Track track = ReadTrackEntry(m_reader, child);
+        Track track = ReadTrackEntry(m_reader, child, m_privateRoom);
         const bool isKnown = std::any_of(m_file.tracks.begin(), m_file.tracks.end(),
                                          [&track](const Track& other) { return other.number == track.number; });
         if (track.number != 0 && !isKnown) {
+            m_privateRoom -= track.codecPrivate.size();
             m_file.tracks.push_back(std::move(track));
         }
     });
 }
 
 void HeadReader::ReadAttachments(const Element& attachments) {
-    (void)m_reader.ForEachChild(attachments, [this](const Element& child) {
-        if (child.id == IdOf<KaxAttached>() && m_file.attachments.size() < kMaxAttachments) {
+    const bool intact = m_reader.ForEachChild(attachments, [this](const Element& child) {
+        if (child.id != IdOf<KaxAttached>()) {
+            return;
+        }
+        if (m_file.attachments.size() < kMaxAttachments) {
             m_file.attachments.push_back(ReadAttachedFile(child));
+        } else {
+            m_file.lacksAttachments = true;
         }
     });
+    m_file.lacksAttachments = m_file.lacksAttachments || !intact;
 }
 
 AttachedFile HeadReader::ReadAttachedFile(const Element& element) const {
     AttachedFile file;
-    (void)m_reader.ForEachChild(element, [&](const Element& child) {
+    const bool intact = m_reader.ForEachChild(element, [&](const Element& child) {
         if (child.id == IdOf<KaxFileName>()) {
             file.fileName = m_reader.ReadString(child);
         } else if (child.id == IdOf<KaxFileDescription>()) {
@@ -144,6 +151,7 @@ AttachedFile HeadReader::ReadAttachedFile(const Element& element) const {
             file.data = child;
         }
     });
+    file.isDamaged = !intact || file.data.id == 0;
     return file;
 }
 

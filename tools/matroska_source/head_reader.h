@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/matroska_source/matroska_file.h"
+#include "tools/source_base/limits.h"
 
 namespace matroska {
 
@@ -26,6 +27,7 @@ class HeadReader {
 
     EbmlReader m_reader;
     MatroskaFile m_file;
+    UINT64 m_privateRoom = source::kMaxPrivateBytes; // for the codec private data of further tracks
 };
 
 } // namespace matroska

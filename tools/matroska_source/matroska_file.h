@@ -14,13 +14,13 @@ namespace matroska {
 
 enum class TrackType : UINT64 { Video = 1, Audio = 2, Subtitle = 17 };
 
-// One step that turned the track's data into what is stored; undone in the order of this list.
+// A step that turned the track's data into what is stored.
 struct ContentEncoding {
-    UINT64 order = 0;
     UINT64 scope = 1;           // bit 0: blocks, bit 1: codec private data
     bool isCompression = true;  // else encryption
     UINT64 algorithm = 0;       // 0: zlib, 3: header stripping
     std::vector<BYTE> settings; // the stripped header
+    bool isDamaged = false;     // the settings are longer than any real ones
 };
 
 struct VideoTrack {
@@ -44,6 +44,7 @@ struct Track {
     UINT64 type = 0;
     std::string codecId;
     std::vector<BYTE> codecPrivate;
+    bool lacksPrivate = false;    // there was no room for it
     UINT64 defaultDurationNs = 0; // 0: not said
     std::string name;
     std::string language;    // ISO 639-2 code
@@ -66,6 +67,7 @@ struct AttachedFile {
     std::string mimeType;
     UINT64 uid = 0;
     Element data;
+    bool isDamaged = false; // its data are missing or reach behind it
 };
 
 struct MatroskaFile {
@@ -74,6 +76,7 @@ struct MatroskaFile {
     double durationTicks = 0;  // 0: not said
     std::vector<Track> tracks; // each number once
     std::vector<AttachedFile> attachments;
+    bool lacksAttachments = false; // some could not even be found
 };
 
 // None when the bytes are no Matroska file, or one without tracks.

@@ -1,12 +1,12 @@
 #include "tools/matroska_source/matroska_reader.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <utility>
 
 #include "tools/matroska_source/avc_private.h"
 #include "tools/matroska_source/media_types_of.h"
+#include "tools/source_base/printable.h"
 
 namespace matroska {
 
@@ -19,38 +19,17 @@ constexpr size_t kMaxCodecIdChars = 64;
 constexpr UINT64 kMaxTicksBelowCluster = 32768;
 constexpr size_t kAvcSampleLengthBytes = 4;
 
-// The identifier comes from the file and goes to the user's console.
-std::string Printable(const std::string& codecId) {
-    std::string text = codecId.substr(0, kMaxCodecIdChars);
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return std::isprint(static_cast<unsigned char>(c)) == 0; }, '?');
-    return text.empty() ? "no codec identifier" : text;
-}
-
-// Undoes what was done to the codec private data; why the track cannot be read otherwise.
-std::string PrepareTrack(Track& track) {
-    const ContentDecoder decoder(track.encodings, ContentDecoder::Part::CodecPrivate);
-    std::string problem = ContentDecoder(track.encodings, ContentDecoder::Part::Frames).Problem();
-    if (problem.empty()) {
-        problem = decoder.Problem();
-    }
-    if (!problem.empty() || decoder.ChangesNothing() || track.codecPrivate.empty()) {
-        return problem;
-    }
-    std::optional<std::vector<BYTE>> decoded = decoder.Decode(track.codecPrivate);
-    if (!decoded) {
-        return "the codec private data is damaged";
-    }
-    track.codecPrivate = std::move(*decoded);
-    return {};
-}
-
 size_t AvcLengthBytes(const Track& track) {
     if (track.codecId != "V_MPEG4/ISO/AVC") {
         return 0;
     }
     const size_t bytes = ParseAvcPrivate(track.codecPrivate).lengthBytes;
     return bytes == kAvcSampleLengthBytes ? 0 : bytes;
+}
+
+// The identifier comes from the file and goes to the user's console.
+std::string ShownCodecId(const Track& track) {
+    return track.codecId.empty() ? "no codec identifier" : source::Printable(track.codecId, kMaxCodecIdChars);
 }
 
 } // namespace
@@ -62,7 +41,28 @@ MatroskaReader::MatroskaReader(std::unique_ptr<source::ByteSource> bytes, Matros
         AddStream(track);
     }
     FindShift();
-    Rewind();
+    StartOver();
+}
+
+// Undoes what was done to the codec private data; why the track cannot be read otherwise.
+std::string MatroskaReader::PrepareTrack(Track& track) {
+    const ContentDecoder decoder(track.encodings, ContentDecoder::Part::CodecPrivate);
+    std::string problem = ContentDecoder(track.encodings, ContentDecoder::Part::Frames).Problem();
+    if (problem.empty()) {
+        problem = decoder.Problem();
+    }
+    if (problem.empty() && track.lacksPrivate) {
+        problem = "the codec private data is damaged or too large";
+    }
+    if (!problem.empty() || decoder.ChangesNothing() || track.codecPrivate.empty()) {
+        return problem;
+    }
+    std::optional<std::vector<BYTE>> decoded = decoder.Decode(track.codecPrivate, m_privateRoom);
+    if (!decoded) {
+        return "the codec private data is damaged";
+    }
+    track.codecPrivate = std::move(*decoded);
+    return {};
 }
 
 void MatroskaReader::AddStream(Track& track) {
@@ -74,7 +74,7 @@ void MatroskaReader::AddStream(Track& track) {
     }
     if (description.types.empty()) {
         description.problem =
-            Printable(track.codecId) + ": " + (problem.empty() ? "no media type carries this codec" : problem);
+            ShownCodecId(track) + ": " + (problem.empty() ? "no media type carries this codec" : problem);
     } else {
         m_streamOf[track.number] = m_streams.size();
     }
@@ -98,17 +98,18 @@ void MatroskaReader::FindShift() {
     m_queue.SetShift(-FrameTimes::RefTimeOf(m_times.NsOf(least).value_or(0)));
 }
 
-void MatroskaReader::Rewind() {
+void MatroskaReader::StartOver() {
     m_walker.Rewind();
     m_queue.Clear();
+    m_budget.Reset();
     m_lostFrames = false;
 }
 
-HRESULT MatroskaReader::Damage() const {
+HRESULT MatroskaReader::DamageSoFar() const {
     return m_lostFrames || m_walker.IsDamaged() ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
 }
 
-bool MatroskaReader::Next(source::Packet& packet) {
+bool MatroskaReader::ReadNext(source::Packet& packet) {
     while (!m_queue.Take(packet)) {
         const std::optional<Block> block = m_walker.Next();
         if (!block) {
@@ -144,25 +145,41 @@ std::vector<source::Packet> MatroskaReader::FramesOf(const Block& block, size_t 
         return packets;
     }
     std::vector<BYTE> payload(static_cast<size_t>(block.size));
-    const bool isComplete = m_bytes->ReadAt(block.data, payload) == payload.size();
-    const auto frames = isComplete ? TakeFramesApart(payload, block.lacing) : std::nullopt;
-    m_lostFrames = m_lostFrames || !frames;
-    for (const Bytes frame : frames.value_or(std::vector<Bytes>())) {
-        std::optional<std::vector<BYTE>> data = DecodeFrame(m_states[index], frame);
-        m_lostFrames = m_lostFrames || !data;
-        source::Packet packet;
+    if (m_bytes->ReadAt(block.data, payload) != payload.size()) {
+        m_lostFrames = true;
+        return packets;
+    }
+    packets = TakeApart(std::move(payload), block.lacing, m_states[index]);
+    for (source::Packet& packet : packets) {
         packet.stream = index;
         packet.keyframe = block.keyframe;
-        packet.data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time all the same
-        packets.push_back(std::move(packet));
     }
     return packets;
 }
 
-std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, Bytes frame) const {
-    std::optional<std::vector<BYTE>> data = stream.decoder.Decode(frame);
+std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream) {
+    std::vector<source::Packet> packets;
+    if (lacing == 0 && stream.KeepsFrames()) {
+        packets.emplace_back().data = std::move(payload);
+        return packets;
+    }
+    const auto frames = TakeFramesApart(payload, lacing);
+    m_lostFrames = m_lostFrames || !frames;
+    const size_t allowed = m_budget.RoomFor(payload.size());
+    size_t room = allowed;
+    for (const Bytes frame : frames.value_or(std::vector<Bytes>())) {
+        std::optional<std::vector<BYTE>> data = DecodeFrame(stream, frame, room);
+        m_lostFrames = m_lostFrames || !data;
+        packets.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
+    }
+    m_budget.Spend(stream.decoder.ChangesNothing() ? 0 : payload.size(), allowed - room);
+    return packets;
+}
+
+std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, Bytes frame, size_t& room) const {
+    std::optional<std::vector<BYTE>> data = stream.decoder.Decode(frame, room);
     if (data && stream.avcLengthBytes != 0) {
-        data = WidenLengths(*data, stream.avcLengthBytes);
+        data = WidenLengths(*data, stream.avcLengthBytes, source::kMaxPacketBytes);
     }
     return data;
 }
@@ -171,8 +188,8 @@ std::vector<source::Attachment> MatroskaReader::ReadAttachments(std::vector<std:
     std::vector<source::Attachment> attachments;
     UINT64 room = kMaxAttachmentBytes;
     for (const AttachedFile& file : m_file.attachments) {
-        std::vector<BYTE> data = m_ebml.ReadBytes(file.data, room);
-        if (data.size() == file.data.Size()) {
+        std::vector<BYTE> data = file.isDamaged ? std::vector<BYTE>() : m_ebml.ReadBytes(file.data, room);
+        if (!file.isDamaged && data.size() == file.data.Size()) {
             room -= data.size();
             attachments.push_back({file.fileName, file.description, file.mimeType, file.uid, std::move(data)});
         } else {

@@ -9,6 +9,7 @@
 
 #include "tools/matroska_source/block_walker.h"
 #include "tools/matroska_source/content_decoder.h"
+#include "tools/matroska_source/decoding_budget.h"
 #include "tools/matroska_source/frame_queue.h"
 #include "tools/matroska_source/frame_times.h"
 #include "tools/matroska_source/matroska_file.h"
@@ -21,24 +22,32 @@ class MatroskaReader final : public source::PacketReader {
     MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file);
 
     [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
-    void Rewind() override;
-    [[nodiscard]] bool Next(source::Packet& packet) override;
-    [[nodiscard]] HRESULT Damage() const override;
 
+    // Whether the file has further attachments, which cannot be found.
+    [[nodiscard]] bool LacksAttachments() const { return m_file.lacksAttachments; }
     // Reads them all, but for those that the muxer does not take or that cannot be read; their names are appended.
     [[nodiscard]] std::vector<source::Attachment> ReadAttachments(std::vector<std::string>& leftOut) const;
 
   private:
+    // PacketReader
+    void StartOver() override;
+    [[nodiscard]] bool ReadNext(source::Packet& packet) override;
+    [[nodiscard]] HRESULT DamageSoFar() const override;
+
     struct Stream {
         ContentDecoder decoder;
-        size_t avcLengthBytes = 0; // 0: the frames stay as they are
+        size_t avcLengthBytes = 0; // 0: the lengths of units stay as they are
+
+        [[nodiscard]] bool KeepsFrames() const { return decoder.ChangesNothing() && avcLengthBytes == 0; }
     };
 
     void AddStream(Track& track);
+    [[nodiscard]] std::string PrepareTrack(Track& track);
     void FindShift();
     void ReadBlock(const Block& block);
     [[nodiscard]] std::vector<source::Packet> FramesOf(const Block& block, size_t index);
-    [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, Bytes frame) const;
+    [[nodiscard]] std::vector<source::Packet> TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
+    [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, Bytes frame, size_t& room) const;
 
     const std::unique_ptr<source::ByteSource> m_bytes;
     const MatroskaFile m_file;
@@ -49,6 +58,8 @@ class MatroskaReader final : public source::PacketReader {
     std::vector<Stream> m_states;        // one a stream
     std::map<UINT64, size_t> m_streamOf; // by track number; the streams that have types
     FrameQueue m_queue;
+    DecodingBudget m_budget;
+    size_t m_privateRoom = source::kMaxPrivateBytes; // for what the private data of further tracks become
     bool m_lostFrames = false;
 };
 

@@ -4,6 +4,7 @@
 #include "tools/matroska_source/matroska_reader.h"
 #include "tools/source_base/buffered_source.h"
 #include "tools/source_base/file_source.h"
+#include "tools/source_base/printable.h"
 #include "tools/source_base/source_filter.h"
 
 namespace matroska {
@@ -24,6 +25,22 @@ void TellLosses(const Track& track, std::vector<std::string>& warnings) {
     }
 }
 
+// On one line, however many there are.
+void TellLostAttachments(const std::vector<std::string>& names, bool othersAreLost,
+                         std::vector<std::string>& warnings) {
+    if (names.empty() && !othersAreLost) {
+        return;
+    }
+    std::string text = "attachments";
+    if (!names.empty()) {
+        text = "the attachment '" + source::Printable(names.front()) + "'";
+        text += names.size() > 1 ? " and " + std::to_string(names.size() - 1) + " more" : "";
+        text += othersAreLost ? " and others" : "";
+    }
+    const bool isOne = names.size() == 1 && !othersAreLost;
+    warnings.push_back(text + (isOne ? " is" : " are") + " damaged or too large, and left out");
+}
+
 } // namespace
 
 HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened) {
@@ -39,9 +56,7 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
         auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file));
         std::vector<std::string> leftOut;
         opened.attachments = reader->ReadAttachments(leftOut);
-        for (const std::string& name : leftOut) {
-            opened.warnings.push_back("the attachment '" + name + "' is damaged or too large, and left out");
-        }
+        TellLostAttachments(leftOut, reader->LacksAttachments(), opened.warnings);
         return source::CSourceFilter::Make(std::move(reader), kMatroskaSourceClassId, opened);
     });
 }

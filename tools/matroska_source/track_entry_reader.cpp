@@ -1,7 +1,5 @@
 #include "tools/matroska_source/track_entry_reader.h"
 
-#include <algorithm>
-
 #include <matroska/KaxContentEncoding.h>
 #include <matroska/KaxSemantic.h>
 
@@ -11,10 +9,9 @@ namespace {
 
 using namespace libmatroska;
 
-// Fonts and pictures have no place there; the largest that codecs need are a few hundred KiB.
-constexpr UINT64 kMaxCodecPrivateBytes = UINT64{16} * 1024 * 1024;
-constexpr UINT64 kMaxStrippedHeaderBytes = UINT64{64} * 1024;
-constexpr size_t kMaxEncodings = 16;
+// Writers strip what all frames of a codec begin with: a few bytes.
+constexpr UINT64 kMaxStrippedHeaderBytes = 1024;
+constexpr size_t kMaxEncodings = 2; // one is read, the second one says that there are too many
 
 VideoTrack ReadVideo(const EbmlReader& reader, const Element& element) {
     VideoTrack video;
@@ -59,6 +56,7 @@ void ReadCompression(const EbmlReader& reader, const Element& element, ContentEn
             encoding.algorithm = reader.ReadUnsigned(child);
         } else if (child.id == IdOf<KaxContentCompSettings>()) {
             encoding.settings = reader.ReadBytes(child, kMaxStrippedHeaderBytes);
+            encoding.isDamaged = encoding.settings.size() != child.Size();
         }
     });
 }
@@ -66,9 +64,7 @@ void ReadCompression(const EbmlReader& reader, const Element& element, ContentEn
 ContentEncoding ReadEncoding(const EbmlReader& reader, const Element& element) {
     ContentEncoding encoding;
     (void)reader.ForEachChild(element, [&](const Element& child) {
-        if (child.id == IdOf<KaxContentEncodingOrder>()) {
-            encoding.order = reader.ReadUnsigned(child);
-        } else if (child.id == IdOf<KaxContentEncodingScope>()) {
+        if (child.id == IdOf<KaxContentEncodingScope>()) {
             encoding.scope = reader.ReadUnsigned(child, encoding.scope);
         } else if (child.id == IdOf<KaxContentEncodingType>()) {
             encoding.isCompression = reader.ReadUnsigned(child) == 0;
@@ -86,13 +82,10 @@ std::vector<ContentEncoding> ReadEncodings(const EbmlReader& reader, const Eleme
             encodings.push_back(ReadEncoding(reader, child));
         }
     });
-    // The last step of the writer is the first of the reader.
-    std::stable_sort(encodings.begin(), encodings.end(),
-                     [](const ContentEncoding& a, const ContentEncoding& b) { return a.order > b.order; });
     return encodings;
 }
 
-void ReadTexts(const EbmlReader& reader, const Element& child, Track& track) {
+void ReadTexts(const EbmlReader& reader, const Element& child, UINT64 privateRoom, Track& track) {
     if (child.id == IdOf<KaxCodecID>()) {
         track.codecId = reader.ReadString(child);
     } else if (child.id == IdOf<KaxTrackName>()) {
@@ -102,7 +95,8 @@ void ReadTexts(const EbmlReader& reader, const Element& child, Track& track) {
     } else if (child.id == IdOf<KaxLanguageIETF>()) {
         track.languageTag = reader.ReadString(child);
     } else if (child.id == IdOf<KaxCodecPrivate>()) {
-        track.codecPrivate = reader.ReadBytes(child, kMaxCodecPrivateBytes);
+        track.codecPrivate = reader.ReadBytes(child, privateRoom);
+        track.lacksPrivate = track.codecPrivate.size() != child.Size();
     }
 }
 
@@ -136,10 +130,10 @@ void ReadParts(const EbmlReader& reader, const Element& child, Track& track) {
 
 } // namespace
 
-Track ReadTrackEntry(const EbmlReader& reader, const Element& entry) {
+Track ReadTrackEntry(const EbmlReader& reader, const Element& entry, UINT64 privateRoom) {
     Track track;
     (void)reader.ForEachChild(entry, [&](const Element& child) {
-        ReadTexts(reader, child, track);
+        ReadTexts(reader, child, privateRoom, track);
         ReadNumbers(reader, child, track);
         ReadParts(reader, child, track);
     });

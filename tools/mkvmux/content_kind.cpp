@@ -115,19 +115,21 @@ bool IsSequenceOf(FrameBytes frameBytes, Bytes head) {
 ContentKind KindOfText(Bytes head) {
     constexpr size_t kLines = 3; // a number and a timing, behind an empty line perhaps
     size_t seen = 0;
-    for (const std::string& line : subtitles::SplitLines(subtitles::DecodeText(head))) {
-        const std::string text = subtitles::Trimmed(line);
+    const std::string decoded = subtitles::DecodeText(head);
+    subtitles::LineReader lines(decoded);
+    while (const auto line = lines.Next()) {
+        const std::string_view text = subtitles::Trimmed(*line);
         if (text.empty()) {
             continue;
         }
         if (seen == 0 && text == "[Script Info]") {
             return ContentKind::Ass;
         }
-        if (text.find("-->") != std::string::npos && text.find_first_of("0123456789") == 0 &&
+        if (text.find("-->") != std::string_view::npos && text.find_first_of("0123456789") == 0 &&
             text.find(':') < text.find("-->")) {
             return ContentKind::SubRip;
         }
-        const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
+        const bool isNumber = text.find_first_not_of("0123456789") == std::string_view::npos;
         if (!isNumber || ++seen == kLines) {
             break;
         }

@@ -8,13 +8,11 @@
 #include <vector>
 
 #include "dshow/media_type.h"
+#include "tools/source_base/limits.h"
 #include "tools/source_base/track_properties.h"
 #include "win/wide_string.h"
 
 namespace source {
-
-// Larger packets are taken for damage, so that a flipped bit cannot ask for the whole memory.
-inline constexpr UINT64 kMaxPacketBytes = UINT64{256} * 1024 * 1024;
 
 struct StreamDescription {
     WideString name;               // of its pin
@@ -39,11 +37,21 @@ class PacketReader {
 
     [[nodiscard]] virtual const std::vector<StreamDescription>& Streams() const = 0;
     // Begins at the start again.
-    virtual void Rewind() = 0;
-    // False at the end; the packet's buffer is used again.
-    [[nodiscard]] virtual bool Next(Packet& packet) = 0;
+    void Rewind();
+    // False at the end; the packet's buffer is used again. Whatever the reader makes of its input, a packet is no
+    // larger than kMaxPacketBytes and its times are between zero and kMaxTime: others are lost.
+    [[nodiscard]] bool Next(Packet& packet);
     // A failure when packets were lost since Rewind, else S_OK.
-    [[nodiscard]] virtual HRESULT Damage() const { return S_OK; }
+    [[nodiscard]] HRESULT Damage() const;
+
+  private:
+    virtual void StartOver() = 0;
+    // As Next, without its promise.
+    [[nodiscard]] virtual bool ReadNext(Packet& packet) = 0;
+    // As Damage, of what ReadNext lost.
+    [[nodiscard]] virtual HRESULT DamageSoFar() const { return S_OK; }
+
+    bool m_lostPacket = false;
 };
 
 } // namespace source

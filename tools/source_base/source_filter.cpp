@@ -79,16 +79,19 @@ void CSourceFilter::Stream(const std::stop_token& stop) {
     for (const auto& pin : m_pins) {
         pin->Begin();
     }
+    HRESULT damage = S_OK;
     Packet packet;
     while (!stop.stop_requested() && m_reader->Next(packet)) {
         if (CSourcePin* const pin = m_pinOfStream[packet.stream]) {
-            pin->DeliverPacket(packet);
+            const HRESULT hr = pin->DeliverPacket(packet);
+            damage = FAILED(hr) ? hr : damage;
         }
     }
     if (stop.stop_requested()) {
         return;
     }
-    if (const HRESULT damage = m_reader->Damage(); FAILED(damage)) {
+    damage = FAILED(damage) ? damage : m_reader->Damage();
+    if (FAILED(damage)) {
         *m_damage = damage;
         NotifyEvent(EC_STREAM_ERROR_STILLPLAYING, damage, 0); // before the end, which may end the run
     }

@@ -8,17 +8,36 @@ namespace source {
 namespace {
 
 constexpr LONG kBuffers = 4;
+// All buffers of a pin together, where more than one is asked for: large packets get fewer buffers.
+constexpr size_t kMaxPoolBytes = 128 * kMiB;
+static_assert(kMaxPacketBytes <= kMaxPoolBytes);
+static_assert(kMaxPoolBytes <= size_t{INT32_MAX} / 8); // the allocator multiplies in 32 bits
 // For streams that do not tell how large their packets get; the buffers grow when one is too small.
 constexpr size_t kFirstBufferBytes = size_t{64} * 1024;
-constexpr size_t kMaxSlackBytes = size_t{4} * 1024 * 1024;
+// Of what the input claims beforehand, only so much is believed.
+constexpr size_t kMaxFirstBufferBytes = kMiB;
+constexpr size_t kMaxSlackBytes = 4 * kMiB;
 constexpr DWORD kGrowPollMs = 1;
 constexpr REFERENCE_TIME kEndOfTime = INT64_MAX;
+
+// Buffers of so many bytes, as many as the pool has room for.
+void AskFor(size_t bytes, LONG buffers, ALLOCATOR_PROPERTIES& request) {
+    bytes = std::clamp<size_t>(bytes, 1, kMaxPacketBytes);
+    request.cbBuffer = static_cast<LONG>(bytes);
+    request.cBuffers = std::clamp<LONG>(buffers, 1, static_cast<LONG>(kMaxPoolBytes / bytes));
+    request.cbAlign = std::max(request.cbAlign, LONG{1});
+}
+
+size_t BytesOf(LONG size) {
+    return static_cast<size_t>(std::max(size, LONG{0}));
+}
 
 } // namespace
 
 CSourcePin::CSourcePin(CBaseFilter* filter, CCritSec* lock, HRESULT* phr, const StreamDescription& stream)
     : CBaseOutputPin(OLESTR("SourcePin"), filter, lock, phr, stream.name.c_str()), m_types(stream.types),
-      m_firstBufferBytes(stream.largestPacket > 0 ? stream.largestPacket : kFirstBufferBytes) {}
+      m_firstBufferBytes(stream.largestPacket > 0 ? std::min(stream.largestPacket, kMaxFirstBufferBytes)
+                                                  : kFirstBufferBytes) {}
 
 HRESULT CSourcePin::CheckMediaType(const CMediaType* type) {
     const bool isOffered =
@@ -35,15 +54,13 @@ HRESULT CSourcePin::GetMediaType(int position, CMediaType* type) {
 }
 
 HRESULT CSourcePin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) {
-    request->cBuffers = std::max(request->cBuffers, kBuffers);
-    request->cbBuffer = std::max({request->cbBuffer, static_cast<LONG>(m_firstBufferBytes), LONG{1}});
-    request->cbAlign = std::max(request->cbAlign, LONG{1});
+    AskFor(std::max(BytesOf(request->cbBuffer), m_firstBufferBytes), std::max(request->cBuffers, kBuffers), *request);
     ALLOCATOR_PROPERTIES actual{};
     const HRESULT hr = allocator->SetProperties(request, &actual);
     if (FAILED(hr)) {
         return hr;
     }
-    m_bufferBytes = actual.cbBuffer;
+    m_bufferBytes = BytesOf(actual.cbBuffer);
     return actual.cbBuffer < request->cbBuffer ? E_FAIL : hr;
 }
 
@@ -67,25 +84,40 @@ void CSourcePin::Begin() {
     }
 }
 
-void CSourcePin::DeliverPacket(const Packet& packet) {
-    m_takesSamples = m_takesSamples && Send(packet);
+HRESULT CSourcePin::DeliverPacket(const Packet& packet) {
+    const HRESULT hr = m_takesSamples ? Send(packet) : S_FALSE;
+    m_takesSamples = hr != S_FALSE;
+    return hr;
 }
 
-bool CSourcePin::Send(const Packet& packet) {
+HRESULT CSourcePin::Send(const Packet& packet) {
+    HRESULT hr = MakeRoom(packet.data.size());
     win::ComPtr<IMediaSample> sample;
-    return SUCCEEDED(MakeRoom(packet.data.size())) && SUCCEEDED(GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0)) &&
-           Fill(*sample.Get(), packet) && Deliver(sample.Get()) == S_OK;
+    if (SUCCEEDED(hr)) {
+        hr = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
+    }
+    if (SUCCEEDED(hr)) {
+        hr = Fill(*sample.Get(), packet);
+    }
+    if (hr == VFW_E_NOT_COMMITTED) { // the peer has stopped
+        return S_FALSE;
+    }
+    return FAILED(hr) ? hr : (Deliver(sample.Get()) == S_OK ? S_OK : S_FALSE);
 }
 
 // Buffers can be exchanged only while the peer holds none.
 HRESULT CSourcePin::MakeRoom(size_t bytes) {
+    if (bytes > kMaxPacketBytes) {
+        return VFW_E_BUFFER_OVERFLOW;
+    }
     HRESULT hr = S_OK;
-    while (bytes > static_cast<size_t>(m_bufferBytes) && (hr = TryToGrow(bytes)) == VFW_E_BUFFERS_OUTSTANDING) {
+    while (bytes > m_bufferBytes && (hr = TryToGrow(bytes)) == VFW_E_BUFFERS_OUTSTANDING) {
         Sleep(kGrowPollMs);
     }
     return hr;
 }
 
+// Where the allocator refuses, it keeps the buffers that it had.
 HRESULT CSourcePin::TryToGrow(size_t bytes) {
     const CAutoLock lock(&m_growLock);
     if (!m_active || !m_pAllocator) {
@@ -96,28 +128,35 @@ HRESULT CSourcePin::TryToGrow(size_t bytes) {
     if (FAILED(hr) || FAILED(hr = m_pAllocator->Decommit())) {
         return hr;
     }
-    wanted.cbBuffer = static_cast<LONG>(bytes + std::min(bytes / 2, kMaxSlackBytes)); // so that it happens seldom
+    AskFor(bytes + std::min(bytes / 2, kMaxSlackBytes), wanted.cBuffers, wanted); // so that it happens seldom
     ALLOCATOR_PROPERTIES actual{};
     hr = m_pAllocator->SetProperties(&wanted, &actual);
     if (SUCCEEDED(hr)) {
-        m_bufferBytes = actual.cbBuffer;
+        m_bufferBytes = BytesOf(actual.cbBuffer);
+        hr = bytes > m_bufferBytes ? VFW_E_BUFFER_OVERFLOW : hr;
     }
     const HRESULT committed = m_pAllocator->Commit();
     return FAILED(hr) ? hr : committed;
 }
 
-bool CSourcePin::Fill(IMediaSample& sample, const Packet& packet) {
+// What the sample itself says of its size is believed over all that was agreed on.
+HRESULT CSourcePin::Fill(IMediaSample& sample, const Packet& packet) {
     BYTE* data = nullptr;
-    const auto size = static_cast<LONG>(packet.data.size());
-    if (FAILED(sample.GetPointer(&data)) || sample.GetSize() < size) {
-        return false;
+    HRESULT hr = sample.GetPointer(&data);
+    if (FAILED(hr)) {
+        return hr;
+    }
+    if (data == nullptr || BytesOf(sample.GetSize()) < packet.data.size()) {
+        return VFW_E_BUFFER_OVERFLOW;
     }
     std::copy(packet.data.begin(), packet.data.end(), data);
     REFERENCE_TIME start = packet.start;
     REFERENCE_TIME stop = packet.stop;
-    return SUCCEEDED(sample.SetActualDataLength(size)) &&
-           SUCCEEDED(sample.SetTime(&start, packet.hasStop ? &stop : nullptr)) &&
-           SUCCEEDED(sample.SetSyncPoint(packet.keyframe ? TRUE : FALSE));
+    if (FAILED(hr = sample.SetActualDataLength(static_cast<LONG>(packet.data.size()))) ||
+        FAILED(hr = sample.SetTime(&start, packet.hasStop ? &stop : nullptr))) {
+        return hr;
+    }
+    return sample.SetSyncPoint(packet.keyframe ? TRUE : FALSE);
 }
 
 void CSourcePin::DeliverEnd() {

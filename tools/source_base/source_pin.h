@@ -1,7 +1,8 @@
 // CSourcePin: delivers the packets of one stream as samples.
 //
 // Units: times in 100 ns. Owner: the filter. Threads: Begin and Deliver… on the filter's streaming thread alone.
-// Errors: a peer that takes no more samples gets none.
+// Errors: a packet that no buffer holds is lost, and DeliverPacket says why; a peer that takes no more samples gets
+// none.
 #pragma once
 
 #include <atomic>
@@ -17,7 +18,8 @@ class CSourcePin final : public CBaseOutputPin {
 
     // Begins a run at the start of the stream.
     void Begin();
-    void DeliverPacket(const Packet& packet);
+    // S_FALSE when the peer takes no more samples; a failure when this one was lost.
+    [[nodiscard]] HRESULT DeliverPacket(const Packet& packet);
     void DeliverEnd();
 
     HRESULT CheckMediaType(const CMediaType* type) override;
@@ -27,14 +29,14 @@ class CSourcePin final : public CBaseOutputPin {
     HRESULT Inactive() override;
 
   private:
-    [[nodiscard]] bool Send(const Packet& packet);
+    [[nodiscard]] HRESULT Send(const Packet& packet);
     [[nodiscard]] HRESULT MakeRoom(size_t bytes);
     [[nodiscard]] HRESULT TryToGrow(size_t bytes);
-    [[nodiscard]] static bool Fill(IMediaSample& sample, const Packet& packet);
+    [[nodiscard]] static HRESULT Fill(IMediaSample& sample, const Packet& packet);
 
     const std::vector<CMediaType> m_types;
     const size_t m_firstBufferBytes;
-    std::atomic<LONG> m_bufferBytes{0}; // of each buffer of the allocator
+    std::atomic<size_t> m_bufferBytes{0}; // of each buffer of the allocator
     bool m_takesSamples = false;
     CCritSec m_growLock; // growing the buffers against stopping
     bool m_active = false;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <iterator>
 
+#include "tools/source_base/limits.h"
 #include "tools/text_source/text_decoder.h"
 
 namespace subtitles {
@@ -14,52 +16,69 @@ constexpr const char* kLineEnd = "\r\n";
 constexpr const char* kDefaultFormat =
     "Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text";
 constexpr const char* kAssFields = "Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text";
-constexpr const char* kMarked = "Marked=";
-// What a block holds behind the number of the event; the first has another name in SSA, the third in old scripts.
-constexpr const char* kBlockFields[][2] = {{"layer", "marked"}, {"style", ""},   {"name", "actor"}, {"marginl", ""},
-                                           {"marginr", ""},     {"marginv", ""}, {"effect", ""},    {"text", ""}};
+constexpr size_t kMaxFormatBytes = size_t{64} * 1024;
+constexpr std::string_view kMarked = "Marked=";
+// Their names; the first has another one in SSA, the third in old scripts.
+constexpr std::string_view kBlockFieldNames[][2] = {{"layer", "marked"}, {"style", ""},   {"name", "actor"},
+                                                    {"marginl", ""},     {"marginr", ""}, {"marginv", ""},
+                                                    {"effect", ""},      {"text", ""}};
+constexpr size_t kTextField = std::size(kBlockFieldNames) - 1;
+// Scripts have ten. Each event is looked at field by field.
+constexpr size_t kMaxFields = 64;
+constexpr size_t kNoField = SIZE_MAX;
 
-std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-    return text;
+    return lower;
 }
 
 // What follows "Dialogue:" in such a line.
-std::optional<std::string> ContentOf(const std::string& line, const std::string& kind) {
+std::optional<std::string_view> ContentOf(std::string_view line, std::string_view kind) {
     const size_t colon = line.find(':');
-    const bool matches = colon != std::string::npos && Lower(Trimmed(line.substr(0, colon))) == kind;
+    const bool matches = colon != std::string_view::npos && Lower(Trimmed(line.substr(0, colon))) == kind;
     return matches ? std::optional(line.substr(colon + 1)) : std::nullopt;
 }
 
 // At most so many parts; the last one keeps its commas.
-std::vector<std::string> SplitAtCommas(const std::string& text, size_t most) {
-    std::vector<std::string> parts;
-    size_t start = 0;
+std::vector<std::string_view> SplitAtCommas(std::string_view text, size_t most) {
+    std::vector<std::string_view> parts;
     while (parts.size() + 1 < most) {
-        const size_t comma = text.find(',', start);
-        if (comma == std::string::npos) {
+        const size_t comma = text.find(',');
+        if (comma == std::string_view::npos) {
             break;
         }
-        parts.push_back(text.substr(start, comma - start));
-        start = comma + 1;
+        parts.push_back(text.substr(0, comma));
+        text.remove_prefix(comma + 1);
     }
-    parts.push_back(text.substr(start));
+    parts.push_back(text);
     return parts;
+}
+
+// Where in the list the field is; kNoField when it is not.
+size_t IndexOf(const std::vector<std::string>& fields, std::string_view field) {
+    const auto found = std::find(fields.begin(), fields.end(), field);
+    return found == fields.end() || field.empty() ? kNoField : static_cast<size_t>(found - fields.begin());
+}
+
+std::string_view ValueAt(const std::vector<std::string_view>& values, size_t field) {
+    return field < values.size() ? values[field] : std::string_view();
 }
 
 } // namespace
 
-std::optional<SubtitleFile> AssParser::Parse(const std::string& text) {
+std::optional<SubtitleFile> AssParser::Parse(std::string_view text) {
     m_file.format = Format::Ass;
-    for (const std::string& line : SplitLines(text)) {
-        if (Trimmed(line).starts_with("[")) {
-            TakeSection(Lower(Trimmed(line)));
+    LineReader lines(text);
+    while (const std::optional<std::string_view> line = lines.Next()) {
+        if (Trimmed(*line).starts_with("[")) {
+            TakeSection(Trimmed(*line));
         }
         if (m_isInEvents) {
-            TakeEventLine(line);
+            TakeEventLine(*line);
         } else {
-            m_file.header += line + kLineEnd;
+            AppendToHeader(m_file.header, *line);
         }
     }
     if (!m_hasEvents) {
@@ -74,63 +93,79 @@ std::optional<SubtitleFile> AssParser::Parse(const std::string& text) {
     return std::move(m_file);
 }
 
-void AssParser::TakeSection(const std::string& line) {
-    m_isInEvents = line == "[events]";
+void AssParser::AppendToHeader(std::string& part, std::string_view line) {
+    const size_t bytes = line.size() + std::string_view(kLineEnd).size();
+    if (bytes > source::kMaxPrivateBytes - m_headerBytes) {
+        m_file.isDamaged = true;
+        return;
+    }
+    m_headerBytes += bytes;
+    part += line;
+    part += kLineEnd;
+}
+
+void AssParser::TakeSection(std::string_view line) {
+    const std::string section = Lower(line);
+    m_isInEvents = section == "[events]";
     m_hasEvents = m_hasEvents || m_isInEvents;
-    if (line == "[v4 styles]") {
+    if (section == "[v4 styles]") {
         m_file.format = Format::Ssa;
     }
 }
 
-void AssParser::TakeEventLine(const std::string& line) {
+void AssParser::TakeEventLine(std::string_view line) {
     if (const auto fields = ContentOf(line, "format")) {
-        m_formatLine = line;
+        m_formatLine = line.size() <= kMaxFormatBytes ? line : std::string_view();
         TakeFormat(*fields);
     } else if (const auto content = ContentOf(line, "dialogue")) {
         TakeDialogue(*content);
     } else if (ContentOf(line, "comment")) {
-        m_comments += line; // a block would show it
-        m_comments += kLineEnd;
+        AppendToHeader(m_comments, line); // a block would show it
     }
 }
 
-void AssParser::TakeFormat(const std::string& fields) {
-    m_fields.clear();
-    for (const std::string& field : SplitAtCommas(fields, SIZE_MAX)) {
-        m_fields.push_back(Lower(Trimmed(field)));
+// Without a field that could be read when there are too many: no event has them.
+void AssParser::TakeFormat(std::string_view text) {
+    std::vector<std::string> fields;
+    for (const std::string_view field : SplitAtCommas(text, kMaxFields + 1)) {
+        fields.push_back(Lower(Trimmed(field)));
+    }
+    m_fieldCount = fields.size();
+    if (fields.size() > kMaxFields) {
+        m_file.isDamaged = true;
+        fields.clear();
+    }
+    m_startField = IndexOf(fields, "start");
+    m_endField = IndexOf(fields, "end");
+    for (size_t i = 0; i < kBlockFields; ++i) {
+        m_blockFields[i] = {IndexOf(fields, kBlockFieldNames[i][0]), IndexOf(fields, kBlockFieldNames[i][1])};
     }
 }
 
-void AssParser::TakeDialogue(const std::string& content) {
-    if (m_fields.empty()) {
+void AssParser::TakeDialogue(std::string_view content) {
+    static_assert(std::size(kBlockFieldNames) == kBlockFields);
+    if (m_fieldCount == 0) {
         TakeFormat(kAssFields);
     }
-    const std::vector<std::string> values = SplitAtCommas(content, m_fields.size());
-    const auto valueOf = [&](const std::string& field) {
-        const auto at = static_cast<size_t>(std::find(m_fields.begin(), m_fields.end(), field) - m_fields.begin());
-        return at < values.size() ? values[at] : std::string();
-    };
-    const auto start = ParseTime(valueOf("start"));
-    const auto stop = ParseTime(valueOf("end"));
-    if (values.size() != m_fields.size() || !start || !stop) {
+    const std::vector<std::string_view> values = SplitAtCommas(content, m_fieldCount);
+    const auto start = ParseTime(ValueAt(values, m_startField));
+    const auto stop = ParseTime(ValueAt(values, m_endField));
+    if (values.size() != m_fieldCount || !start || !stop) {
         m_file.isDamaged = true;
         return;
     }
     SubtitleEvent event{*start, std::max(*start, *stop), std::to_string(m_readOrder++)};
-    for (const auto& names : kBlockFields) {
-        std::string value = valueOf(names[0]);
-        if (value.empty() && *names[1] != '\0') {
-            value = valueOf(names[1]);
-        }
-        const bool isText = std::string(names[0]) == "text";
-        value = isText ? value : Trimmed(value);
-        event.text +=
-            "," + (value.starts_with(kMarked) ? value.substr(std::char_traits<char>::length(kMarked)) : value);
+    for (size_t i = 0; i < kBlockFields; ++i) {
+        std::string_view value = ValueAt(values, m_blockFields[i][0]);
+        value = value.empty() ? ValueAt(values, m_blockFields[i][1]) : value;
+        value = i == kTextField ? value : Trimmed(value);
+        event.text += ',';
+        event.text += value.starts_with(kMarked) ? value.substr(kMarked.size()) : value;
     }
-    m_file.events.push_back(std::move(event));
+    m_file.Add(std::move(event));
 }
 
-std::optional<SubtitleFile> ParseAss(const std::string& text) {
+std::optional<SubtitleFile> ParseAss(std::string_view text) {
     return AssParser().Parse(text);
 }
 

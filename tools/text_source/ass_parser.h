@@ -1,7 +1,10 @@
 // AssParser: takes an SSA or ASS script apart, line by line.
 //
-// Errors: an event that lacks a field or whose times are none is left out, and the file is marked as damaged.
+// Errors: an event that lacks a field or whose times are none is left out, and so is what a script has too much of; the
+// file is marked as damaged.
 #pragma once
+
+#include <array>
 
 #include "tools/text_source/subtitle_file.h"
 
@@ -9,20 +12,29 @@ namespace subtitles {
 
 class AssParser {
   public:
-    [[nodiscard]] std::optional<SubtitleFile> Parse(const std::string& text);
+    [[nodiscard]] std::optional<SubtitleFile> Parse(std::string_view text);
 
   private:
-    void TakeSection(const std::string& line);
-    void TakeEventLine(const std::string& line);
-    void TakeFormat(const std::string& fields);
-    void TakeDialogue(const std::string& content);
+    // What a block holds behind the number of the event.
+    static constexpr size_t kBlockFields = 8;
+
+    void TakeSection(std::string_view line);
+    void TakeEventLine(std::string_view line);
+    void TakeFormat(std::string_view fields);
+    void TakeDialogue(std::string_view content);
+    void AppendToHeader(std::string& part, std::string_view line);
 
     SubtitleFile m_file;
     bool m_isInEvents = false;
     bool m_hasEvents = false;
     std::string m_formatLine;
     std::string m_comments;
-    std::vector<std::string> m_fields; // of an event, in their order
+    size_t m_headerBytes = 0; // with the comments
+    // Where an event has its fields.
+    size_t m_fieldCount = 0;
+    size_t m_startField = 0;
+    size_t m_endField = 0;
+    std::array<std::array<size_t, 2>, kBlockFields> m_blockFields{};
     unsigned m_readOrder = 0;
 };
 

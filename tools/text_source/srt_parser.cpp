@@ -8,7 +8,7 @@ namespace subtitles {
 
 namespace {
 
-constexpr const char* kArrow = "-->";
+constexpr std::string_view kArrow = "-->";
 
 struct Timing {
     REFERENCE_TIME start = 0;
@@ -16,66 +16,86 @@ struct Timing {
 };
 
 // "00:00:01,000 --> 00:00:02,500", with coordinates behind that nobody needs.
-std::optional<Timing> ParseTiming(const std::string& line) {
+std::optional<Timing> ParseTiming(std::string_view line) {
     const size_t arrow = line.find(kArrow);
-    if (arrow == std::string::npos) {
+    if (arrow == std::string_view::npos) {
         return {};
     }
-    std::string behind = Trimmed(line.substr(arrow + std::char_traits<char>::length(kArrow)));
+    std::string_view behind = Trimmed(line.substr(arrow + kArrow.size()));
     behind = behind.substr(0, behind.find_first_of(" \t"));
     const auto start = ParseTime(line.substr(0, arrow));
     const auto stop = ParseTime(behind);
     return start && stop ? std::optional(Timing{*start, std::max(*start, *stop)}) : std::nullopt;
 }
 
-bool ResemblesTime(const std::string& text) {
-    const std::string time = Trimmed(text);
-    return time.find_first_of("0123456789") == 0 && time.find(':') != std::string::npos;
+bool ResemblesTime(std::string_view text) {
+    const std::string_view time = Trimmed(text);
+    return time.find_first_of("0123456789") == 0 && time.find(':') != std::string_view::npos;
 }
 
 // What was meant as a timing, whole or damaged: an arrow alone may be part of a text.
-bool ResemblesTiming(const std::string& line) {
+bool ResemblesTiming(std::string_view line) {
     const size_t arrow = line.find(kArrow);
-    return arrow != std::string::npos && (ResemblesTime(line.substr(0, arrow)) ||
-                                          ResemblesTime(line.substr(arrow + std::char_traits<char>::length(kArrow))));
+    return arrow != std::string_view::npos &&
+           (ResemblesTime(line.substr(0, arrow)) || ResemblesTime(line.substr(arrow + kArrow.size())));
 }
 
-bool IsNumber(const std::string& line) {
-    const std::string text = Trimmed(line);
-    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+bool IsNumber(std::string_view line) {
+    const std::string_view text = Trimmed(line);
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 // The lines between two timings: the number in front of the second one and the empty lines belong to nobody.
-std::string TextOf(std::vector<std::string> lines, bool isLast) {
-    if (!isLast && !lines.empty() && IsNumber(lines.back())) {
-        lines.pop_back();
+class TextCollector {
+  public:
+    void Add(std::string_view line) {
+        Append();
+        m_last = line;
     }
-    while (!lines.empty() && Trimmed(lines.back()).empty()) {
-        lines.pop_back();
+    // What was collected, and begins anew.
+    [[nodiscard]] std::string Take(bool isLast) {
+        if (m_last && !isLast && IsNumber(*m_last)) {
+            m_last.reset();
+        }
+        Append();
+        m_text.resize(m_shownBytes);
+        m_shownBytes = 0;
+        return std::exchange(m_text, {});
     }
-    std::string text;
-    for (const std::string& line : lines) {
-        text += (text.empty() ? "" : "\n") + line;
+
+  private:
+    void Append() {
+        if (!m_last) {
+            return;
+        }
+        m_text += m_text.empty() ? "" : "\n";
+        m_text += *m_last;
+        m_shownBytes = Trimmed(*m_last).empty() ? m_shownBytes : m_text.size();
+        m_last.reset();
     }
-    return text;
-}
+
+    std::string m_text;
+    size_t m_shownBytes = 0;                // of the text, without the empty lines at its end
+    std::optional<std::string_view> m_last; // the last line, which may be the next one's number
+};
 
 } // namespace
 
-std::optional<SubtitleFile> ParseSrt(const std::string& text) {
+std::optional<SubtitleFile> ParseSrt(std::string_view text) {
     SubtitleFile file;
     std::optional<Timing> current;
-    std::vector<std::string> lines;
+    TextCollector collected;
     const auto finish = [&](bool isLast) {
-        std::string content = TextOf(std::exchange(lines, {}), isLast);
+        std::string content = collected.Take(isLast);
         if (current && !content.empty()) {
-            file.events.push_back({current->start, current->stop, std::move(content)});
+            file.Add({current->start, current->stop, std::move(content)});
         }
     };
-    for (const std::string& line : SplitLines(text)) {
-        const std::optional<Timing> timing = ParseTiming(line);
-        if (!timing && !ResemblesTiming(line)) {
-            lines.push_back(line);
+    LineReader lines(text);
+    while (const std::optional<std::string_view> line = lines.Next()) {
+        const std::optional<Timing> timing = ParseTiming(*line);
+        if (!timing && !ResemblesTiming(*line)) {
+            collected.Add(*line);
             continue;
         }
         finish(false);

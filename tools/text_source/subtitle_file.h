@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "win/platform.h"
@@ -23,16 +24,19 @@ struct SubtitleFile {
     Format format = Format::Srt;
     std::string header;                // the codec private data
     std::vector<SubtitleEvent> events; // by their start
-    bool isDamaged = false;            // lines were passed over that look like events
+    bool isDamaged = false;            // something was passed over
+
+    // Keeps the event, unless there are more than anybody would show.
+    void Add(SubtitleEvent event);
 };
 
 // None when there is no event.
-[[nodiscard]] std::optional<SubtitleFile> ParseSrt(const std::string& text);
+[[nodiscard]] std::optional<SubtitleFile> ParseSrt(std::string_view text);
 // SSA or ASS, whichever the sections say. None for a text without the section of events.
-[[nodiscard]] std::optional<SubtitleFile> ParseAss(const std::string& text);
+[[nodiscard]] std::optional<SubtitleFile> ParseAss(std::string_view text);
 
 // "-1:02:03,45": the fraction has as many digits as the text gives it. None for another shape.
-[[nodiscard]] std::optional<REFERENCE_TIME> ParseTime(const std::string& text);
+[[nodiscard]] std::optional<REFERENCE_TIME> ParseTime(std::string_view text);
 
 void SortByStart(std::vector<SubtitleEvent>& events);
 

@@ -38,11 +38,11 @@ SubtitleReader::SubtitleReader(SubtitleFile file) : m_file(std::move(file)) {
     }
 }
 
-HRESULT SubtitleReader::Damage() const {
+HRESULT SubtitleReader::DamageSoFar() const {
     return m_file.isDamaged ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
 }
 
-bool SubtitleReader::Next(source::Packet& packet) {
+bool SubtitleReader::ReadNext(source::Packet& packet) {
     if (m_next >= m_file.events.size()) {
         return false;
     }

@@ -14,11 +14,13 @@ class SubtitleReader final : public source::PacketReader {
     explicit SubtitleReader(SubtitleFile file);
 
     [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
-    void Rewind() override { m_next = 0; }
-    [[nodiscard]] bool Next(source::Packet& packet) override;
-    [[nodiscard]] HRESULT Damage() const override;
 
   private:
+    // PacketReader
+    void StartOver() override { m_next = 0; }
+    [[nodiscard]] bool ReadNext(source::Packet& packet) override;
+    [[nodiscard]] HRESULT DamageSoFar() const override;
+
     const SubtitleFile m_file;
     std::vector<source::StreamDescription> m_streams;
     REFERENCE_TIME m_shift = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iterator>
+#include <utility>
 
 #include "mkv/utf8_text.h"
 
@@ -64,12 +65,14 @@ bool IsUtf8(std::span<const BYTE> bytes) {
     return true;
 }
 
-std::string RepairedUtf8(std::span<const BYTE> bytes) {
+std::string RepairedUtf8(std::span<const BYTE> bytes, size_t most) {
+    const std::string replacement = mkv::ToUtf8(WideString(1, kReplacement));
     std::string text;
-    while (!bytes.empty()) {
+    text.reserve(bytes.size());
+    while (!bytes.empty() && text.size() <= most) {
         const size_t length = ValidLength(bytes);
         if (length == 0) {
-            text += mkv::ToUtf8(WideString(1, kReplacement));
+            text += replacement;
             bytes = bytes.subspan(1);
         } else {
             text.append(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
@@ -79,56 +82,89 @@ std::string RepairedUtf8(std::span<const BYTE> bytes) {
     return text;
 }
 
-std::string FromUtf16(std::span<const BYTE> bytes, size_t lowByte) {
-    WideString text;
-    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        text += static_cast<WCHAR>(bytes[i + lowByte] | bytes[i + 1 - lowByte] << 8);
+// Collects UTF-16 and turns it into UTF-8 a piece at a time: the whole text is not held in both.
+class Utf16Collector {
+  public:
+    Utf16Collector(size_t expected, size_t most) : m_most(most) { m_text.reserve(expected); }
+
+    [[nodiscard]] bool IsFull() const { return m_text.size() > m_most; }
+
+    void Add(WCHAR unit) {
+        const bool mayBeHalf = unit >= 0xd800 && unit < 0xdc00;
+        m_piece += unit;
+        if (m_piece.size() >= kPieceUnits && !mayBeHalf) {
+            Convert();
+        }
+    }
+    [[nodiscard]] std::string Take() {
+        Convert();
+        return std::move(m_text);
+    }
+
+  private:
+    static constexpr size_t kPieceUnits = 4096;
+
+    void Convert() {
+        m_text += mkv::ToUtf8(m_piece);
+        m_piece.clear();
+    }
+
+    const size_t m_most;
+    WideString m_piece;
+    std::string m_text;
+};
+
+std::string FromUtf16(std::span<const BYTE> bytes, size_t lowByte, size_t most) {
+    Utf16Collector text(bytes.size(), most);
+    for (size_t i = 0; i + 1 < bytes.size() && !text.IsFull(); i += 2) {
+        text.Add(static_cast<WCHAR>(bytes[i + lowByte] | bytes[i + 1 - lowByte] << 8));
     }
     if (bytes.size() % 2 != 0) {
-        text += kReplacement;
+        text.Add(kReplacement);
     }
-    return mkv::ToUtf8(text);
+    return text.Take();
 }
 
-std::string FromWindows1252(std::span<const BYTE> bytes) {
-    WideString text;
-    for (const BYTE byte : bytes) {
-        text += byte >= 0x80 && byte < 0xa0 ? kWindows1252[byte - 0x80] : static_cast<WCHAR>(byte);
+std::string FromWindows1252(std::span<const BYTE> bytes, size_t most) {
+    Utf16Collector text(bytes.size(), most);
+    for (size_t i = 0; i < bytes.size() && !text.IsFull(); ++i) {
+        const BYTE byte = bytes[i];
+        text.Add(byte >= 0x80 && byte < 0xa0 ? kWindows1252[byte - 0x80] : static_cast<WCHAR>(byte));
     }
-    return mkv::ToUtf8(text);
+    return text.Take();
 }
 
 } // namespace
 
-std::string DecodeText(std::span<const BYTE> bytes) {
+std::string DecodeText(std::span<const BYTE> bytes, size_t most) {
     if (BeginsWith(bytes, {0xef, 0xbb, 0xbf})) {
-        return RepairedUtf8(bytes.subspan(3));
+        return RepairedUtf8(bytes.subspan(3), most);
     }
     if (BeginsWith(bytes, {0xff, 0xfe})) {
-        return FromUtf16(bytes.subspan(2), 0);
+        return FromUtf16(bytes.subspan(2), 0, most);
     }
     if (BeginsWith(bytes, {0xfe, 0xff})) {
-        return FromUtf16(bytes.subspan(2), 1);
+        return FromUtf16(bytes.subspan(2), 1, most);
     }
-    return IsUtf8(bytes) ? std::string(bytes.begin(), bytes.end()) : FromWindows1252(bytes);
+    return IsUtf8(bytes) ? std::string(bytes.begin(), bytes.end()) : FromWindows1252(bytes, most);
 }
 
-std::vector<std::string> SplitLines(const std::string& text) {
-    std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        const size_t end = std::min(text.find_first_of("\r\n", start), text.size());
-        lines.push_back(text.substr(start, end - start));
-        const bool isPair = end + 1 < text.size() && text[end] == '\r' && text[end + 1] == '\n';
-        start = end + (isPair ? 2 : 1);
+std::optional<std::string_view> LineReader::Next() {
+    if (m_rest.empty()) {
+        return {};
     }
-    return lines;
+    const size_t end = std::min(m_rest.find_first_of("\r\n"), m_rest.size());
+    const std::string_view line = m_rest.substr(0, end);
+    const bool isPair = m_rest.substr(end).starts_with("\r\n");
+    m_rest.remove_prefix(std::min(end + (isPair ? 2 : 1), m_rest.size()));
+    return line;
 }
 
-std::string Trimmed(const std::string& text) {
+std::string_view Trimmed(std::string_view text) {
     constexpr const char* kSpaces = " \t\f\v";
     const size_t first = text.find_first_not_of(kSpaces);
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(kSpaces) - first + 1);
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(kSpaces) - first + 1);
 }
 
 } // namespace subtitles

@@ -2,6 +2,7 @@
 
 #include "dshow/com_guard.h"
 #include "tools/source_base/file_source.h"
+#include "tools/source_base/limits.h"
 #include "tools/source_base/source_filter.h"
 #include "tools/text_source/subtitle_reader.h"
 #include "tools/text_source/text_decoder.h"
@@ -13,23 +14,23 @@ namespace {
 // Registered nowhere. {C3906FD7-1E5A-4B42-8D7C-0F94A6B5E218}
 constexpr GUID kTextSourceClassId{0xc3906fd7, 0x1e5a, 0x4b42, {0x8d, 0x7c, 0x0f, 0x94, 0xa6, 0xb5, 0xe2, 0x18}};
 
-constexpr UINT64 kMaxFileBytes = UINT64{64} * 1024 * 1024;
+constexpr UINT64 kMaxFileBytes = 64 * source::kMiB;
 
-using Parser = std::optional<SubtitleFile> (*)(const std::string& text);
+// What takes more as UTF-8 is not text in an encoding that a reader of subtitles knows.
+constexpr size_t kMaxTextBytes = 96 * source::kMiB;
+
+// The bytes are gone before the text is looked at.
+std::string ReadText(const source::ByteSource& bytes) {
+    std::vector<BYTE> content(static_cast<size_t>(bytes.Size()));
+    content.resize(bytes.ReadAt(0, content));
+    return DecodeText(content, kMaxTextBytes);
+}
 
 HRESULT MakeSource(const source::ByteSource& bytes, Parser parse, source::OpenedSource& opened) {
     return ComGuard([&] {
-        if (bytes.Size() > kMaxFileBytes) {
-            return static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);
-        }
-        std::vector<BYTE> content(static_cast<size_t>(bytes.Size()));
-        content.resize(bytes.ReadAt(0, content));
-        std::optional<SubtitleFile> file = parse(DecodeText(content));
-        if (!file) {
-            return static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);
-        }
-        auto reader = std::make_unique<SubtitleReader>(std::move(*file));
-        return source::CSourceFilter::Make(std::move(reader), kTextSourceClassId, opened);
+        std::unique_ptr<source::PacketReader> reader = MakeReader(bytes, parse);
+        return reader ? source::CSourceFilter::Make(std::move(reader), kTextSourceClassId, opened)
+                      : static_cast<HRESULT>(VFW_E_INVALID_FILE_FORMAT);
     });
 }
 
@@ -42,6 +43,15 @@ HRESULT OpenSource(const WideString& path, Parser parse, source::OpenedSource& o
 }
 
 } // namespace
+
+std::unique_ptr<source::PacketReader> MakeReader(const source::ByteSource& bytes, Parser parse) {
+    if (bytes.Size() > kMaxFileBytes) {
+        return nullptr;
+    }
+    const std::string text = ReadText(bytes);
+    std::optional<SubtitleFile> file = text.size() <= kMaxTextBytes ? parse(text) : std::nullopt;
+    return file ? std::make_unique<SubtitleReader>(std::move(*file)) : nullptr;
+}
 
 HRESULT MakeSrtSource(const source::ByteSource& bytes, source::OpenedSource& opened) {
     return MakeSource(bytes, ParseSrt, opened);

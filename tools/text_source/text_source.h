@@ -3,11 +3,18 @@
 // Errors: VFW_E_INVALID_FILE_FORMAT for what holds no subtitles, or is larger than 64 MiB.
 #pragma once
 
+#include <memory>
+
 #include "tools/source_base/byte_source.h"
 #include "tools/source_base/opened_source.h"
+#include "tools/text_source/subtitle_file.h"
 #include "win/wide_string.h"
 
 namespace subtitles {
+
+using Parser = std::optional<SubtitleFile> (*)(std::string_view text);
+// None for what holds no subtitles or is too large.
+[[nodiscard]] std::unique_ptr<source::PacketReader> MakeReader(const source::ByteSource& bytes, Parser parse);
 
 [[nodiscard]] HRESULT MakeSrtSource(const source::ByteSource& bytes, source::OpenedSource& opened);
 [[nodiscard]] HRESULT MakeAssSource(const source::ByteSource& bytes, source::OpenedSource& opened);

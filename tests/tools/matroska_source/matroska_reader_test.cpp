@@ -215,16 +215,6 @@ TEST(MatroskaReader, CompressedFramesAndPrivateDataAreInflated) {
     EXPECT_THAT(std::string(type.pbFormat, type.pbFormat + type.cbFormat), HasSubstr("[Script Info]"));
 }
 
-TEST(MatroskaReader, SeveralEncodingsAreUndoneFromTheHighestOrderDown) {
-    const RawBytes encodings =
-        Master(id::kContentEncodings,
-               {Compression({RawUnsigned(id::kContentCompAlgo, 3), RawText(id::kContentCompSettings, "A")},
-                            {RawUnsigned(id::kContentEncodingOrder, 0)}),
-                Compression({RawUnsigned(id::kContentCompAlgo, 0)}, {RawUnsigned(id::kContentEncodingOrder, 1)})});
-    EXPECT_THAT(Summary(FileOf({Audio(1, {encodings})}, {Cluster(0, {SimpleBlock(1, 0, 0, AsText(Deflated("bc")))})})),
-                ElementsAre("0:Abc@0"));
-}
-
 TEST(MatroskaReader, AFrameThatCannotBeInflatedIsLostAndTold) {
     const RawBytes encodings = Master(id::kContentEncodings, {Compression({RawUnsigned(id::kContentCompAlgo, 0)})});
     const RawBytes file = FileOf(

@@ -25,6 +25,14 @@ void CollectingPin::ReleaseSamples() {
     m_kept.clear();
 }
 
+STDMETHODIMP CollectingPin::GetAllocator(IMemAllocator** allocator) noexcept {
+    if (!m_offered) {
+        return CBaseInputPin::GetAllocator(allocator);
+    }
+    m_offered.CopyTo(allocator);
+    return S_OK;
+}
+
 STDMETHODIMP CollectingPin::Receive(IMediaSample* sample) noexcept {
     const std::lock_guard guard(m_mutex);
     if (m_samples.size() >= m_most) {

@@ -26,6 +26,8 @@ class CollectingPin final : public CBaseInputPin {
   public:
     CollectingPin(CBaseFilter* filter, CCritSec* lock, HRESULT* phr);
 
+    // Offers that allocator instead of the system's.
+    void OfferAllocator(IMemAllocator* allocator) { m_offered = win::ComPtr<IMemAllocator>(allocator); }
     // Takes so many samples, then refuses with S_FALSE as a stopped peer does.
     void TakeAtMost(size_t samples) { m_most = samples; }
     // Holds a reference on every sample from now on, as a renderer may.
@@ -36,10 +38,12 @@ class CollectingPin final : public CBaseInputPin {
     [[nodiscard]] bool WaitForEnd(std::chrono::seconds timeout) const;
 
     HRESULT CheckMediaType(const CMediaType*) override { return S_OK; }
+    STDMETHODIMP GetAllocator(IMemAllocator** allocator) noexcept override;
     STDMETHODIMP Receive(IMediaSample* sample) noexcept override;
     STDMETHODIMP EndOfStream() noexcept override;
 
   private:
+    win::ComPtr<IMemAllocator> m_offered;
     size_t m_most = SIZE_MAX;
     bool m_keeps = false;
     mutable std::mutex m_mutex; // guards what follows

@@ -9,6 +9,7 @@
 #include "dshow/media_subtypes.h"
 #include "tests/support/fake_graph.h"
 #include "tests/tools/source_base/collecting_filter.h"
+#include "tests/tools/source_base/wary_allocator.h"
 #include "tools/source_base/format_builder.h"
 
 namespace source {
@@ -31,8 +32,8 @@ class ScriptedReader final : public PacketReader {
         m_streams[1].problem = "V_ODD: no media type carries this codec";
     }
     const std::vector<StreamDescription>& Streams() const override { return m_streams; }
-    void Rewind() override { m_next = 0; }
-    bool Next(Packet& packet) override {
+    void StartOver() override { m_next = 0; }
+    bool ReadNext(Packet& packet) override {
         if (m_next == m_packets.size()) {
             if (m_throwsAtEnd) {
                 throw std::runtime_error("a reader that breaks its word");
@@ -42,7 +43,7 @@ class ScriptedReader final : public PacketReader {
         packet = m_packets[m_next++];
         return true;
     }
-    HRESULT Damage() const override { return m_damage; }
+    HRESULT DamageSoFar() const override { return m_damage; }
 
   private:
     std::vector<StreamDescription> m_streams;
@@ -67,11 +68,7 @@ class SourceFilter : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))); }
     void TearDown() override {
-        if (m_pin) {
-            m_sink->Pin().Disconnect();
-            m_pin->Disconnect();
-            m_pin.Reset();
-        }
+        Close();
         if (m_opened.filter) {
             m_opened.filter->JoinFilterGraph(nullptr, nullptr);
         }
@@ -79,6 +76,15 @@ class SourceFilter : public testing::Test {
         m_sink.Reset();
         EXPECT_EQ(CBaseObject::ObjectsActive(), 0);
         CoUninitialize();
+    }
+    // Before an allocator of the test's own goes.
+    void Close() {
+        if (m_pin) {
+            m_sink->Pin().Disconnect();
+            m_pin->Disconnect();
+            m_pin.Reset();
+            m_sink->Pin().OfferAllocator(nullptr);
+        }
     }
     void Open(std::unique_ptr<PacketReader> reader) {
         ASSERT_EQ(CSourceFilter::Make(std::move(reader), kClassId, m_opened), S_OK);
@@ -166,6 +172,52 @@ TEST_F(SourceFilter, AReaderThatThrowsEndsTheRunWithAnErrorAndNothingElse) {
     Start();
     EXPECT_TRUE(m_graph.WaitForEvent(EC_ERRORABORT, 10s));
     Stop();
+}
+
+TEST_F(SourceFilter, APacketThatTheAllocatorRefusesIsLostAndToldAndTheOthersArrive) {
+    test_source::WaryAllocator allocator;
+    allocator.RefuseAbove(1'000'000);
+    m_sink->Pin().OfferAllocator(&allocator);
+    Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(10, 0), PacketOf(5'000'000, 100), PacketOf(20, 200)}));
+    Start();
+    ASSERT_TRUE(m_sink->Pin().WaitForEnd(60s));
+    Stop();
+    const auto samples = m_sink->Pin().Samples();
+    ASSERT_EQ(samples.size(), 2u);
+    EXPECT_EQ(samples[1].data.size(), 20u);
+    EXPECT_EQ(m_opened.damage->load(), E_OUTOFMEMORY);
+    EXPECT_EQ(m_graph.EventCount(EC_STREAM_ERROR_STILLPLAYING), 1);
+    Close();
+}
+
+TEST_F(SourceFilter, ASampleThatIsSmallerThanItsAllocatorPromisesIsNotWrittenBeyond) {
+    test_source::WaryAllocator allocator;
+    allocator.PromiseAbove(70'000);
+    m_sink->Pin().OfferAllocator(&allocator);
+    Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(10, 0), PacketOf(200'000, 100), PacketOf(20, 200)}));
+    Start();
+    ASSERT_TRUE(m_sink->Pin().WaitForEnd(60s));
+    Stop();
+    EXPECT_EQ(m_sink->Pin().Samples().size(), 2u);
+    EXPECT_EQ(m_opened.damage->load(), VFW_E_BUFFER_OVERFLOW);
+    Close();
+}
+
+TEST_F(SourceFilter, LargePacketsGetFewerBuffersAndTheirProductStaysSmall) {
+    test_source::WaryAllocator allocator;
+    m_sink->Pin().OfferAllocator(&allocator);
+    Open(std::make_unique<ScriptedReader>(
+        std::vector{PacketOf(60'000'000, 0), PacketOf(kMaxPacketBytes + 1, 50), PacketOf(kMaxPacketBytes, 100)}));
+    Start();
+    ASSERT_TRUE(m_sink->Pin().WaitForEnd(60s));
+    Stop();
+    const auto samples = m_sink->Pin().Samples();
+    ASSERT_EQ(samples.size(), 2u);
+    EXPECT_EQ(samples[0].data.size(), 60'000'000u);
+    EXPECT_EQ(samples[1].data.size(), kMaxPacketBytes);
+    EXPECT_EQ(m_opened.damage->load(), HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT));
+    EXPECT_LE(allocator.LargestPool(), LONGLONG{1} << 27);
+    Close();
 }
 
 TEST_F(SourceFilter, StopsWhileThePeerHoldsTheBuffersThatShallGrow) {

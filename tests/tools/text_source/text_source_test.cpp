@@ -52,9 +52,19 @@ TEST(TextDecoder, DamagedUtf8WithAMarkLosesOnlyTheDamage) {
               "b\xef\xbf\xbd\xef\xbf\xbd");
 }
 
+std::vector<std::string> LinesOf(std::string_view text) {
+    std::vector<std::string> lines;
+    LineReader reader(text);
+    while (const auto line = reader.Next()) {
+        lines.emplace_back(*line);
+    }
+    return lines;
+}
+
 TEST(TextDecoder, LinesEndInEveryKnownWay) {
-    EXPECT_THAT(SplitLines("a\nb\r\nc\rd\n\ne"), ElementsAre("a", "b", "c", "d", "", "e"));
-    EXPECT_THAT(SplitLines(""), ElementsAre());
+    EXPECT_THAT(LinesOf("a\nb\r\nc\rd\n\ne"), ElementsAre("a", "b", "c", "d", "", "e"));
+    EXPECT_THAT(LinesOf("a\r"), ElementsAre("a"));
+    EXPECT_THAT(LinesOf(""), ElementsAre());
 }
 
 TEST(SubtitleTime, IsReadInTheShapesThatFilesHave) {
@@ -204,7 +214,7 @@ TEST(SubtitleReader, OffersTheTypeThatTheMuxerWritesWithTheHeader) {
               "S_TEXT/SSA");
 }
 
-template <std::optional<SubtitleFile> (*Parse)(const std::string&)>
+template <std::optional<SubtitleFile> (*Parse)(std::string_view)>
 std::unique_ptr<source::PacketReader> ReaderOf(const test_source::Bytes& bytes) {
     std::optional<SubtitleFile> file = Parse(DecodeText(bytes));
     return file ? std::make_unique<SubtitleReader>(std::move(*file)) : nullptr;
