@@ -24,7 +24,7 @@ std::string IdentificationAsText(const std::vector<IdentifiedInput>& inputs) {
     for (const IdentifiedInput& input : inputs) {
         text += Utf8FromWide(input.path) + "\n";
         for (const SourceStream& stream : input.streams) {
-            text += "  track " + std::to_string(stream.number) + " (" + Utf8FromWide(stream.pinName) +
+            text += "  track " + std::to_string(stream.number) + " (" + Shown(stream.pinName) +
                     "): " + DescribeStream(stream) + "\n";
         }
     }

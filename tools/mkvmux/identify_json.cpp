@@ -33,7 +33,7 @@ void AddFacts(Json& track, const AM_MEDIA_TYPE& type) {
 Json TrackOf(const SourceStream& stream) {
     Json track;
     track["number"] = stream.number;
-    track["pin"] = Utf8FromWide(stream.pinName);
+    track["pin"] = Shown(stream.pinName);
     track["codec_id"] = nullptr; // the muxer cannot write it
     if (stream.HasType()) {
         AddFacts(track, stream.type);
@@ -42,7 +42,7 @@ Json TrackOf(const SourceStream& stream) {
         }
     }
     if (stream.tags) {
-        track["name"] = Utf8FromWide(stream.tags->name);
+        track["name"] = Shown(stream.tags->name);
         track["language"] = Utf8FromWide(stream.tags->language);
         track["default"] = stream.tags->isDefault;
         track["forced"] = stream.tags->isForced;

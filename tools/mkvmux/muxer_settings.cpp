@@ -157,7 +157,7 @@ void MuxerSettings::Attach(Attachment attachment) {
     record.data = reinterpret_cast<BYTE*>(attachment.bytes.data());
     record.uid = UniqueUid(attachment.uid);
     if (const HRESULT hr = Set(MKVMUX_Attachment, ReferenceTo(&record)); FAILED(hr)) {
-        throw Failure(Utf8FromWide(attachment.name) + ": the muxer refuses the attachment: " + DescribeResult(hr));
+        throw Failure(Shown(attachment.name) + ": the muxer refuses the attachment: " + DescribeResult(hr));
     }
 }
 

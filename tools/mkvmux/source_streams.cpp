@@ -84,7 +84,7 @@ SourceStream OwnStreamOf(const std::wstring& path, IBaseFilter* filter, const so
 } // namespace
 
 std::string SourceStream::Name() const {
-    return Utf8FromWide(input) + ": stream '" + Utf8FromWide(pinName) + "'";
+    return Utf8FromWide(input) + ": stream '" + Shown(pinName) + "'";
 }
 
 REFERENCE_TIME SourceStream::Duration() const {

@@ -5,6 +5,7 @@
 
 #include <errors.h>
 
+#include "tools/source_base/printable.h"
 #include "win/system_library.h"
 
 namespace mkvmux {
@@ -71,6 +72,10 @@ std::wstring WideFromCodePage(UINT codePage, std::string_view text) {
     std::wstring wide(static_cast<size_t>(length), L'\0');
     MultiByteToWideChar(codePage, 0, text.data(), narrowLength, wide.data(), length);
     return wide;
+}
+
+std::string Shown(std::wstring_view text) {
+    return source::Printable(Utf8FromWide(text));
 }
 
 std::string DescribeResult(HRESULT result) {

@@ -13,6 +13,10 @@ namespace mkvmux {
 [[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
 [[nodiscard]] std::wstring WideFromCodePage(UINT codePage, std::string_view text);
 
+// A text that an input brought, fit for a line of a console and for what reads the tool's output: UTF-8 without control
+// characters. A long one ends in dots.
+[[nodiscard]] std::string Shown(std::wstring_view text);
+
 // What the system says about a result, on one line and without a final full stop: "File not found (0x80070002)".
 [[nodiscard]] std::string DescribeResult(HRESULT result);
 
