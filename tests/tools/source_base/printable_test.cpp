@@ -6,7 +6,8 @@ namespace source {
 namespace {
 
 TEST(Printable, TextsOfAllLanguagesStayAsTheyAre) {
-    for (const char* const text : {"", "font.ttf", "Gr\xc3\xbc\xc3\x9f", "\xe6\xbc\xa2\xe5\xad\x97", "\xf0\x9f\x98\x80"}) {
+    for (const char* const text :
+         {"", "font.ttf", "Gr\xc3\xbc\xc3\x9f", "\xe6\xbc\xa2\xe5\xad\x97", "\xf0\x9f\x98\x80"}) {
         EXPECT_EQ(Printable(text), text);
     }
 }
