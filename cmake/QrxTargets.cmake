@@ -25,6 +25,10 @@ if(QRX_SANITIZE)
     # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
     -Wno-ignored-attributes)
   target_link_options(qrx_common INTERFACE -fsanitize=address,undefined)
+  if(QRX_FUZZ)
+    # clang warns of other things than the compiler that the sources are written for.
+    target_compile_options(qrx_common INTERFACE -fsanitize=fuzzer-no-link -Wno-error -w)
+  endif()
   find_package(Threads REQUIRED)
   target_link_libraries(qrx_common INTERFACE Threads::Threads)
 else()

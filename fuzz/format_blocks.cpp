@@ -1,0 +1,54 @@
+// Media types whose format blocks are anything: five bytes choose the kind, the rest is the block.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+
+#include "dshow/media_subtypes.h"
+#include "dshow/media_type.h"
+#include "mkv/codec_description.h"
+
+namespace {
+
+// {B36E107F-A938-4387-93C7-55E966757473}
+constexpr GUID kFormatVorbis2{0xb36e107f, 0xa938, 0x4387, {0x93, 0xc7, 0x55, 0xe9, 0x66, 0x75, 0x74, 0x73}};
+
+const GUID kMajors[] = {MEDIATYPE_Video, MEDIATYPE_Audio, MEDIATYPE_Text, mediatype::kSubtitle};
+const GUID kFormats[] = {FORMAT_VideoInfo,    FORMAT_VideoInfo2,          FORMAT_MPEGVideo, FORMAT_MPEG2Video,
+                         FORMAT_WaveFormatEx, mediaformat::kSubtitleInfo, kFormatVorbis2,   FORMAT_None};
+const GUID kSubtypes[] = {
+    mediasubtype::kAvc1,      mediasubtype::kH264AnnexB, mediasubtype::kHevcAnnexB, mediasubtype::kHvc1,
+    mediasubtype::kVp8,       mediasubtype::kVp9,        mediasubtype::kTheora,     mediasubtype::kMp4v,
+    MEDIASUBTYPE_MPEG2_VIDEO, MEDIASUBTYPE_MPEG1Payload, mediasubtype::kDolbyAc3,   mediasubtype::kVorbis,
+    mediasubtype::kRawAac,    mediasubtype::kPcm,        mediasubtype::kFlacFramed, mediasubtype::kOpus,
+    mediasubtype::kUtf8,      mediasubtype::kAss,        mediasubtype::kVobSub,     GUID_NULL};
+constexpr std::size_t kChoiceBytes = 5;
+
+template <std::size_t Count>
+const GUID& Chosen(const GUID (&from)[Count], std::uint8_t by) {
+    return from[by % Count];
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < kChoiceBytes) {
+        return 0;
+    }
+    CMediaType type(&Chosen(kMajors, data[0]));
+    type.formattype = Chosen(kFormats, data[1]);
+    type.subtype = Chosen(kSubtypes, data[2]);
+    if (data[3] != 0) { // a FourCC or a wave tag
+        type.subtype = SubtypeFromFourCC(static_cast<DWORD>(data[3] | data[4] << 8));
+    }
+    if (size > kChoiceBytes) {
+        // Nothing stands behind the block: a read beyond it is seen.
+        (void)type.SetFormat(data + kChoiceBytes, static_cast<ULONG>(size - kChoiceBytes));
+    }
+    (void)mkv::CodecIdOf(type);
+    try {
+        (void)mkv::DescribeCodec(type);
+    } catch (const char*) { // the writer's fixed texts, which the muxer catches
+    }
+    return 0;
+}

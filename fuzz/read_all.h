@@ -1,0 +1,19 @@
+// What the fuzzers of readers share.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "tools/source_base/byte_source.h"
+#include "tools/source_base/packet_reader.h"
+
+namespace fuzz {
+
+[[nodiscard]] std::unique_ptr<source::ByteSource> SourceOf(const std::uint8_t* data, std::size_t size);
+
+// Reads twice, and ends the program when what a reader promises does not hold, or the packets hold more than the rule
+// of SECURITY.md allows for so many bytes. No reader is fine.
+void ReadAll(source::PacketReader* reader, std::size_t size);
+
+} // namespace fuzz

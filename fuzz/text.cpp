@@ -1,0 +1,16 @@
+// SubRip, SSA and ASS: the same bytes as each.
+#include "fuzz/read_all.h"
+#include "tools/source_base/printable.h"
+#include "tools/text_source/text_source.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto bytes = fuzz::SourceOf(data, size);
+    fuzz::ReadAll(subtitles::MakeReader(*bytes, subtitles::ParseSrt).get(), size);
+    fuzz::ReadAll(subtitles::MakeReader(*bytes, subtitles::ParseAss).get(), size);
+    // What is shown is never shown otherwise the second time.
+    const std::string shown = source::Printable({reinterpret_cast<const char*>(data), size});
+    if (source::Printable(shown, shown.size() + 1) != shown) {
+        __builtin_trap();
+    }
+    return 0;
+}
