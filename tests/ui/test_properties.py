@@ -75,7 +75,7 @@ def close_with(key):
 class PropertiesBeforeARun(MkvmuxCase):
     def start_with_pages(self):
         self.output = self.directory / "out.mkv"
-        self.process = self.start("--properties", "-o", self.output, cinepak_avi())
+        self.process = self.start("--properties", "-o", self.output, cinepak_avi(1))
         frame = wait_for_frame(self.process)
         time.sleep(TEMPTATION_SECONDS)
         self.assertFalse(self.output.exists(), "the run began before the pages were closed")
