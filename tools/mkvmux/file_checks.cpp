@@ -28,11 +28,6 @@ bool IsDirectory(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-HRESULT LastResult() {
-    const DWORD error = GetLastError();
-    return HRESULT_FROM_WIN32(error);
-}
-
 [[noreturn]] void RefusePlace(const std::wstring& path, const std::string& why) {
     throw Failure(Utf8FromWide(path) + ": cannot be created: " + why);
 }

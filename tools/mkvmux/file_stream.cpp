@@ -5,14 +5,11 @@
 #include <limits>
 #include <mutex>
 
+#include "tools/mkvmux/text.h"
+
 namespace mkvmux {
 
 namespace {
-
-HRESULT LastError() {
-    const DWORD error = GetLastError();
-    return error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error);
-}
 
 OVERLAPPED AtPosition(UINT64 position) {
     OVERLAPPED at{};
@@ -28,7 +25,7 @@ CFileStream::CFileStream(LPUNKNOWN outer) : CUnknown(L"FileStream", outer) {}
 HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
     win::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      overwrite ? CREATE_ALWAYS : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    const HRESULT hr = file ? S_OK : LastError();
+    const HRESULT hr = file ? S_OK : LastResult();
     Take(std::move(file), path);
     return hr;
 }
@@ -58,7 +55,7 @@ STDMETHODIMP CFileStream::Read(void* buffer, ULONG size, ULONG* read) noexcept {
     OVERLAPPED at = AtPosition(m_position);
     DWORD got = 0;
     if (ReadFile(m_file.Get(), buffer, size, &got, &at) == FALSE && GetLastError() != ERROR_HANDLE_EOF) {
-        return LastError();
+        return LastResult();
     }
     m_position += got;
     if (read != nullptr) {
@@ -92,7 +89,7 @@ HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
         OVERLAPPED at = AtPosition(m_position);
         DWORD count = 0;
         if (WriteFile(m_file.Get(), data + written, size - written, &count, &at) == FALSE) {
-            return LastError();
+            return LastResult();
         }
         if (count == 0) {
             return HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
@@ -140,7 +137,7 @@ HRESULT CFileStream::MovePosition(INT64 move, DWORD origin) {
 HRESULT CFileStream::FileSize(UINT64& size) const {
     LARGE_INTEGER bytes{};
     if (GetFileSizeEx(m_file.Get(), &bytes) == FALSE) {
-        return LastError();
+        return LastResult();
     }
     size = static_cast<UINT64>(bytes.QuadPart);
     return S_OK;
@@ -154,7 +151,7 @@ STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
         end.QuadPart = static_cast<LONGLONG>(size.QuadPart);
         // The handle's own pointer is used here alone; reads and writes carry their position.
         if (SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) == FALSE || SetEndOfFile(m_file.Get()) == FALSE) {
-            hr = LastError();
+            hr = LastResult();
         }
     }
     return Report(hr);
@@ -162,7 +159,7 @@ STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
 
 STDMETHODIMP CFileStream::Commit(DWORD) noexcept {
     const std::lock_guard lock(m_lock);
-    return Report(FlushFileBuffers(m_file.Get()) == FALSE ? LastError() : S_OK);
+    return Report(FlushFileBuffers(m_file.Get()) == FALSE ? LastResult() : S_OK);
 }
 
 STDMETHODIMP CFileStream::Stat(STATSTG* statistics, DWORD flags) noexcept {

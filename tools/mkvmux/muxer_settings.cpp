@@ -47,11 +47,6 @@ UINT64 RandomUid() {
     return std::uniform_int_distribution<UINT64>(1)(source);
 }
 
-HRESULT LastResult() {
-    const DWORD error = GetLastError();
-    return error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error);
-}
-
 std::wstring NewTemporaryName() {
     return win::TemporaryFile::RandomName(L"mkvmux");
 }

@@ -85,4 +85,9 @@ std::string DescribeResult(HRESULT result) {
     return message.empty() ? std::string("error ") + code.data() : Utf8FromWide(message) + " (" + code.data() + ")";
 }
 
+HRESULT LastResult() {
+    const DWORD error = GetLastError();
+    return error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error);
+}
+
 } // namespace mkvmux

@@ -20,4 +20,7 @@ namespace mkvmux {
 // What the system says about a result, on one line and without a final full stop: "File not found (0x80070002)".
 [[nodiscard]] std::string DescribeResult(HRESULT result);
 
+// Of the system's call on this thread that has just failed: negative, whatever it left as its error.
+[[nodiscard]] HRESULT LastResult();
+
 } // namespace mkvmux
