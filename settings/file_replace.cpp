@@ -24,12 +24,6 @@ std::wstring NewTemporaryName() {
     return win::TemporaryFile::RandomName(L"settings");
 }
 
-// With its separator; empty for the current one.
-std::wstring FolderOf(const std::wstring& path) {
-    const std::size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring::npos ? std::wstring() : path.substr(0, separator + 1);
-}
-
 bool WriteAll(HANDLE file, const std::string& bytes) {
     for (std::size_t done = 0; done < bytes.size();) {
         const auto chunk = static_cast<DWORD>(std::min(kChunkBytes, bytes.size() - done));
@@ -89,7 +83,7 @@ bool CanBeMade(const std::wstring& path) {
 bool CreateBeside(win::TemporaryFile& temporary, const std::wstring& path,
                   const std::optional<FileIdentity>& identity) {
     const DWORD attributes = identity ? identity->attributes & kKeptAttributes : 0;
-    return temporary.Create(FolderOf(path), GENERIC_WRITE | (identity ? WRITE_DAC : 0),
+    return temporary.Create(win::FolderOf(path), GENERIC_WRITE | (identity ? WRITE_DAC : 0),
                             attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes) &&
            (!identity || GiveRights(temporary.Get(), *identity));
 }

@@ -2,6 +2,27 @@
 
 #include "settings/lexical.h"
 
+namespace {
+
+// Follows the quoted values of a tag, character by character.
+class QuoteTracker {
+  public:
+    // Whether the next character belongs to a value, the quotes included.
+    [[nodiscard]] bool IsQuoted(wchar_t next) {
+        const bool wasOpen = m_open != 0;
+        if (wasOpen ? next == m_open : next == L'"' || next == L'\'') {
+            m_open = wasOpen ? wchar_t{0} : next;
+            return true;
+        }
+        return wasOpen;
+    }
+
+  private:
+    wchar_t m_open = 0; // the quote that ends it
+};
+
+} // namespace
+
 std::size_t MarkupLength(std::wstring_view text) {
     const auto lengthUpTo = [text](std::wstring_view end, std::size_t from) {
         const std::size_t found = text.find(end, from);
@@ -16,13 +37,9 @@ std::size_t MarkupLength(std::wstring_view text) {
     if (text.starts_with(L"<?")) {
         return lengthUpTo(L"?>", 2);
     }
-    wchar_t quote = 0;
+    QuoteTracker quotes;
     for (std::size_t i = 1; i < text.size(); ++i) {
-        if (quote != 0) {
-            quote = text[i] == quote ? wchar_t{0} : quote;
-        } else if (text[i] == L'"' || text[i] == L'\'') {
-            quote = text[i];
-        } else if (text[i] == L'>') {
+        if (!quotes.IsQuoted(text[i]) && text[i] == L'>') {
             return i + 1;
         }
     }
@@ -44,14 +61,13 @@ bool IsClosingTag(std::wstring_view markup) {
 
 std::vector<std::wstring_view> AttributeNames(std::wstring_view tag) {
     std::vector<std::wstring_view> names;
-    wchar_t quote = 0;
+    QuoteTracker quotes;
     std::size_t name = 0; // where the last one begins
     for (std::size_t i = 0; i < tag.size(); ++i) {
-        if (quote != 0) {
-            quote = tag[i] == quote ? wchar_t{0} : quote;
-        } else if (tag[i] == L'"' || tag[i] == L'\'') {
-            quote = tag[i];
-        } else if (tag[i] == L'=') {
+        if (quotes.IsQuoted(tag[i])) {
+            continue;
+        }
+        if (tag[i] == L'=') {
             names.push_back(tag.substr(name, i - name));
         } else if (IsXmlSpace(tag[i])) {
             name = i + 1;

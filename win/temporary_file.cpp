@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 
 namespace win {
 
@@ -10,6 +11,10 @@ namespace {
 constexpr int kMaxNames = 8;
 
 } // namespace
+
+std::wstring FolderOf(const std::wstring& path) {
+    return path.substr(0, path.size() - std::filesystem::path(path).filename().native().size());
+}
 
 std::wstring TemporaryFile::RandomName(const wchar_t* maker) {
     GUID random{};

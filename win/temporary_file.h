@@ -12,6 +12,9 @@
 
 namespace win {
 
+// Where that file lies, with what separates it from the name: the drive alone for "C:name"; empty for the current folder.
+[[nodiscard]] std::wstring FolderOf(const std::wstring& path);
+
 class TemporaryFile {
   public:
     using NameSource = std::wstring (*)();
@@ -24,7 +27,7 @@ class TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    // The folder with its separator, or empty. Nobody else can open the file before it is moved.
+    // The folder as FolderOf answers it. Nobody else can open the file before it is moved.
     [[nodiscard]] bool Create(const std::wstring& folder, DWORD access, DWORD attributes);
     [[nodiscard]] HANDLE Get() const { return m_file.Get(); }
     // The handle, which is to be closed before the file can be moved or goes.

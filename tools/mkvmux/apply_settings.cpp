@@ -1,6 +1,5 @@
 #include "tools/mkvmux/apply_settings.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -75,21 +74,18 @@ Attachment Load(const AttachmentOptions& file) {
     return attachment;
 }
 
-bool CannotBeSpelt(const TrackOptions& change) {
-    return change.language && !SpellingForMuxer(*change.language);
-}
-
 // The muxer reads a language in the code page of the thread that starts the run, which is this one.
 void SpellLanguages(std::vector<TrackOptions>& changes) {
-    if (std::any_of(changes.begin(), changes.end(), CannotBeSpelt)) {
-        UseCodePageOfTheList();
-    }
     for (TrackOptions& change : changes) {
-        if (CannotBeSpelt(change)) {
+        if (!change.language) {
+            continue;
+        }
+        const auto spelling = SpellingForMuxer(*change.language);
+        if (!spelling) {
             throw Failure("the language '" + Utf8FromWide(*change.language) +
                           "' has no letters in the code page of this system that the muxer would find it by");
         }
-        change.language = change.language ? SpellingForMuxer(*change.language) : std::nullopt;
+        change.language = spelling;
     }
 }
 

@@ -51,11 +51,6 @@ std::wstring NewTemporaryName() {
     return win::TemporaryFile::RandomName(L"mkvmux");
 }
 
-// With what separates it from the name; empty for the current one.
-std::wstring FolderOf(const std::wstring& path) {
-    return path.substr(0, path.size() - std::filesystem::path(path).filename().native().size());
-}
-
 } // namespace
 
 MuxerSettings::MuxerSettings(const win::ComPtr<IBaseFilter>& muxer)
@@ -165,7 +160,7 @@ HRESULT MuxerSettings::Write(win::FileHandle file, const std::wstring& path) con
 
 void MuxerSettings::SaveTo(const std::wstring& path, bool overwrite) const {
     win::TemporaryFile unfinished(NewTemporaryName);
-    if (!unfinished.Create(FolderOf(path), GENERIC_READ | GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL)) {
+    if (!unfinished.Create(win::FolderOf(path), GENERIC_READ | GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL)) {
         const HRESULT hr = LastResult();
         throw Failure(Utf8FromWide(path) + ": cannot be created: " + DescribeFileError(path, hr));
     }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "mkv/language_lookup.h"
 #include "mkv/language_table.h"
 #include "tools/mkvmux/language_choice.h"
 #include "tools/mkvmux/text.h"
@@ -15,6 +16,7 @@ namespace {
 constexpr LCID kEnglish = 0x409;
 constexpr LCID kRussian = 0x419;  // code page 1251
 constexpr LCID kJapanese = 0x411; // code page 932
+constexpr LCID kKorean = 0x412;   // code page 949
 
 // A thread of another locale has another code page; the test's own gets its locale back.
 class LanguageSpellingTest : public testing::Test {
@@ -44,18 +46,20 @@ class LanguageSpellingTest : public testing::Test {
     LCID m_before = GetThreadLocale();
 };
 
-TEST_F(LanguageSpellingTest, EveryNameKeepsItsCodeUnder1252And1251) {
-    UseLocale(kEnglish, 1252);
-    EXPECT_EQ(Lost(), std::vector<std::string>());
-    UseLocale(kRussian, 1251);
-    EXPECT_EQ(Lost(), std::vector<std::string>());
-}
-
-TEST_F(LanguageSpellingTest, UnderACodePageOfTwoBytesOnlyANameThatNoTextGivesIsMissing) {
-    UseLocale(kJapanese, 932);
-    EXPECT_EQ(Lost(), std::vector<std::string>{"Volap\xC3\xBCk"});
-    UseCodePageOfTheList();
-    EXPECT_EQ(Lost(), std::vector<std::string>());
+TEST_F(LanguageSpellingTest, EveryNameKeepsItsCodeUnderEveryCodePage) {
+    struct Locale {
+        LCID id;
+        UINT codePage;
+    };
+    for (const auto [id, codePage] : {Locale{kEnglish, 1252}, Locale{kRussian, 1251}, Locale{kJapanese, 932},
+                                      Locale{kKorean, 949}, Locale{0x804, 936}, Locale{0x404, 950},
+                                      Locale{0x41E, 874}, Locale{0x405, 1250}, Locale{0x408, 1253}, Locale{0x41F, 1254},
+                                      Locale{0x40D, 1255}, Locale{0x401, 1256}, Locale{0x427, 1257},
+                                      Locale{0x42A, 1258}}) {
+        SCOPED_TRACE(codePage);
+        UseLocale(id, codePage);
+        EXPECT_EQ(Lost(), std::vector<std::string>());
+    }
 }
 
 TEST_F(LanguageSpellingTest, IsTheTextThatGivesTheBytesOfTheList) {
@@ -67,9 +71,12 @@ TEST_F(LanguageSpellingTest, IsTheTextThatGivesTheBytesOfTheList) {
     EXPECT_EQ(SpellingForMuxer(L"German"), L"German");
 }
 
-TEST_F(LanguageSpellingTest, ANameThatNoTextGivesIsReplacedByAnotherOneOfItsCode) {
-    UseLocale(0x412, 949); // Korean
-    EXPECT_EQ(SpellingForMuxer(L"Proven\u00e7al, Old (to 1500)"), L"Occitan, Old (to 1500)");
+TEST_F(LanguageSpellingTest, ANameThatNoTextGivesIsSpeltAsListsShowIt) {
+    UseLocale(kKorean, 949);
+    const auto spelling = SpellingForMuxer(L"Proven\u00e7al, Old (to 1500)");
+    ASSERT_TRUE(spelling);
+    EXPECT_EQ(*spelling, mkv::ShownLanguageName(languageIndexByName("Proven\xE7" "al, Old (to 1500)")));
+    EXPECT_EQ(CodeWrittenFor(*spelling), "pro");
 }
 
 TEST_F(LanguageSpellingTest, IsNoneForWhatIsNotInTheList) {
