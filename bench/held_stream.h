@@ -10,8 +10,6 @@
 
 namespace bench {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class HeldStream final : public NullStream {
   public:
     // The next write is kept; one that is being kept goes on.
@@ -27,6 +25,5 @@ class HeldStream final : public NullStream {
 
     std::atomic<State> m_state{State::Open};
 };
-#pragma GCC diagnostic pop
 
 } // namespace bench

@@ -12,8 +12,6 @@
 
 namespace bench {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class NullStream : public IStream {
   public:
     NullStream() = default;
@@ -55,6 +53,5 @@ class NullStream : public IStream {
 };
 
 class PlainNullStream final : public NullStream {};
-#pragma GCC diagnostic pop
 
 } // namespace bench

@@ -12,8 +12,6 @@
 
 namespace bench {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class StreamSinkPin final : public test_support::FakePin, public IMemInputPin {
   public:
     explicit StreamSinkPin(IStream& stream) : FakePin(PINDIR_INPUT, OLESTR("Sink"), {}), m_stream(stream) {}
@@ -48,6 +46,5 @@ class StreamSinkPin final : public test_support::FakePin, public IMemInputPin {
     std::condition_variable m_changed;
     bool m_ended = false;
 };
-#pragma GCC diagnostic pop
 
 } // namespace bench

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tools/mkvmux/file_stream.h"
+#include "mkvmux/file_stream.h"
 #include "win/com_ptr.h"
 
 namespace bench {

@@ -12,7 +12,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 add_library(qrx_common INTERFACE)
 target_include_directories(qrx_common INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
 target_compile_options(qrx_common INTERFACE
-  -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+  # COM objects have no virtual destructor: Release alone destroys them, so only a delete through such a type is wrong.
+  -Wall -Wextra -Wshadow -Wconversion -Wdelete-non-virtual-dtor -Werror)
 target_compile_definitions(qrx_common INTERFACE UNICODE _UNICODE NO_DSHOW_STRSAFE NOMINMAX)
 
 if(QRX_SANITIZE)

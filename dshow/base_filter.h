@@ -17,8 +17,6 @@
 
 class CBasePin;
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBaseFilter : public CUnknown, public IBaseFilter, public IAMovieSetup {
   public:
     CBaseFilter(const WCHAR* pName, LPUNKNOWN pUnk, CCritSec* pLock, REFCLSID clsid);
@@ -89,4 +87,3 @@ class CBaseFilter : public CUnknown, public IBaseFilter, public IAMovieSetup {
     HRESULT RunPins(REFERENCE_TIME tStart);
     HRESULT RegisterSetupData(BOOL bRegister);
 };
-#pragma GCC diagnostic pop

@@ -9,8 +9,6 @@
 
 #include "dshow/base_pin.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBaseInputPin : public CBasePin, public IMemInputPin {
   public:
     CBaseInputPin(const WCHAR* pObjectName, CBaseFilter* pFilter, CCritSec* pLock, HRESULT* phr, LPCWSTR pName);
@@ -60,4 +58,3 @@ class CBaseInputPin : public CBasePin, public IMemInputPin {
 
     CMediaType m_sampleType; // behind m_SampleProps.pMediaType when the sample handed out a copy
 };
-#pragma GCC diagnostic pop

@@ -16,8 +16,6 @@
 #include "win/platform.h"
 #include "win/wide_string.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBasePin : public CUnknown, public IPin, public IQualityControl {
   public:
     CBasePin(const WCHAR* pObjectName, CBaseFilter* pFilter, CCritSec* pLock, HRESULT* phr, LPCWSTR pName,
@@ -106,4 +104,3 @@ class CBasePin : public CUnknown, public IPin, public IQualityControl {
     HRESULT AcceptConnection(IPin* pConnector, const CMediaType* pmt);
     void AbandonConnection();
 };
-#pragma GCC diagnostic pop

@@ -9,8 +9,6 @@
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBasePropertyPage : public IPropertyPage, public CUnknown {
   public:
     // The identifiers name a dialog template and a string of the module's resources.
@@ -65,4 +63,3 @@ class CBasePropertyPage : public IPropertyPage, public CUnknown {
 
     BOOL m_bObjectSet = FALSE;
 };
-#pragma GCC diagnostic pop

@@ -10,8 +10,6 @@
 #include "dshow/factory_template.h"
 #include "win/platform.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CClassFactory final : public IClassFactory, public CBaseObject {
   public:
     explicit CClassFactory(const CFactoryTemplate* pTemplate);
@@ -34,4 +32,3 @@ class CClassFactory final : public IClassFactory, public CBaseObject {
     const CFactoryTemplate* const m_pTemplate; // static data of the module
     std::atomic<LONG> m_cRef{0};
 };
-#pragma GCC diagnostic pop

@@ -10,8 +10,6 @@
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CEnumMediaTypes final : public IEnumMediaTypes {
   public:
     // Begins at the first type, or where pEnumMediaTypes stands.
@@ -40,4 +38,3 @@ class CEnumMediaTypes final : public IEnumMediaTypes {
     int m_Position = 0;
     LONG m_Version = 0;
 };
-#pragma GCC diagnostic pop

@@ -10,8 +10,6 @@
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CEnumPins final : public IEnumPins {
   public:
     // Begins at the first pin, or where pEnumPins stands.
@@ -43,4 +41,3 @@ class CEnumPins final : public IEnumPins {
     int m_PinCount = 0;
     LONG m_Version = 0;
 };
-#pragma GCC diagnostic pop

@@ -8,8 +8,6 @@
 
 #include "win/platform.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CPersistStream : public IPersistStream {
   public:
     CPersistStream(IUnknown* punk, HRESULT* phr);
@@ -40,4 +38,3 @@ class CPersistStream : public IPersistStream {
     HRESULT LoadFrom(IStream* pStream);
     HRESULT SaveTo(IStream* pStream, BOOL fClearDirty);
 };
-#pragma GCC diagnostic pop

@@ -28,8 +28,6 @@ using LPFNNewCOMObject = CUnknown* (*)(LPUNKNOWN pUnkOuter, HRESULT* phr);
 // Called for each class when the module is loaded and unloaded.
 using LPFNInitRoutine = void (*)(BOOL bLoading, const CLSID* rclsid);
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CUnknown : public INonDelegatingUnknown, public CBaseObject {
   public:
     CUnknown(const WCHAR* pName, LPUNKNOWN pUnk);
@@ -64,7 +62,6 @@ class CUnknown : public INonDelegatingUnknown, public CBaseObject {
     Inner m_inner;
     const LPUNKNOWN m_pUnknown; // not counted: the outer object owns this one
 };
-#pragma GCC diagnostic pop
 
 // Hands out a counted reference; the usual end of NonDelegatingQueryInterface.
 HRESULT GetInterface(LPUNKNOWN pUnk, void** ppv) noexcept;

@@ -1,6 +1,6 @@
 // H.264 and H.265 byte streams: the same bytes as both.
 #include "fuzz/read_all.h"
-#include "tools/annexb_source/annexb_reader.h"
+#include "sources/annexb/annexb_reader.h"
 
 namespace {
 

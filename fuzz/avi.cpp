@@ -1,6 +1,6 @@
 // AVI files.
 #include "fuzz/read_all.h"
-#include "tools/avi_source/avi_reader.h"
+#include "sources/avi/avi_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto bytes = fuzz::SourceOf(data, size);

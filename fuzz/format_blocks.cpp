@@ -6,7 +6,7 @@
 
 #include "dshow/media_subtypes.h"
 #include "dshow/media_type.h"
-#include "mkv/codec_description.h"
+#include "media/codec_description.h"
 
 namespace {
 

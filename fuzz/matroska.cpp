@@ -1,6 +1,6 @@
 // Matroska and WebM files.
 #include "fuzz/read_all.h"
-#include "tools/matroska_source/matroska_reader.h"
+#include "sources/matroska/matroska_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto bytes = fuzz::SourceOf(data, size);

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "tools/source_base/buffered_source.h"
-#include "tools/source_base/limits.h"
+#include "sources/base/buffered_source.h"
+#include "sources/base/limits.h"
 
 namespace fuzz {
 

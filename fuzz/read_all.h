@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "tools/source_base/byte_source.h"
-#include "tools/source_base/packet_reader.h"
+#include "sources/base/byte_source.h"
+#include "sources/base/packet_reader.h"
 
 namespace fuzz {
 

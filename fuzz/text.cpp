@@ -1,7 +1,7 @@
 // SubRip, SSA and ASS: the same bytes as each.
 #include "fuzz/read_all.h"
-#include "tools/source_base/printable.h"
-#include "tools/text_source/text_source.h"
+#include "sources/base/printable.h"
+#include "sources/text/text_source.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto bytes = fuzz::SourceOf(data, size);

@@ -14,8 +14,6 @@
 #include "mkv/mkv_writer.h"
 #include "mux/base_mux.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CMatroskaMuxer final : public CBaseMux,
                              public ISpecifyPropertyPages,
                              public IModuleConfig,
@@ -93,4 +91,3 @@ class CMatroskaMuxer final : public CBaseMux,
     CMkvWriter m_writer;
     CTrackSettingsTable m_settings;
 };
-#pragma GCC diagnostic pop

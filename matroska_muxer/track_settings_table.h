@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "mkv/track_settings_row.h"
+#include "records/track_settings_row.h"
 #include "win/critical_section.h"
 
 class CTrackSettingsTable {

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <utility>
 
+#include "media/codec_description.h"
+#include "media/payload_conversion.h"
 #include "mkv/cluster_rule.h"
-#include "mkv/codec_description.h"
 #include "mkv/debug_trace.h"
-#include "mkv/payload_conversion.h"
 #include "mkv/writer_errors.h"
 
 namespace {

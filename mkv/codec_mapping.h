@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "mkv/codec_description.h"
+#include "media/codec_description.h"
 #include "win/platform.h"
 
 namespace libmatroska {

@@ -9,8 +9,8 @@
 #include <ebml/EbmlUInteger.h>
 #include <ebml/EbmlUnicodeString.h>
 
-#include "mkv/utf8_text.h"
 #include "win/platform.h"
+#include "win/utf8_text.h"
 
 namespace mkv {
 

@@ -9,9 +9,9 @@
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxInfo.h>
 
+#include "media/codec_description.h"
 #include "mkv/attachment_writer.h"
 #include "mkv/cluster_rule.h"
-#include "mkv/codec_description.h"
 #include "mkv/element_values.h"
 #include "mkv/segment_info.h"
 #include "mkv/track_entry_builder.h"

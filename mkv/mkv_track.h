@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "dshow/media_type.h"
-#include "mkv/track_settings_row.h"
+#include "records/track_settings_row.h"
 
 struct MkvTrack {
     CMediaType type;

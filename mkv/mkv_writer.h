@@ -8,11 +8,11 @@
 #include <atomic>
 #include <memory>
 
-#include "mkv/attachment_list.h"
 #include "mkv/matroska_file.h"
 #include "mkv/mkv_io.h"
 #include "mkv/mkv_packet.h"
 #include "mkv/mkv_track.h"
+#include "records/attachment_list.h"
 
 class CMkvWriter {
   public:

@@ -8,9 +8,9 @@
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
-#include "mkv/language_lookup.h"
-#include "mkv/language_table.h"
 #include "mkv/writer_errors.h"
+#include "records/language_lookup.h"
+#include "records/language_table.h"
 
 namespace mkv {
 

@@ -21,8 +21,6 @@
 #include "mux/mux_stream_kind.h"
 #include "win/com_ptr.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBaseMux : public CBaseFilter, protected CAMThread {
   public:
     // A concrete muxer's destructor calls Stop first, so that its hooks still exist while the worker ends.
@@ -111,4 +109,3 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
     std::atomic<bool> m_abort{false}; // set by Stop, cleared by Pause; ends the upstream threads' polls
     UINT64 m_outputPosition = 0;      // bytes; where WriteOutput writes next
 };
-#pragma GCC diagnostic pop

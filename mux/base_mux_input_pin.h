@@ -12,8 +12,6 @@
 class CBaseMux;
 class CMuxInterStream;
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBaseMuxInputPin : public CBaseInputPin {
   public:
     enum class RoomWait { Writable, Flushing, Aborted, Stopping };
@@ -57,4 +55,3 @@ class CBaseMuxInputPin : public CBaseInputPin {
     StreamGate m_gate;
     FrameGrouper m_grouper;
 };
-#pragma GCC diagnostic pop

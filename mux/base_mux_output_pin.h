@@ -10,8 +10,6 @@
 
 class CBaseMux;
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class CBaseMuxOutputPin : public CBaseOutputPin {
   public:
     CBaseMuxOutputPin(const WCHAR* objectName, CBaseMux* filter, CCritSec* lock, HRESULT* result, LPCWSTR pinName);
@@ -35,4 +33,3 @@ class CBaseMuxOutputPin : public CBaseOutputPin {
     win::CriticalSection m_passThroughLock;
     win::ComPtr<IUnknown> m_passThrough; // aggregated by this pin
 };
-#pragma GCC diagnostic pop

@@ -12,7 +12,7 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(files codecs players judge_self languages judge) # the judge comes after all that writes files
+TEST_SCRIPTS=(files encoders players judge_self languages judge) # the judge comes after all that writes files
 TEST_SCRIPTS_AT_ONCE=2
 
 # report_crash LOG: the test that ran last, and what the program itself could say (tests/support/crash_report.cpp).
@@ -115,10 +115,10 @@ run_suite() {
       mkdir -p "$BUILD/windows/judged"
       QRX_JUDGE_DIR="$BUILD/windows/judged" run_script players python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/players"
       ;;
-    codecs | codecs-full)
+    encoders | encoders-full)
       mkdir -p "$BUILD/windows/judged"
-      QRX_CODECS_FULL=${1#codecs} QRX_JUDGE_DIR="$BUILD/windows/judged" \
-        run_script "$1" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/codecs"
+      QRX_ENCODERS_FULL=${1#encoders} QRX_JUDGE_DIR="$BUILD/windows/judged" \
+        run_script "$1" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/encoders"
       ;;
     files)
       mkdir -p "$BUILD/windows/judged"

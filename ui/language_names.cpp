@@ -1,7 +1,7 @@
 #include "ui/language_names.h"
 
-#include "mkv/language_lookup.h"
-#include "mkv/language_table.h"
+#include "records/language_lookup.h"
+#include "records/language_table.h"
 
 std::vector<std::wstring> LanguageNames() {
     std::vector<std::wstring> names;

@@ -21,8 +21,6 @@ Function Accessibility(const char* name) {
     return win::EntryPoint<Function>(library, name);
 }
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 // An object of the module: it stays loaded as long as a reader holds this.
 class TreeAccessible final : public IAccessible, private CBaseObject {
   public:
@@ -117,7 +115,6 @@ class TreeAccessible final : public IAccessible, private CBaseObject {
     const win::ComPtr<IAccessible> m_system;
     std::atomic<ULONG> m_references{1};
 };
-#pragma GCC diagnostic pop
 
 STDMETHODIMP TreeAccessible::get_accName(VARIANT child, BSTR* name) {
     if (name == nullptr) {

@@ -12,7 +12,8 @@
 
 namespace win {
 
-// Where that file lies, with what separates it from the name: the drive alone for "C:name"; empty for the current folder.
+// Where that file lies, with what separates it from the name: the drive alone for "C:name"; empty for the current
+// folder.
 [[nodiscard]] std::wstring FolderOf(const std::wstring& path);
 
 class TemporaryFile {

@@ -16,8 +16,6 @@ using dshow_test::kFilterSetup;
 
 constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 // Remembers what it was asked to register or to remove.
 class FakeMapper final : public IFilterMapper2 {
   public:
@@ -64,7 +62,6 @@ class FakeMapper final : public IFilterMapper2 {
   private:
     test_support::ReferenceCount m_references{"a filter mapper"};
 };
-#pragma GCC diagnostic pop
 
 class FilterSetupTest : public dshow_test::ObjectCountTest {
   protected:

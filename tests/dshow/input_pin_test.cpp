@@ -227,8 +227,6 @@ TEST_F(InputPinTest, InputMayBlockIfAnyOutputsPeerMay) {
 
 // ---- Quality ----------------------------------------------------------------------------------------------------
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 // Remembers the last message that came.
 class QualitySink final : public IQualityControl {
   public:
@@ -243,7 +241,6 @@ class QualitySink final : public IQualityControl {
     }
     STDMETHODIMP SetSink(IQualityControl*) noexcept override { return E_NOTIMPL; }
 };
-#pragma GCC diagnostic pop
 
 TEST_F(InputPinTest, QualityMessagesGoToTheSinkOrUpstream) {
     Quality message{};

@@ -9,8 +9,6 @@
 
 namespace dshow_test {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class OuterObject final : public IUnknown {
   public:
     void Aggregate(win::ComPtr<IUnknown> inner) { m_inner = std::move(inner); }
@@ -31,6 +29,5 @@ class OuterObject final : public IUnknown {
     test_support::ReferenceCount m_references{"an outer object"};
     win::ComPtr<IUnknown> m_inner;
 };
-#pragma GCC diagnostic pop
 
 } // namespace dshow_test

@@ -14,8 +14,6 @@ using test_support::StreamOperation;
 
 constexpr HRESULT kEndOfFile = static_cast<HRESULT>(0x80070026);
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 // Persists one number after the header.
 class Persisted final : public CPersistStream {
   public:
@@ -53,7 +51,6 @@ class Empty final : public CPersistStream {
     STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
     STDMETHODIMP GetClassID(CLSID*) noexcept override { return E_NOTIMPL; }
 };
-#pragma GCC diagnostic pop
 
 std::vector<BYTE> WideBytes(const std::string& text) {
     std::vector<BYTE> bytes;

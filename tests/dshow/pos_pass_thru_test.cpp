@@ -42,8 +42,6 @@ TEST_F(PosPassThruTest, SystemWithoutTheClassSaysSo) {
     EXPECT_EQ(object, nullptr);
 }
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakePassThru final : public ISeekingPassThru {
   public:
     HRESULT result = S_OK;
@@ -68,7 +66,6 @@ class FakePassThru final : public ISeekingPassThru {
   private:
     test_support::ReferenceCount m_references{"a pass-through"};
 };
-#pragma GCC diagnostic pop
 
 TEST_F(PosPassThruTest, ObjectIsBoundToThePinAndHandedOut) {
     FakePassThru passThru;

@@ -8,8 +8,6 @@
 
 namespace dshow_test {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class TestClock final : public IReferenceClock {
   public:
     REFERENCE_TIME now = 0;
@@ -34,6 +32,5 @@ class TestClock final : public IReferenceClock {
   private:
     test_support::ReferenceCount m_references{"a clock"};
 };
-#pragma GCC diagnostic pop
 
 } // namespace dshow_test

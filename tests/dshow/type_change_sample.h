@@ -12,8 +12,6 @@ namespace dshow_test {
 
 enum class SampleInterface { Plain, Sample2 };
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class TypeChangeSample final : public IMediaSample2 {
   public:
     explicit TypeChangeSample(CMediaType type, SampleInterface offered = SampleInterface::Plain)
@@ -71,6 +69,5 @@ class TypeChangeSample final : public IMediaSample2 {
     const SampleInterface m_offered;
     BYTE m_data[2] = {1, 2};
 };
-#pragma GCC diagnostic pop
 
 } // namespace dshow_test

@@ -5,12 +5,12 @@
 
 #include <gmock/gmock.h>
 
+#include "mkvmux/muxer_loader.h"
 #include "tests/examples/file_writer_class.h"
+#include "tests/mkvmux/temporary_file.h"
 #include "tests/support/layout_check.h"
 #include "tests/support/matroska_layout.h"
 #include "tests/support/written_files.h"
-#include "tests/tools/mkvmux/temporary_file.h"
-#include "tools/mkvmux/muxer_loader.h"
 
 int RunExample(int count, wchar_t** arguments);
 

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "dshow/class_factory.h"
-#include "tools/mkvmux/file_sink_filter.h"
+#include "mkvmux/file_sink_filter.h"
 #include "win/platform.h"
 
 namespace test_examples {

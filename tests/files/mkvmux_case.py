@@ -66,7 +66,7 @@ def long_avi():
 def long_video_avi():
     """The same without sound, for runs that are stopped in the middle: with two streams, the splitter of the host
     waits for ever now and then, since the demuxer behind it does not get rid of a packet for a reader that has left
-    already. How mkvmux ends then is tested in tests/tools/mkvmux/graph_stopper_test.cpp."""
+    already. How mkvmux ends then is tested in tests/mkvmux/graph_stopper_test.cpp."""
     return make_input("raw_video.avi", *picture(20, "640x480"), "-c:v", "rawvideo", "-pix_fmt", "yuv420p")
 
 

@@ -74,7 +74,7 @@ class HostileInputs(MkvmuxCase):
             path = self.directory / f"{size:x}.avi"
             hostile_files.write_huge_avi(path, size)
             # The host's own splitter is asked first, and reads the chunk; what our reader holds is counted in
-            # tests/tools/hostile_inputs.
+            # tests/sources/hostile_inputs.
             self.check(path.name, most_memory=16 << 30)
 
     def test_a_time_base_that_cannot_be(self):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the rows of mkv/language_rows.inc with ISO 639-2 as the package iso-codes has it.
+"""Compares the rows of records/language_rows.inc with ISO 639-2 as the package iso-codes has it.
 
 Codes, two-letter codes and English names are compared language by language. Every difference is printed; one
 without a reason below, or a reason that no longer applies, makes the exit status 1.

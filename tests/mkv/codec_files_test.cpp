@@ -1,8 +1,8 @@
 // Files with real H.264 and H.265 pictures in both packagings: the same picture is stored either way, and other
 // programs read the files too.
-#include "mkv/hevc_configuration.h"
-#include "tests/mkv/hex_bytes.h"
+#include "codecs/hevc_configuration.h"
 #include "tests/mkv/writer_fixture.h"
+#include "tests/support/hex_bytes.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "dshow/media_subtypes.h"
 #include "mkv/writer_errors.h"
-#include "tests/mkv/hex_bytes.h"
 #include "tests/support/ebml_reader.h"
+#include "tests/support/hex_bytes.h"
 #include "tests/support/media_types.h"
 
 namespace {

@@ -33,8 +33,6 @@ struct RegisteredFilter {
     std::vector<RegisteredPin> pins;
 };
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeFilterMapper final : public IFilterMapper2, public IClassFactory {
   public:
     FakeFilterMapper() {
@@ -103,4 +101,3 @@ class FakeFilterMapper final : public IFilterMapper2, public IClassFactory {
     DWORD m_cookie = 0;
     std::vector<RegisteredFilter> m_filters;
 };
-#pragma GCC diagnostic pop

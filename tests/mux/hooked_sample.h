@@ -8,8 +8,6 @@
 
 #include "tests/support/fake_media_sample.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class HookedSample final : public IMediaSample {
   public:
     HookedSample(std::vector<BYTE> data, std::function<void()> onGetPointer)
@@ -54,4 +52,3 @@ class HookedSample final : public IMediaSample {
     test_support::FakeMediaSample m_inner;
     std::function<void()> m_onGetPointer;
 };
-#pragma GCC diagnostic pop

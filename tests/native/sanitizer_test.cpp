@@ -19,8 +19,6 @@ namespace {
 
 constexpr ULONG kReferencesOfAStatic = 1;
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class TwoInterfaces : public IPersistStream, public ISpecifyPropertyPages {
   public:
     virtual ~TwoInterfaces() = default;
@@ -43,7 +41,6 @@ class TwoInterfaces : public IPersistStream, public ISpecifyPropertyPages {
         return S_OK;
     }
 };
-#pragma GCC diagnostic pop
 
 // A pointer that the optimiser cannot follow.
 template <typename Pointer>

@@ -11,8 +11,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeAllocator final : public IMemAllocator {
   public:
     // What SetProperties grants instead of what it is asked for.
@@ -44,6 +42,5 @@ class FakeAllocator final : public IMemAllocator {
     HRESULT m_setPropertiesResult = S_OK;
     bool m_committed = false;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -9,8 +9,6 @@ namespace test_support {
 
 namespace {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 // Enumerates `Count()` items; Derived hands out the one at an index. Deleted by its last Release, as COM asks.
 template <typename Derived, typename Interface, typename Item>
 class Enumerator : public Interface {
@@ -111,7 +109,6 @@ class MediaTypeEnumerator final : public Enumerator<MediaTypeEnumerator, IEnumMe
   private:
     const std::vector<MediaTypeValue> m_types;
 };
-#pragma GCC diagnostic pop
 
 } // namespace
 

@@ -8,8 +8,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeFilter final : public IBaseFilter {
   public:
     explicit FakeFilter(IPin* pin) : m_pin(pin) {}
@@ -41,6 +39,5 @@ class FakeFilter final : public IBaseFilter {
     IFilterGraph* m_graph = nullptr; // not owned, as for every filter
     FILTER_STATE m_state = State_Stopped;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -14,8 +14,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeGraph final : public IFilterGraph, public IMediaEventSink {
   public:
     struct Event {
@@ -52,6 +50,5 @@ class FakeGraph final : public IFilterGraph, public IMediaEventSink {
     mutable std::condition_variable m_changed;
     std::vector<Event> m_events;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

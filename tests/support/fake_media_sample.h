@@ -12,8 +12,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeMediaSample final : public IMediaSample {
   public:
     explicit FakeMediaSample(std::vector<BYTE> data = {}) : m_data(std::move(data)) {}
@@ -69,6 +67,5 @@ class FakeMediaSample final : public IMediaSample {
     bool m_preroll = false;
     bool m_discontinuity = false;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

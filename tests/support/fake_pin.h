@@ -16,8 +16,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakePin : public IPin {
   public:
     FakePin(PIN_DIRECTION direction, WideString name, std::vector<MediaTypeValue> types);
@@ -74,6 +72,5 @@ class FakePin : public IPin {
     win::ComPtr<IPin> m_peer;
     MediaTypeValue m_connectedType;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -15,8 +15,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeSinkPin final : public FakePin, public IMemInputPin {
   public:
     enum class StreamOffer { Offered, None };
@@ -86,6 +84,5 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     mutable std::condition_variable m_changed;
     Received m_received;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -11,8 +11,6 @@
 
 namespace test_support {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeUpstreamPin final : public FakePin {
   public:
     explicit FakeUpstreamPin(const MediaTypeValue& type);
@@ -47,6 +45,5 @@ class FakeUpstreamPin final : public FakePin {
     FakeAllocator m_allocator;
     win::ComPtr<IMemInputPin> m_input;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -27,8 +27,6 @@ struct StreamCall {
     HRESULT result;
 };
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class MemoryStream final : public IStream {
   public:
     // With an outer object, references count there too, and it answers QueryInterface.
@@ -111,6 +109,5 @@ class MemoryStream final : public IStream {
     std::vector<FailureRule> m_rules;
     std::optional<WriteAnswer> m_nextWrite;
 };
-#pragma GCC diagnostic pop
 
 } // namespace test_support

@@ -14,8 +14,6 @@
 
 namespace ui_test {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakeModuleConfig final : public IModuleConfig {
   public:
     struct Row {
@@ -72,6 +70,5 @@ class FakeModuleConfig final : public IModuleConfig {
   private:
     test_support::ReferenceCount m_references{"a fake configuration"};
 };
-#pragma GCC diagnostic pop
 
 } // namespace ui_test

@@ -13,8 +13,6 @@
 
 namespace ui_test {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class FakePageSite final : public IPropertyPageSite {
   public:
     int changes = 0;
@@ -40,7 +38,6 @@ class FakePageSite final : public IPropertyPageSite {
   private:
     test_support::ReferenceCount m_references{"a page site"};
 };
-#pragma GCC diagnostic pop
 
 class PageRig {
   public:

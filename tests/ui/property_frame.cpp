@@ -50,8 +50,6 @@ HWND CreateCaller() {
 
 } // namespace
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 class PropertyFrame::PageKeeper final : public IClassFactory {
   public:
     explicit PageKeeper(win::ComPtr<IClassFactory> real) : m_real(std::move(real)) {
@@ -78,7 +76,6 @@ class PropertyFrame::PageKeeper final : public IClassFactory {
     win::ComPtr<IPropertyPage> m_page;
     DWORD m_cookie = 0;
 };
-#pragma GCC diagnostic pop
 
 PropertyFrame::PropertyFrame(IUnknown* object) : m_thread([this, object] { Run(object); }) {
     EXPECT_TRUE(WaitUntil([this] { return (m_window = FindFrame()) != nullptr; }));

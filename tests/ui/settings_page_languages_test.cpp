@@ -3,8 +3,8 @@
 
 #include <qrx_mkvmuxer.h>
 
-#include "mkv/language_table.h"
 #include "mkv/track_entry_builder.h"
+#include "records/language_table.h"
 #include "tests/support/matroska_layout.h"
 #include "tests/ui/muxer_under_test.h"
 #include "tests/ui/page_rig.h"

@@ -11,8 +11,6 @@
 
 namespace {
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // no interface of COM has a virtual destructor
 struct Counted : public IUnknown {
     virtual ~Counted() = default;
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
@@ -29,7 +27,6 @@ struct Counted : public IUnknown {
 
     ULONG references = 0;
 };
-#pragma GCC diagnostic pop
 
 TEST(ComPtr, CountsOneReferenceForEachHolder) {
     Counted object;

@@ -1,0 +1,12 @@
+// The short-term reference picture sets of an H.265 sequence parameter set (ITU-T H.265, 7.3.7 and 7.4.8).
+#pragma once
+
+#include "codecs/bitstream_reader.h"
+
+namespace mkv {
+
+// Reads past the sets. Their contents matter, since a set may be predicted from the one before it, and its length in
+// bits then depends on that one's entries.
+void SkipHevcShortTermRefPicSets(BitstreamReader& reader, UINT32 count);
+
+} // namespace mkv

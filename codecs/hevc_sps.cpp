@@ -1,0 +1,226 @@
+#include "codecs/hevc_sps.h"
+
+#include <vector>
+
+#include "codecs/bitstream_reader.h"
+#include "codecs/hevc_hrd_parameters.h"
+#include "codecs/hevc_short_term_ref_pic_set.h"
+#include "codecs/nal_unit.h"
+
+namespace mkv {
+
+namespace {
+
+constexpr size_t kNalHeaderSizeBytes = 2;
+constexpr UINT32 kChromaFormat444 = 3;
+constexpr UINT32 kMaxLog2PocLsbMinus4 = 12;
+constexpr UINT32 kMaxShortTermRefPicSets = 64;
+constexpr UINT32 kMaxLongTermRefPics = 32;
+constexpr UINT32 kExtendedSampleAspectRatio = 255;
+// 2 + 1 + 5 profile bits, 32 compatibility flags, 48 constraint flags.
+constexpr size_t kSubLayerProfileBits = 88;
+constexpr size_t kSubLayerLevelBits = 8;
+
+// Reads the parameter set in its order. Every loop is bounded, since after a bad value the reader gives zeros.
+class HevcSpsParser {
+  public:
+    explicit HevcSpsParser(std::span<const BYTE> payload) : m_reader(payload) {}
+
+    HevcSps Parse();
+
+  private:
+    void ReadProfileTierLevel();
+    void SkipSubLayers();
+    void ReadPictureFormat();
+    void SkipPictureOrderCount();
+    void SkipCodingBlocks();
+    void SkipScalingLists();
+    void SkipScalingList(unsigned sizeId);
+    void SkipPcm();
+    void SkipReferencePictures();
+    void ReadVui();
+    void SkipVuiVideoSignal();
+    void SkipVuiDisplayWindow();
+    void ReadVuiTiming();
+    void ReadVuiRestrictions();
+    void SkipUEs(unsigned count);
+
+    BitstreamReader m_reader;
+    HevcSps m_sps;
+    unsigned m_log2MaxPocLsb = 0;
+};
+
+HevcSps HevcSpsParser::Parse() {
+    m_reader.SkipBits(4); // sps_video_parameter_set_id
+    m_sps.maxSubLayersMinus1 = static_cast<BYTE>(m_reader.ReadBits(3));
+    m_sps.temporalIdNesting = m_reader.ReadFlag();
+    ReadProfileTierLevel();
+    m_reader.ReadUE(); // sps_seq_parameter_set_id
+    ReadPictureFormat();
+    SkipPictureOrderCount();
+    SkipCodingBlocks();
+    SkipReferencePictures();
+    m_reader.SkipBits(2); // sps_temporal_mvp_enabled_flag, strong_intra_smoothing_enabled_flag
+    if (m_reader.ReadFlag()) {
+        ReadVui();
+    }
+    return m_sps;
+}
+
+void HevcSpsParser::ReadProfileTierLevel() {
+    m_sps.generalProfileSpace = static_cast<BYTE>(m_reader.ReadBits(2));
+    m_sps.generalTierFlag = static_cast<BYTE>(m_reader.ReadBits(1));
+    m_sps.generalProfileIdc = static_cast<BYTE>(m_reader.ReadBits(5));
+    m_sps.generalProfileCompatibilityFlags = m_reader.ReadBits(32);
+    const UINT64 firstConstraintFlags = m_reader.ReadBits(16);
+    m_sps.generalConstraintFlags = firstConstraintFlags << 32 | m_reader.ReadBits(32);
+    m_sps.generalLevelIdc = static_cast<BYTE>(m_reader.ReadBits(8));
+    SkipSubLayers();
+}
+
+void HevcSpsParser::SkipSubLayers() {
+    size_t bits = 0;
+    for (unsigned layer = 0; layer < m_sps.maxSubLayersMinus1; ++layer) {
+        bits += m_reader.ReadFlag() ? kSubLayerProfileBits : 0;
+        bits += m_reader.ReadFlag() ? kSubLayerLevelBits : 0;
+    }
+    if (m_sps.maxSubLayersMinus1 > 0) {
+        bits += 2 * (kHevcMaxSubLayers - m_sps.maxSubLayersMinus1); // reserved_zero_2bits for the absent ones
+    }
+    m_reader.SkipBits(bits);
+}
+
+void HevcSpsParser::ReadPictureFormat() {
+    m_sps.chromaFormatIdc = m_reader.ReadUE();
+    if (m_sps.chromaFormatIdc == kChromaFormat444) {
+        m_reader.SkipBits(1); // separate_colour_plane_flag
+    }
+    SkipUEs(2); // width and height
+    if (m_reader.ReadFlag()) {
+        SkipUEs(4); // conformance window
+    }
+    m_sps.bitDepthLumaMinus8 = m_reader.ReadUE();
+    m_sps.bitDepthChromaMinus8 = m_reader.ReadUE();
+}
+
+void HevcSpsParser::SkipPictureOrderCount() {
+    m_log2MaxPocLsb = m_reader.ReadUE(kMaxLog2PocLsbMinus4) + 4;
+    const bool forEachSubLayer = m_reader.ReadFlag();
+    const unsigned count = forEachSubLayer ? m_sps.maxSubLayersMinus1 + 1U : 1U;
+    SkipUEs(3 * count); // picture buffering, reordering, latency
+}
+
+void HevcSpsParser::SkipCodingBlocks() {
+    SkipUEs(6); // block sizes and transform depths
+    if (m_reader.ReadFlag() && m_reader.ReadFlag()) {
+        SkipScalingLists();
+    }
+    m_reader.SkipBits(2); // amp_enabled_flag, sample_adaptive_offset_enabled_flag
+    if (m_reader.ReadFlag()) {
+        SkipPcm();
+    }
+}
+
+void HevcSpsParser::SkipScalingLists() {
+    for (unsigned sizeId = 0; sizeId < 4; ++sizeId) {
+        const unsigned matrices = sizeId == 3 ? 2 : 6;
+        for (unsigned matrix = 0; matrix < matrices; ++matrix) {
+            SkipScalingList(sizeId);
+        }
+    }
+}
+
+void HevcSpsParser::SkipScalingList(unsigned sizeId) {
+    const bool isCoded = m_reader.ReadFlag();
+    if (!isCoded) {
+        m_reader.ReadUE(); // the matrix that it repeats
+        return;
+    }
+    const bool hasDcCoefficient = sizeId > 1;
+    const unsigned coefficients = sizeId == 0 ? 16 : 64;
+    SkipUEs(coefficients + (hasDcCoefficient ? 1 : 0)); // signed, but as long as unsigned ones
+}
+
+void HevcSpsParser::SkipPcm() {
+    m_reader.SkipBits(8); // bit depths
+    SkipUEs(2);           // block sizes
+    m_reader.SkipBits(1); // pcm_loop_filter_disabled_flag
+}
+
+void HevcSpsParser::SkipReferencePictures() {
+    SkipHevcShortTermRefPicSets(m_reader, m_reader.ReadUE(kMaxShortTermRefPicSets));
+    if (m_reader.ReadFlag()) {
+        const UINT32 count = m_reader.ReadUE(kMaxLongTermRefPics);
+        m_reader.SkipBits(static_cast<size_t>(count) * (m_log2MaxPocLsb + 1));
+    }
+}
+
+void HevcSpsParser::ReadVui() {
+    if (m_reader.ReadFlag() && m_reader.ReadBits(8) == kExtendedSampleAspectRatio) {
+        m_reader.SkipBits(32);
+    }
+    if (m_reader.ReadFlag()) {
+        m_reader.SkipBits(1); // overscan_appropriate_flag
+    }
+    SkipVuiVideoSignal();
+    m_reader.SkipBits(3); // neutral chroma, field sequence, frame and field information
+    SkipVuiDisplayWindow();
+    ReadVuiTiming();
+    ReadVuiRestrictions();
+}
+
+void HevcSpsParser::SkipVuiVideoSignal() {
+    if (m_reader.ReadFlag()) {
+        m_reader.SkipBits(4); // video_format, video_full_range_flag
+        if (m_reader.ReadFlag()) {
+            m_reader.SkipBits(24); // colour description
+        }
+    }
+    if (m_reader.ReadFlag()) {
+        SkipUEs(2); // chroma sample locations
+    }
+}
+
+void HevcSpsParser::SkipVuiDisplayWindow() {
+    if (m_reader.ReadFlag()) {
+        SkipUEs(4);
+    }
+}
+
+void HevcSpsParser::ReadVuiTiming() {
+    if (!m_reader.ReadFlag()) {
+        return;
+    }
+    m_reader.SkipBits(64); // units in a tick, time scale
+    if (m_reader.ReadFlag()) {
+        m_reader.ReadUE(); // vui_num_ticks_poc_diff_one_minus1
+    }
+    if (m_reader.ReadFlag()) {
+        ReadHevcHrdParameters(m_reader, m_sps.maxSubLayersMinus1, m_sps.fixedPicRateGeneral);
+    }
+}
+
+void HevcSpsParser::ReadVuiRestrictions() {
+    if (m_reader.ReadFlag()) {
+        m_reader.SkipBits(3); // tiles, motion vectors, reference lists
+        m_sps.minSpatialSegmentationIdc = m_reader.ReadUE();
+    }
+}
+
+void HevcSpsParser::SkipUEs(unsigned count) {
+    for (unsigned i = 0; i < count; ++i) {
+        m_reader.ReadUE();
+    }
+}
+
+} // namespace
+
+HevcSps ParseHevcSps(std::span<const BYTE> unit) {
+    if (unit.size() < kNalHeaderSizeBytes) {
+        return {};
+    }
+    const std::vector<BYTE> payload = RawPayload(unit, kNalHeaderSizeBytes);
+    return HevcSpsParser(payload).Parse();
+}
+
+} // namespace mkv

@@ -1,0 +1,68 @@
+#include "codecs/nal_unit.h"
+
+#include <algorithm>
+
+namespace mkv {
+
+namespace {
+
+constexpr size_t kMinStartCodeLength = 2;
+
+bool AllZero(std::span<const BYTE> bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](BYTE byte) { return byte == 0; });
+}
+
+} // namespace
+
+std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes) {
+    std::vector<BYTE> payload;
+    if (unit.size() < headerBytes) {
+        return payload;
+    }
+    payload.reserve(unit.size());
+    unsigned zeros = 0;
+    for (const BYTE byte : unit.subspan(headerBytes)) {
+        if (zeros >= 2 && byte == 3) {
+            zeros = 0;
+            continue;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        payload.push_back(byte);
+    }
+    return payload;
+}
+
+NALUnitScanner::NALUnitScanner(std::span<const BYTE> buffer, size_t startCodeLength)
+    : m_buffer(buffer), m_startCodeLength(std::max(startCodeLength, kMinStartCodeLength)) {
+    const size_t firstStartCode = FindStartCode(0);
+    if (firstStartCode < m_buffer.size() && AllZero(m_buffer.first(firstStartCode))) {
+        m_unitStart = firstStartCode + m_startCodeLength;
+    }
+}
+
+std::optional<NALUnit> NALUnitScanner::Next() {
+    while (m_unitStart < m_buffer.size()) {
+        const size_t start = m_unitStart;
+        const size_t end = FindStartCode(start);
+        m_unitStart = end == m_buffer.size() ? end : end + m_startCodeLength;
+        if (end > start) {
+            return NALUnit(m_buffer.subspan(start, end - start));
+        }
+    }
+    return std::nullopt;
+}
+
+size_t NALUnitScanner::FindStartCode(size_t from) const {
+    const size_t zeros = m_startCodeLength - 1;
+    for (size_t last = from + zeros; last < m_buffer.size(); ++last) {
+        const auto begin = m_buffer.begin();
+        last =
+            static_cast<size_t>(std::find(begin + static_cast<std::ptrdiff_t>(last), m_buffer.end(), BYTE{1}) - begin);
+        if (last < m_buffer.size() && AllZero(m_buffer.subspan(last - zeros, zeros))) {
+            return last - zeros;
+        }
+    }
+    return m_buffer.size();
+}
+
+} // namespace mkv

@@ -1,0 +1,12 @@
+// What a video media type becomes in a track entry.
+#pragma once
+
+#include "media/codec_description.h"
+#include "win/platform.h"
+
+namespace mkv {
+
+// An empty codec identifier for other major types, types without a row, and damaged format blocks.
+[[nodiscard]] CodecDescription DescribeVideoCodec(const AM_MEDIA_TYPE& type);
+
+} // namespace mkv

@@ -1,0 +1,223 @@
+#include "mkvmux/file_stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <mutex>
+
+#include "mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+OVERLAPPED AtPosition(UINT64 position) {
+    OVERLAPPED at{};
+    at.Offset = static_cast<DWORD>(position);
+    at.OffsetHigh = static_cast<DWORD>(position >> 32);
+    return at;
+}
+
+} // namespace
+
+CFileStream::CFileStream(LPUNKNOWN outer) : CUnknown(L"FileStream", outer) {}
+
+HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
+    win::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                     overwrite ? CREATE_ALWAYS : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HRESULT hr = file ? S_OK : LastResult();
+    Take(std::move(file), path);
+    return hr;
+}
+
+void CFileStream::Take(win::FileHandle file, const std::wstring& path) {
+    const std::lock_guard lock(m_lock);
+    m_file = std::move(file);
+    m_path = path;
+    m_position = 0;
+}
+
+STDMETHODIMP CFileStream::NonDelegatingQueryInterface(REFIID iid, void** object) {
+    if (iid == IID_IStream || iid == IID_ISequentialStream) {
+        return GetInterface(static_cast<IStream*>(this), object);
+    }
+    return CUnknown::NonDelegatingQueryInterface(iid, object);
+}
+
+STDMETHODIMP CFileStream::Read(void* buffer, ULONG size, ULONG* read) noexcept {
+    if (read != nullptr) {
+        *read = 0;
+    }
+    if (buffer == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    const std::lock_guard lock(m_lock);
+    OVERLAPPED at = AtPosition(m_position);
+    DWORD got = 0;
+    if (ReadFile(m_file.Get(), buffer, size, &got, &at) == FALSE && GetLastError() != ERROR_HANDLE_EOF) {
+        return LastResult();
+    }
+    m_position += got;
+    if (read != nullptr) {
+        *read = got;
+    }
+    return got == size ? S_OK : S_FALSE;
+}
+
+STDMETHODIMP CFileStream::Write(const void* data, ULONG size, ULONG* written) noexcept {
+    if (written != nullptr) {
+        *written = 0;
+    }
+    if (data == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    ULONG done = 0;
+    HRESULT hr = S_OK;
+    {
+        const std::lock_guard lock(m_lock);
+        hr = WriteAll(static_cast<const BYTE*>(data), size, done);
+    }
+    if (written != nullptr) {
+        *written = done;
+    }
+    return Report(hr);
+}
+
+// The lock is held.
+HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
+    while (written < size) {
+        OVERLAPPED at = AtPosition(m_position);
+        DWORD count = 0;
+        if (WriteFile(m_file.Get(), data + written, size - written, &count, &at) == FALSE) {
+            return LastResult();
+        }
+        if (count == 0) {
+            return HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
+        }
+        written += count;
+        m_position += count;
+        m_writtenEnd = std::max(m_writtenEnd.load(), m_position);
+    }
+    return S_OK;
+}
+
+STDMETHODIMP CFileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) noexcept {
+    HRESULT hr = S_OK;
+    {
+        const std::lock_guard lock(m_lock);
+        hr = MovePosition(move.QuadPart, origin);
+        if (position != nullptr) {
+            position->QuadPart = m_position;
+        }
+    }
+    return Report(hr);
+}
+
+// The lock is held. A failed move leaves the position where it was.
+HRESULT CFileStream::MovePosition(INT64 move, DWORD origin) {
+    UINT64 base = 0;
+    if (origin == STREAM_SEEK_CUR) {
+        base = m_position;
+    } else if (origin == STREAM_SEEK_END) {
+        if (const HRESULT hr = FileSize(base); FAILED(hr)) {
+            return hr;
+        }
+    } else if (origin != STREAM_SEEK_SET) {
+        return STG_E_INVALIDFUNCTION;
+    }
+    constexpr UINT64 kMaxPosition = static_cast<UINT64>(std::numeric_limits<INT64>::max());
+    const UINT64 distance = move < 0 ? UINT64{0} - static_cast<UINT64>(move) : static_cast<UINT64>(move);
+    if (move < 0 ? distance > base : distance > kMaxPosition - base) {
+        return HRESULT_FROM_WIN32(ERROR_NEGATIVE_SEEK);
+    }
+    m_position = move < 0 ? base - distance : base + distance;
+    return S_OK;
+}
+
+HRESULT CFileStream::FileSize(UINT64& size) const {
+    LARGE_INTEGER bytes{};
+    if (GetFileSizeEx(m_file.Get(), &bytes) == FALSE) {
+        return LastResult();
+    }
+    size = static_cast<UINT64>(bytes.QuadPart);
+    return S_OK;
+}
+
+STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
+    HRESULT hr = S_OK;
+    {
+        const std::lock_guard lock(m_lock);
+        LARGE_INTEGER end{};
+        end.QuadPart = static_cast<LONGLONG>(size.QuadPart);
+        // The handle's own pointer is used here alone; reads and writes carry their position.
+        if (SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) == FALSE || SetEndOfFile(m_file.Get()) == FALSE) {
+            hr = LastResult();
+        }
+    }
+    return Report(hr);
+}
+
+STDMETHODIMP CFileStream::Commit(DWORD) noexcept {
+    const std::lock_guard lock(m_lock);
+    return Report(FlushFileBuffers(m_file.Get()) == FALSE ? LastResult() : S_OK);
+}
+
+STDMETHODIMP CFileStream::Stat(STATSTG* statistics, DWORD flags) noexcept {
+    if (statistics == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    *statistics = {};
+    const std::lock_guard lock(m_lock);
+    UINT64 size = 0;
+    if (const HRESULT hr = FileSize(size); FAILED(hr)) {
+        return hr;
+    }
+    if ((flags & STATFLAG_NONAME) == 0) {
+        const size_t bytes = (m_path.size() + 1) * sizeof(WCHAR);
+        statistics->pwcsName = static_cast<LPOLESTR>(CoTaskMemAlloc(bytes));
+        if (statistics->pwcsName == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        std::memcpy(statistics->pwcsName, m_path.c_str(), bytes);
+    }
+    statistics->type = STGTY_STREAM;
+    statistics->cbSize.QuadPart = size;
+    statistics->grfMode = STGM_READWRITE | STGM_SHARE_DENY_WRITE;
+    GetFileTime(m_file.Get(), &statistics->ctime, &statistics->atime, &statistics->mtime);
+    return S_OK;
+}
+
+STDMETHODIMP CFileStream::Revert() noexcept {
+    return S_OK; // nothing is transacted, so nothing is left to take back
+}
+
+STDMETHODIMP CFileStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) noexcept {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CFileStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept {
+    return STG_E_INVALIDFUNCTION;
+}
+
+STDMETHODIMP CFileStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept {
+    return STG_E_INVALIDFUNCTION;
+}
+
+STDMETHODIMP CFileStream::Clone(IStream** stream) noexcept {
+    if (stream == nullptr) {
+        return STG_E_INVALIDPOINTER;
+    }
+    *stream = nullptr;
+    return E_NOTIMPL;
+}
+
+// Keeps and reports the first failure; no lock is held, since the handler may do what it likes.
+HRESULT CFileStream::Report(HRESULT result) {
+    HRESULT none = S_OK;
+    if (FAILED(result) && m_firstFailure.compare_exchange_strong(none, result) && m_onFailure) {
+        m_onFailure(result);
+    }
+    return result;
+}
+
+} // namespace mkvmux

@@ -1,0 +1,51 @@
+#include "mkvmux/identify.h"
+
+#include "media/codec_description.h"
+#include "mkvmux/filter_graph.h"
+#include "mkvmux/identify_json.h"
+#include "mkvmux/media_type_text.h"
+#include "mkvmux/text.h"
+
+namespace mkvmux {
+
+std::string DescribeStream(const SourceStream& stream) {
+    if (!stream.HasType()) {
+        return stream.problem.empty() ? "no media type is offered: no codec" : stream.problem;
+    }
+    const std::string codec = mkv::CodecIdOf(stream.type);
+    return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec) +
+           (stream.ownReader ? " (own " + stream.readerName + " reader)" : "");
+}
+
+namespace {
+
+std::string IdentificationAsText(const std::vector<IdentifiedInput>& inputs) {
+    std::string text;
+    for (const IdentifiedInput& input : inputs) {
+        text += Utf8FromWide(input.path) + "\n";
+        for (const SourceStream& stream : input.streams) {
+            text += "  track " + std::to_string(stream.number) + " (" + Shown(stream.pinName) +
+                    "): " + DescribeStream(stream) + "\n";
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+std::string Identify(const Options& options) {
+    const win::ComPtr<IGraphBuilder> graph = CreateFilterGraph();
+    SourceStreams sources(graph.Get());
+    sources.UseFrameRate(options.frameRate);
+    std::vector<IdentifiedInput> inputs;
+    size_t number = 0;
+    for (const InputOptions& input : options.inputs) {
+        inputs.push_back({input.path, sources.Open(input.path)});
+        for (SourceStream& stream : inputs.back().streams) {
+            stream.number = number++;
+        }
+    }
+    return options.json ? IdentificationAsJson(inputs) : IdentificationAsText(inputs);
+}
+
+} // namespace mkvmux

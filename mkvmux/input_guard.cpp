@@ -1,0 +1,71 @@
+#include "mkvmux/input_guard.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "mkvmux/failure.h"
+#include "mkvmux/muxer_settings.h"
+#include "mkvmux/same_file.h"
+#include "mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct WrittenFile {
+    std::wstring path;
+    const char* purpose;
+    bool mayExist;
+};
+
+std::vector<std::wstring> ReadFiles(const Options& options) {
+    std::vector<std::wstring> files = options.optionsFiles;
+    for (const InputOptions& input : options.inputs) {
+        files.push_back(input.path);
+    }
+    for (const AttachmentOptions& attachment : options.attachments) {
+        files.push_back(attachment.path);
+    }
+    if (!options.loadConfig.empty()) {
+        files.push_back(options.loadConfig);
+    }
+    return files;
+}
+
+std::vector<WrittenFile> WrittenFiles(const Options& options) {
+    std::vector<WrittenFile> files{{options.output, "the output", options.overwrite}};
+    if (!options.saveConfig.empty()) {
+        files.push_back({options.saveConfig, "the saved configuration", options.overwrite});
+    }
+    if (!options.logDirectory.empty()) {
+        files.push_back(
+            {(fs::path(options.logDirectory) / MuxerSettings::kLogFileName).native(), "the trace log", true});
+    }
+    return files;
+}
+
+void CheckWritten(const WrittenFile& written, const std::vector<std::wstring>& readFiles) {
+    for (const std::wstring& read : readFiles) {
+        if (IsSameFile(read, written.path)) {
+            throw Failure(Utf8FromWide(read) + ": is an input and cannot be " + written.purpose);
+        }
+    }
+    std::error_code error;
+    if (!written.mayExist && fs::exists(written.path, error)) {
+        throw Failure(Utf8FromWide(written.path) + ": exists already (-y overwrites it)");
+    }
+}
+
+} // namespace
+
+void CheckWrittenFiles(const Options& options) {
+    const std::vector<std::wstring> readFiles = ReadFiles(options);
+    for (const WrittenFile& written : WrittenFiles(options)) {
+        CheckWritten(written, readFiles);
+    }
+}
+
+} // namespace mkvmux

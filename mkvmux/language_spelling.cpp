@@ -1,0 +1,33 @@
+#include "mkvmux/language_spelling.h"
+
+#include "mkvmux/text.h"
+#include "records/language_lookup.h"
+#include "records/language_table.h"
+
+namespace mkvmux {
+
+namespace {
+
+// The row's name as it reads in the thread's code page; nothing when the muxer takes that for another language.
+std::optional<std::wstring> SpellingOfRow(UINT32 index) {
+    std::wstring spelling = mkv::ShownLanguageName(index);
+    return CodeWrittenFor(spelling) == languageRows()[index].code ? std::optional(std::move(spelling)) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::wstring> SpellingForMuxer(std::wstring_view name) {
+    for (UINT32 index = 0; index < languageCount(); ++index) {
+        if (WideFromCodePage(kListCodePage, languageNameByIndex(index)) == name) {
+            return SpellingOfRow(index);
+        }
+    }
+    return {};
+}
+
+std::string CodeWrittenFor(std::wstring_view spelling) {
+    const UINT32 index = mkv::FindLanguage(std::wstring(spelling).c_str());
+    return index == kNoLanguageIndex ? std::string() : languageRows()[index].code;
+}
+
+} // namespace mkvmux

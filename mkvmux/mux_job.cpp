@@ -1,0 +1,143 @@
+#include "mkvmux/mux_job.h"
+
+#include <set>
+
+#include "mkvmux/apply_settings.h"
+#include "mkvmux/exit_status.h"
+#include "mkvmux/failure.h"
+#include "mkvmux/file_checks.h"
+#include "mkvmux/graph_stopper.h"
+#include "mkvmux/identify.h"
+#include "mkvmux/input_guard.h"
+#include "mkvmux/language_check.h"
+#include "mkvmux/mux_graph.h"
+#include "mkvmux/mux_run.h"
+#include "mkvmux/muxer_loader.h"
+#include "mkvmux/muxer_settings.h"
+#include "mkvmux/progress_display.h"
+#include "mkvmux/property_pages.h"
+#include "mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+void CheckInputs(const Options& options) {
+    for (const InputOptions& input : options.inputs) {
+        CheckInput(input.path);
+    }
+}
+
+std::set<size_t> DisabledTracks(const Options& options) {
+    std::set<size_t> disabled;
+    for (const auto& [number, track] : options.tracks) {
+        if (track.disable) {
+            disabled.insert(number);
+        }
+    }
+    return disabled;
+}
+
+// Before the inputs are connected: the log shall tell of that, and a bad configuration fails early.
+void PrepareMuxer(const Options& options, MuxerSettings& settings) {
+    if (!options.logDirectory.empty()) {
+        settings.LogTo(options.logDirectory);
+    }
+    if (!options.loadConfig.empty()) {
+        settings.LoadFrom(options.loadConfig);
+    }
+    if (options.webm) {
+        settings.UseDocTypeWebm();
+    }
+}
+
+void SaveConfiguration(const Options& options, const MuxerSettings& settings, Interruption& interruption) {
+    interruption.Enter(Interruption::Stage::Saving);
+    settings.SaveTo(options.saveConfig, options.overwrite);
+    interruption.Enter(Interruption::Stage::Preparing);
+}
+
+void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
+    ApplyTrackSettings(graph, options, settings, console);
+    CarryAttachments(graph, options, settings);
+    AttachFiles(options, settings);
+    if (options.showProperties) {
+        ShowPropertyPages(graph.Muxer().Get());
+    }
+    CheckLanguages(graph, settings, console);
+}
+
+ProgressDisplay MakeDisplay(const Options& options) {
+    using Style = ProgressDisplay::Style;
+    Style style = Console::IsTerminal() ? Style::Bar : Style::Lines;
+    if (options.progress == ProgressMode::Never || (options.progress == ProgressMode::Auto && options.quiet)) {
+        style = Style::None;
+    }
+    return ProgressDisplay(style, Console::TerminalColumns(), Console::Print);
+}
+
+void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Console& console) {
+    const auto list = [&](const SourceStream& stream, const char* remark) {
+        console.Inform("track " + std::to_string(stream.number) + ": " + stream.Name() + ": " + DescribeStream(stream) +
+                       remark + "\n");
+    };
+    for (size_t input = 0; input < graph.Streams().size(); ++input) {
+        list(graph.Streams()[input], settings.IsEnabled(input) ? "" : " (disabled)");
+    }
+    for (const SourceStream& stream : graph.SkippedStreams()) {
+        list(stream, " (skipped)");
+    }
+}
+
+// From here on the output exists: whatever fails says what became of it.
+void Run(const MuxGraph& graph, const Options& options, const Interruption& interruption, Console& console) {
+    ProgressDisplay display = MakeDisplay(options);
+    MuxRun run(graph, interruption, console, display);
+    try {
+        run.Start();
+        run.Wait();
+        run.Finish();
+    } catch (const Failure& failure) {
+        display.Finish();
+        const Failure told(Utf8FromWide(options.output) + ": " + failure.what() + "; the file is unfinished");
+        if (!run.Stop()) {
+            Console::Fail(told.what());
+            LeaveAtOnce(kExitFailed);
+        }
+        throw told;
+    }
+    console.Inform(Utf8FromWide(options.output) + ": " + std::to_string(graph.Output().WrittenEnd()) +
+                   " bytes written\n");
+    if (!run.Stop()) {
+        console.Warn("an input's filter does not stop and is left as it is; the file is finished");
+        LeaveAtOnce(kExitDoneWithWarnings);
+    }
+}
+
+} // namespace
+
+void Mux(const Options& options, Interruption& interruption, Console& console) {
+    CheckInputs(options);
+    CheckPlace(options.output);
+    CheckPlace(options.saveConfig);
+    CheckWrittenFiles(options);
+    MuxerLoader loader; // before all that comes from its module
+    MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
+    MuxerSettings settings(graph.Muxer());
+    PrepareMuxer(options, settings);
+    graph.UseFrameRate(options.frameRate);
+    for (const InputOptions& input : options.inputs) {
+        graph.AddInput(input.path, DisabledTracks(options));
+        interruption.Check();
+    }
+    Configure(graph, options, settings, console);
+    if (!options.saveConfig.empty()) {
+        SaveConfiguration(options, settings, interruption); // with what was set in the property pages
+    }
+    ListTracks(graph, settings, console);
+    interruption.Enter(Interruption::Stage::Running);
+    graph.OpenOutput(options.output, options.overwrite);
+    Run(graph, options, interruption, console);
+}
+
+} // namespace mkvmux

@@ -1,0 +1,135 @@
+#include "mkvmux/mux_run.h"
+
+#include <array>
+
+#include "mkvmux/exit_status.h"
+#include "mkvmux/failure.h"
+#include "mkvmux/graph_stopper.h"
+#include "mkvmux/text.h"
+
+namespace mkvmux {
+
+namespace {
+
+constexpr DWORD kProgressIntervalMs = 200;
+
+} // namespace
+
+MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display)
+    : m_graph(graph), m_interruption(interruption), m_console(console), m_display(display), m_meter(graph),
+      m_control(graph.Graph().Query<IMediaControl>(IID_IMediaControl)),
+      m_events(graph.Graph().Query<IMediaEvent>(IID_IMediaEvent)) {
+    if (!m_control || !m_events) {
+        throw Failure("the filter graph cannot be controlled");
+    }
+}
+
+// Reached with a running graph only when something unforeseen is thrown.
+MuxRun::~MuxRun() {
+    if (!Stop()) {
+        Console::Fail("out of memory or another unforeseen failure, and an input's filter does not stop");
+        LeaveAtOnce(kExitFailed);
+    }
+}
+
+void MuxRun::Start() {
+    m_started = true;
+    if (const HRESULT hr = m_control->Run(); FAILED(hr)) {
+        throw Failure("the streams cannot start: " + DescribeResult(hr));
+    }
+}
+
+void MuxRun::Wait() {
+    OAEVENT graphEvent = 0;
+    if (const HRESULT hr = m_events->GetEventHandle(&graphEvent); FAILED(hr)) {
+        throw Failure("the filter graph's events cannot be had: " + DescribeResult(hr));
+    }
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the interface hands out its event
+    const std::array<HANDLE, 2> events{m_interruption.Event(), reinterpret_cast<HANDLE>(graphEvent)};
+    while (true) {
+        m_display.Show(m_meter.Percent());
+        const DWORD reason =
+            WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(), FALSE, kProgressIntervalMs);
+        if (reason == WAIT_OBJECT_0) {
+            m_display.Finish();
+            m_console.Warn("interrupted; the file ends here");
+            return;
+        }
+        if (reason == WAIT_OBJECT_0 + 1 && HandleEvents()) {
+            return;
+        }
+        if (reason == WAIT_FAILED) {
+            throw Failure("the run cannot be waited for: " + DescribeResult(HRESULT_FROM_WIN32(GetLastError())));
+        }
+    }
+}
+
+bool MuxRun::HandleEvents() {
+    LONG code = 0;
+    LONG_PTR first = 0;
+    LONG_PTR second = 0;
+    while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
+        const LONG_PTR value = first;
+        m_events->FreeEventParams(code, first, second);
+        if (HandleEvent(code, value)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
+    const HRESULT hr = static_cast<HRESULT>(first);
+    switch (code) {
+    case EC_COMPLETE:
+        return true;
+    case EC_ERRORABORT:
+        ThrowIfOutputFailed();
+        throw Failure("a filter gave up: " + DescribeResult(hr));
+    case EC_STREAM_ERROR_STOPPED:
+        m_console.Warn("a stream ended early: " + DescribeResult(hr));
+        return false;
+    case EC_STREAM_ERROR_STILLPLAYING:
+        WarnOfDamage(hr);
+        return false;
+    default:
+        return false;
+    }
+}
+
+// The event does not say whose it is. Sources of our own tell their damage beside it, a system's splitter does not.
+void MuxRun::WarnOfDamage(HRESULT damage) {
+    for (const std::string& line : m_graph.Damages()) {
+        if (m_toldDamages.insert(line).second) {
+            m_console.Warn(line);
+        }
+    }
+    if (m_toldDamages.empty()) {
+        m_console.Warn("a stream is damaged: " + DescribeResult(damage));
+    }
+}
+
+void MuxRun::Finish() {
+    (void)Stop(); // the caller asks again
+    ThrowIfOutputFailed();
+    if (!m_interruption.IsRequested()) {
+        m_display.Show(kWholePercent);
+    }
+    m_display.Finish();
+}
+
+bool MuxRun::Stop() {
+    if (m_started) {
+        m_started = false;
+        m_isStuck = !GraphStopper().Stop(m_control, m_graph.Muxer());
+    }
+    return !m_isStuck;
+}
+
+void MuxRun::ThrowIfOutputFailed() const {
+    if (const HRESULT hr = m_graph.Output().FirstFailure(); FAILED(hr)) {
+        throw Failure("cannot be written: " + DescribeResult(hr));
+    }
+}
+
+} // namespace mkvmux

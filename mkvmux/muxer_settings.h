@@ -1,0 +1,61 @@
+// MuxerSettings: steers the muxer through its parameter interface and its persisted configuration.
+//
+// Owner: holds the interface; the muxer's module must outlive it. Threads: one. Errors: Failure.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+
+#include "include/qrx_mkvmuxer.h"
+#include "mkvmux/options.h"
+#include "win/com_ptr.h"
+#include "win/handle.h"
+#include "win/platform.h"
+
+namespace mkvmux {
+
+// Where an attachment's bytes and names come from; the muxer copies what it is given.
+struct Attachment {
+    std::wstring name;
+    std::wstring description;
+    std::string mimeType;
+    std::string bytes;
+    UINT64 uid = 0; // 0, or one that another attachment has already: one is made
+};
+
+class MuxerSettings {
+  public:
+    explicit MuxerSettings(const win::ComPtr<IBaseFilter>& muxer);
+
+    void UseDocTypeWebm();
+    // The directory is created where it is missing.
+    void LogTo(const std::wstring& directory);
+    // False when the muxer has no settings row for that input, in which case nothing is changed.
+    [[nodiscard]] bool ChangeTrack(size_t input, const TrackOptions& change);
+    // As the muxer is told it; nothing for an input without a row.
+    [[nodiscard]] std::optional<std::wstring> LanguageOf(size_t input) const;
+    // An input without a row is written.
+    [[nodiscard]] bool IsEnabled(size_t input) const;
+    void Attach(Attachment attachment);
+
+    // What LogTo writes in its directory.
+    static constexpr const wchar_t* kLogFileName = L"QRX_MKVMuxer.log";
+
+    // The file holds the class identifier and what IPersistStream writes, as OleSaveToStream puts them down. It is
+    // replaced at once and whole, or not at all; until then the bytes stand beside it under a name of their own.
+    void SaveTo(const std::wstring& path, bool overwrite) const;
+    void LoadFrom(const std::wstring& path);
+
+  private:
+    [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value) const;
+    [[nodiscard]] HRESULT Write(win::FileHandle file, const std::wstring& path) const;
+    [[nodiscard]] HRESULT GetRow(size_t input, TrackSettings& row) const;
+    // Two inputs can carry the same attachment.
+    [[nodiscard]] UINT64 UniqueUid(UINT64 wanted);
+
+    win::ComPtr<IModuleConfig> m_config;
+    std::set<UINT64> m_uids; // of the attachments so far
+};
+
+} // namespace mkvmux

@@ -1,0 +1,68 @@
+// Options: what the command line asks for.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "sources/annexb/frame_rate.h"
+
+namespace mkvmux {
+
+enum class ProgressMode { Auto, Always, Never };
+
+struct InputOptions {
+    std::wstring path;
+};
+
+// What is said about one track; the rest stays as the input or the configuration has it.
+struct TrackOptions {
+    std::optional<std::wstring> name;
+    std::optional<std::wstring> language; // as the language list spells it
+    bool makeDefault = false;
+    bool disable = false;
+};
+
+// A file to attach. What is not given follows from the file's name.
+struct AttachmentOptions {
+    std::wstring path;
+    std::optional<std::string> mimeType;
+    std::optional<std::wstring> name;
+    std::wstring description;
+};
+
+struct Options {
+    std::wstring output;
+    bool overwrite = false;
+    bool webm = false;
+    bool identify = false;
+    bool json = false;       // the identification as JSON
+    bool noRegister = false; // load the module from beside the program
+    bool showProperties = false;
+    bool quiet = false;
+    ProgressMode progress = ProgressMode::Auto;
+    std::vector<InputOptions> inputs;
+    annexb::FrameRate frameRate;           // of inputs that do not say
+    std::map<size_t, TrackOptions> tracks; // by the number of the track, counted over all inputs from 0
+    std::vector<AttachmentOptions> attachments;
+    std::wstring logDirectory;              // empty: no trace log
+    std::wstring saveConfig;                // empty: not saved
+    std::wstring loadConfig;                // empty: not loaded
+    std::vector<std::wstring> optionsFiles; // that arguments came from
+};
+
+// The command line that was asked for help, the version or the languages, or that cannot be followed.
+struct EarlyExit {
+    int status = 0;
+    std::string output; // for standard output when status is 0, else the line for standard error
+};
+
+// The arguments are UTF-8, may name option files ("@FILE"), and come without the name of the program. The name of the
+// output may turn webm on.
+[[nodiscard]] std::variant<Options, EarlyExit> ParseOptions(const std::vector<std::string>& arguments,
+                                                            const std::string& version);
+
+} // namespace mkvmux

@@ -1,0 +1,25 @@
+// CAttachmentList: the attachments of the files to be written. It only grows, and records never move, so a record
+// once handed out stays valid as long as the list.
+// Units: bytes. Owner: the writer. Threads: any; parameters are set while a file is being opened.
+// Errors: std::bad_alloc.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "records/mux_attachment_copy.h"
+#include "win/critical_section.h"
+
+class CAttachmentList {
+  public:
+    // Appends a deep copy. False, and nothing is appended, for data too long to be read back.
+    bool add(const MuxAttachment& attachment);
+    [[nodiscard]] size_t count() const;
+    // Null beyond the end.
+    [[nodiscard]] const MuxAttachment* at(size_t i) const;
+    [[nodiscard]] std::vector<const MuxAttachment*> all() const;
+
+  private:
+    mutable win::CriticalSection m_lock; // guards m_copies
+    std::vector<std::unique_ptr<const CMuxAttachmentCopy>> m_copies;
+};

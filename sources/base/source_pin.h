@@ -1,0 +1,45 @@
+// CSourcePin: delivers the packets of one stream as samples.
+//
+// Units: times in 100 ns. Owner: the filter. Threads: Begin and Deliver… on the filter's streaming thread alone.
+// Errors: a packet that no buffer holds is lost, and DeliverPacket says why; a peer that takes no more samples gets
+// none.
+#pragma once
+
+#include <atomic>
+
+#include "dshow/base_output_pin.h"
+#include "sources/base/packet_reader.h"
+
+namespace source {
+
+class CSourcePin final : public CBaseOutputPin {
+  public:
+    CSourcePin(CBaseFilter* filter, CCritSec* lock, HRESULT* phr, const StreamDescription& stream);
+
+    // Begins a run at the start of the stream.
+    void Begin();
+    // S_FALSE when the peer takes no more samples; a failure when this one was lost.
+    [[nodiscard]] HRESULT DeliverPacket(const Packet& packet);
+    void DeliverEnd();
+
+    HRESULT CheckMediaType(const CMediaType* type) override;
+    HRESULT GetMediaType(int position, CMediaType* type) override;
+    HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
+    HRESULT Active() override;
+    HRESULT Inactive() override;
+
+  private:
+    [[nodiscard]] HRESULT Send(const Packet& packet);
+    [[nodiscard]] HRESULT MakeRoom(size_t bytes);
+    [[nodiscard]] HRESULT TryToGrow(size_t bytes);
+    [[nodiscard]] static HRESULT Fill(IMediaSample& sample, const Packet& packet);
+
+    const std::vector<CMediaType> m_types;
+    const size_t m_firstBufferBytes;
+    std::atomic<size_t> m_bufferBytes{0}; // of each buffer of the allocator
+    bool m_takesSamples = false;
+    CCritSec m_growLock; // growing the buffers against stopping
+    bool m_active = false;
+};
+
+} // namespace source

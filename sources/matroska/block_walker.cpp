@@ -1,0 +1,148 @@
+#include "sources/matroska/block_walker.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include <matroska/KaxBlock.h>
+#include <matroska/KaxBlockData.h>
+#include <matroska/KaxCluster.h>
+#include <matroska/KaxClusterData.h>
+#include <matroska/KaxContexts.h>
+#include <matroska/KaxSegment.h>
+
+#include "sources/matroska/resync.h"
+
+namespace matroska {
+
+namespace {
+
+using namespace libmatroska;
+
+constexpr BYTE kKeyframeFlag = 0x80;
+constexpr BYTE kLacingMask = 0x06;
+constexpr size_t kMaxTrackNumberBytes = 8;
+constexpr size_t kTimeAndFlagsBytes = 3;
+// So that a sum with a block's offset stays far from the end of 64 bits.
+constexpr UINT64 kMaxClusterTicks = UINT64{1} << 62;
+
+} // namespace
+
+void BlockWalker::Rewind() {
+    m_position = m_segment.data;
+    m_cluster.reset();
+    m_clusterTicks = 0;
+    m_damaged = false;
+}
+
+std::optional<Block> BlockWalker::Next() {
+    while (m_position < m_segment.end) {
+        if (!m_cluster) {
+            StepAtTopLevel();
+        } else if (const std::optional<Block> block = StepInCluster()) {
+            return block;
+        }
+    }
+    // A segment or cluster whose size was known and that the file does not hold was cut off.
+    m_damaged = m_damaged || !m_segment.whole;
+    return {};
+}
+
+void BlockWalker::StepAtTopLevel() {
+    const std::optional<Element> element = m_reader.ElementAt(m_position, m_segment.end);
+    if (element && element->id == IdOf<KaxCluster>()) {
+        m_damaged = m_damaged || !element->whole;
+        m_cluster = element;
+        m_position = element->data;
+    } else if (element && MayContain<KaxSegment>(element->id) && !element->unknownSize && element->whole) {
+        m_position = element->end;
+    } else {
+        LookForCluster();
+    }
+}
+
+void BlockWalker::LookForCluster() {
+    m_damaged = true;
+    m_cluster.reset();
+    m_position = FindCluster(m_reader, m_position, m_segment.end);
+}
+
+std::optional<Block> BlockWalker::StepInCluster() {
+    if (m_position >= m_cluster->end) {
+        m_cluster.reset();
+        return {};
+    }
+    const std::optional<Element> part = m_reader.ElementAt(m_position, m_cluster->end);
+    if (part && !MayContain<KaxCluster>(part->id) && m_cluster->unknownSize && MayContain<KaxSegment>(part->id)) {
+        m_cluster.reset(); // what comes here ends a cluster of unknown size
+        return {};
+    }
+    if (!part || !MayContain<KaxCluster>(part->id) || part->unknownSize || !part->whole) {
+        LookForCluster();
+        return {};
+    }
+    m_position = part->end;
+    return ReadPart(*part);
+}
+
+std::optional<Block> BlockWalker::ReadPart(const Element& part) {
+    if (part.id == IdOf<KaxClusterTimecode>()) {
+        m_clusterTicks = m_reader.ReadUnsigned(part);
+        if (m_clusterTicks > kMaxClusterTicks) {
+            LookForCluster();
+        }
+        return {};
+    }
+    if (part.id == IdOf<KaxSimpleBlock>()) {
+        return ReadBlock(part);
+    }
+    return part.id == IdOf<KaxBlockGroup>() ? ReadGroup(part) : std::nullopt;
+}
+
+std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
+    std::optional<Block> block;
+    std::optional<UINT64> duration;
+    bool refersToOthers = false;
+    const bool intact = m_reader.ForEachChild(group, [&](const Element& child) {
+        if (child.id == IdOf<KaxBlock>() && !block) {
+            block = ReadBlock(child);
+        } else if (child.id == IdOf<KaxBlockDuration>()) {
+            duration = m_reader.ReadUnsigned(child);
+        } else if (child.id == IdOf<KaxReferenceBlock>()) {
+            refersToOthers = true;
+        }
+    });
+    m_damaged = m_damaged || !intact;
+    if (block) {
+        block->durationTicks = duration;
+        block->keyframe = !refersToOthers;
+    }
+    return block;
+}
+
+std::optional<Block> BlockWalker::ReadBlock(const Element& element) {
+    std::array<BYTE, kMaxTrackNumberBytes + kTimeAndFlagsBytes> buffer{};
+    const size_t wanted = static_cast<size_t>(std::min<UINT64>(buffer.size(), element.Size()));
+    const std::span<const BYTE> head =
+        std::span(buffer).first(m_reader.Source().ReadAt(element.data, std::span(buffer).first(wanted)));
+    const size_t numberBytes = head.empty() ? head.size() + 1 : static_cast<size_t>(std::countl_zero(head[0])) + 1;
+    if (numberBytes > kMaxTrackNumberBytes || numberBytes + kTimeAndFlagsBytes > head.size()) {
+        m_damaged = true;
+        return {};
+    }
+    Block block;
+    for (size_t i = 0; i < numberBytes; ++i) {
+        block.track = block.track << 8 | head[i];
+    }
+    block.track &= (UINT64{1} << 7 * numberBytes) - 1;
+    const auto offset = static_cast<INT16>(static_cast<UINT16>(head[numberBytes] << 8 | head[numberBytes + 1]));
+    block.ticks = static_cast<INT64>(m_clusterTicks) + offset;
+    const BYTE flags = head[numberBytes + 2];
+    block.lacing = flags & kLacingMask;
+    block.keyframe = (flags & kKeyframeFlag) != 0;
+    block.data = element.data + numberBytes + kTimeAndFlagsBytes;
+    block.size = element.end - block.data;
+    return block;
+}
+
+} // namespace matroska

@@ -1,0 +1,56 @@
+// FrameQueue: gives the frames of blocks their times, and holds those whose duration only the next block shows, as long
+// as they are few.
+//
+// Units: nanoseconds from the start of the segment; packets in 100 ns. Owner: the reader. Threads: one at a time.
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <vector>
+
+#include "sources/base/packet_reader.h"
+
+namespace matroska {
+
+class FrameQueue {
+  public:
+    // fileEndNs: where the file says that it ends; 0 when it does not say.
+    explicit FrameQueue(double fileEndNs) : m_fileEndNs(fileEndNs) {}
+
+    // For the next stream; a duration of 0 is none.
+    void AddStream(bool isSubtitle, UINT64 defaultDurationNs);
+    // Added to all times from now on, so that none is below zero.
+    void SetShift(REFERENCE_TIME shift) { m_shift = shift; }
+    void Clear();
+
+    // The frames of one block in order. Those without data take their time, and are not given out.
+    void Add(size_t stream, INT64 startNs, std::optional<INT64> blockNs, std::vector<source::Packet> frames);
+    // No more blocks come.
+    void End();
+    // False when there is none at present.
+    [[nodiscard]] bool Take(source::Packet& packet);
+
+  private:
+    struct Stream {
+        bool isSubtitle = false;
+        INT64 defaultDurationNs = 0;
+        std::vector<source::Packet> waiting; // for the next block of the stream
+        INT64 startNs = 0;                   // of the waiting ones
+        INT64 lastFrameNs = 0;               // what the ones before lasted
+    };
+
+    void ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs);
+    void ReleaseLate(INT64 nowNs);
+    void ReleaseAll();
+    [[nodiscard]] std::vector<source::Packet> TakeWaiting(Stream& stream);
+    void Send(std::vector<source::Packet> frames, INT64 startNs, std::optional<INT64> frameNs);
+    [[nodiscard]] std::optional<INT64> LastFrameNs(INT64 startNs) const;
+
+    const double m_fileEndNs;
+    REFERENCE_TIME m_shift = 0;
+    std::vector<Stream> m_streams;
+    std::deque<source::Packet> m_queue;
+    size_t m_waitingBytes = 0; // of all streams
+};
+
+} // namespace matroska

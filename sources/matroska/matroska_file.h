@@ -1,0 +1,85 @@
+// MatroskaFile: the head of a Matroska file (tracks, attachments, time scale) as plain values; the blocks are read by
+// BlockWalker.
+//
+// Units: bytes; times in nanoseconds. Texts are UTF-8.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "sources/matroska/ebml_reader.h"
+
+namespace matroska {
+
+enum class TrackType : UINT64 { Video = 1, Audio = 2, Subtitle = 17 };
+
+// A step that turned the track's data into what is stored.
+struct ContentEncoding {
+    UINT64 scope = 1;           // bit 0: blocks, bit 1: codec private data
+    bool isCompression = true;  // else encryption
+    UINT64 algorithm = 0;       // 0: zlib, 3: header stripping
+    std::vector<BYTE> settings; // the stripped header
+    bool isDamaged = false;     // the settings are longer than any real ones
+};
+
+struct VideoTrack {
+    UINT64 pixelWidth = 0;
+    UINT64 pixelHeight = 0;
+    UINT64 cropWidth = 0; // left and right together
+    UINT64 cropHeight = 0;
+    UINT64 displayWidth = 0; // 0: as the pixels
+    UINT64 displayHeight = 0;
+    bool hasAlpha = false; // in additions to its blocks
+};
+
+struct AudioTrack {
+    double samplingFrequency = 8000;
+    UINT64 channels = 1;
+    UINT64 bitDepth = 0; // 0: not said
+};
+
+struct Track {
+    UINT64 number = 0;
+    UINT64 type = 0;
+    std::string codecId;
+    std::vector<BYTE> codecPrivate;
+    bool lacksPrivate = false;    // there was no room for it
+    UINT64 defaultDurationNs = 0; // 0: not said
+    std::string name;
+    std::string language;    // ISO 639-2 code
+    std::string languageTag; // BCP 47
+    bool isDefault = true;
+    bool isForced = false;
+    bool isEnabled = true;
+    UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
+    VideoTrack video;
+    AudioTrack audio;
+    std::vector<ContentEncoding> encodings;
+
+    [[nodiscard]] bool Is(TrackType which) const { return type == static_cast<UINT64>(which); }
+};
+
+// Where the attachment's bytes lie; they are read when they are wanted.
+struct AttachedFile {
+    std::string fileName;
+    std::string description;
+    std::string mimeType;
+    UINT64 uid = 0;
+    Element data;
+    bool isDamaged = false; // its data are missing or reach behind it
+};
+
+struct MatroskaFile {
+    Element segment;
+    UINT64 timestampScaleNs = 1'000'000;
+    double durationTicks = 0;  // 0: not said
+    std::vector<Track> tracks; // each number once
+    std::vector<AttachedFile> attachments;
+    bool lacksAttachments = false; // some could not even be found
+};
+
+// None when the bytes are no Matroska file, or one without tracks.
+[[nodiscard]] std::optional<MatroskaFile> ReadMatroskaFile(const source::ByteSource& source);
+
+} // namespace matroska

@@ -1,0 +1,202 @@
+#include "sources/matroska/matroska_reader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "codecs/avc_private.h"
+#include "sources/base/printable.h"
+#include "sources/matroska/media_types_of.h"
+
+namespace matroska {
+
+namespace {
+
+// All of a file together: they are held in memory. The muxer takes less than 2 GiB of each.
+constexpr UINT64 kMaxAttachmentBytes = 0x7FFFFFFE;
+constexpr size_t kMaxCodecIdChars = 64;
+// A block's time is at most this much before that of its cluster.
+constexpr UINT64 kMaxTicksBelowCluster = 32768;
+constexpr size_t kAvcSampleLengthBytes = 4;
+
+size_t AvcLengthBytes(const Track& track) {
+    if (track.codecId != "V_MPEG4/ISO/AVC") {
+        return 0;
+    }
+    const size_t bytes = ParseAvcPrivate(track.codecPrivate).lengthBytes;
+    return bytes == kAvcSampleLengthBytes ? 0 : bytes;
+}
+
+// The identifier comes from the file and goes to the user's console.
+std::string ShownCodecId(const Track& track) {
+    return track.codecId.empty() ? "no codec identifier" : source::Printable(track.codecId, kMaxCodecIdChars);
+}
+
+} // namespace
+
+MatroskaReader::MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file)
+    : m_bytes(std::move(bytes)), m_file(std::move(file)), m_ebml(*m_bytes), m_times(m_file.timestampScaleNs),
+      m_walker(m_ebml, m_file.segment), m_queue(m_file.durationTicks * static_cast<double>(m_file.timestampScaleNs)) {
+    for (Track track : m_file.tracks) {
+        AddStream(track);
+    }
+    FindShift();
+    StartOver();
+}
+
+// Undoes what was done to the codec private data; why the track cannot be read otherwise.
+std::string MatroskaReader::PrepareTrack(Track& track) {
+    const ContentDecoder decoder(track.encodings, ContentDecoder::Part::CodecPrivate);
+    std::string problem = ContentDecoder(track.encodings, ContentDecoder::Part::Frames).Problem();
+    if (problem.empty()) {
+        problem = decoder.Problem();
+    }
+    if (problem.empty() && track.lacksPrivate) {
+        problem = "the codec private data is damaged or too large";
+    }
+    if (!problem.empty() || decoder.ChangesNothing() || track.codecPrivate.empty()) {
+        return problem;
+    }
+    std::optional<std::vector<BYTE>> decoded = decoder.Decode(track.codecPrivate, m_privateRoom);
+    if (!decoded) {
+        return "the codec private data is damaged";
+    }
+    track.codecPrivate = std::move(*decoded);
+    return {};
+}
+
+void MatroskaReader::AddStream(Track& track) {
+    source::StreamDescription description;
+    description.name = WideString(OLESTR("Track ")) + ToWideDecimal(track.number);
+    const std::string problem = PrepareTrack(track);
+    if (problem.empty()) {
+        description.types = MediaTypesOf(track);
+    }
+    if (description.types.empty()) {
+        description.problem =
+            ShownCodecId(track) + ": " + (problem.empty() ? "no media type carries this codec" : problem);
+    } else {
+        m_streamOf[track.number] = m_streams.size();
+    }
+    description.properties = {true, track.name, track.language, track.isDefault, track.isForced, track.isEnabled};
+    m_streams.push_back(std::move(description));
+    m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track)});
+    m_queue.AddStream(track.Is(TrackType::Subtitle), track.defaultDurationNs);
+}
+
+// Only blocks of the first clusters can lie below zero.
+void MatroskaReader::FindShift() {
+    INT64 least = 0;
+    while (const std::optional<Block> block = m_walker.Next()) {
+        if (m_walker.ClusterTicks() > kMaxTicksBelowCluster) {
+            break;
+        }
+        if (m_streamOf.contains(block->track)) {
+            least = std::min(least, block->ticks);
+        }
+    }
+    m_queue.SetShift(-FrameTimes::RefTimeOf(m_times.NsOf(least).value_or(0)));
+}
+
+void MatroskaReader::StartOver() {
+    m_walker.Rewind();
+    m_queue.Clear();
+    m_budget.Reset();
+    m_lostFrames = false;
+}
+
+HRESULT MatroskaReader::DamageSoFar() const {
+    return m_lostFrames || m_walker.IsDamaged() ? HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT) : S_OK;
+}
+
+bool MatroskaReader::ReadNext(source::Packet& packet) {
+    while (!m_queue.Take(packet)) {
+        const std::optional<Block> block = m_walker.Next();
+        if (!block) {
+            m_queue.End();
+            return m_queue.Take(packet);
+        }
+        ReadBlock(*block);
+    }
+    return true;
+}
+
+void MatroskaReader::ReadBlock(const Block& block) {
+    const auto found = m_streamOf.find(block.track);
+    if (found == m_streamOf.end()) {
+        return;
+    }
+    const std::optional<INT64> startNs = m_times.NsOf(block.ticks);
+    if (!startNs) {
+        m_lostFrames = true;
+        return;
+    }
+    std::optional<INT64> blockNs;
+    if (block.durationTicks && *block.durationTicks <= INT64_MAX) {
+        blockNs = m_times.NsOf(static_cast<INT64>(*block.durationTicks));
+    }
+    m_queue.Add(found->second, *startNs, blockNs, FramesOf(block, found->second));
+}
+
+std::vector<source::Packet> MatroskaReader::FramesOf(const Block& block, size_t index) {
+    std::vector<source::Packet> packets;
+    if (block.size > source::kMaxPacketBytes) {
+        m_lostFrames = true;
+        return packets;
+    }
+    std::vector<BYTE> payload(static_cast<size_t>(block.size));
+    if (m_bytes->ReadAt(block.data, payload) != payload.size()) {
+        m_lostFrames = true;
+        return packets;
+    }
+    packets = TakeApart(std::move(payload), block.lacing, m_states[index]);
+    for (source::Packet& packet : packets) {
+        packet.stream = index;
+        packet.keyframe = block.keyframe;
+    }
+    return packets;
+}
+
+std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream) {
+    std::vector<source::Packet> packets;
+    if (lacing == 0 && stream.KeepsFrames()) {
+        packets.emplace_back().data = std::move(payload);
+        return packets;
+    }
+    const auto frames = TakeFramesApart(payload, lacing);
+    m_lostFrames = m_lostFrames || !frames;
+    const size_t allowed = m_budget.RoomFor(payload.size());
+    size_t room = allowed;
+    for (const Bytes frame : frames.value_or(std::vector<Bytes>())) {
+        std::optional<std::vector<BYTE>> data = DecodeFrame(stream, frame, room);
+        m_lostFrames = m_lostFrames || !data;
+        packets.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
+    }
+    m_budget.Spend(stream.decoder.ChangesNothing() ? 0 : payload.size(), allowed - room);
+    return packets;
+}
+
+std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, Bytes frame, size_t& room) const {
+    std::optional<std::vector<BYTE>> data = stream.decoder.Decode(frame, room);
+    if (data && stream.avcLengthBytes != 0) {
+        data = WidenLengths(*data, stream.avcLengthBytes, source::kMaxPacketBytes);
+    }
+    return data;
+}
+
+std::vector<source::Attachment> MatroskaReader::ReadAttachments(std::vector<std::string>& leftOut) const {
+    std::vector<source::Attachment> attachments;
+    UINT64 room = kMaxAttachmentBytes;
+    for (const AttachedFile& file : m_file.attachments) {
+        std::vector<BYTE> data = file.isDamaged ? std::vector<BYTE>() : m_ebml.ReadBytes(file.data, room);
+        if (!file.isDamaged && data.size() == file.data.Size()) {
+            room -= data.size();
+            attachments.push_back({file.fileName, file.description, file.mimeType, file.uid, std::move(data)});
+        } else {
+            leftOut.push_back(file.fileName);
+        }
+    }
+    return attachments;
+}
+
+} // namespace matroska

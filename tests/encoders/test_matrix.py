@@ -1,0 +1,73 @@
+"""Every codec that the muxer maps, on streams from encoders that nobody here wrote, against three judges."""
+
+import os
+
+from codec_case import CodecCase
+from matrix import AUDIO, SRT, SUBTITLES, VIDEO
+from mkvmux_case import input_directory, make_input
+
+SECONDS = 60 if os.environ.get("QRX_ENCODERS_FULL") else 2
+
+
+class MatrixCase(CodecCase):
+    def assert_track(self, line, source, output):
+        offered = self.identified(source)[0]
+        self.assertEqual((offered["subtype"], offered["codec_id"]), (line.media_type, line.codec_id))
+        track = self.report(output)["properties"]
+        self.assertEqual(track["codec_id"], line.codec_id)
+        for name, value in line.fields.items():
+            self.assertEqual(track.get(name), value, name)
+        private = track.get("codec_private_data", "")
+        if line.private == "carried":
+            self.assertEqual(private, self.report(source)["properties"].get("codec_private_data", ""), "CodecPrivate")
+        elif line.private == "none":
+            self.assertEqual(private, "", "CodecPrivate")
+        else:
+            self.assertGreater(len(private), 0, "CodecPrivate")
+
+    def check(self, line, source, kind, *decoded_as):
+        ending = ".webm" if line.container == "webm" else ".mkv"
+        output = self.remux(source, ending=ending)
+        self.assert_track(line, source, output)
+        self.assert_same_stream(source, output)
+        self.assert_decodes_alike(source, output, kind, *decoded_as)
+        self.assert_remuxes(output)
+
+
+class VideoCodecs(MatrixCase):
+    pass
+
+
+class AudioCodecs(MatrixCase):
+    pass
+
+
+class SubtitleCodecs(MatrixCase):
+    pass
+
+
+def encoded(line, kind):
+    return make_input(f"{line.name}.{line.container}", *line.source, "-t", str(SECONDS), f"-c:{kind}", line.encoder,
+                      *line.options)
+
+
+def add_media_tests(case, lines, kind):
+    for line in lines:
+        def test(self, line=line):
+            self.check(line, encoded(line, kind), kind)
+        setattr(case, f"test_{line.name}", test)
+
+
+def add_subtitle_tests():
+    for line in SUBTITLES:
+        def test(self, line=line):
+            text = input_directory() / "subtitles.srt"
+            text.write_text(SRT)
+            source = make_input(f"{line.name}.mkv", "-i", str(text), "-c:s", line.encoder)
+            self.check(line, source, "s", "-c:s", "srt")
+        setattr(SubtitleCodecs, f"test_{line.name}", test)
+
+
+add_media_tests(VideoCodecs, VIDEO, "v")
+add_media_tests(AudioCodecs, AUDIO, "a")
+add_subtitle_tests()
