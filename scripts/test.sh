@@ -70,7 +70,7 @@ run_on_display() {
     filter='-HandleLeakTest.*:HandleCensusTest.*:PropertyFrameTest.*'
   done
   set_display_dpi 96
-  run_script "$1-mkvmux" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/ui"
+  run_script "$1-mkvmux" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/ui"
   stop_display
   run_script "$1-file" python3 "$ROOT/tests/ui/judge_settings_file.py" "$BUILD/windows/judged"
 }
@@ -113,16 +113,16 @@ run_suite() {
     players)
       need_packages "${PACKAGES_PLAYERS[@]}"
       mkdir -p "$BUILD/windows/judged"
-      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script players python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/players"
+      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script players python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/players"
       ;;
     encoders | encoders-full)
       mkdir -p "$BUILD/windows/judged"
       QRX_ENCODERS_FULL=${1#encoders} QRX_JUDGE_DIR="$BUILD/windows/judged" \
-        run_script "$1" python3 "$ROOT/tests/files/run.py" --in "$ROOT/tests/encoders"
+        run_script "$1" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/encoders"
       ;;
     files)
       mkdir -p "$BUILD/windows/judged"
-      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script files python3 "$ROOT/tests/files/run.py"
+      QRX_JUDGE_DIR="$BUILD/windows/judged" run_script files python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/files"
       ;;
     *)
       [ -f "$BUILD/windows/bin/test_$1.exe" ] || die "there is no suite '$1'; ./dev test list names them"

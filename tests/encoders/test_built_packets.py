@@ -2,9 +2,9 @@
 
 import struct
 
-from codec_case import CodecCase
-from mkv_builder import block_group, cluster, matroska, track_entry
-from mkvmux_case import run_tool
+from whole_files.codec_case import CodecCase
+from whole_files.mkv_builder import block_group, cluster, matroska, track_entry
+from whole_files.mkvmux_case import run_tool
 
 SSA = """[Script Info]
 ScriptType: v4.00

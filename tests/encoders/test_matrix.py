@@ -1,12 +1,8 @@
 """Every codec that the muxer maps, on streams from encoders that nobody here wrote, against three judges."""
 
-import os
-
-from codec_case import CodecCase
-from matrix import AUDIO, SRT, SUBTITLES, VIDEO
-from mkvmux_case import input_directory, make_input
-
-SECONDS = 60 if os.environ.get("QRX_ENCODERS_FULL") else 2
+from whole_files.codec_case import CodecCase
+from whole_files.codec_matrix import AUDIO, SRT, SUBTITLES, VIDEO, encoded
+from whole_files.mkvmux_case import input_directory, make_input
 
 
 class MatrixCase(CodecCase):
@@ -44,11 +40,6 @@ class AudioCodecs(MatrixCase):
 
 class SubtitleCodecs(MatrixCase):
     pass
-
-
-def encoded(line, kind):
-    return make_input(f"{line.name}.{line.container}", *line.source, "-t", str(SECONDS), f"-c:{kind}", line.encoder,
-                      *line.options)
 
 
 def add_media_tests(case, lines, kind):

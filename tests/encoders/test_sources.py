@@ -2,9 +2,9 @@
 
 import json
 
-from codec_case import CodecCase
-from matrix import SRT
-from mkvmux_case import make_input, pcm_wave, picture, run_tool, sound
+from whole_files.codec_case import CodecCase
+from whole_files.codec_matrix import SRT
+from whole_files.mkvmux_case import make_input, pcm_wave, picture, run_tool, sound
 
 H264 = ("-c:v", "libx264", "-g", "25", "-bf", "3", "-x264-params", "b-pyramid=normal:scenecut=0")
 H265 = ("-c:v", "libx265", "-x265-params", "log-level=error:keyint=25:bframes=3")

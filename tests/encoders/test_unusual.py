@@ -2,10 +2,10 @@
 
 import struct
 
-from codec_case import CodecCase
-from mkv_builder import (audio_fields, block_group, cluster, matroska, simple_block, stripped_headers,
+from whole_files.codec_case import CodecCase
+from whole_files.mkv_builder import (audio_fields, block_group, cluster, matroska, simple_block, stripped_headers,
                          track_entry)
-from mkvmux_case import make_input, picture, run_tool, sound
+from whole_files.mkvmux_case import make_input, picture, run_tool, sound
 
 ULTRAFAST = ("-preset", "ultrafast")
 VARIABLE_RATE = "select='not(eq(mod(n,7),3))*not(eq(mod(n,11),5))'"

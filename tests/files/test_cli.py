@@ -8,8 +8,8 @@ import signal
 import subprocess
 import time
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, long_mkv, long_video_avi, make_input, pcm_wave, raw_avi, sound
-from wine_process import BUILD, HOST_NOISE, WAIT_SECONDS
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, long_mkv, long_video_avi, make_input, pcm_wave, raw_avi, sound
+from whole_files.wine_process import BUILD, HOST_NOISE, WAIT_SECONDS
 
 
 class CommandLine(MkvmuxCase):

@@ -4,8 +4,8 @@ import resource
 import shutil
 import signal
 
-from mkvmux_case import BIN, MkvmuxCase, cinepak_avi, long_video_avi, make_input, pcm_wave, picture, sound
-from wine_process import WineProcess
+from whole_files.mkvmux_case import BIN, MkvmuxCase, cinepak_avi, long_video_avi, make_input, pcm_wave, picture, sound
+from whole_files.wine_process import WineProcess
 
 
 class Failures(MkvmuxCase):

@@ -2,7 +2,7 @@
 
 import shutil
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, sound
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, sound
 
 
 class Contents(MkvmuxCase):

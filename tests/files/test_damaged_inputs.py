@@ -3,7 +3,7 @@
 import random
 import subprocess
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, picture, sound
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, make_input, picture, sound
 
 SEED = 20240811
 ROUNDS = 6

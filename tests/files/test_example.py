@@ -3,8 +3,8 @@
 import subprocess
 from pathlib import Path
 
-from mkvmux_case import RUN_TIMEOUT_SECONDS, MkvmuxCase, pcm_wave
-from wine_process import wine_environment
+from whole_files.mkvmux_case import RUN_TIMEOUT_SECONDS, MkvmuxCase, pcm_wave
+from whole_files.wine_process import wine_environment
 
 ROOT = Path(__file__).resolve().parents[2]
 

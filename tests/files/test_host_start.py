@@ -3,7 +3,7 @@
 import fcntl
 import os
 
-from mkvmux_case import MkvmuxCase
+from whole_files.mkvmux_case import MkvmuxCase
 
 SHARED_DATA = 0x7FFE0000  # Wine's page of data that all programs share
 STARTS = 5

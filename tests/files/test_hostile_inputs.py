@@ -5,8 +5,8 @@ import os
 import time
 
 import hostile_files
-from mkvmux_case import MkvmuxCase
-from wine_process import WAIT_SECONDS
+from whole_files.mkvmux_case import MkvmuxCase
+from whole_files.wine_process import WAIT_SECONDS
 
 MOST_MEMORY = 512 << 20
 MOST_WRITTEN = 512 << 20

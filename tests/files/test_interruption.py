@@ -11,8 +11,8 @@ import subprocess
 import time
 from pathlib import Path
 
-from mkvmux_case import MkvmuxCase, long_mkv, make_input, sound
-from wine_process import WAIT_SECONDS, wine_environment
+from whole_files.mkvmux_case import MkvmuxCase, long_mkv, make_input, sound
+from whole_files.wine_process import WAIT_SECONDS, wine_environment
 
 PIPE_BYTES = 4096
 LINE = "mkvmux: error: interrupted; no output was written"

@@ -2,8 +2,8 @@
 
 import signal
 
-import ebml_clusters
-from mkvmux_case import MkvmuxCase, long_avi, run_tool
+from whole_files import ebml_clusters
+from whole_files.mkvmux_case import MkvmuxCase, long_avi, run_tool
 
 KILL_AFTER_BYTES = 20_000_000
 

@@ -1,7 +1,7 @@
 """The language of a track, by every name of the list, under the code pages of several countries."""
 
-from mkvmux_case import MkvmuxCase, run_tool
-from other_locale import environment_of
+from whole_files.mkvmux_case import MkvmuxCase, run_tool
+from whole_files.other_locale import environment_of
 
 TRACKS_OF_A_RUN = 100  # as many as have settings
 

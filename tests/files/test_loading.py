@@ -4,8 +4,8 @@ import re
 import shutil
 import subprocess
 
-from mkvmux_case import BIN, MkvmuxCase, pcm_wave
-from wine_process import WineProcess, wine_environment
+from whole_files.mkvmux_case import BIN, MkvmuxCase, pcm_wave
+from whole_files.wine_process import WineProcess, wine_environment
 
 # What the system keeps mapped for all programs, on every version of it: these are never searched for.
 KNOWN_TO_THE_SYSTEM = {

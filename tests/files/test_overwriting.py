@@ -3,7 +3,7 @@
 import json
 import os
 
-from mkvmux_case import MkvmuxCase, pcm_wave
+from whole_files.mkvmux_case import MkvmuxCase, pcm_wave
 
 
 class Overwriting(MkvmuxCase):

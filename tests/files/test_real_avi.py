@@ -2,7 +2,7 @@
 
 import struct
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, sound
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, sound
 
 
 class RealFiles(MkvmuxCase):

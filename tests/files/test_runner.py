@@ -4,7 +4,7 @@ import os
 import subprocess
 from pathlib import Path
 
-from mkvmux_case import MkvmuxCase
+from whole_files.mkvmux_case import MkvmuxCase
 
 SCRIPT = Path(__file__).resolve().parents[2] / "scripts" / "test.sh"
 SETUP = """

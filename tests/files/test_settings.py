@@ -7,7 +7,7 @@ import random
 import re
 import struct
 
-from mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, run_tool, sound
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, make_input, pcm_wave, picture, raw_avi, run_tool, sound
 
 NAMES = ["Film \U0001F3AC: der Ton", "Käse & Brot"]
 LANGUAGES = [("French", "fre"), ("ger", "ger")]

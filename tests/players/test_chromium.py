@@ -4,7 +4,7 @@ import shutil
 from pathlib import Path
 
 from browser import Browser
-from mkvmux_case import MkvmuxCase, make_input, run_tool
+from whole_files.mkvmux_case import MkvmuxCase, make_input, run_tool
 from range_server import RangeServer
 
 HERE = Path(__file__).resolve().parent

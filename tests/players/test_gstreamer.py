@@ -1,15 +1,9 @@
 """GStreamer plays every codec that the muxer maps: as many buffers as packets, at their times, to the end."""
 
-import sys
-from pathlib import Path
-
-sys.path.append(str(Path(__file__).resolve().parents[1] / "codecs"))
-
 import gstreamer
-from matrix import AUDIO, SRT, SUBTITLES, VIDEO
-from mkv_builder import block_group, cluster, matroska, track_entry
-from mkvmux_case import MkvmuxCase, input_directory, make_input
-from test_matrix import encoded
+from whole_files.codec_matrix import AUDIO, SRT, SUBTITLES, VIDEO, encoded
+from whole_files.mkv_builder import block_group, cluster, matroska, track_entry
+from whole_files.mkvmux_case import MkvmuxCase, input_directory, make_input
 
 SUBTITLE_TRACK = 17
 # What no encoder makes; the demultiplexer does not look into them.

@@ -2,14 +2,10 @@
 
 import json
 import struct
-import sys
-from pathlib import Path
 
-sys.path.append(str(Path(__file__).resolve().parents[1] / "codecs"))
-
-from mkv_builder import audio_fields, cluster, matroska, simple_block, track_entry, video_fields
-from mkvmux_case import BIN, MkvmuxCase, make_input
-from wine_process import WineProcess
+from whole_files.mkv_builder import audio_fields, cluster, matroska, simple_block, track_entry, video_fields
+from whole_files.mkvmux_case import BIN, MkvmuxCase, make_input
+from whole_files.wine_process import WineProcess
 
 SOUND_FIELDS = audio_fields(8000, 1, 16)
 PICTURE_BYTES = 16 * 16 * 3  # RGB

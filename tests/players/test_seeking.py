@@ -4,8 +4,8 @@ import concurrent.futures
 import json
 import os
 
-from mkvmux_case import BIN, MkvmuxCase, make_input, run_tool
-from wine_process import WineProcess
+from whole_files.mkvmux_case import BIN, MkvmuxCase, make_input, run_tool
+from whole_files.wine_process import WineProcess
 
 SECONDS = 10 * 60
 RATE = 2

@@ -1,13 +1,9 @@
 """mkvmux --properties: its pages on the screen, used with the mouse and keys of the X server."""
 
 import subprocess
-import sys
 import time
-from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "files"))
-
-from mkvmux_case import MkvmuxCase, cinepak_avi, run_tool  # noqa: E402
+from whole_files.mkvmux_case import MkvmuxCase, cinepak_avi, run_tool
 
 CAPTION = "Quorlex Matroska Muxer"
 # What is waited for comes at once; this is for the case that it never does.

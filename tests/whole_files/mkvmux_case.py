@@ -11,7 +11,7 @@ import time
 import unittest
 from pathlib import Path
 
-from wine_process import BUILD, WAIT_SECONDS, WineProcess
+from whole_files.wine_process import BUILD, WAIT_SECONDS, WineProcess
 
 BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
 RUN_TIMEOUT_SECONDS = 600  # a watchdog

@@ -1,11 +1,15 @@
 """One line for each codec that the muxer maps: how the input is made, and what the output has to say of it.
 
 The encoders and the containers of the inputs are ffmpeg's and mkvmerge's. What no encoder makes stands in
-test_built_packets.py.
+tests/encoders/test_built_packets.py.
 """
 
+import os
 from dataclasses import dataclass, field
 
+from whole_files.mkvmux_case import make_input
+
+SECONDS = 60 if os.environ.get("QRX_ENCODERS_FULL") else 2
 SIZE = (160, 120)
 RATE = 25
 SAMPLING = 48000
@@ -104,3 +108,9 @@ SUBTITLES = [
     subtitle("srt", "srt", "{87C0B230-03A8-4FDF-8010-B27A5848200D}", "S_TEXT/UTF8", "none"),
     subtitle("ass", "ass", "{326444F7-686F-47FF-A4B2-C8C96307B4C2}", "S_TEXT/ASS", "carried"),
 ]
+
+
+def encoded(line, kind):
+    """The line's input, for one of ffmpeg's kinds of streams ("v", "a")."""
+    return make_input(f"{line.name}.{line.container}", *line.source, "-t", str(SECONDS), f"-c:{kind}", line.encoder,
+                      *line.options)

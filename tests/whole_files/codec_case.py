@@ -7,7 +7,7 @@ an error and to the same frames. (c) mkvmerge remuxes it without a remark.
 import json
 from pathlib import Path
 
-from mkvmux_case import MkvmuxCase, run_tool
+from whole_files.mkvmux_case import MkvmuxCase, run_tool
 
 TOLERANCE_S = 0.001
 # What the decoder would cut off at the beginning, because the container says so, is kept.

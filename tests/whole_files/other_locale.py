@@ -8,7 +8,7 @@ import fcntl
 import os
 import subprocess
 
-from wine_process import BUILD, WINE, wine_environment
+from whole_files.wine_process import BUILD, WINE, wine_environment
 
 LOCALES = BUILD / "locales"
 

@@ -1,8 +1,5 @@
 #!/usr/bin/env python3
-"""Runs whole-file tests: run.py [--in DIRECTORY] [NAME…]. The last line says "N passed, N failed".
-
-Without a directory those beside this file; the others use what stands here.
-"""
+"""Runs whole-file tests: run.py DIRECTORY [NAME…]. The last line says "N passed, N failed"."""
 
 import argparse
 import os
@@ -17,7 +14,7 @@ WINE_SERVER = "/usr/lib/wine/wineserver64"
 
 def keep_wine_server():
     """One server for many short programs: it leaves by itself a minute after the last one."""
-    from wine_process import wine_environment
+    from whole_files.wine_process import wine_environment
 
     if os.path.exists(WINE_SERVER):
         subprocess.run([WINE_SERVER, "-p60"], env=wine_environment(), check=False, stderr=subprocess.DEVNULL)
@@ -25,17 +22,15 @@ def keep_wine_server():
 
 def main():
     sys.dont_write_bytecode = True
-    here = Path(__file__).resolve().parent
-    sys.path.insert(0, str(here))
+    sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
     keep_wine_server()
     loader = unittest.TestLoader()
     parser = argparse.ArgumentParser()
-    parser.add_argument("--in", dest="directory", type=Path, default=here)
+    parser.add_argument("directory", type=Path)
     parser.add_argument("names", nargs="*")
     arguments = parser.parse_args()
     directory = str(arguments.directory.resolve())
-    if directory not in sys.path:
-        sys.path.insert(0, directory)
+    sys.path.insert(0, directory)
     suite = (loader.loadTestsFromNames(arguments.names) if arguments.names
              else loader.discover(directory, "test_*.py"))
     result = unittest.TextTestRunner(stream=sys.stdout, verbosity=2).run(suite)
