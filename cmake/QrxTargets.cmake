@@ -38,12 +38,15 @@ else()
   target_link_options(qrx_common INTERFACE -static)
 endif()
 
-# qrx_library(NAME SOURCES … LINK …): the static library of one source folder.
+# qrx_library(NAME [WITHOUT_PLATFORM] SOURCES … LINK …): the static library of one source folder. WITHOUT_PLATFORM: its
+# sources know no Windows header, so they are not given the precompiled one either.
 function(qrx_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WITHOUT_PLATFORM" "" "SOURCES;LINK")
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC qrx_common ${arg_LINK})
-  target_precompile_headers(${name} REUSE_FROM qrx_precompiled)
+  if(NOT arg_WITHOUT_PLATFORM)
+    target_precompile_headers(${name} REUSE_FROM qrx_precompiled)
+  endif()
 endfunction()
 
 # What is tested is optimised, the tests themselves need not be: that halves the build.

@@ -1,12 +1,11 @@
 // Rewrites an Annex B byte stream with a length in front of each NAL unit.
 #pragma once
 
-#include <span>
 #include <vector>
 
-#include "win/platform.h"
+#include "codecs/byte_view.h"
 
-namespace mkv {
+namespace codecs {
 
 // The only start code that is a boundary: 00 00 00 01. The shorter 00 00 01 stays inside the preceding unit.
 inline constexpr size_t kStartCodeLengthBytes = 4;
@@ -16,7 +15,6 @@ inline constexpr size_t kSampleLengthSizeBytes = 4;
 inline constexpr size_t kParameterSetLengthSizeBytes = 2;
 
 // lengthSize: 2 or 4 bytes, big-endian. A unit whose length does not fit is left out.
-[[nodiscard]] std::vector<BYTE> ConvertAnnexB(std::span<const BYTE> byteStream, size_t startCodeLength,
-                                              size_t lengthSize);
+[[nodiscard]] std::vector<uint8_t> ConvertAnnexB(ByteView byteStream, size_t startCodeLength, size_t lengthSize);
 
-} // namespace mkv
+} // namespace codecs

@@ -1,43 +1,44 @@
 #include "codecs/avc_configuration.h"
 
 #include "codecs/annexb_converter.h"
+#include "codecs/big_endian.h"
 #include "codecs/nal_unit.h"
 
-namespace mkv {
+namespace codecs {
 
 namespace {
 
-constexpr BYTE kNalTypeSps = 7;
-constexpr BYTE kNalTypePps = 8;
+constexpr uint8_t kNalTypeSps = 7;
+constexpr uint8_t kNalTypePps = 8;
 
-constexpr BYTE kConfigurationVersion = 1;
+constexpr uint8_t kConfigurationVersion = 1;
 // Deliberately not taken from the SPS.
-constexpr BYTE kProfileCompatibility = 0;
+constexpr uint8_t kProfileCompatibility = 0;
 // Samples carry 4-byte lengths whatever the media type says. The reserved bits around this field and around the
 // count of SPS are deliberately 0.
-constexpr BYTE kLengthSizeMinusOne = 3;
+constexpr uint8_t kLengthSizeMinusOne = 3;
 constexpr size_t kFixedRecordSizeBytes = 7;
 // The counts are one byte each.
 constexpr size_t kMaxParameterSets = 255;
 
 // NAL units together with the 2-byte length in front of each.
-using ParameterSetList = std::vector<std::span<const BYTE>>;
+using ParameterSetList = std::vector<ByteView>;
 
 struct ParameterSets {
     ParameterSetList sps;
     ParameterSetList pps;
 };
 
-void AppendTo(ParameterSetList& list, std::span<const BYTE> entry) {
+void AppendTo(ParameterSetList& list, ByteView entry) {
     if (list.size() < kMaxParameterSets) {
         list.push_back(entry);
     }
 }
 
-std::optional<ParameterSets> FindParameterSets(std::span<const BYTE> units) {
+std::optional<ParameterSets> FindParameterSets(ByteView units) {
     ParameterSets found;
     while (units.size() >= kParameterSetLengthSizeBytes) {
-        const size_t length = static_cast<size_t>(units[0]) << 8 | units[1];
+        const size_t length = static_cast<size_t>(ReadBigEndian(units.first(kParameterSetLengthSizeBytes)));
         if (length == 0) {
             break;
         }
@@ -45,7 +46,7 @@ std::optional<ParameterSets> FindParameterSets(std::span<const BYTE> units) {
         if (entrySize > units.size()) {
             return std::nullopt;
         }
-        const BYTE type = NALUnit(units.subspan(kParameterSetLengthSizeBytes, length)).AvcType();
+        const uint8_t type = NALUnit(units.subspan(kParameterSetLengthSizeBytes, length)).AvcType();
         if (type == kNalTypeSps) {
             AppendTo(found.sps, units.first(entrySize));
         } else if (type == kNalTypePps) {
@@ -58,27 +59,27 @@ std::optional<ParameterSets> FindParameterSets(std::span<const BYTE> units) {
 
 size_t SizeOf(const ParameterSetList& list) {
     size_t size = 0;
-    for (const std::span<const BYTE> entry : list) {
+    for (const ByteView entry : list) {
         size += entry.size();
     }
     return size;
 }
 
-void AppendList(std::vector<BYTE>& record, const ParameterSetList& list) {
-    record.push_back(static_cast<BYTE>(list.size()));
-    for (const std::span<const BYTE> entry : list) {
+void AppendList(std::vector<uint8_t>& record, const ParameterSetList& list) {
+    record.push_back(static_cast<uint8_t>(list.size()));
+    for (const ByteView entry : list) {
         record.insert(record.end(), entry.begin(), entry.end());
     }
 }
 
 } // namespace
 
-std::optional<std::vector<BYTE>> BuildAvcConfiguration(std::span<const BYTE> units, BYTE profile, BYTE level) {
+std::optional<std::vector<uint8_t>> BuildAvcConfiguration(ByteView units, uint8_t profile, uint8_t level) {
     const std::optional<ParameterSets> found = FindParameterSets(units);
     if (!found) {
         return std::nullopt;
     }
-    std::vector<BYTE> record;
+    std::vector<uint8_t> record;
     record.reserve(kFixedRecordSizeBytes + SizeOf(found->sps) + SizeOf(found->pps));
     record.insert(record.end(), {kConfigurationVersion, profile, kProfileCompatibility, level, kLengthSizeMinusOne});
     AppendList(record, found->sps);
@@ -86,4 +87,4 @@ std::optional<std::vector<BYTE>> BuildAvcConfiguration(std::span<const BYTE> uni
     return record;
 }
 
-} // namespace mkv
+} // namespace codecs

@@ -2,16 +2,14 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <vector>
 
-#include "win/platform.h"
+#include "codecs/byte_view.h"
 
-namespace mkv {
+namespace codecs {
 
 // units: NAL units, each behind a 2-byte big-endian length; a length of 0, or less than a length, ends them. Only
 // parameter sets get into the record. No value when a length points behind the last byte.
-[[nodiscard]] std::optional<std::vector<BYTE>> BuildAvcConfiguration(std::span<const BYTE> units, BYTE profile,
-                                                                     BYTE level);
+[[nodiscard]] std::optional<std::vector<uint8_t>> BuildAvcConfiguration(ByteView units, uint8_t profile, uint8_t level);
 
-} // namespace mkv
+} // namespace codecs

@@ -5,20 +5,20 @@
 #include "codecs/annexb_converter.h"
 #include "codecs/big_endian.h"
 
-namespace matroska {
+namespace codecs {
 
 namespace {
 
 constexpr size_t kHeadBytes = 6; // up to and with the number of sequence parameter sets
-constexpr BYTE kCountMask = 0x1f;
-constexpr BYTE kLengthMask = 0x03;
-constexpr size_t kSetLengthBytes = mkv::kParameterSetLengthSizeBytes;
-constexpr size_t kLengthBytes = mkv::kSampleLengthSizeBytes;
+constexpr uint8_t kCountMask = 0x1f;
+constexpr uint8_t kLengthMask = 0x03;
+constexpr size_t kSetLengthBytes = kParameterSetLengthSizeBytes;
+constexpr size_t kLengthBytes = kSampleLengthSizeBytes;
 
 // Appends so many sets with their lengths, and takes them off the record's front.
-void TakeSets(Bytes& record, size_t count, std::vector<BYTE>& sets) {
+void TakeSets(ByteView& record, size_t count, std::vector<uint8_t>& sets) {
     for (size_t i = 0; i < count && record.size() >= kSetLengthBytes; ++i) {
-        const size_t bytes = kSetLengthBytes + static_cast<size_t>(BigEndian(record.first(kSetLengthBytes)));
+        const size_t bytes = kSetLengthBytes + static_cast<size_t>(ReadBigEndian(record.first(kSetLengthBytes)));
         if (bytes > record.size()) {
             record = {};
             return;
@@ -29,22 +29,22 @@ void TakeSets(Bytes& record, size_t count, std::vector<BYTE>& sets) {
 }
 
 // A unit off the sample's front, without its length; none where the length does not fit.
-std::optional<Bytes> TakeUnit(Bytes& sample, size_t lengthBytes) {
+std::optional<ByteView> TakeUnit(ByteView& sample, size_t lengthBytes) {
     if (sample.size() <= lengthBytes) {
         return {};
     }
-    const auto length = static_cast<size_t>(BigEndian(sample.first(lengthBytes)));
+    const auto length = static_cast<size_t>(ReadBigEndian(sample.first(lengthBytes)));
     if (length > sample.size() - lengthBytes) {
         return {};
     }
-    const Bytes unit = sample.subspan(lengthBytes, length);
+    const ByteView unit = sample.subspan(lengthBytes, length);
     sample = sample.subspan(lengthBytes + length);
     return unit;
 }
 
 } // namespace
 
-AvcPrivate ParseAvcPrivate(Bytes record) {
+AvcPrivate ParseAvcPrivate(ByteView record) {
     AvcPrivate avc;
     if (record.size() < kHeadBytes) {
         return avc;
@@ -63,23 +63,21 @@ AvcPrivate ParseAvcPrivate(Bytes record) {
     return avc;
 }
 
-std::optional<std::vector<BYTE>> WidenLengths(Bytes sample, size_t lengthBytes, size_t most) {
+std::optional<std::vector<uint8_t>> WidenLengths(ByteView sample, size_t lengthBytes, size_t most) {
     size_t bytes = 0; // asked for at once: growing would hold it twice over
-    for (Bytes rest = sample; const std::optional<Bytes> unit = TakeUnit(rest, lengthBytes);) {
+    for (ByteView rest = sample; const std::optional<ByteView> unit = TakeUnit(rest, lengthBytes);) {
         bytes += kLengthBytes + unit->size();
         if (bytes > most) {
             return {};
         }
     }
-    std::vector<BYTE> wide(bytes);
+    std::vector<uint8_t> wide(bytes);
     auto to = wide.begin();
-    while (const std::optional<Bytes> unit = TakeUnit(sample, lengthBytes)) {
-        for (size_t byte = kLengthBytes; byte-- > 0;) {
-            *to++ = static_cast<BYTE>(unit->size() >> (8 * byte));
-        }
-        to = std::copy(unit->begin(), unit->end(), to);
+    while (const std::optional<ByteView> unit = TakeUnit(sample, lengthBytes)) {
+        WriteBigEndian(std::span(to, kLengthBytes), unit->size());
+        to = std::copy(unit->begin(), unit->end(), to + kLengthBytes);
     }
     return wide;
 }
 
-} // namespace matroska
+} // namespace codecs

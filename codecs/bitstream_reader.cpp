@@ -1,10 +1,11 @@
 #include "codecs/bitstream_reader.h"
 
-namespace mkv {
+#include "codecs/big_endian.h"
+
+namespace codecs {
 
 namespace {
 
-constexpr unsigned kBitsInByte = 8;
 constexpr unsigned kMaxBitsAtOnce = 32;
 // One zero more, and the number would not fit 32 bits.
 constexpr unsigned kMaxExpGolombZeroBits = 31;
@@ -25,14 +26,14 @@ unsigned BitstreamReader::NextBit() {
     return byte >> shift & 1U;
 }
 
-UINT32 BitstreamReader::ReadBits(unsigned count) {
+uint32_t BitstreamReader::ReadBits(unsigned count) {
     if (count > kMaxBitsAtOnce) {
         Invalidate();
     }
     if (!Take(count)) {
         return 0;
     }
-    UINT32 value = 0;
+    uint32_t value = 0;
     for (unsigned i = 0; i < count; ++i) {
         value = value << 1 | NextBit();
     }
@@ -45,19 +46,19 @@ void BitstreamReader::SkipBits(size_t count) {
     }
 }
 
-UINT32 BitstreamReader::ReadUE() {
+uint32_t BitstreamReader::ReadUE() {
     unsigned zeroBits = 0;
     while (m_valid && !ReadFlag()) {
         if (++zeroBits > kMaxExpGolombZeroBits) {
             Invalidate();
         }
     }
-    const UINT32 suffix = ReadBits(zeroBits <= kMaxExpGolombZeroBits ? zeroBits : 0);
-    return m_valid ? (UINT32{1} << zeroBits) - 1 + suffix : 0;
+    const uint32_t suffix = ReadBits(zeroBits <= kMaxExpGolombZeroBits ? zeroBits : 0);
+    return m_valid ? (uint32_t{1} << zeroBits) - 1 + suffix : 0;
 }
 
-UINT32 BitstreamReader::ReadUE(UINT32 maximum) {
-    const UINT32 value = ReadUE();
+uint32_t BitstreamReader::ReadUE(uint32_t maximum) {
+    const uint32_t value = ReadUE();
     if (value > maximum) {
         Invalidate();
         return 0;
@@ -65,4 +66,4 @@ UINT32 BitstreamReader::ReadUE(UINT32 maximum) {
     return value;
 }
 
-} // namespace mkv
+} // namespace codecs

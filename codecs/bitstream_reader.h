@@ -5,25 +5,23 @@
 // the reader; every later read gives 0 too. So a parser needs no check after each read, only bounded loops.
 #pragma once
 
-#include <span>
+#include "codecs/byte_view.h"
 
-#include "win/platform.h"
-
-namespace mkv {
+namespace codecs {
 
 class BitstreamReader {
   public:
-    explicit BitstreamReader(std::span<const BYTE> bytes) : m_bytes(bytes) {}
+    explicit BitstreamReader(ByteView bytes) : m_bytes(bytes) {}
 
     // At most 32 bits.
-    UINT32 ReadBits(unsigned count);
+    uint32_t ReadBits(unsigned count);
     bool ReadFlag() { return ReadBits(1) != 0; }
     void SkipBits(size_t count);
 
     // Unsigned Exp-Golomb: 0 to 2^32 - 2.
-    UINT32 ReadUE();
+    uint32_t ReadUE();
     // A number above the maximum invalidates the reader.
-    UINT32 ReadUE(UINT32 maximum);
+    uint32_t ReadUE(uint32_t maximum);
     // The signed form takes as many bits.
     void SkipSE() { ReadUE(); }
 
@@ -35,9 +33,9 @@ class BitstreamReader {
     unsigned NextBit();
     bool Take(size_t count);
 
-    std::span<const BYTE> m_bytes;
+    ByteView m_bytes;
     size_t m_position = 0; // in bits
     bool m_valid = true;
 };
 
-} // namespace mkv
+} // namespace codecs

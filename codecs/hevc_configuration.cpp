@@ -3,10 +3,11 @@
 #include <algorithm>
 
 #include "codecs/annexb_converter.h"
+#include "codecs/big_endian.h"
 #include "codecs/hevc_sps.h"
 #include "codecs/nal_unit.h"
 
-namespace mkv {
+namespace codecs {
 
 namespace {
 
@@ -15,26 +16,20 @@ constexpr size_t kReservedSizeBytes = 1024;
 constexpr size_t kMaxArrays = 255;
 constexpr size_t kMaxUnitLengthBytes = 65535;
 
-constexpr BYTE kNalTypeSps = 33;
-constexpr BYTE kArrayCompleteness = 0x80;
+constexpr uint8_t kNalTypeSps = 33;
+constexpr uint8_t kArrayCompleteness = 0x80;
 
 // Deliberately 0 and not 1.
-constexpr BYTE kConfigurationVersion = 0;
-constexpr BYTE kUnknownParallelism = 0xfc;
-constexpr BYTE kLengthSizeMinusOne = 3;
+constexpr uint8_t kConfigurationVersion = 0;
+constexpr uint8_t kUnknownParallelism = 0xfc;
+constexpr uint8_t kLengthSizeMinusOne = 3;
 // Deliberately no more of the 48 flags.
 constexpr unsigned kWrittenConstraintFlags = 14;
 constexpr unsigned kConstraintFlags = 48;
 
-using Record = std::vector<BYTE>;
+using Record = std::vector<uint8_t>;
 
-void AppendBytes(Record& record, UINT32 value, unsigned bytes) {
-    while (bytes-- > 0) {
-        record.push_back(static_cast<BYTE>(value >> (bytes * 8)));
-    }
-}
-
-std::vector<NALUnit> FindUnits(std::span<const BYTE> byteStream) {
+std::vector<NALUnit> FindUnits(ByteView byteStream) {
     std::vector<NALUnit> units;
     NALUnitScanner scanner(byteStream, kStartCodeLengthBytes);
     while (const std::optional<NALUnit> unit = scanner.Next()) {
@@ -51,58 +46,59 @@ HevcSps FindSps(const std::vector<NALUnit>& units) {
     return found == units.end() ? HevcSps() : ParseHevcSps(found->Payload());
 }
 
-BYTE ConstantFrameRate(const HevcSps& sps) {
+uint8_t ConstantFrameRate(const HevcSps& sps) {
     const auto begin = sps.fixedPicRateGeneral.begin();
     const auto end = begin + sps.maxSubLayersMinus1 + 1;
     if (std::find(begin, end, false) == end) {
         return 2;
     }
-    return std::find(begin, end, true) == end ? BYTE{0} : BYTE{1};
+    return std::find(begin, end, true) == end ? uint8_t{0} : uint8_t{1};
 }
 
-UINT32 ConstraintFlagBytes(const HevcSps& sps) {
-    const auto flags = static_cast<UINT32>(sps.generalConstraintFlags >> (kConstraintFlags - kWrittenConstraintFlags));
+uint32_t ConstraintFlagBytes(const HevcSps& sps) {
+    const auto flags =
+        static_cast<uint32_t>(sps.generalConstraintFlags >> (kConstraintFlags - kWrittenConstraintFlags));
     return flags << (16 - kWrittenConstraintFlags);
 }
 
 void AppendProfile(Record& record, const HevcSps& sps) {
     record.push_back(
-        static_cast<BYTE>(sps.generalProfileSpace << 6 | sps.generalTierFlag << 5 | sps.generalProfileIdc));
-    AppendBytes(record, sps.generalProfileCompatibilityFlags, 4);
-    AppendBytes(record, ConstraintFlagBytes(sps), 2);
-    AppendBytes(record, 0, 4);
+        static_cast<uint8_t>(sps.generalProfileSpace << 6 | sps.generalTierFlag << 5 | sps.generalProfileIdc));
+    AppendBigEndian(record, sps.generalProfileCompatibilityFlags, 4);
+    AppendBigEndian(record, ConstraintFlagBytes(sps), 2);
+    AppendBigEndian(record, 0, 4);
     record.push_back(sps.generalLevelIdc);
 }
 
 void AppendHead(Record& record, const HevcSps& sps, size_t arrays) {
     record.push_back(kConfigurationVersion);
     AppendProfile(record, sps);
-    AppendBytes(record, 0xf000U | sps.minSpatialSegmentationIdc, 2);
+    AppendBigEndian(record, 0xf000U | sps.minSpatialSegmentationIdc, 2);
     record.push_back(kUnknownParallelism);
-    AppendBytes(record, 0xfcU | sps.chromaFormatIdc, 1);
-    AppendBytes(record, 0xf8U | sps.bitDepthLumaMinus8, 1);
-    AppendBytes(record, 0xf8U | sps.bitDepthChromaMinus8, 1);
-    AppendBytes(record, 0, 2); // average frame rate: not known
+    AppendBigEndian(record, 0xfcU | sps.chromaFormatIdc, 1);
+    AppendBigEndian(record, 0xf8U | sps.bitDepthLumaMinus8, 1);
+    AppendBigEndian(record, 0xf8U | sps.bitDepthChromaMinus8, 1);
+    AppendBigEndian(record, 0, 2); // average frame rate: not known
     // The one count that the three bits do not hold, 8, becomes 0: not known.
     const unsigned temporalLayers = (sps.maxSubLayersMinus1 + 1U) & 7U;
-    AppendBytes(record,
-                static_cast<UINT32>(ConstantFrameRate(sps) << 6) | temporalLayers << 3 |
-                    (sps.temporalIdNesting ? 4U : 0U) | kLengthSizeMinusOne,
-                1);
-    AppendBytes(record, static_cast<UINT32>(arrays), 1);
+    AppendBigEndian(record,
+                    static_cast<uint32_t>(ConstantFrameRate(sps) << 6) | temporalLayers << 3 |
+                        (sps.temporalIdNesting ? 4U : 0U) | kLengthSizeMinusOne,
+                    1);
+    AppendBigEndian(record, arrays, 1);
 }
 
 // Deliberately one array for each unit, also for several of one type.
 void AppendArray(Record& record, const NALUnit& unit) {
     record.push_back(kArrayCompleteness | unit.HevcType());
-    AppendBytes(record, 1, 2);
-    AppendBytes(record, static_cast<UINT32>(unit.Length()), 2);
+    AppendBigEndian(record, 1, 2);
+    AppendBigEndian(record, unit.Length(), 2);
     record.insert(record.end(), unit.Payload().begin(), unit.Payload().end());
 }
 
 } // namespace
 
-std::vector<BYTE> BuildHevcConfiguration(std::span<const BYTE> byteStream) {
+std::vector<uint8_t> BuildHevcConfiguration(ByteView byteStream) {
     const std::vector<NALUnit> units = FindUnits(byteStream);
     Record record;
     record.reserve(kReservedSizeBytes);
@@ -113,4 +109,4 @@ std::vector<BYTE> BuildHevcConfiguration(std::span<const BYTE> byteStream) {
     return record;
 }
 
-} // namespace mkv
+} // namespace codecs

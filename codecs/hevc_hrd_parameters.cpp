@@ -1,10 +1,10 @@
 #include "codecs/hevc_hrd_parameters.h"
 
-namespace mkv {
+namespace codecs {
 
 namespace {
 
-constexpr UINT32 kMaxCodedPictureBuffersMinus1 = 31;
+constexpr uint32_t kMaxCodedPictureBuffersMinus1 = 31;
 
 struct CommonParameters {
     bool hasNal = false;
@@ -31,9 +31,9 @@ CommonParameters ReadCommonParameters(BitstreamReader& reader) {
     return common;
 }
 
-void SkipBufferParameters(BitstreamReader& reader, UINT32 buffers, bool hasSubPicture) {
+void SkipBufferParameters(BitstreamReader& reader, uint32_t buffers, bool hasSubPicture) {
     const unsigned numbers = hasSubPicture ? 4 : 2;
-    for (UINT32 buffer = 0; buffer < buffers; ++buffer) {
+    for (uint32_t buffer = 0; buffer < buffers; ++buffer) {
         for (unsigned number = 0; number < numbers; ++number) {
             reader.ReadUE();
         }
@@ -51,7 +51,7 @@ bool ReadSubLayer(BitstreamReader& reader, const CommonParameters& common) {
     } else {
         isLowDelay = reader.ReadFlag();
     }
-    const UINT32 buffers = isLowDelay ? 1 : reader.ReadUE(kMaxCodedPictureBuffersMinus1) + 1;
+    const uint32_t buffers = isLowDelay ? 1 : reader.ReadUE(kMaxCodedPictureBuffersMinus1) + 1;
     for (const bool isPresent : {common.hasNal, common.hasVcl}) {
         if (isPresent) {
             SkipBufferParameters(reader, buffers, common.hasSubPicture);
@@ -70,4 +70,4 @@ void ReadHevcHrdParameters(BitstreamReader& reader, unsigned maxSubLayersMinus1,
     }
 }
 
-} // namespace mkv
+} // namespace codecs

@@ -6,10 +6,10 @@
 #include "codecs/bitstream_reader.h"
 #include "codecs/hevc_sps.h"
 
-namespace mkv {
+namespace codecs {
 
 // Reads past the parameters; sets fixed_pic_rate_general_flag for the sub-layers 0 to maxSubLayersMinus1.
 void ReadHevcHrdParameters(BitstreamReader& reader, unsigned maxSubLayersMinus1,
                            std::array<bool, kHevcMaxSubLayers>& fixedPicRateGeneral);
 
-} // namespace mkv
+} // namespace codecs

@@ -3,10 +3,10 @@
 
 #include "codecs/bitstream_reader.h"
 
-namespace mkv {
+namespace codecs {
 
 // Reads past the sets. Their contents matter, since a set may be predicted from the one before it, and its length in
 // bits then depends on that one's entries.
-void SkipHevcShortTermRefPicSets(BitstreamReader& reader, UINT32 count);
+void SkipHevcShortTermRefPicSets(BitstreamReader& reader, uint32_t count);
 
-} // namespace mkv
+} // namespace codecs

@@ -7,16 +7,16 @@
 #include "codecs/hevc_short_term_ref_pic_set.h"
 #include "codecs/nal_unit.h"
 
-namespace mkv {
+namespace codecs {
 
 namespace {
 
 constexpr size_t kNalHeaderSizeBytes = 2;
-constexpr UINT32 kChromaFormat444 = 3;
-constexpr UINT32 kMaxLog2PocLsbMinus4 = 12;
-constexpr UINT32 kMaxShortTermRefPicSets = 64;
-constexpr UINT32 kMaxLongTermRefPics = 32;
-constexpr UINT32 kExtendedSampleAspectRatio = 255;
+constexpr uint32_t kChromaFormat444 = 3;
+constexpr uint32_t kMaxLog2PocLsbMinus4 = 12;
+constexpr uint32_t kMaxShortTermRefPicSets = 64;
+constexpr uint32_t kMaxLongTermRefPics = 32;
+constexpr uint32_t kExtendedSampleAspectRatio = 255;
 // 2 + 1 + 5 profile bits, 32 compatibility flags, 48 constraint flags.
 constexpr size_t kSubLayerProfileBits = 88;
 constexpr size_t kSubLayerLevelBits = 8;
@@ -24,7 +24,7 @@ constexpr size_t kSubLayerLevelBits = 8;
 // Reads the parameter set in its order. Every loop is bounded, since after a bad value the reader gives zeros.
 class HevcSpsParser {
   public:
-    explicit HevcSpsParser(std::span<const BYTE> payload) : m_reader(payload) {}
+    explicit HevcSpsParser(ByteView payload) : m_reader(payload) {}
 
     HevcSps Parse();
 
@@ -52,7 +52,7 @@ class HevcSpsParser {
 
 HevcSps HevcSpsParser::Parse() {
     m_reader.SkipBits(4); // sps_video_parameter_set_id
-    m_sps.maxSubLayersMinus1 = static_cast<BYTE>(m_reader.ReadBits(3));
+    m_sps.maxSubLayersMinus1 = static_cast<uint8_t>(m_reader.ReadBits(3));
     m_sps.temporalIdNesting = m_reader.ReadFlag();
     ReadProfileTierLevel();
     m_reader.ReadUE(); // sps_seq_parameter_set_id
@@ -68,13 +68,13 @@ HevcSps HevcSpsParser::Parse() {
 }
 
 void HevcSpsParser::ReadProfileTierLevel() {
-    m_sps.generalProfileSpace = static_cast<BYTE>(m_reader.ReadBits(2));
-    m_sps.generalTierFlag = static_cast<BYTE>(m_reader.ReadBits(1));
-    m_sps.generalProfileIdc = static_cast<BYTE>(m_reader.ReadBits(5));
+    m_sps.generalProfileSpace = static_cast<uint8_t>(m_reader.ReadBits(2));
+    m_sps.generalTierFlag = static_cast<uint8_t>(m_reader.ReadBits(1));
+    m_sps.generalProfileIdc = static_cast<uint8_t>(m_reader.ReadBits(5));
     m_sps.generalProfileCompatibilityFlags = m_reader.ReadBits(32);
-    const UINT64 firstConstraintFlags = m_reader.ReadBits(16);
+    const uint64_t firstConstraintFlags = m_reader.ReadBits(16);
     m_sps.generalConstraintFlags = firstConstraintFlags << 32 | m_reader.ReadBits(32);
-    m_sps.generalLevelIdc = static_cast<BYTE>(m_reader.ReadBits(8));
+    m_sps.generalLevelIdc = static_cast<uint8_t>(m_reader.ReadBits(8));
     SkipSubLayers();
 }
 
@@ -150,7 +150,7 @@ void HevcSpsParser::SkipPcm() {
 void HevcSpsParser::SkipReferencePictures() {
     SkipHevcShortTermRefPicSets(m_reader, m_reader.ReadUE(kMaxShortTermRefPicSets));
     if (m_reader.ReadFlag()) {
-        const UINT32 count = m_reader.ReadUE(kMaxLongTermRefPics);
+        const uint32_t count = m_reader.ReadUE(kMaxLongTermRefPics);
         m_reader.SkipBits(static_cast<size_t>(count) * (m_log2MaxPocLsb + 1));
     }
 }
@@ -215,12 +215,12 @@ void HevcSpsParser::SkipUEs(unsigned count) {
 
 } // namespace
 
-HevcSps ParseHevcSps(std::span<const BYTE> unit) {
+HevcSps ParseHevcSps(ByteView unit) {
     if (unit.size() < kNalHeaderSizeBytes) {
         return {};
     }
-    const std::vector<BYTE> payload = RawPayload(unit, kNalHeaderSizeBytes);
+    const std::vector<uint8_t> payload = RawPayload(unit, kNalHeaderSizeBytes);
     return HevcSpsParser(payload).Parse();
 }
 
-} // namespace mkv
+} // namespace codecs

@@ -4,32 +4,31 @@
 #pragma once
 
 #include <array>
-#include <span>
 
-#include "win/platform.h"
+#include "codecs/byte_view.h"
 
-namespace mkv {
+namespace codecs {
 
 inline constexpr size_t kHevcMaxSubLayers = 8;
 
 struct HevcSps {
-    BYTE generalProfileSpace = 0;
-    BYTE generalTierFlag = 0;
-    BYTE generalProfileIdc = 0;
-    UINT32 generalProfileCompatibilityFlags = 0; // the first flag is the most significant bit
-    UINT64 generalConstraintFlags = 0;           // 48 bits, the progressive source flag is the most significant
-    BYTE generalLevelIdc = 0;
-    UINT32 chromaFormatIdc = 0;
-    UINT32 bitDepthLumaMinus8 = 0;
-    UINT32 bitDepthChromaMinus8 = 0;
-    BYTE maxSubLayersMinus1 = 0;
+    uint8_t generalProfileSpace = 0;
+    uint8_t generalTierFlag = 0;
+    uint8_t generalProfileIdc = 0;
+    uint32_t generalProfileCompatibilityFlags = 0; // the first flag is the most significant bit
+    uint64_t generalConstraintFlags = 0;           // 48 bits, the progressive source flag is the most significant
+    uint8_t generalLevelIdc = 0;
+    uint32_t chromaFormatIdc = 0;
+    uint32_t bitDepthLumaMinus8 = 0;
+    uint32_t bitDepthChromaMinus8 = 0;
+    uint8_t maxSubLayersMinus1 = 0;
     bool temporalIdNesting = false;
-    UINT32 minSpatialSegmentationIdc = 0;
+    uint32_t minSpatialSegmentationIdc = 0;
     // By sub-layer, from the HRD parameters of the VUI.
     std::array<bool, kHevcMaxSubLayers> fixedPicRateGeneral{};
 };
 
 // unit: the whole NAL unit, header included and with its emulation prevention bytes.
-[[nodiscard]] HevcSps ParseHevcSps(std::span<const BYTE> unit);
+[[nodiscard]] HevcSps ParseHevcSps(ByteView unit);
 
-} // namespace mkv
+} // namespace codecs

@@ -2,26 +2,26 @@
 
 #include <algorithm>
 
-namespace mkv {
+namespace codecs {
 
 namespace {
 
 constexpr size_t kMinStartCodeLength = 2;
 
-bool AllZero(std::span<const BYTE> bytes) {
-    return std::all_of(bytes.begin(), bytes.end(), [](BYTE byte) { return byte == 0; });
+bool AllZero(ByteView bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }
 
 } // namespace
 
-std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes) {
-    std::vector<BYTE> payload;
+std::vector<uint8_t> RawPayload(ByteView unit, size_t headerBytes) {
+    std::vector<uint8_t> payload;
     if (unit.size() < headerBytes) {
         return payload;
     }
     payload.reserve(unit.size());
     unsigned zeros = 0;
-    for (const BYTE byte : unit.subspan(headerBytes)) {
+    for (const uint8_t byte : unit.subspan(headerBytes)) {
         if (zeros >= 2 && byte == 3) {
             zeros = 0;
             continue;
@@ -32,7 +32,7 @@ std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes) {
     return payload;
 }
 
-NALUnitScanner::NALUnitScanner(std::span<const BYTE> buffer, size_t startCodeLength)
+NALUnitScanner::NALUnitScanner(ByteView buffer, size_t startCodeLength)
     : m_buffer(buffer), m_startCodeLength(std::max(startCodeLength, kMinStartCodeLength)) {
     const size_t firstStartCode = FindStartCode(0);
     if (firstStartCode < m_buffer.size() && AllZero(m_buffer.first(firstStartCode))) {
@@ -56,8 +56,8 @@ size_t NALUnitScanner::FindStartCode(size_t from) const {
     const size_t zeros = m_startCodeLength - 1;
     for (size_t last = from + zeros; last < m_buffer.size(); ++last) {
         const auto begin = m_buffer.begin();
-        last =
-            static_cast<size_t>(std::find(begin + static_cast<std::ptrdiff_t>(last), m_buffer.end(), BYTE{1}) - begin);
+        last = static_cast<size_t>(std::find(begin + static_cast<std::ptrdiff_t>(last), m_buffer.end(), uint8_t{1}) -
+                                   begin);
         if (last < m_buffer.size() && AllZero(m_buffer.subspan(last - zeros, zeros))) {
             return last - zeros;
         }
@@ -65,4 +65,4 @@ size_t NALUnitScanner::FindStartCode(size_t from) const {
     return m_buffer.size();
 }
 
-} // namespace mkv
+} // namespace codecs

@@ -4,32 +4,31 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <vector>
 
-#include "win/platform.h"
+#include "codecs/byte_view.h"
 
-namespace mkv {
+namespace codecs {
 
 class NALUnit {
   public:
-    explicit NALUnit(std::span<const BYTE> payload) : m_payload(payload) {}
+    explicit NALUnit(ByteView payload) : m_payload(payload) {}
 
     // From the header on, without start code or length.
-    [[nodiscard]] std::span<const BYTE> Payload() const { return m_payload; }
+    [[nodiscard]] ByteView Payload() const { return m_payload; }
     [[nodiscard]] size_t Length() const { return m_payload.size(); }
     // The first byte; 0 for an empty unit.
-    [[nodiscard]] BYTE Header() const { return m_payload.empty() ? BYTE{0} : m_payload.front(); }
-    [[nodiscard]] BYTE AvcType() const { return Header() & 0x1f; }
-    [[nodiscard]] BYTE HevcType() const { return Header() >> 1 & 0x3f; }
+    [[nodiscard]] uint8_t Header() const { return m_payload.empty() ? uint8_t{0} : m_payload.front(); }
+    [[nodiscard]] uint8_t AvcType() const { return Header() & 0x1f; }
+    [[nodiscard]] uint8_t HevcType() const { return Header() >> 1 & 0x3f; }
 
   private:
-    std::span<const BYTE> m_payload;
+    ByteView m_payload;
 };
 
 // The raw payload of a unit: without its header of so many bytes, and without the 03 that keeps 00 00 from looking like
 // a start code. Empty for a unit that is shorter than its header.
-[[nodiscard]] std::vector<BYTE> RawPayload(std::span<const BYTE> unit, size_t headerBytes);
+[[nodiscard]] std::vector<uint8_t> RawPayload(ByteView unit, size_t headerBytes);
 
 // NALUnitScanner: takes an Annex B byte stream apart. Only start codes of the one given length count; a shorter one
 // stays inside its unit. Bytes before the first start code are a unit too, unless they are all zero (Annex B's
@@ -37,7 +36,7 @@ class NALUnit {
 class NALUnitScanner {
   public:
     // startCodeLength: at least 2 bytes, all zero except the last, which is 1.
-    NALUnitScanner(std::span<const BYTE> buffer, size_t startCodeLength);
+    NALUnitScanner(ByteView buffer, size_t startCodeLength);
 
     std::optional<NALUnit> Next();
 
@@ -45,9 +44,9 @@ class NALUnitScanner {
     // The offset of the first start code that lies behind `from` as a whole; the buffer's size when there is none.
     [[nodiscard]] size_t FindStartCode(size_t from) const;
 
-    std::span<const BYTE> m_buffer;
+    ByteView m_buffer;
     size_t m_startCodeLength;
     size_t m_unitStart = 0;
 };
 
-} // namespace mkv
+} // namespace codecs

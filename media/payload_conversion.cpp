@@ -12,7 +12,7 @@ bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type) {
 
 std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload) {
     if (NeedsAnnexBConversion(type)) {
-        return ConvertAnnexB(payload, kStartCodeLengthBytes, kSampleLengthSizeBytes);
+        return codecs::ConvertAnnexB(payload, codecs::kStartCodeLengthBytes, codecs::kSampleLengthSizeBytes);
     }
     return {payload.begin(), payload.end()};
 }

@@ -134,16 +134,17 @@ OptionalBytes SequenceHeader(const Mpeg2VideoInfo& info) {
 }
 
 OptionalBytes AvcFromLengths(const Mpeg2VideoInfo& info) {
-    return BuildAvcConfiguration(info.sequenceHeader, info.profile, info.level);
+    return codecs::BuildAvcConfiguration(info.sequenceHeader, info.profile, info.level);
 }
 
 OptionalBytes AvcFromByteStream(const Mpeg2VideoInfo& info) {
-    const Bytes units = ConvertAnnexB(info.sequenceHeader, kStartCodeLengthBytes, kParameterSetLengthSizeBytes);
-    return BuildAvcConfiguration(units, info.profile, info.level);
+    const Bytes units =
+        codecs::ConvertAnnexB(info.sequenceHeader, codecs::kStartCodeLengthBytes, codecs::kParameterSetLengthSizeBytes);
+    return codecs::BuildAvcConfiguration(units, info.profile, info.level);
 }
 
 OptionalBytes HevcFromByteStream(const Mpeg2VideoInfo& info) {
-    return BuildHevcConfiguration(info.sequenceHeader);
+    return codecs::BuildHevcConfiguration(info.sequenceHeader);
 }
 
 template <OptionalBytes (*BuildPrivate)(const Mpeg2VideoInfo&)>

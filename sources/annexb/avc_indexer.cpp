@@ -46,7 +46,7 @@ bool IsExactRecoveryPoint(Bytes unit) {
             return false;
         }
         if (type == kRecoveryPoint) {
-            mkv::BitstreamReader reader(rest.first(size));
+            codecs::BitstreamReader reader(rest.first(size));
             return reader.ReadUE() == 0 && reader.IsValid();
         }
         rest = rest.subspan(size);

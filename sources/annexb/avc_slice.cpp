@@ -4,7 +4,7 @@ namespace annexb {
 
 namespace {
 
-using mkv::BitstreamReader;
+using codecs::BitstreamReader;
 
 constexpr size_t kHeaderBytes = 1;
 constexpr UINT32 kMaxPpsId = 255;

@@ -129,7 +129,7 @@ std::optional<HevcIndexer::Slice> HevcIndexer::ParseSlice(Bytes unit) const {
     slice.type = static_cast<BYTE>(unit[0] >> 1 & 0x3f);
     slice.temporalId = static_cast<BYTE>((unit[1] & 7) - 1);
     const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
-    mkv::BitstreamReader reader(payload);
+    codecs::BitstreamReader reader(payload);
     reader.ReadFlag(); // first_slice_segment_in_pic_flag
     if (IsIrap(slice.type)) {
         reader.ReadFlag(); // no_output_of_prior_pics_flag

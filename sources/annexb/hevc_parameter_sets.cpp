@@ -4,7 +4,7 @@ namespace annexb {
 
 namespace {
 
-using mkv::BitstreamReader;
+using codecs::BitstreamReader;
 
 constexpr size_t kHeaderBytes = 2;
 constexpr UINT32 kMaxSpsId = 15;

@@ -2,7 +2,7 @@
 
 namespace annexb {
 
-INT32 ReadSE(mkv::BitstreamReader& reader) {
+INT32 ReadSE(codecs::BitstreamReader& reader) {
     const INT64 code = reader.ReadUE();
     return static_cast<INT32>(code % 2 != 0 ? (code + 1) / 2 : -(code / 2));
 }

@@ -5,14 +5,15 @@
 
 #include "codecs/bitstream_reader.h"
 #include "codecs/nal_unit.h"
+#include "win/platform.h"
 
 namespace annexb {
 
-using Bytes = std::span<const BYTE>;
+using Bytes = codecs::ByteView;
 
-using mkv::RawPayload;
+using codecs::RawPayload;
 
 // Signed Exp-Golomb.
-[[nodiscard]] INT32 ReadSE(mkv::BitstreamReader& reader);
+[[nodiscard]] INT32 ReadSE(codecs::BitstreamReader& reader);
 
 } // namespace annexb

@@ -80,7 +80,7 @@ WAVEFORMATEX WaveOf(const AudioTrack& audio, const GUID& subtype) {
     wave.nSamplesPerSec = SamplesPerSecond(audio);
     wave.wBitsPerSample = static_cast<WORD>(std::min<UINT64>(audio.bitDepth, UINT16_MAX));
     if (subtype == mediasubtype::kPcm || subtype == mediasubtype::kIeeeFloat) {
-        wave.nBlockAlign = static_cast<WORD>(wave.nChannels * (wave.wBitsPerSample / kBitsInByte));
+        wave.nBlockAlign = static_cast<WORD>(wave.nChannels * (wave.wBitsPerSample / codecs::kBitsInByte));
         wave.nAvgBytesPerSec = wave.nSamplesPerSec * wave.nBlockAlign;
     }
     return wave;
@@ -100,7 +100,7 @@ std::vector<CMediaType> AcmTypes(const Track& track) {
 
 // The codec private data is the three header packets in Xiph lacing.
 std::vector<CMediaType> VorbisTypes(const Track& track) {
-    const auto headers = TakeFramesApart(track.codecPrivate, kXiphLacing);
+    const auto headers = codecs::TakeFramesApart(track.codecPrivate, codecs::kXiphLacing);
     if (!headers || headers->size() != kVorbisHeaders) {
         return {};
     }
@@ -110,7 +110,7 @@ std::vector<CMediaType> VorbisTypes(const Track& track) {
     format.bitsPerSample = static_cast<UINT32>(std::min<UINT64>(track.audio.bitDepth, UINT16_MAX));
     std::vector<BYTE> block(sizeof(format));
     for (size_t i = 0; i < kVorbisHeaders; ++i) {
-        const Bytes header = (*headers)[i];
+        const codecs::ByteView header = (*headers)[i];
         format.headerSize[i] = static_cast<UINT32>(header.size());
         block.insert(block.end(), header.begin(), header.end());
     }

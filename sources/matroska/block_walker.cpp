@@ -11,6 +11,7 @@
 #include <matroska/KaxContexts.h>
 #include <matroska/KaxSegment.h>
 
+#include "codecs/big_endian.h"
 #include "sources/matroska/resync.h"
 
 namespace matroska {
@@ -131,11 +132,8 @@ std::optional<Block> BlockWalker::ReadBlock(const Element& element) {
         return {};
     }
     Block block;
-    for (size_t i = 0; i < numberBytes; ++i) {
-        block.track = block.track << 8 | head[i];
-    }
-    block.track &= (UINT64{1} << 7 * numberBytes) - 1;
-    const auto offset = static_cast<INT16>(static_cast<UINT16>(head[numberBytes] << 8 | head[numberBytes + 1]));
+    block.track = codecs::ReadBigEndian(head.first(numberBytes)) & ((UINT64{1} << 7 * numberBytes) - 1);
+    const auto offset = static_cast<INT16>(codecs::ReadBigEndian(head.subspan(numberBytes, sizeof(INT16))));
     block.ticks = static_cast<INT64>(m_clusterTicks) + offset;
     const BYTE flags = head[numberBytes + 2];
     block.lacing = flags & kLacingMask;

@@ -32,7 +32,7 @@ class InflateStream {
 };
 
 // Some writers leave the end mark away: what came out before the input ended counts.
-std::optional<std::vector<BYTE>> Inflate(Bytes stored, size_t most, size_t& room) {
+std::optional<std::vector<BYTE>> Inflate(codecs::ByteView stored, size_t most, size_t& room) {
     InflateStream stream;
     std::vector<BYTE> input(stored.begin(), stored.end()); // the library's pointer is not const
     std::vector<BYTE> output;
@@ -54,7 +54,8 @@ std::optional<std::vector<BYTE>> Inflate(Bytes stored, size_t most, size_t& room
     return isDone && used <= most ? std::optional(std::move(output)) : std::nullopt;
 }
 
-std::optional<std::vector<BYTE>> Concatenate(Bytes first, Bytes second, size_t most, size_t& room) {
+std::optional<std::vector<BYTE>> Concatenate(codecs::ByteView first, codecs::ByteView second, size_t most,
+                                             size_t& room) {
     if (first.size() + second.size() > most) {
         return {};
     }
@@ -93,7 +94,7 @@ std::string ContentDecoder::Problem() const {
 }
 
 // The ratio counts an empty frame as one byte: it has a place in its block at least.
-std::optional<std::vector<BYTE>> ContentDecoder::Decode(Bytes stored, size_t& room) const {
+std::optional<std::vector<BYTE>> ContentDecoder::Decode(codecs::ByteView stored, size_t& room) const {
     if (!m_encoding) {
         return std::vector<BYTE>(stored.begin(), stored.end());
     }

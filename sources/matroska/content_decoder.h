@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "codecs/lacing.h"
+#include "codecs/byte_view.h"
 #include "sources/matroska/matroska_file.h"
 
 namespace matroska {
@@ -28,7 +28,7 @@ class ContentDecoder {
     [[nodiscard]] bool ChangesNothing() const { return !m_encoding; }
     // None as well for what would become larger than the room, or kMaxRatio times as large: it stops there. What came
     // out is taken off the room, whether it was of use or not.
-    [[nodiscard]] std::optional<std::vector<BYTE>> Decode(Bytes stored, size_t& room) const;
+    [[nodiscard]] std::optional<std::vector<BYTE>> Decode(codecs::ByteView stored, size_t& room) const;
 
   private:
     std::optional<ContentEncoding> m_encoding;

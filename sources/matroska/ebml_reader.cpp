@@ -40,10 +40,11 @@ std::optional<Element> EbmlReader::ElementAt(UINT64 position, UINT64 limit) cons
     if (sizeLength > kMaxSizeBytes || idLength + sizeLength > head.size()) {
         return {};
     }
-    const UINT64 allOnes = (UINT64{1} << (kBitsInByte - 1) * sizeLength) - 1; // also the mask without the marker
-    const UINT64 size = BigEndian(head.subspan(idLength, sizeLength)) & allOnes;
+    const UINT64 allOnes =
+        (UINT64{1} << (codecs::kBitsInByte - 1) * sizeLength) - 1; // also the mask without the marker
+    const UINT64 size = codecs::ReadBigEndian(head.subspan(idLength, sizeLength)) & allOnes;
     Element element;
-    element.id = static_cast<UINT32>(BigEndian(head.first(idLength)));
+    element.id = static_cast<UINT32>(codecs::ReadBigEndian(head.first(idLength)));
     element.start = position;
     element.data = position + idLength + sizeLength;
     element.unknownSize = size == allOnes;
@@ -56,15 +57,15 @@ UINT64 EbmlReader::ReadUnsigned(const Element& element, UINT64 fallback) const {
     if (element.Size() == 0) {
         return fallback;
     }
-    return BigEndian(ReadBytes(element, sizeof(UINT64)));
+    return codecs::ReadBigEndian(ReadBytes(element, sizeof(UINT64)));
 }
 
 double EbmlReader::ReadFloat(const Element& element, double fallback) const {
     const std::vector<BYTE> bytes = ReadBytes(element, sizeof(double));
     if (bytes.size() == sizeof(float)) {
-        return std::bit_cast<float>(static_cast<UINT32>(BigEndian(bytes)));
+        return std::bit_cast<float>(static_cast<UINT32>(codecs::ReadBigEndian(bytes)));
     }
-    return bytes.size() == sizeof(double) ? std::bit_cast<double>(BigEndian(bytes)) : fallback;
+    return bytes.size() == sizeof(double) ? std::bit_cast<double>(codecs::ReadBigEndian(bytes)) : fallback;
 }
 
 std::string EbmlReader::ReadString(const Element& element) const {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "codecs/avc_private.h"
+#include "codecs/lacing.h"
 #include "sources/base/printable.h"
 #include "sources/matroska/media_types_of.h"
 
@@ -23,7 +24,7 @@ size_t AvcLengthBytes(const Track& track) {
     if (track.codecId != "V_MPEG4/ISO/AVC") {
         return 0;
     }
-    const size_t bytes = ParseAvcPrivate(track.codecPrivate).lengthBytes;
+    const size_t bytes = codecs::ParseAvcPrivate(track.codecPrivate).lengthBytes;
     return bytes == kAvcSampleLengthBytes ? 0 : bytes;
 }
 
@@ -163,11 +164,11 @@ std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload,
         packets.emplace_back().data = std::move(payload);
         return packets;
     }
-    const auto frames = TakeFramesApart(payload, lacing);
+    const auto frames = codecs::TakeFramesApart(payload, lacing);
     m_lostFrames = m_lostFrames || !frames;
     const size_t allowed = m_budget.RoomFor(payload.size());
     size_t room = allowed;
-    for (const Bytes frame : frames.value_or(std::vector<Bytes>())) {
+    for (const codecs::ByteView frame : frames.value_or(std::vector<codecs::ByteView>())) {
         std::optional<std::vector<BYTE>> data = DecodeFrame(stream, frame, room);
         m_lostFrames = m_lostFrames || !data;
         packets.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
@@ -176,10 +177,11 @@ std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload,
     return packets;
 }
 
-std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, Bytes frame, size_t& room) const {
+std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, codecs::ByteView frame,
+                                                             size_t& room) const {
     std::optional<std::vector<BYTE>> data = stream.decoder.Decode(frame, room);
     if (data && stream.avcLengthBytes != 0) {
-        data = WidenLengths(*data, stream.avcLengthBytes, source::kMaxPacketBytes);
+        data = codecs::WidenLengths(*data, stream.avcLengthBytes, source::kMaxPacketBytes);
     }
     return data;
 }

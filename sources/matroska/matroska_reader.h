@@ -47,7 +47,8 @@ class MatroskaReader final : public source::PacketReader {
     void ReadBlock(const Block& block);
     [[nodiscard]] std::vector<source::Packet> FramesOf(const Block& block, size_t index);
     [[nodiscard]] std::vector<source::Packet> TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
-    [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, Bytes frame, size_t& room) const;
+    [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, codecs::ByteView frame,
+                                                               size_t& room) const;
 
     const std::unique_ptr<source::ByteSource> m_bytes;
     const MatroskaFile m_file;

@@ -40,7 +40,7 @@ Picture PictureOf(const Track& track) {
 }
 
 CMediaType AvcType(const Track& track, const Picture& picture) {
-    const AvcPrivate avc = ParseAvcPrivate(track.codecPrivate);
+    const codecs::AvcPrivate avc = codecs::ParseAvcPrivate(track.codecPrivate);
     return source::Mpeg2VideoType(mediasubtype::kAvc1, picture, avc.parameterSets,
                                   {avc.profile, avc.level, kSampleLengthBytes});
 }

@@ -9,9 +9,9 @@
 
 namespace {
 
-using mkv::ConvertAnnexB;
-using mkv::NALUnit;
-using mkv::NALUnitScanner;
+using codecs::ConvertAnnexB;
+using codecs::NALUnit;
+using codecs::NALUnitScanner;
 using mkv_test::Bytes;
 using mkv_test::ByteStream;
 using mkv_test::Concat;
@@ -159,9 +159,9 @@ TEST(AnnexBConverterTest, FindsTheSameUnitsAsAPlainReadingInRandomBytes) {
     std::discrete_distribution<int> symbol({60, 25, 15}); // zeros and ones, so that start codes are common
     for (int round = 0; round < 3000; ++round) {
         Bytes stream(random() % 40);
-        for (BYTE& byte : stream) {
+        for (uint8_t& byte : stream) {
             const int kind = symbol(random);
-            byte = kind < 2 ? static_cast<BYTE>(kind) : static_cast<BYTE>(random());
+            byte = kind < 2 ? static_cast<uint8_t>(kind) : static_cast<uint8_t>(random());
         }
         NALUnitScanner scanner(stream, 4);
         std::vector<Bytes> found;

@@ -6,9 +6,9 @@
 
 namespace {
 
-using mkv::BitstreamReader;
+using codecs::BitstreamReader;
 using mkv_test::BitWriter;
-using Bytes = std::vector<BYTE>;
+using Bytes = std::vector<uint8_t>;
 
 TEST(BitstreamReaderTest, ReadsBitsMostSignificantFirst) {
     const Bytes bytes{0xa5, 0x3c, 0xff, 0x01, 0x80};
@@ -37,14 +37,14 @@ TEST(BitstreamReaderTest, ReadsExpGolombCodesOfTheStandardsTable) {
     // 1, 010, 011, 00100, 00101, 00110, 00111, 0001000 are 0 to 7.
     const Bytes bytes{0b10100110, 0b01000010, 0b10011000, 0b11100010, 0b00000000};
     BitstreamReader reader(bytes);
-    for (UINT32 expected = 0; expected <= 7; ++expected) {
+    for (uint32_t expected = 0; expected <= 7; ++expected) {
         EXPECT_EQ(reader.ReadUE(), expected);
     }
     EXPECT_TRUE(reader.IsValid());
 }
 
 TEST(BitstreamReaderTest, ReadsExpGolombNumbersUpToTheLargest) {
-    for (const UINT64 value : {8ULL, 254ULL, 255ULL, 65535ULL, 0x7fffffffULL, 0xfffffffdULL, 0xfffffffeULL}) {
+    for (const uint64_t value : {8ULL, 254ULL, 255ULL, 65535ULL, 0x7fffffffULL, 0xfffffffdULL, 0xfffffffeULL}) {
         const Bytes bytes = BitWriter().UE(value).Bytes();
         BitstreamReader reader(bytes);
         EXPECT_EQ(reader.ReadUE(), value);
@@ -70,7 +70,7 @@ TEST(BitstreamReaderTest, RefusesAnExpGolombNumberAboveTheLimitAndAcceptsTheLimi
 }
 
 TEST(BitstreamReaderTest, AnExpGolombNumberCutAtAnyBitReadsAsZero) {
-    for (const UINT64 value : {0ULL, 1ULL, 6ULL, 1000ULL, 0xfffffffeULL}) {
+    for (const uint64_t value : {0ULL, 1ULL, 6ULL, 1000ULL, 0xfffffffeULL}) {
         const BitWriter whole = BitWriter().UE(value);
         // Bits beyond the cut are missing only when the byte ends there, so the number starts at each bit position.
         for (unsigned shift = 0; shift < 8; ++shift) {

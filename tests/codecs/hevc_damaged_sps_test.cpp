@@ -10,8 +10,8 @@
 
 namespace {
 
-using mkv::HevcSps;
-using mkv::ParseHevcSps;
+using codecs::HevcSps;
+using codecs::ParseHevcSps;
 using mkv_test::Bytes;
 using mkv_test::HevcSpsShape;
 using mkv_test::Hrd;
@@ -21,7 +21,7 @@ using mkv_test::Vui;
 using mkv_test::WriteHevcSps;
 
 // The last number that is read, so it is there only when all in front of it was.
-constexpr UINT32 kLastNumber = 1234;
+constexpr uint32_t kLastNumber = 1234;
 
 HevcSpsShape ShapeWithLastNumber() {
     HevcSpsShape shape;
@@ -45,7 +45,7 @@ HevcSpsShape FullShape() {
     predicted.flags = {"1", "1", "1"};
     shape.shortTermSets = {{{0}, {0}}, predicted};
     shape.longTermPictures = 3;
-    shape.vui->aspectRatioIdc = BYTE{255};
+    shape.vui->aspectRatioIdc = uint8_t{255};
     shape.vui->hasTiming = true;
     shape.vui->hrd = Hrd{true, true, true, {{true, true, false, 0}, {true, true, false, 1}, {true, true, false, 0}}};
     return shape;
@@ -107,7 +107,7 @@ TEST(HevcDamagedSpsTest, CountsOutOfRangeEndTheParseAndKeepWhatWasRead) {
     HevcSpsShape tooManySets = ShapeWithLastNumber();
     tooManySets.shortTermSets.assign(65, ShortTermSet{{}, {}});
     HevcSpsShape tooManyPictures = ShapeWithLastNumber();
-    tooManyPictures.shortTermSets = {{std::vector<UINT32>(17, 0), {}}};
+    tooManyPictures.shortTermSets = {{std::vector<uint32_t>(17, 0), {}}};
     HevcSpsShape tooManyLongTerm = ShapeWithLastNumber();
     tooManyLongTerm.longTermPictures = 33;
     HevcSpsShape tooWide = ShapeWithLastNumber();
@@ -127,7 +127,7 @@ TEST(HevcDamagedSpsTest, HugeCountsEndAtOnce) {
     for (int fill = 0; fill < 256; fill += 255) {
         for (size_t size = 0; size < bits.Size(); ++size) {
             Bytes payload = bits.BytesOf(size);
-            payload.insert(payload.end(), 2000, static_cast<BYTE>(fill));
+            payload.insert(payload.end(), 2000, static_cast<uint8_t>(fill));
             const HevcSps sps = ParseHevcSps(mkv_test::WrapHevcSps(payload));
             EXPECT_LT(sps.maxSubLayersMinus1, 8);
         }
@@ -140,7 +140,7 @@ TEST(HevcDamagedSpsTest, RandomBytesStayWithinTheirBuffer) {
     for (int round = 0; round < 4000; ++round) {
         Bytes unit = whole;
         for (size_t changes = 1 + random() % 8; changes > 0; --changes) {
-            unit[2 + random() % (unit.size() - 2)] = static_cast<BYTE>(random());
+            unit[2 + random() % (unit.size() - 2)] = static_cast<uint8_t>(random());
         }
         unit.resize(random() % (unit.size() + 1));
         unit.shrink_to_fit();

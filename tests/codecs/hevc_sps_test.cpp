@@ -10,8 +10,8 @@
 
 namespace {
 
-using mkv::HevcSps;
-using mkv::ParseHevcSps;
+using codecs::HevcSps;
+using codecs::ParseHevcSps;
 using mkv_test::Bytes;
 using mkv_test::HevcSpsShape;
 using mkv_test::Hrd;
@@ -21,7 +21,7 @@ using mkv_test::Vui;
 using mkv_test::WriteHevcSps;
 
 // The last number that is read: it comes out right only when everything in front of it was read with its width.
-constexpr UINT32 kLastNumber = 1234;
+constexpr uint32_t kLastNumber = 1234;
 
 Vui LastNumberVui() {
     Vui vui;
@@ -35,7 +35,7 @@ HevcSpsShape ShapeWithLastNumber() {
     return shape;
 }
 
-UINT32 LastNumberOf(const HevcSpsShape& shape) {
+uint32_t LastNumberOf(const HevcSpsShape& shape) {
     return ParseHevcSps(WriteHevcSps(shape)).minSpatialSegmentationIdc;
 }
 
@@ -57,7 +57,7 @@ TEST(HevcSpsTest, ReadsTheProfileTierAndLevel) {
 }
 
 TEST(HevcSpsTest, ReadsChromaFormatAndBitDepths) {
-    for (const UINT32 chroma : {0u, 1u, 2u, 3u}) { // 3 carries one flag more
+    for (const uint32_t chroma : {0u, 1u, 2u, 3u}) { // 3 carries one flag more
         HevcSpsShape shape = ShapeWithLastNumber();
         shape.chromaFormatIdc = chroma;
         shape.bitDepthLumaMinus8 = 2;
@@ -106,7 +106,7 @@ TEST(HevcSpsTest, ReadsPastCodedShortTermReferencePictureSets) {
     HevcSpsShape shape = ShapeWithLastNumber();
     shape.shortTermSets = {{{0, 1, 2}, {0}}, {{}, {}}, {{4}, {}}, {{}, {1, 1}}};
     EXPECT_EQ(LastNumberOf(shape), kLastNumber);
-    shape.shortTermSets.assign(64, ShortTermSet{std::vector<UINT32>(16, 0), std::vector<UINT32>(16, 32767)});
+    shape.shortTermSets.assign(64, ShortTermSet{std::vector<uint32_t>(16, 0), std::vector<uint32_t>(16, 32767)});
     EXPECT_EQ(LastNumberOf(shape), kLastNumber);
 }
 
@@ -158,7 +158,7 @@ TEST(HevcSpsTest, KeepsTheOrderOfEntriesThroughPrediction) {
 }
 
 TEST(HevcSpsTest, ReadsPastLongTermReferencePicturesOfEveryWidth) {
-    for (UINT32 log2 = 0; log2 <= 12; ++log2) {
+    for (uint32_t log2 = 0; log2 <= 12; ++log2) {
         HevcSpsShape shape = ShapeWithLastNumber();
         shape.log2MaxPocLsbMinus4 = log2;
         shape.longTermPictures = 32;
@@ -171,7 +171,7 @@ TEST(HevcSpsTest, ReadsPastEveryOptionalPartOfTheVui) {
         HevcSpsShape shape;
         Vui vui = LastNumberVui();
         if ((mask & 1) != 0) {
-            vui.aspectRatioIdc = static_cast<BYTE>((mask & 2) != 0 ? 255 : 3);
+            vui.aspectRatioIdc = static_cast<uint8_t>((mask & 2) != 0 ? 255 : 3);
         }
         vui.hasOverscan = (mask & 4) != 0;
         vui.hasVideoSignal = (mask & 8) != 0;
@@ -205,7 +205,8 @@ TEST(HevcSpsTest, ReadsFixedPictureRatesFromHrdParametersOfEveryShape) {
         shape.vui->hasTiming = true;
         shape.vui->hrd = hrd;
         const HevcSps sps = ParseHevcSps(WriteHevcSps(shape));
-        const std::array<bool, mkv::kHevcMaxSubLayers> expected{true, false, false, false, true, false, false, false};
+        const std::array<bool, codecs::kHevcMaxSubLayers> expected{true, false, false, false,
+                                                                   true, false, false, false};
         EXPECT_EQ(sps.fixedPicRateGeneral, expected) << mask;
         EXPECT_EQ(sps.minSpatialSegmentationIdc, kLastNumber) << mask;
     }

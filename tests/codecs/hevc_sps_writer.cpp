@@ -8,7 +8,7 @@ namespace mkv_test {
 namespace {
 
 // Values that do not matter: neither 0 nor all ones, so that a wrong width shows.
-constexpr UINT64 kFiller = 0x5a5a5a5a5a5a5a5aULL;
+constexpr uint64_t kFiller = 0x5a5a5a5a5a5a5a5aULL;
 
 void WriteProfileTierLevel(BitWriter& bits, const HevcSpsShape& shape) {
     bits.Bits(shape.profileSpace, 2).Flag(shape.tier).Bits(shape.profileIdc, 5);
@@ -60,7 +60,7 @@ void WriteShortTermSet(BitWriter& bits, const ShortTermSet& set, bool isFirst) {
     }
     bits.UE(set.negativeMinus1.size()).UE(set.positiveMinus1.size());
     for (const auto& list : {set.negativeMinus1, set.positiveMinus1}) {
-        for (const UINT32 delta : list) {
+        for (const uint32_t delta : list) {
             bits.UE(delta).Flag(true);
         }
     }
@@ -156,7 +156,7 @@ void WriteReferencePictures(BitWriter& bits, const HevcSpsShape& shape) {
     if (shape.longTermPictures > 0) {
         bits.UE(shape.longTermPictures);
     }
-    for (UINT32 i = 0; i < shape.longTermPictures; ++i) {
+    for (uint32_t i = 0; i < shape.longTermPictures; ++i) {
         bits.Bits(kFiller, shape.log2MaxPocLsbMinus4 + 4).Flag(true);
     }
 }
@@ -179,14 +179,14 @@ BitWriter WriteHevcSpsBits(const HevcSpsShape& shape) {
     return bits.Flag(true);
 }
 
-std::vector<BYTE> WriteHevcSps(const HevcSpsShape& shape) {
+std::vector<uint8_t> WriteHevcSps(const HevcSpsShape& shape) {
     return WrapHevcSps(WriteHevcSpsBits(shape).Bytes());
 }
 
-std::vector<BYTE> WrapHevcSps(const std::vector<BYTE>& payload) {
-    std::vector<BYTE> unit{0x42, 0x01};
+std::vector<uint8_t> WrapHevcSps(const std::vector<uint8_t>& payload) {
+    std::vector<uint8_t> unit{0x42, 0x01};
     unsigned zeros = 0;
-    for (const BYTE byte : payload) {
+    for (const uint8_t byte : payload) {
         if (zeros == 2 && byte <= 3) {
             unit.push_back(3);
             zeros = 0;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tests/codecs/bit_writer.h"
-#include "win/platform.h"
+#include <cstdint>
 
 namespace mkv_test {
 
@@ -19,13 +19,13 @@ enum class ScalingLists { Off, Default, Coded };
 
 struct ShortTermSet {
     // Coded sets.
-    std::vector<UINT32> negativeMinus1;
-    std::vector<UINT32> positiveMinus1;
+    std::vector<uint32_t> negativeMinus1;
+    std::vector<uint32_t> positiveMinus1;
     // Predicted sets: how the set before is shifted, and for each of its entries plus one the flags as written:
     // 1 used, 01 kept without use, 00 dropped.
     bool isPredicted = false;
     bool isNegative = false;
-    UINT32 absDeltaMinus1 = 0;
+    uint32_t absDeltaMinus1 = 0;
     std::vector<const char*> flags{};
 };
 
@@ -33,7 +33,7 @@ struct HrdSubLayer {
     bool isFixedGeneral = false;
     bool isFixedWithinSequence = false;
     bool isLowDelay = false;
-    UINT32 buffersMinus1 = 0;
+    uint32_t buffersMinus1 = 0;
 };
 
 struct Hrd {
@@ -44,7 +44,7 @@ struct Hrd {
 };
 
 struct Vui {
-    std::optional<BYTE> aspectRatioIdc;
+    std::optional<uint8_t> aspectRatioIdc;
     bool hasOverscan = false;
     bool hasVideoSignal = false;
     bool hasColour = false;
@@ -53,37 +53,37 @@ struct Vui {
     bool hasTiming = false;
     bool hasPocProportional = false;
     std::optional<Hrd> hrd; // only with timing
-    std::optional<UINT32> minSpatialSegmentationIdc;
+    std::optional<uint32_t> minSpatialSegmentationIdc;
 };
 
 struct HevcSpsShape {
     unsigned maxSubLayersMinus1 = 0;
     bool temporalIdNesting = true;
-    BYTE profileSpace = 0;
+    uint8_t profileSpace = 0;
     bool tier = false;
-    BYTE profileIdc = 1;
-    UINT32 compatibilityFlags = 0x60000000;
-    UINT64 constraintFlags = 0x900000000000; // 48 bits
-    BYTE level = 93;
+    uint8_t profileIdc = 1;
+    uint32_t compatibilityFlags = 0x60000000;
+    uint64_t constraintFlags = 0x900000000000; // 48 bits
+    uint8_t level = 93;
     std::vector<SubLayerPresence> subLayers{}; // missing ones have neither
-    UINT32 chromaFormatIdc = 1;
+    uint32_t chromaFormatIdc = 1;
     bool hasConformanceWindow = false;
-    UINT32 bitDepthLumaMinus8 = 0;
-    UINT32 bitDepthChromaMinus8 = 0;
-    UINT32 log2MaxPocLsbMinus4 = 4;
+    uint32_t bitDepthLumaMinus8 = 0;
+    uint32_t bitDepthChromaMinus8 = 0;
+    uint32_t log2MaxPocLsbMinus4 = 4;
     bool hasOrderingForEachSubLayer = false;
     ScalingLists scalingLists = ScalingLists::Off;
     bool hasPcm = false;
     std::vector<ShortTermSet> shortTermSets{};
-    UINT32 longTermPictures = 0;
+    uint32_t longTermPictures = 0;
     std::optional<Vui> vui{};
 };
 
 // The parameter set's bits, without header and emulation prevention.
 [[nodiscard]] BitWriter WriteHevcSpsBits(const HevcSpsShape& shape);
 // The whole NAL unit.
-[[nodiscard]] std::vector<BYTE> WriteHevcSps(const HevcSpsShape& shape);
+[[nodiscard]] std::vector<uint8_t> WriteHevcSps(const HevcSpsShape& shape);
 // A NAL unit around the given payload bytes, with emulation prevention.
-[[nodiscard]] std::vector<BYTE> WrapHevcSps(const std::vector<BYTE>& payload);
+[[nodiscard]] std::vector<uint8_t> WrapHevcSps(const std::vector<uint8_t>& payload);
 
 } // namespace mkv_test

@@ -4,20 +4,20 @@
 
 #include <gmock/gmock.h>
 
-namespace matroska {
+namespace codecs {
 namespace {
 
 using testing::ElementsAre;
 
 // The frames as texts; "damaged" alone when there are none.
-std::vector<std::string> Frames(const std::string& payload, BYTE lacing) {
-    const std::vector<BYTE> bytes(payload.begin(), payload.end());
+std::vector<std::string> Frames(const std::string& payload, uint8_t lacing) {
+    const std::vector<uint8_t> bytes(payload.begin(), payload.end());
     const auto frames = TakeFramesApart(bytes, lacing);
     if (!frames) {
         return {"damaged"};
     }
     std::vector<std::string> texts;
-    for (const Bytes frame : *frames) {
+    for (const ByteView frame : *frames) {
         texts.emplace_back(frame.begin(), frame.end());
     }
     return texts;
@@ -50,7 +50,7 @@ TEST(Lacing, FixedSizesShareTheBlockEvenly) {
 }
 
 TEST(Lacing, SizesThatThePayloadDoesNotHoldAreDamage) {
-    for (const BYTE lacing : {BYTE{2}, BYTE{4}, BYTE{6}}) {
+    for (const uint8_t lacing : {uint8_t{2}, uint8_t{4}, uint8_t{6}}) {
         EXPECT_THAT(Frames("", lacing), ElementsAre("damaged"));
     }
     EXPECT_THAT(Frames("\1\5abc", 2), ElementsAre("damaged"));
@@ -69,8 +69,9 @@ TEST(Lacing, SizesThatThePayloadDoesNotHoldAreDamage) {
 TEST(Lacing, EveryPayloadIsCutWithinItsBounds) {
     for (unsigned first = 0; first < 256; ++first) {
         for (unsigned second = 0; second < 256; ++second) {
-            const std::vector<BYTE> payload{static_cast<BYTE>(first), static_cast<BYTE>(second), 0x81, 0xff, 7, 0, 1};
-            for (const BYTE lacing : {BYTE{2}, BYTE{4}, BYTE{6}}) {
+            const std::vector<uint8_t> payload{
+                static_cast<uint8_t>(first), static_cast<uint8_t>(second), 0x81, 0xff, 7, 0, 1};
+            for (const uint8_t lacing : {uint8_t{2}, uint8_t{4}, uint8_t{6}}) {
                 if (const auto frames = TakeFramesApart(payload, lacing)) {
                     ASSERT_EQ(frames->size(), first + 1);
                     ASSERT_LE(frames->back().data() + frames->back().size(), payload.data() + payload.size());
@@ -81,4 +82,4 @@ TEST(Lacing, EveryPayloadIsCutWithinItsBounds) {
 }
 
 } // namespace
-} // namespace matroska
+} // namespace codecs

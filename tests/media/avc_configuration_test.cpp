@@ -56,7 +56,7 @@ TEST(AvcConfigurationTest, AZeroLengthEndsTheWalkAndHidesTheUnitsBehindIt) {
 }
 
 TEST(AvcConfigurationTest, ByteFourIsThreeAndByteFiveTheBareCountOfSps) {
-    const auto record = mkv::BuildAvcConfiguration(LengthPrefixed({kSps, kPps}), 100, 31);
+    const auto record = codecs::BuildAvcConfiguration(LengthPrefixed({kSps, kPps}), 100, 31);
     ASSERT_TRUE(record.has_value());
     EXPECT_EQ((*record)[4], 0x03);
     EXPECT_EQ((*record)[5], 0x01);
@@ -151,7 +151,7 @@ TEST(AvcConfigurationTest, AnAvc1SequenceHeaderCutAtEveryByteIsWholeUnitsOrUnsup
 TEST(AvcConfigurationTest, CountsStayWithinTheirByte) {
     std::vector<Bytes> units(300, kSps2);
     units.insert(units.end(), 255, kPps);
-    const auto record = mkv::BuildAvcConfiguration(LengthPrefixed(units), 100, 31);
+    const auto record = codecs::BuildAvcConfiguration(LengthPrefixed(units), 100, 31);
     ASSERT_TRUE(record.has_value());
     EXPECT_EQ(record->size(), 7u + 255 * 4 + 255 * 4);
     EXPECT_EQ((*record)[5], 255);

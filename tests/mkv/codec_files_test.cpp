@@ -61,7 +61,7 @@ TEST_F(CodecFilesTest, H264PicturesAreStoredWithLengthsWhateverTheyCameWith) {
 
 TEST_F(CodecFilesTest, H265PicturesAreStoredWithLengthsWhateverTheyCameWith) {
     const Bytes sets = ByteStream({FromHex(kHevcVps), FromHex(kHevcSps), FromHex(kHevcPps)});
-    const Bytes record = mkv::BuildHevcConfiguration(sets);
+    const Bytes record = codecs::BuildHevcConfiguration(sets);
     WriteBoth(Mpeg2VideoType(mediasubtype::kHevcAnnexB, kShape, sets),
               Mpeg2VideoType(mediasubtype::kHvc1, kShape, record), FromHex(kHevcSlice));
     for (const uint64_t track : {1u, 2u}) {

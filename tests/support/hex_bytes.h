@@ -1,6 +1,7 @@
 // Bytes written as hexadecimal digits, so that a failed comparison can be read.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
 #include <span>
@@ -8,16 +9,14 @@
 #include <string_view>
 #include <vector>
 
-#include "win/platform.h"
-
 namespace mkv_test {
 
-using Bytes = std::vector<BYTE>;
+using Bytes = std::vector<uint8_t>;
 
 // Lower-case digits without blanks.
-inline std::string ToHex(std::span<const BYTE> bytes) {
+inline std::string ToHex(std::span<const uint8_t> bytes) {
     std::string text;
-    for (const BYTE byte : bytes) {
+    for (const uint8_t byte : bytes) {
         char digits[3];
         std::snprintf(digits, sizeof(digits), "%02x", static_cast<unsigned>(byte));
         text += digits;
@@ -36,7 +35,7 @@ inline Bytes FromHex(std::string_view text) {
         }
     }
     for (size_t i = 0; i + 1 < digits.size(); i += 2) {
-        bytes.push_back(static_cast<BYTE>(digit(digits[i]) << 4 | digit(digits[i + 1])));
+        bytes.push_back(static_cast<uint8_t>(digit(digits[i]) << 4 | digit(digits[i + 1])));
     }
     return bytes;
 }
@@ -63,8 +62,8 @@ inline Bytes ByteStream(const std::vector<Bytes>& units) {
 inline Bytes LengthPrefixed(const std::vector<Bytes>& units) {
     Bytes stream;
     for (const Bytes& unit : units) {
-        stream.push_back(static_cast<BYTE>(unit.size() >> 8));
-        stream.push_back(static_cast<BYTE>(unit.size()));
+        stream.push_back(static_cast<uint8_t>(unit.size() >> 8));
+        stream.push_back(static_cast<uint8_t>(unit.size()));
         stream.insert(stream.end(), unit.begin(), unit.end());
     }
     return stream;

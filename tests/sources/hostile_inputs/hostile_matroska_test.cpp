@@ -101,10 +101,10 @@ TEST(HostileMatroska, ATrackThatIsCompressedTwiceIsRefused) {
 // Whole, with a packet above the ceiling, in tests/files/test_hostile_inputs.py.
 TEST(HostileMatroska, LengthsThatBecomeWiderEndAtTheLargestPacket) {
     const Bytes zeros(1000); // each but the last, behind which nothing stands, becomes four bytes
-    const auto wide = matroska::WidenLengths(zeros, 1, 4 * 999);
+    const auto wide = codecs::WidenLengths(zeros, 1, 4 * 999);
     ASSERT_TRUE(wide);
     EXPECT_EQ(wide->size(), size_t{4 * 999});
-    EXPECT_FALSE(matroska::WidenLengths(zeros, 1, 4 * 999 - 1));
+    EXPECT_FALSE(codecs::WidenLengths(zeros, 1, 4 * 999 - 1));
 }
 
 TEST(HostileMatroska, LengthsThatBecomeWiderAreKeptBelowIt) {

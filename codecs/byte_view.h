@@ -1,0 +1,12 @@
+// Bytes that somebody else keeps: what all readers of this folder take.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace codecs {
+
+using ByteView = std::span<const uint8_t>;
+
+} // namespace codecs
