@@ -1,20 +1,18 @@
 // Rewrites an Annex B byte stream with a length in front of each NAL unit.
+//
+// Units: bytes. Owner: what is returned is the caller's.
 #pragma once
 
 #include <vector>
 
-#include "codecs/byte_view.h"
+#include "codecs/unit_lengths.h"
 
 namespace codecs {
 
 // The only start code that is a boundary: 00 00 00 01. The shorter 00 00 01 stays inside the preceding unit.
 inline constexpr size_t kStartCodeLengthBytes = 4;
-// The length in front of each unit of a sample.
-inline constexpr size_t kSampleLengthSizeBytes = 4;
-// The length in front of each parameter set of a sequence header or decoder configuration record.
-inline constexpr size_t kParameterSetLengthSizeBytes = 2;
 
-// lengthSize: 2 or 4 bytes, big-endian. A unit whose length does not fit is left out.
+// lengthSize: kParameterSetLengthSizeBytes or kSampleLengthSizeBytes. A unit whose length does not fit is left out.
 [[nodiscard]] std::vector<uint8_t> ConvertAnnexB(ByteView byteStream, size_t startCodeLength, size_t lengthSize);
 
 } // namespace codecs

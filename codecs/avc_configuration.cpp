@@ -1,8 +1,8 @@
 #include "codecs/avc_configuration.h"
 
-#include "codecs/annexb_converter.h"
 #include "codecs/big_endian.h"
 #include "codecs/nal_unit.h"
+#include "codecs/unit_lengths.h"
 
 namespace codecs {
 
@@ -17,9 +17,14 @@ constexpr uint8_t kProfileCompatibility = 0;
 // Samples carry 4-byte lengths whatever the media type says. The reserved bits around this field and around the
 // count of SPS are deliberately 0.
 constexpr uint8_t kLengthSizeMinusOne = 3;
-constexpr size_t kFixedRecordSizeBytes = 7;
+constexpr size_t kHeadBytes = 6;            // up to and with the count of SPS
+constexpr size_t kFixedRecordSizeBytes = 7; // and the count of PPS
 // The counts are one byte each.
 constexpr size_t kMaxParameterSets = 255;
+
+// What of its byte a field fills, in records whose reserved bits are set.
+constexpr uint8_t kLengthSizeMask = 0x03;
+constexpr uint8_t kSpsCountMask = 0x1f;
 
 // NAL units together with the 2-byte length in front of each.
 using ParameterSetList = std::vector<ByteView>;
@@ -72,6 +77,20 @@ void AppendList(std::vector<uint8_t>& record, const ParameterSetList& list) {
     }
 }
 
+// Appends so many sets with their lengths, and takes them off the record's front.
+void TakeSets(ByteView& record, size_t count, std::vector<uint8_t>& sets) {
+    for (size_t i = 0; i < count && record.size() >= kParameterSetLengthSizeBytes; ++i) {
+        const size_t bytes = kParameterSetLengthSizeBytes +
+                             static_cast<size_t>(ReadBigEndian(record.first(kParameterSetLengthSizeBytes)));
+        if (bytes > record.size()) {
+            record = {};
+            return;
+        }
+        sets.insert(sets.end(), record.begin(), record.begin() + static_cast<std::ptrdiff_t>(bytes));
+        record = record.subspan(bytes);
+    }
+}
+
 } // namespace
 
 std::optional<std::vector<uint8_t>> BuildAvcConfiguration(ByteView units, uint8_t profile, uint8_t level) {
@@ -85,6 +104,25 @@ std::optional<std::vector<uint8_t>> BuildAvcConfiguration(ByteView units, uint8_
     AppendList(record, found->sps);
     AppendList(record, found->pps);
     return record;
+}
+
+AvcConfiguration ParseAvcConfiguration(ByteView record) {
+    AvcConfiguration avc;
+    if (record.size() < kHeadBytes) {
+        return avc;
+    }
+    avc.profile = record[1];
+    avc.level = record[3];
+    avc.lengthBytes = static_cast<size_t>(record[4] & kLengthSizeMask) + 1;
+    const size_t spsCount = record[5] & kSpsCountMask;
+    record = record.subspan(kHeadBytes);
+    TakeSets(record, spsCount, avc.parameterSets);
+    if (!record.empty()) {
+        const size_t ppsCount = record[0];
+        record = record.subspan(1);
+        TakeSets(record, ppsCount, avc.parameterSets);
+    }
+    return avc;
 }
 
 } // namespace codecs

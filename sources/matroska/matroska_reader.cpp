@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "codecs/avc_private.h"
+#include "codecs/avc_configuration.h"
 #include "codecs/lacing.h"
+#include "codecs/unit_lengths.h"
 #include "sources/base/printable.h"
 #include "sources/matroska/media_types_of.h"
 
@@ -18,14 +19,13 @@ constexpr UINT64 kMaxAttachmentBytes = 0x7FFFFFFE;
 constexpr size_t kMaxCodecIdChars = 64;
 // A block's time is at most this much before that of its cluster.
 constexpr UINT64 kMaxTicksBelowCluster = 32768;
-constexpr size_t kAvcSampleLengthBytes = 4;
 
 size_t AvcLengthBytes(const Track& track) {
     if (track.codecId != "V_MPEG4/ISO/AVC") {
         return 0;
     }
-    const size_t bytes = codecs::ParseAvcPrivate(track.codecPrivate).lengthBytes;
-    return bytes == kAvcSampleLengthBytes ? 0 : bytes;
+    const size_t bytes = codecs::ParseAvcConfiguration(track.codecPrivate).lengthBytes;
+    return bytes == codecs::kSampleLengthSizeBytes ? 0 : bytes;
 }
 
 // The identifier comes from the file and goes to the user's console.

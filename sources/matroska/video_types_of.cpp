@@ -2,7 +2,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "codecs/avc_private.h"
+#include "codecs/avc_configuration.h"
+#include "codecs/unit_lengths.h"
 #include "dshow/media_subtypes.h"
 #include "media/format_builder.h"
 #include "sources/matroska/frame_times.h"
@@ -15,7 +16,6 @@ namespace {
 using source::Picture;
 
 constexpr UINT64 kMaxFrameDurationNs = UINT64{1000} * 3600 * 1'000'000'000; // longer ones are damage
-constexpr DWORD kSampleLengthBytes = 4;
 
 LONG ClampedSize(UINT64 size) {
     return static_cast<LONG>(std::min<UINT64>(size, INT32_MAX));
@@ -40,9 +40,9 @@ Picture PictureOf(const Track& track) {
 }
 
 CMediaType AvcType(const Track& track, const Picture& picture) {
-    const codecs::AvcPrivate avc = codecs::ParseAvcPrivate(track.codecPrivate);
+    const codecs::AvcConfiguration avc = codecs::ParseAvcConfiguration(track.codecPrivate);
     return source::Mpeg2VideoType(mediasubtype::kAvc1, picture, avc.parameterSets,
-                                  {avc.profile, avc.level, kSampleLengthBytes});
+                                  {avc.profile, avc.level, codecs::kSampleLengthSizeBytes});
 }
 
 // The codec private data is a BITMAPINFOHEADER and what belongs to it. The plain format block loses the latter, and a

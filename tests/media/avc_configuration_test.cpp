@@ -1,5 +1,3 @@
-#include "codecs/avc_configuration.h"
-
 #include <gtest/gtest.h>
 
 #include "dshow/media_subtypes.h"
@@ -53,13 +51,6 @@ TEST(AvcConfigurationTest, AZeroLengthEndsTheWalkAndHidesTheUnitsBehindIt) {
     const Bytes hidden = Concat({LengthPrefixed({kSps, kPps}), {0, 0}, LengthPrefixed({kSps2, kPps2})});
     EXPECT_EQ(Avc1Record(hidden), Avc1Record(LengthPrefixed({kSps, kPps})));
     EXPECT_EQ(Avc1Record(Concat({{0, 0}, LengthPrefixed({kSps, kPps})})), "0164001f030000");
-}
-
-TEST(AvcConfigurationTest, ByteFourIsThreeAndByteFiveTheBareCountOfSps) {
-    const auto record = codecs::BuildAvcConfiguration(LengthPrefixed({kSps, kPps}), 100, 31);
-    ASSERT_TRUE(record.has_value());
-    EXPECT_EQ((*record)[4], 0x03);
-    EXPECT_EQ((*record)[5], 0x01);
 }
 
 TEST(AvcConfigurationTest, TheHeadTakesTheLowBytesOfProfileAndLevelAndAFixedCompatibility) {
@@ -146,16 +137,6 @@ TEST(AvcConfigurationTest, AnAvc1SequenceHeaderCutAtEveryByteIsWholeUnitsOrUnsup
             EXPECT_EQ(record, "none") << size;
         }
     }
-}
-
-TEST(AvcConfigurationTest, CountsStayWithinTheirByte) {
-    std::vector<Bytes> units(300, kSps2);
-    units.insert(units.end(), 255, kPps);
-    const auto record = codecs::BuildAvcConfiguration(LengthPrefixed(units), 100, 31);
-    ASSERT_TRUE(record.has_value());
-    EXPECT_EQ(record->size(), 7u + 255 * 4 + 255 * 4);
-    EXPECT_EQ((*record)[5], 255);
-    EXPECT_EQ((*record)[6 + 255 * 4], 255);
 }
 
 TEST(AvcConfigurationTest, AParameterSetTooLongForItsLengthIsLeftOut) {

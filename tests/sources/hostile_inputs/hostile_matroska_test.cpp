@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <zlib.h>
 
-#include "codecs/avc_private.h"
+#include "codecs/unit_lengths.h"
 #include "sources/matroska/content_decoder.h"
 #include "sources/matroska/frame_queue.h"
 #include "sources/matroska/matroska_reader.h"
