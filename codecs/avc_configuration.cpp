@@ -8,15 +8,12 @@ namespace codecs {
 
 namespace {
 
-constexpr uint8_t kNalTypeSps = 7;
-constexpr uint8_t kNalTypePps = 8;
-
 constexpr uint8_t kConfigurationVersion = 1;
 // Deliberately not taken from the SPS.
 constexpr uint8_t kProfileCompatibility = 0;
 // Samples carry 4-byte lengths whatever the media type says. The reserved bits around this field and around the
 // count of SPS are deliberately 0.
-constexpr uint8_t kLengthSizeMinusOne = 3;
+constexpr uint8_t kLengthSizeMinusOne = kSampleLengthSizeBytes - 1;
 constexpr size_t kHeadBytes = 6;            // up to and with the count of SPS
 constexpr size_t kFixedRecordSizeBytes = 7; // and the count of PPS
 // The counts are one byte each.
@@ -52,9 +49,9 @@ std::optional<ParameterSets> FindParameterSets(ByteView units) {
             return std::nullopt;
         }
         const uint8_t type = NALUnit(units.subspan(kParameterSetLengthSizeBytes, length)).AvcType();
-        if (type == kNalTypeSps) {
+        if (type == kAvcSpsUnit) {
             AppendTo(found.sps, units.first(entrySize));
-        } else if (type == kNalTypePps) {
+        } else if (type == kAvcPpsUnit) {
             AppendTo(found.pps, units.first(entrySize));
         }
         units = units.subspan(entrySize);

@@ -66,4 +66,9 @@ uint32_t BitstreamReader::ReadUE(uint32_t maximum) {
     return value;
 }
 
+int32_t BitstreamReader::ReadSE() {
+    const int64_t code = ReadUE();
+    return static_cast<int32_t>(code % 2 != 0 ? (code + 1) / 2 : -(code / 2));
+}
+
 } // namespace codecs

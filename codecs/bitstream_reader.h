@@ -22,7 +22,9 @@ class BitstreamReader {
     uint32_t ReadUE();
     // A number above the maximum invalidates the reader.
     uint32_t ReadUE(uint32_t maximum);
-    // The signed form takes as many bits.
+    // Signed Exp-Golomb.
+    int32_t ReadSE();
+    // It takes as many bits as the unsigned form.
     void SkipSE() { ReadUE(); }
 
     [[nodiscard]] bool IsValid() const { return m_valid; }

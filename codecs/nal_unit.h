@@ -10,6 +10,42 @@
 
 namespace codecs {
 
+inline constexpr size_t kAvcHeaderBytes = 1;
+inline constexpr size_t kHevcHeaderBytes = 2;
+
+// nal_unit_type of H.264 (ITU-T H.264, table 7-1).
+enum AvcNalType : uint8_t {
+    kAvcNonIdrSlice = 1,
+    kAvcPartitionA = 2,
+    kAvcIdrSlice = 5,
+    kAvcSeiUnit = 6,
+    kAvcSpsUnit = 7,
+    kAvcPpsUnit = 8,
+    kAvcDelimiter = 9,
+    kAvcSlicePrefix = 14,
+    kAvcLastReservedPrefix = 18,
+};
+
+// nal_unit_type of H.265 (ITU-T H.265, table 7-1).
+enum HevcNalType : uint8_t {
+    kHevcFirstRadl = 6,
+    kHevcLastRasl = 9,
+    kHevcLastSubLayerPicture = 15,
+    kHevcFirstIrap = 16,
+    kHevcLastBla = 18,
+    kHevcFirstIdr = 19,
+    kHevcLastIdr = 20,
+    kHevcLastIrap = 23,
+    kHevcLastSlice = 31,
+    kHevcVpsUnit = 32,
+    kHevcSpsUnit = 33,
+    kHevcPpsUnit = 34,
+    kHevcDelimiter = 35,
+    kHevcEndOfSequence = 36,
+    kHevcEndOfStream = 37,
+    kHevcPrefixSei = 39,
+};
+
 class NALUnit {
   public:
     explicit NALUnit(ByteView payload) : m_payload(payload) {}
@@ -20,6 +56,7 @@ class NALUnit {
     // The first byte; 0 for an empty unit.
     [[nodiscard]] uint8_t Header() const { return m_payload.empty() ? uint8_t{0} : m_payload.front(); }
     [[nodiscard]] uint8_t AvcType() const { return Header() & 0x1f; }
+    [[nodiscard]] uint8_t AvcRefIdc() const { return Header() >> 5 & 3; } // 0: no picture refers to this one
     [[nodiscard]] uint8_t HevcType() const { return Header() >> 1 & 0x3f; }
 
   private:

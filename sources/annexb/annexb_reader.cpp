@@ -14,8 +14,8 @@ constexpr BYTE kStartCode[] = {0, 0, 0, 1};
 
 CMediaType TypeOf(const PictureIndex& index, Codec codec, const FrameRate& rate) {
     source::Picture picture;
-    picture.width = index.shape.width;
-    picture.height = index.shape.height;
+    picture.width = static_cast<LONG>(index.shape.width);
+    picture.height = static_cast<LONG>(index.shape.height);
     picture.aspectX = index.shape.aspectX;
     picture.aspectY = index.shape.aspectY;
     picture.frameDuration = rate.TimeOf(1);

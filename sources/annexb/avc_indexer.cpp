@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+#include "codecs/avc_sei.h"
+#include "codecs/nal_unit.h"
+
 namespace annexb {
 
 namespace {
@@ -10,52 +13,9 @@ constexpr size_t kMaxParameterSetBytes = size_t{64} * 1024;
 // The head of a slice with weights for all references stays below.
 constexpr size_t kMaxSliceHeadBytes = 4096;
 
-constexpr BYTE kNalTypeMask = 0x1f;
-enum NalType : BYTE {
-    kSlice = 1,
-    kPartitionA = 2,
-    kIdrSlice = 5,
-    kSei = 6,
-    kSps = 7,
-    kPps = 8,
-    kDelimiter = 9,
-    kSlicePrefix = 14,
-    kLastReservedPrefix = 18,
-};
-
-// Whether a recovery point message says that the very next picture is right (annex D, 7.3.2.3.1 for its shape).
-bool IsExactRecoveryPoint(Bytes unit) {
-    constexpr UINT32 kRecoveryPoint = 6;
-    constexpr BYTE kContinues = 255;
-    const std::vector<BYTE> payload = RawPayload(unit, 1);
-    Bytes rest = payload;
-    const auto takeNumber = [&rest] {
-        UINT32 number = 0;
-        BYTE byte = kContinues;
-        while (byte == kContinues && !rest.empty()) {
-            byte = rest.front();
-            number += byte;
-            rest = rest.subspan(1);
-        }
-        return number;
-    };
-    while (rest.size() > 2) {
-        const UINT32 type = takeNumber();
-        const UINT32 size = takeNumber();
-        if (size > rest.size()) {
-            return false;
-        }
-        if (type == kRecoveryPoint) {
-            codecs::BitstreamReader reader(rest.first(size));
-            return reader.ReadUE() == 0 && reader.IsValid();
-        }
-        rest = rest.subspan(size);
-    }
-    return false;
-}
-
 bool IsPrefix(BYTE type) {
-    return (type >= kSei && type <= kDelimiter) || (type >= kSlicePrefix && type <= kLastReservedPrefix);
+    return (type >= codecs::kAvcSeiUnit && type <= codecs::kAvcDelimiter) ||
+           (type >= codecs::kAvcSlicePrefix && type <= codecs::kAvcLastReservedPrefix);
 }
 
 } // namespace
@@ -69,9 +29,9 @@ PictureIndex AvcIndexer::Run() {
 }
 
 void AvcIndexer::Take(const UnitExtent& unit) {
-    const std::vector<BYTE> header = m_builder.Read(unit, 1);
-    const BYTE type = header.empty() ? BYTE{0} : static_cast<BYTE>(header[0] & kNalTypeMask);
-    if (type == kSlice || type == kPartitionA || type == kIdrSlice) {
+    const std::vector<BYTE> header = m_builder.Read(unit, codecs::kAvcHeaderBytes);
+    const BYTE type = codecs::NALUnit(header).AvcType();
+    if (type == codecs::kAvcNonIdrSlice || type == codecs::kAvcPartitionA || type == codecs::kAvcIdrSlice) {
         TakeSlice(unit);
     } else if (IsPrefix(type)) {
         TakePrefix(unit, type);
@@ -81,23 +41,24 @@ void AvcIndexer::Take(const UnitExtent& unit) {
 }
 
 void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
-    m_pictureIsComplete = m_pictureIsComplete || type != kSlicePrefix; // that one stands before each slice of a picture
+    m_pictureIsComplete =
+        m_pictureIsComplete || type != codecs::kAvcSlicePrefix; // that one stands before each slice of a picture
     m_builder.AddPrefix(unit);
-    if (type == kDelimiter) {
+    if (type == codecs::kAvcDelimiter) {
         return;
     }
     const std::vector<BYTE> bytes = m_builder.Read(unit, kMaxParameterSetBytes);
-    if (type == kSei) {
-        m_mayRecover = m_mayRecover || IsExactRecoveryPoint(bytes);
-    } else if (type == kSps) {
-        if (const std::optional<AvcSps> sps = ParseAvcSps(bytes)) {
+    if (type == codecs::kAvcSeiUnit) {
+        m_mayRecover = m_mayRecover || codecs::IsExactRecoveryPoint(bytes);
+    } else if (type == codecs::kAvcSpsUnit) {
+        if (const std::optional<codecs::AvcSps> sps = codecs::ParseAvcSps(bytes)) {
             m_sps[sps->id] = *sps;
             m_builder.AddParameterSet(type, sps->id, bytes);
         } else {
             m_builder.MarkDamaged();
         }
-    } else if (type == kPps) {
-        if (const std::optional<AvcPps> pps = ParseAvcPps(bytes)) {
+    } else if (type == codecs::kAvcPpsUnit) {
+        if (const std::optional<codecs::AvcPps> pps = codecs::ParseAvcPps(bytes)) {
             m_pps[pps->id] = *pps;
             m_builder.AddParameterSet(type, pps->id, bytes);
         } else {
@@ -108,17 +69,17 @@ void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
 
 void AvcIndexer::TakeSlice(const UnitExtent& unit) {
     const std::vector<BYTE> head = m_builder.Read(unit, kMaxSliceHeadBytes);
-    const auto pps = m_pps.find(PpsIdOf(head).value_or(UINT32_MAX));
+    const auto pps = m_pps.find(codecs::AvcPpsIdOf(head).value_or(UINT32_MAX));
     const auto sps = pps == m_pps.end() ? m_sps.end() : m_sps.find(pps->second.spsId);
-    const std::optional<AvcSlice> slice =
-        sps == m_sps.end() ? std::nullopt : ParseAvcSlice(head, sps->second, pps->second);
+    const std::optional<codecs::AvcSlice> slice =
+        sps == m_sps.end() ? std::nullopt : codecs::ParseAvcSlice(head, sps->second, pps->second);
     if (!slice) {
         m_builder.MarkDamaged();
         m_builder.Extend(unit);
         return;
     }
     const bool belongsToLast =
-        slice->isRedundant || (!m_pictureIsComplete && m_last && !BeginsNewPicture(*m_last, *slice));
+        slice->isRedundant || (!m_pictureIsComplete && m_last && !codecs::BeginsNewPicture(*m_last, *slice));
     if (belongsToLast) {
         m_builder.Extend(unit);
     } else {
@@ -126,9 +87,9 @@ void AvcIndexer::TakeSlice(const UnitExtent& unit) {
     }
 }
 
-void AvcIndexer::TakePicture(const UnitExtent& unit, const AvcSlice& slice, const AvcSps& sps) {
+void AvcIndexer::TakePicture(const UnitExtent& unit, const codecs::AvcSlice& slice, const codecs::AvcSps& sps) {
     const INT32 order = m_order.Next(slice, sps);
-    const bool joins = m_isFirstField && m_last && AreFieldsOfOneFrame(*m_last, slice);
+    const bool joins = m_isFirstField && m_last && codecs::AreFieldsOfOneFrame(*m_last, slice);
     m_builder.SetShape(sps.shape, sps.profile, sps.level);
     if (joins) {
         m_builder.JoinField(unit, order);

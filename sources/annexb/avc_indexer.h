@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "sources/annexb/avc_picture_order.h"
+#include "codecs/avc_picture_order.h"
 #include "sources/annexb/index_builder.h"
 
 namespace annexb {
@@ -20,17 +20,17 @@ class AvcIndexer {
     void Take(const UnitExtent& unit);
     void TakePrefix(const UnitExtent& unit, BYTE type);
     void TakeSlice(const UnitExtent& unit);
-    void TakePicture(const UnitExtent& unit, const AvcSlice& slice, const AvcSps& sps);
+    void TakePicture(const UnitExtent& unit, const codecs::AvcSlice& slice, const codecs::AvcSps& sps);
 
     const source::ByteSource& m_source;
     IndexBuilder m_builder;
-    AvcPictureOrder m_order;
-    std::map<UINT32, AvcSps> m_sps;
-    std::map<UINT32, AvcPps> m_pps;
-    std::optional<AvcSlice> m_last;  // the last slice of the picture that was begun last
-    bool m_pictureIsComplete = true; // what came since belongs to the next picture
-    bool m_isFirstField = false;     // the last picture is a field that the next one may join
-    bool m_mayRecover = false;       // the next picture is a recovery point
+    codecs::AvcPictureOrder m_order;
+    std::map<UINT32, codecs::AvcSps> m_sps;
+    std::map<UINT32, codecs::AvcPps> m_pps;
+    std::optional<codecs::AvcSlice> m_last; // the last slice of the picture that was begun last
+    bool m_pictureIsComplete = true;        // what came since belongs to the next picture
+    bool m_isFirstField = false;            // the last picture is a field that the next one may join
+    bool m_mayRecover = false;              // the next picture is a recovery point
     UINT32 m_sequence = 0;
 };
 

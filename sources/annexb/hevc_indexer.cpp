@@ -1,5 +1,8 @@
 #include "sources/annexb/hevc_indexer.h"
 
+#include "codecs/bitstream_reader.h"
+#include "codecs/nal_unit.h"
+
 namespace annexb {
 
 namespace {
@@ -124,11 +127,11 @@ void HevcIndexer::TakeSlice(const UnitExtent& unit) {
     m_builder.BeginPicture(unit, m_sequence, order, IsIrap(slice->type));
 }
 
-std::optional<HevcIndexer::Slice> HevcIndexer::ParseSlice(Bytes unit) const {
+std::optional<HevcIndexer::Slice> HevcIndexer::ParseSlice(codecs::ByteView unit) const {
     Slice slice;
     slice.type = static_cast<BYTE>(unit[0] >> 1 & 0x3f);
     slice.temporalId = static_cast<BYTE>((unit[1] & 7) - 1);
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+    const std::vector<BYTE> payload = codecs::RawPayload(unit, kHeaderBytes);
     codecs::BitstreamReader reader(payload);
     reader.ReadFlag(); // first_slice_segment_in_pic_flag
     if (IsIrap(slice.type)) {

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "sources/annexb/index_builder.h"
+#include "sources/annexb/parameter_sets.h"
 
 namespace annexb {
 
@@ -22,13 +23,13 @@ class HevcIndexer {
         BYTE temporalId = 0;
         UINT32 pocLsb = 0;
         unsigned pocLsbBits = 0;
-        PictureShape shape;
+        codecs::PictureShape shape;
     };
 
     void Take(const UnitExtent& unit);
     void TakePrefix(const UnitExtent& unit, BYTE type);
     void TakeSlice(const UnitExtent& unit);
-    [[nodiscard]] std::optional<Slice> ParseSlice(Bytes unit) const;
+    [[nodiscard]] std::optional<Slice> ParseSlice(codecs::ByteView unit) const;
     [[nodiscard]] INT32 OrderOf(const Slice& slice);
 
     const source::ByteSource& m_source;

@@ -1,5 +1,8 @@
 #include "sources/annexb/parameter_sets.h"
 
+#include "codecs/bitstream_reader.h"
+#include "codecs/nal_unit.h"
+
 namespace annexb {
 
 namespace {
@@ -7,9 +10,9 @@ namespace {
 using codecs::BitstreamReader;
 
 constexpr size_t kHeaderBytes = 2;
-constexpr UINT32 kMaxSpsId = 15;
-constexpr UINT32 kMaxPpsId = 63;
-constexpr UINT32 kMaxPixelsOneWay = 1U << 16;
+constexpr uint32_t kMaxSpsId = 15;
+constexpr uint32_t kMaxPpsId = 63;
+constexpr uint32_t kMaxPixelsOneWay = 1U << 16;
 constexpr unsigned kMaxSubLayers = 8;
 constexpr size_t kGeneralProfileBits = 88;
 constexpr size_t kLevelBits = 8;
@@ -29,8 +32,8 @@ void SkipProfileTierLevel(BitstreamReader& reader, unsigned subLayersMinus1) {
 
 } // namespace
 
-std::optional<HevcSpsHead> ParseHevcSpsHead(Bytes unit) {
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+std::optional<HevcSpsHead> ParseHevcSpsHead(codecs::ByteView unit) {
+    const std::vector<uint8_t> payload = codecs::RawPayload(unit, kHeaderBytes);
     BitstreamReader reader(payload);
     HevcSpsHead sps;
     reader.ReadBits(4); // sps_video_parameter_set_id
@@ -38,15 +41,15 @@ std::optional<HevcSpsHead> ParseHevcSpsHead(Bytes unit) {
     reader.ReadFlag(); // sps_temporal_id_nesting_flag
     SkipProfileTierLevel(reader, subLayersMinus1);
     sps.id = reader.ReadUE(kMaxSpsId);
-    const UINT32 chroma = reader.ReadUE(3);
+    const uint32_t chroma = reader.ReadUE(3);
     sps.separateColourPlanes = chroma == 3 && reader.ReadFlag();
-    UINT32 width = reader.ReadUE(kMaxPixelsOneWay);
-    UINT32 height = reader.ReadUE(kMaxPixelsOneWay);
+    uint32_t width = reader.ReadUE(kMaxPixelsOneWay);
+    uint32_t height = reader.ReadUE(kMaxPixelsOneWay);
     if (reader.ReadFlag()) {
-        const UINT32 unitX = chroma == 1 || chroma == 2 ? 2 : 1;
-        const UINT32 unitY = chroma == 1 ? 2 : 1;
-        const UINT32 horizontally = (reader.ReadUE(kMaxPixelsOneWay) + reader.ReadUE(kMaxPixelsOneWay)) * unitX;
-        const UINT32 vertically = (reader.ReadUE(kMaxPixelsOneWay) + reader.ReadUE(kMaxPixelsOneWay)) * unitY;
+        const uint32_t unitX = chroma == 1 || chroma == 2 ? 2 : 1;
+        const uint32_t unitY = chroma == 1 ? 2 : 1;
+        const uint32_t horizontally = (reader.ReadUE(kMaxPixelsOneWay) + reader.ReadUE(kMaxPixelsOneWay)) * unitX;
+        const uint32_t vertically = (reader.ReadUE(kMaxPixelsOneWay) + reader.ReadUE(kMaxPixelsOneWay)) * unitY;
         width = horizontally < width ? width - horizontally : width;
         height = vertically < height ? height - vertically : height;
     }
@@ -56,12 +59,12 @@ std::optional<HevcSpsHead> ParseHevcSpsHead(Bytes unit) {
     if (!reader.IsValid() || width == 0 || height == 0) {
         return {};
     }
-    sps.shape = {static_cast<LONG>(width), static_cast<LONG>(height), width, height};
+    sps.shape = {width, height, width, height};
     return sps;
 }
 
-std::optional<HevcPpsHead> ParseHevcPpsHead(Bytes unit) {
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+std::optional<HevcPpsHead> ParseHevcPpsHead(codecs::ByteView unit) {
+    const std::vector<uint8_t> payload = codecs::RawPayload(unit, kHeaderBytes);
     BitstreamReader reader(payload);
     HevcPpsHead pps;
     pps.id = reader.ReadUE(kMaxPpsId);

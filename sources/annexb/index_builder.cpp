@@ -78,7 +78,7 @@ void IndexBuilder::AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>
     }
 }
 
-void IndexBuilder::SetShape(const PictureShape& shape, BYTE profile, BYTE level) {
+void IndexBuilder::SetShape(const codecs::PictureShape& shape, BYTE profile, BYTE level) {
     if (m_index.shape.width == 0) {
         m_index.shape = shape;
         m_index.profile = profile;

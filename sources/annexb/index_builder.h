@@ -38,7 +38,7 @@ class IndexBuilder {
     void AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>& unit);
 
     void MarkDamaged() { m_index.isDamaged = true; }
-    void SetShape(const PictureShape& shape, BYTE profile, BYTE level);
+    void SetShape(const codecs::PictureShape& shape, BYTE profile, BYTE level);
     [[nodiscard]] PictureIndex Take();
 
   private:

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "sources/annexb/parameter_sets.h"
+#include "codecs/picture_shape.h"
 #include "sources/base/byte_source.h"
 
 namespace annexb {
@@ -23,7 +23,7 @@ struct CodedPicture {
 
 struct PictureIndex {
     std::vector<CodedPicture> pictures; // in the order of decoding
-    PictureShape shape;
+    codecs::PictureShape shape;
     BYTE profile = 0; // of H.264
     BYTE level = 0;
     std::vector<BYTE> parameterSets; // as a byte stream with start codes of four bytes

@@ -88,8 +88,8 @@ TEST(AvcIndexer, SlicesOfOnePictureStayTogether) {
         Avc({WriteAvcSps(), WriteAvcPps(), WriteAvcSlice(Idr()), WriteAvcSlice(second), WriteAvcSlice(P(1, 2))});
     EXPECT_THAT(Shown(index), ElementsAre("0*", "1"));
     EXPECT_FALSE(index.isDamaged);
-    EXPECT_EQ(index.shape.width, 320);
-    EXPECT_EQ(index.shape.height, 240);
+    EXPECT_EQ(index.shape.width, 320u);
+    EXPECT_EQ(index.shape.height, 240u);
     EXPECT_EQ(index.profile, 77);
     EXPECT_EQ(index.level, 30);
 }
@@ -189,7 +189,7 @@ TEST(AvcIndexer, BothFieldsOfAFrameAreOnePicture) {
              field(P(1, 0), false, 4), field(P(1, 0), true, 5), field(B(2, 0), true, 3), field(B(2, 0), false, 2)});
     EXPECT_THAT(Shown(index), ElementsAre("0*", "2", "1"));
     EXPECT_EQ(index.pictures[2].order, 2);
-    EXPECT_EQ(index.shape.height, 240);
+    EXPECT_EQ(index.shape.height, 240u);
 }
 
 TEST(AvcIndexer, AnExactRecoveryPointIsAKeyframe) {
@@ -212,8 +212,8 @@ TEST(HevcIndexer, PicturesAreShownByTheirOrderAndKeyframesAreRandomAccessPoints)
               WriteHevcSlice(8, 5), WriteHevcSlice(8, 7)});
     EXPECT_THAT(Shown(index), ElementsAre("0*", "4", "2", "1", "3", "8*", "6", "5", "7"));
     EXPECT_FALSE(index.isDamaged);
-    EXPECT_EQ(index.shape.width, 320);
-    EXPECT_EQ(index.shape.height, 240);
+    EXPECT_EQ(index.shape.width, 320u);
+    EXPECT_EQ(index.shape.height, 240u);
 }
 
 TEST(HevcIndexer, LowBitsWrapAndUnreferencedPicturesAreNotCountedFrom) {

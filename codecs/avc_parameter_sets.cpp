@@ -1,32 +1,30 @@
+#include "codecs/avc_parameter_sets.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
 
-#include "sources/annexb/parameter_sets.h"
+#include "codecs/bitstream_reader.h"
+#include "codecs/nal_unit.h"
 
-namespace annexb {
+namespace codecs {
 
 namespace {
 
-using codecs::BitstreamReader;
-
-constexpr size_t kHeaderBytes = 1;
-constexpr UINT32 kMaxSpsId = 31;
-constexpr UINT32 kMaxPpsId = 255;
-constexpr UINT32 kMaxRefFramesInCycle = 255;
-constexpr UINT32 kMaxSliceGroupsMinus1 = 7;
-constexpr UINT32 kMaxRefIdx = 31;
-constexpr UINT32 kMaxMacroblocks = 1U << 20;
-constexpr UINT32 kMaxMacroblocksOneWay = 1U << 12;
-constexpr UINT32 kMacroblockPixels = 16;
-constexpr UINT32 kMaxCrop = 1U << 16;
-constexpr UINT32 kExtendedSampleAspectRatio = 255;
+constexpr uint32_t kAvcMaxSpsId = 31;
+constexpr uint32_t kMaxRefFramesInCycle = 255;
+constexpr uint32_t kMaxSliceGroupsMinus1 = 7;
+constexpr uint32_t kMaxMacroblocks = 1U << 20;
+constexpr uint32_t kMaxMacroblocksOneWay = 1U << 12;
+constexpr uint32_t kMacroblockPixels = 16;
+constexpr uint32_t kMaxCrop = 1U << 16;
+constexpr uint32_t kExtendedAspectRatio = 255;
 // Those whose parameter sets tell the chroma format (7.3.2.1.1).
-constexpr std::array<BYTE, 13> kHighProfiles{100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135};
+constexpr std::array<uint8_t, 13> kHighProfiles{100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135};
 
 struct SampleAspect {
-    DWORD x;
-    DWORD y;
+    uint32_t x;
+    uint32_t y;
 };
 // Table E-1.
 constexpr SampleAspect kSampleAspects[] = {
@@ -34,20 +32,20 @@ constexpr SampleAspect kSampleAspects[] = {
     {80, 33}, {18, 11}, {15, 11}, {64, 33}, {160, 99}, {4, 3},   {3, 2},   {2, 1},
 };
 
-void SkipScalingList(BitstreamReader& reader, int size) {
-    INT32 last = 8;
-    INT32 next = 8;
+void SkipAvcScalingList(BitstreamReader& reader, int size) {
+    int32_t last = 8;
+    int32_t next = 8;
     for (int i = 0; i < size; ++i) {
         if (next != 0) {
-            next = (last + ReadSE(reader) % 256 + 256) % 256;
+            next = (last + reader.ReadSE() % 256 + 256) % 256;
         }
         last = next == 0 ? last : next;
     }
 }
 
 // How far the chroma format reaches: 0 for pictures without colours.
-UINT32 ReadChroma(BitstreamReader& reader, AvcSps& sps) {
-    const UINT32 chroma = reader.ReadUE(3);
+uint32_t ReadChroma(BitstreamReader& reader, AvcSps& sps) {
+    const uint32_t chroma = reader.ReadUE(3);
     sps.isMonochrome = chroma == 0;
     sps.separateColourPlanes = chroma == 3 && reader.ReadFlag();
     reader.ReadUE(); // bit depths
@@ -57,7 +55,7 @@ UINT32 ReadChroma(BitstreamReader& reader, AvcSps& sps) {
         const int lists = chroma == 3 ? 12 : 8;
         for (int i = 0; i < lists; ++i) {
             if (reader.ReadFlag()) {
-                SkipScalingList(reader, i < 6 ? 16 : 64);
+                SkipAvcScalingList(reader, i < 6 ? 16 : 64);
             }
         }
     }
@@ -71,11 +69,11 @@ void ReadPictureOrder(BitstreamReader& reader, AvcSps& sps) {
         sps.pocLsbBits = reader.ReadUE(12) + 4;
     } else if (sps.pocType == 1) {
         sps.deltaPicOrderAlwaysZero = reader.ReadFlag();
-        sps.offsetForNonRefPic = ReadSE(reader);
-        sps.offsetForTopToBottomField = ReadSE(reader);
-        const UINT32 count = reader.ReadUE(kMaxRefFramesInCycle);
-        for (UINT32 i = 0; i < count; ++i) {
-            sps.offsetsForRefFrame.push_back(ReadSE(reader));
+        sps.offsetForNonRefPic = reader.ReadSE();
+        sps.offsetForTopToBottomField = reader.ReadSE();
+        const uint32_t count = reader.ReadUE(kMaxRefFramesInCycle);
+        for (uint32_t i = 0; i < count; ++i) {
+            sps.offsetsForRefFrame.push_back(reader.ReadSE());
         }
     }
 }
@@ -84,30 +82,30 @@ SampleAspect ReadSampleAspect(BitstreamReader& reader) {
     if (!reader.ReadFlag() || !reader.ReadFlag()) { // VUI, aspect ratio
         return {1, 1};
     }
-    const UINT32 index = reader.ReadBits(8);
-    if (index == kExtendedSampleAspectRatio) {
-        const DWORD x = reader.ReadBits(16);
-        const DWORD y = reader.ReadBits(16);
+    const uint32_t index = reader.ReadBits(8);
+    if (index == kExtendedAspectRatio) {
+        const uint32_t x = reader.ReadBits(16);
+        const uint32_t y = reader.ReadBits(16);
         return reader.IsValid() && x != 0 && y != 0 ? SampleAspect{x, y} : SampleAspect{1, 1};
     }
     return index < std::size(kSampleAspects) ? kSampleAspects[index] : SampleAspect{1, 1};
 }
 
-void ReadShape(BitstreamReader& reader, UINT32 chroma, AvcSps& sps) {
-    UINT32 width = (reader.ReadUE(kMaxMacroblocksOneWay - 1) + 1) * kMacroblockPixels;
-    const UINT32 mapUnits = reader.ReadUE(kMaxMacroblocksOneWay - 1) + 1;
+void ReadShape(BitstreamReader& reader, uint32_t chroma, AvcSps& sps) {
+    uint32_t width = (reader.ReadUE(kMaxMacroblocksOneWay - 1) + 1) * kMacroblockPixels;
+    const uint32_t mapUnits = reader.ReadUE(kMaxMacroblocksOneWay - 1) + 1;
     sps.frameMbsOnly = reader.ReadFlag();
     if (!sps.frameMbsOnly) {
         reader.ReadFlag(); // mb_adaptive_frame_field_flag
     }
     reader.ReadFlag(); // direct_8x8_inference_flag
-    const UINT32 fieldFactor = sps.frameMbsOnly ? 1 : 2;
-    UINT32 height = mapUnits * kMacroblockPixels * fieldFactor;
+    const uint32_t fieldFactor = sps.frameMbsOnly ? 1 : 2;
+    uint32_t height = mapUnits * kMacroblockPixels * fieldFactor;
     if (reader.ReadFlag()) {
-        const UINT32 unitX = chroma == 1 || chroma == 2 ? 2 : 1;
-        const UINT32 unitY = (chroma == 1 ? 2 : 1) * fieldFactor;
-        const UINT32 horizontally = reader.ReadUE(kMaxCrop) + reader.ReadUE(kMaxCrop);
-        const UINT32 vertically = reader.ReadUE(kMaxCrop) + reader.ReadUE(kMaxCrop);
+        const uint32_t unitX = chroma == 1 || chroma == 2 ? 2 : 1;
+        const uint32_t unitY = (chroma == 1 ? 2 : 1) * fieldFactor;
+        const uint32_t horizontally = reader.ReadUE(kMaxCrop) + reader.ReadUE(kMaxCrop);
+        const uint32_t vertically = reader.ReadUE(kMaxCrop) + reader.ReadUE(kMaxCrop);
         width = horizontally * unitX < width ? width - horizontally * unitX : width;
         height = vertically * unitY < height ? height - vertically * unitY : height;
     }
@@ -115,41 +113,41 @@ void ReadShape(BitstreamReader& reader, UINT32 chroma, AvcSps& sps) {
         return;
     }
     const SampleAspect aspect = ReadSampleAspect(reader);
-    sps.shape = {static_cast<LONG>(width), static_cast<LONG>(height), width * aspect.x, height * aspect.y};
+    sps.shape = {width, height, width * aspect.x, height * aspect.y};
 }
 
 // The slices of a group are somewhere in the picture: only the length of the description matters.
-void SkipSliceGroups(BitstreamReader& reader, UINT32 groupsMinus1) {
-    const UINT32 mapType = reader.ReadUE(6);
+void SkipSliceGroups(BitstreamReader& reader, uint32_t groupsMinus1) {
+    const uint32_t mapType = reader.ReadUE(6);
     if (mapType == 0) {
-        for (UINT32 i = 0; i <= groupsMinus1; ++i) {
+        for (uint32_t i = 0; i <= groupsMinus1; ++i) {
             reader.ReadUE();
         }
     } else if (mapType == 2) {
-        for (UINT32 i = 0; i < 2 * groupsMinus1; ++i) {
+        for (uint32_t i = 0; i < 2 * groupsMinus1; ++i) {
             reader.ReadUE();
         }
     } else if (mapType >= 3 && mapType <= 5) {
         reader.ReadFlag();
         reader.ReadUE();
     } else if (mapType == 6) {
-        const UINT32 units = reader.ReadUE(kMaxMacroblocks) + 1;
+        const uint32_t units = reader.ReadUE(kMaxMacroblocks) + 1;
         reader.SkipBits(static_cast<size_t>(units) * static_cast<size_t>(std::bit_width(groupsMinus1)));
     }
 }
 
 } // namespace
 
-std::optional<AvcSps> ParseAvcSps(Bytes unit) {
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+std::optional<AvcSps> ParseAvcSps(ByteView unit) {
+    const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
     BitstreamReader reader(payload);
     AvcSps sps;
-    sps.profile = static_cast<BYTE>(reader.ReadBits(8));
+    sps.profile = static_cast<uint8_t>(reader.ReadBits(8));
     reader.ReadBits(8); // constraints
-    sps.level = static_cast<BYTE>(reader.ReadBits(8));
-    sps.id = reader.ReadUE(kMaxSpsId);
+    sps.level = static_cast<uint8_t>(reader.ReadBits(8));
+    sps.id = reader.ReadUE(kAvcMaxSpsId);
     const bool isHigh = std::find(kHighProfiles.begin(), kHighProfiles.end(), sps.profile) != kHighProfiles.end();
-    const UINT32 chroma = isHigh ? ReadChroma(reader, sps) : 1;
+    const uint32_t chroma = isHigh ? ReadChroma(reader, sps) : 1;
     ReadPictureOrder(reader, sps);
     reader.ReadUE();   // max_num_ref_frames
     reader.ReadFlag(); // gaps_in_frame_num_value_allowed_flag
@@ -157,19 +155,19 @@ std::optional<AvcSps> ParseAvcSps(Bytes unit) {
     return sps.shape.width > 0 ? std::optional(sps) : std::nullopt;
 }
 
-std::optional<AvcPps> ParseAvcPps(Bytes unit) {
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+std::optional<AvcPps> ParseAvcPps(ByteView unit) {
+    const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
     BitstreamReader reader(payload);
     AvcPps pps;
-    pps.id = reader.ReadUE(kMaxPpsId);
-    pps.spsId = reader.ReadUE(kMaxSpsId);
+    pps.id = reader.ReadUE(kAvcMaxPpsId);
+    pps.spsId = reader.ReadUE(kAvcMaxSpsId);
     reader.ReadFlag(); // entropy_coding_mode_flag
     pps.bottomFieldPicOrderPresent = reader.ReadFlag();
-    if (const UINT32 groupsMinus1 = reader.ReadUE(kMaxSliceGroupsMinus1); groupsMinus1 > 0) {
+    if (const uint32_t groupsMinus1 = reader.ReadUE(kMaxSliceGroupsMinus1); groupsMinus1 > 0) {
         SkipSliceGroups(reader, groupsMinus1);
     }
-    for (UINT32& entries : pps.refIdxDefault) {
-        entries = reader.ReadUE(kMaxRefIdx) + 1;
+    for (uint32_t& entries : pps.refIdxDefault) {
+        entries = reader.ReadUE(kAvcMaxRefIdx) + 1;
     }
     pps.weightedPrediction = reader.ReadFlag();
     pps.weightedBiprediction = reader.ReadBits(2);
@@ -181,4 +179,4 @@ std::optional<AvcPps> ParseAvcPps(Bytes unit) {
     return reader.IsValid() ? std::optional(pps) : std::nullopt;
 }
 
-} // namespace annexb
+} // namespace codecs

@@ -1,10 +1,10 @@
-#include "sources/annexb/avc_picture_order.h"
+#include "codecs/avc_picture_order.h"
 
 #include <algorithm>
 
-namespace annexb {
+namespace codecs {
 
-INT32 AvcPictureOrder::Next(const AvcSlice& slice, const AvcSps& sps) {
+int32_t AvcPictureOrder::Next(const AvcSlice& slice, const AvcSps& sps) {
     CountFrames(slice, sps);
     Order order;
     if (sps.pocType == 0) {
@@ -13,22 +13,22 @@ INT32 AvcPictureOrder::Next(const AvcSlice& slice, const AvcSps& sps) {
         order = sps.pocType == 1 ? FromCycle(slice, sps) : FromFrameNum(slice);
     }
     if (slice.resetsOrder) { // the picture itself is counted anew, too
-        const INT64 least =
+        const int64_t least =
             slice.isField ? (slice.isBottom ? order.bottom : order.top) : std::min(order.top, order.bottom);
         order = {order.top - least, order.bottom - least};
     }
     Remember(slice, order);
     if (slice.isField) {
-        return static_cast<INT32>(slice.isBottom ? order.bottom : order.top);
+        return static_cast<int32_t>(slice.isBottom ? order.bottom : order.top);
     }
-    return static_cast<INT32>(std::min(order.top, order.bottom));
+    return static_cast<int32_t>(std::min(order.top, order.bottom));
 }
 
 void AvcPictureOrder::CountFrames(const AvcSlice& slice, const AvcSps& sps) {
     if (slice.isIdr || m_wasReset) {
         m_frameNumOffset = 0;
     } else if (m_frameNum > slice.frameNum) {
-        m_frameNumOffset += INT64{1} << sps.frameNumBits;
+        m_frameNumOffset += int64_t{1} << sps.frameNumBits;
     }
 }
 
@@ -37,8 +37,8 @@ AvcPictureOrder::Order AvcPictureOrder::FromLsb(const AvcSlice& slice, const Avc
         m_msb = 0;
         m_lsb = 0;
     }
-    const INT64 range = INT64{1} << sps.pocLsbBits;
-    const auto lsb = static_cast<INT64>(slice.pocLsb);
+    const int64_t range = int64_t{1} << sps.pocLsbBits;
+    const auto lsb = static_cast<int64_t>(slice.pocLsb);
     m_nextMsb = m_msb;
     if (lsb < m_lsb && m_lsb - lsb >= range / 2) {
         m_nextMsb += range;
@@ -51,23 +51,23 @@ AvcPictureOrder::Order AvcPictureOrder::FromLsb(const AvcSlice& slice, const Avc
 // Unsigned numbers wrap where a damaged stream leaves the 32 bits that an order fits.
 AvcPictureOrder::Order AvcPictureOrder::FromCycle(const AvcSlice& slice, const AvcSps& sps) const {
     const size_t cycle = sps.offsetsForRefFrame.size();
-    UINT64 frames = cycle == 0 ? 0 : static_cast<UINT64>(m_frameNumOffset) + slice.frameNum;
+    uint64_t frames = cycle == 0 ? 0 : static_cast<uint64_t>(m_frameNumOffset) + slice.frameNum;
     if (!slice.isReference && frames > 0) {
         --frames;
     }
-    UINT64 expected = 0;
+    uint64_t expected = 0;
     for (size_t i = 0; i < cycle && frames > 0; ++i) {
-        const UINT64 times = (frames - 1) / cycle + (i <= (frames - 1) % cycle ? 1 : 0);
-        expected += times * static_cast<UINT64>(INT64{sps.offsetsForRefFrame[i]});
+        const uint64_t times = (frames - 1) / cycle + (i <= (frames - 1) % cycle ? 1 : 0);
+        expected += times * static_cast<uint64_t>(int64_t{sps.offsetsForRefFrame[i]});
     }
-    INT64 first = static_cast<INT32>(static_cast<UINT32>(expected));
-    first += (slice.isReference ? 0 : INT64{sps.offsetForNonRefPic}) + slice.deltaPoc[0];
-    const INT64 bottom = first + sps.offsetForTopToBottomField + (slice.isField ? 0 : slice.deltaPoc[1]);
+    int64_t first = static_cast<int32_t>(static_cast<uint32_t>(expected));
+    first += (slice.isReference ? 0 : int64_t{sps.offsetForNonRefPic}) + slice.deltaPoc[0];
+    const int64_t bottom = first + sps.offsetForTopToBottomField + (slice.isField ? 0 : slice.deltaPoc[1]);
     return {first, bottom};
 }
 
 AvcPictureOrder::Order AvcPictureOrder::FromFrameNum(const AvcSlice& slice) const {
-    const INT64 doubled = slice.isIdr ? 0 : 2 * (m_frameNumOffset + slice.frameNum) - (slice.isReference ? 0 : 1);
+    const int64_t doubled = slice.isIdr ? 0 : 2 * (m_frameNumOffset + slice.frameNum) - (slice.isReference ? 0 : 1);
     return {doubled, doubled};
 }
 
@@ -83,4 +83,4 @@ void AvcPictureOrder::Remember(const AvcSlice& slice, const Order& order) {
     }
 }
 
-} // namespace annexb
+} // namespace codecs

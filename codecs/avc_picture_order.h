@@ -3,19 +3,19 @@
 // Owner: the state of the pictures before. Threads: one at a time.
 #pragma once
 
-#include "sources/annexb/avc_slice.h"
+#include "codecs/avc_slice.h"
 
-namespace annexb {
+namespace codecs {
 
 class AvcPictureOrder {
   public:
     // That of a field, or the lesser one of a frame's two.
-    [[nodiscard]] INT32 Next(const AvcSlice& slice, const AvcSps& sps);
+    [[nodiscard]] int32_t Next(const AvcSlice& slice, const AvcSps& sps);
 
   private:
     struct Order {
-        INT64 top = 0;
-        INT64 bottom = 0;
+        int64_t top = 0;
+        int64_t bottom = 0;
     };
 
     [[nodiscard]] Order FromLsb(const AvcSlice& slice, const AvcSps& sps);
@@ -24,12 +24,12 @@ class AvcPictureOrder {
     void CountFrames(const AvcSlice& slice, const AvcSps& sps);
     void Remember(const AvcSlice& slice, const Order& order);
 
-    INT64 m_msb = 0; // of the last reference picture
-    INT64 m_lsb = 0;
-    INT64 m_nextMsb = 0; // of this picture
-    INT64 m_frameNumOffset = 0;
-    UINT32 m_frameNum = 0;
+    int64_t m_msb = 0; // of the last reference picture
+    int64_t m_lsb = 0;
+    int64_t m_nextMsb = 0; // of this picture
+    int64_t m_frameNumOffset = 0;
+    uint32_t m_frameNum = 0;
     bool m_wasReset = false; // the picture before was the last of its numbering
 };
 
-} // namespace annexb
+} // namespace codecs

@@ -1,27 +1,24 @@
-#include "sources/annexb/avc_slice.h"
+#include "codecs/avc_slice.h"
 
-namespace annexb {
+#include "codecs/bitstream_reader.h"
+#include "codecs/nal_unit.h"
+
+namespace codecs {
 
 namespace {
 
-using codecs::BitstreamReader;
-
-constexpr size_t kHeaderBytes = 1;
-constexpr UINT32 kMaxPpsId = 255;
-constexpr UINT32 kMaxSliceType = 9;
-constexpr UINT32 kMaxRefIdx = 31;
+constexpr uint32_t kMaxSliceType = 9;
 constexpr unsigned kMaxListChanges = 66; // for 32 fields, and the end
 constexpr unsigned kMaxMarkings = 66;
-constexpr BYTE kNalTypeIdr = 5;
 
-enum SliceType : UINT32 { kP = 0, kB = 1, kI = 2, kSp = 3, kSi = 4 };
+enum SliceType : uint32_t { kP = 0, kB = 1, kI = 2, kSp = 3, kSi = 4 };
 
-class SliceParser {
+class AvcSliceParser {
   public:
-    SliceParser(Bytes unit, Bytes payload, const AvcSps& sps, const AvcPps& pps)
+    AvcSliceParser(const NALUnit& unit, ByteView payload, const AvcSps& sps, const AvcPps& pps)
         : m_reader(payload), m_sps(sps), m_pps(pps) {
-        m_slice.isIdr = (unit[0] & 0x1f) == kNalTypeIdr;
-        m_slice.isReference = (unit[0] >> 5 & 3) != 0;
+        m_slice.isIdr = unit.AvcType() == kAvcIdrSlice;
+        m_slice.isReference = unit.AvcRefIdc() != 0;
     }
 
     [[nodiscard]] std::optional<AvcSlice> Parse();
@@ -39,15 +36,15 @@ class SliceParser {
     BitstreamReader m_reader;
     const AvcSps& m_sps;
     const AvcPps& m_pps;
-    UINT32 m_type = 0;
-    UINT32 m_entries[2] = {0, 0};
+    uint32_t m_type = 0;
+    uint32_t m_entries[2] = {0, 0};
     AvcSlice m_slice;
 };
 
-std::optional<AvcSlice> SliceParser::Parse() {
+std::optional<AvcSlice> AvcSliceParser::Parse() {
     m_reader.ReadUE(); // first_mb_in_slice
     m_type = m_reader.ReadUE(kMaxSliceType) % 5;
-    m_slice.ppsId = m_reader.ReadUE(kMaxPpsId);
+    m_slice.ppsId = m_reader.ReadUE(kAvcMaxPpsId);
     if (m_sps.separateColourPlanes) {
         m_reader.ReadBits(2);
     }
@@ -71,18 +68,18 @@ std::optional<AvcSlice> SliceParser::Parse() {
     return m_slice;
 }
 
-void SliceParser::ReadPictureOrder() {
+void AvcSliceParser::ReadPictureOrder() {
     const bool hasBottomDelta = m_pps.bottomFieldPicOrderPresent && !m_slice.isField;
     if (m_sps.pocType == 0) {
         m_slice.pocLsb = m_reader.ReadBits(m_sps.pocLsbBits);
-        m_slice.deltaPocBottom = hasBottomDelta ? ReadSE(m_reader) : 0;
+        m_slice.deltaPocBottom = hasBottomDelta ? m_reader.ReadSE() : 0;
     } else if (m_sps.pocType == 1 && !m_sps.deltaPicOrderAlwaysZero) {
-        m_slice.deltaPoc[0] = ReadSE(m_reader);
-        m_slice.deltaPoc[1] = hasBottomDelta ? ReadSE(m_reader) : 0;
+        m_slice.deltaPoc[0] = m_reader.ReadSE();
+        m_slice.deltaPoc[1] = hasBottomDelta ? m_reader.ReadSE() : 0;
     }
 }
 
-void SliceParser::SkipReferenceLists() {
+void AvcSliceParser::SkipReferenceLists() {
     if (IsB()) {
         m_reader.ReadFlag(); // direct_spatial_mv_pred_flag
     }
@@ -92,8 +89,8 @@ void SliceParser::SkipReferenceLists() {
     m_entries[0] = m_pps.refIdxDefault[0];
     m_entries[1] = m_pps.refIdxDefault[1];
     if (m_reader.ReadFlag()) {
-        m_entries[0] = m_reader.ReadUE(kMaxRefIdx) + 1;
-        m_entries[1] = IsB() ? m_reader.ReadUE(kMaxRefIdx) + 1 : 0;
+        m_entries[0] = m_reader.ReadUE(kAvcMaxRefIdx) + 1;
+        m_entries[1] = IsB() ? m_reader.ReadUE(kAvcMaxRefIdx) + 1 : 0;
     }
     SkipListChanges();
     if (IsB()) {
@@ -104,8 +101,8 @@ void SliceParser::SkipReferenceLists() {
     }
 }
 
-void SliceParser::SkipListChanges() {
-    constexpr UINT32 kEnd = 3;
+void AvcSliceParser::SkipListChanges() {
+    constexpr uint32_t kEnd = 3;
     if (!m_reader.ReadFlag()) {
         return;
     }
@@ -114,14 +111,14 @@ void SliceParser::SkipListChanges() {
     }
 }
 
-void SliceParser::SkipWeights() {
+void AvcSliceParser::SkipWeights() {
     const bool hasChroma = !m_sps.isMonochrome && !m_sps.separateColourPlanes;
     m_reader.ReadUE(); // luma_log2_weight_denom
     if (hasChroma) {
         m_reader.ReadUE();
     }
     for (int list = 0; list < (IsB() ? 2 : 1); ++list) {
-        for (UINT32 i = 0; i < m_entries[list]; ++i) {
+        for (uint32_t i = 0; i < m_entries[list]; ++i) {
             const int luma = m_reader.ReadFlag() ? 2 : 0;
             for (int value = 0; value < luma; ++value) {
                 m_reader.SkipSE();
@@ -134,15 +131,15 @@ void SliceParser::SkipWeights() {
     }
 }
 
-void SliceParser::ReadMarkings() {
-    constexpr UINT32 kEnd = 0;
-    constexpr UINT32 kLongTermOfShortTerm = 3;
-    constexpr UINT32 kForgetAll = 5;
+void AvcSliceParser::ReadMarkings() {
+    constexpr uint32_t kEnd = 0;
+    constexpr uint32_t kLongTermOfShortTerm = 3;
+    constexpr uint32_t kForgetAll = 5;
     if (!m_reader.ReadFlag()) {
         return;
     }
     for (unsigned i = 0; i < kMaxMarkings && m_reader.IsValid(); ++i) {
-        const UINT32 operation = m_reader.ReadUE(6);
+        const uint32_t operation = m_reader.ReadUE(6);
         if (operation == kEnd) {
             return;
         }
@@ -158,21 +155,21 @@ void SliceParser::ReadMarkings() {
 
 } // namespace
 
-std::optional<UINT32> PpsIdOf(Bytes unit) {
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
+std::optional<uint32_t> AvcPpsIdOf(ByteView unit) {
+    const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
     BitstreamReader reader(payload);
     reader.ReadUE();
     reader.ReadUE(kMaxSliceType);
-    const UINT32 id = reader.ReadUE(kMaxPpsId);
+    const uint32_t id = reader.ReadUE(kAvcMaxPpsId);
     return reader.IsValid() ? std::optional(id) : std::nullopt;
 }
 
-std::optional<AvcSlice> ParseAvcSlice(Bytes unit, const AvcSps& sps, const AvcPps& pps) {
+std::optional<AvcSlice> ParseAvcSlice(ByteView unit, const AvcSps& sps, const AvcPps& pps) {
     if (unit.empty()) {
         return {};
     }
-    const std::vector<BYTE> payload = RawPayload(unit, kHeaderBytes);
-    return SliceParser(unit, payload, sps, pps).Parse();
+    const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
+    return AvcSliceParser(NALUnit(unit), payload, sps, pps).Parse();
 }
 
 bool BeginsNewPicture(const AvcSlice& previous, const AvcSlice& next) {
@@ -188,4 +185,4 @@ bool AreFieldsOfOneFrame(const AvcSlice& first, const AvcSlice& second) {
            first.isReference == second.isReference && !second.isIdr;
 }
 
-} // namespace annexb
+} // namespace codecs
