@@ -16,13 +16,11 @@ constexpr size_t kReservedSizeBytes = 1024;
 constexpr size_t kMaxArrays = 255;
 constexpr size_t kMaxUnitLengthBytes = 65535;
 
-constexpr uint8_t kNalTypeSps = 33;
 constexpr uint8_t kArrayCompleteness = 0x80;
 
 // Deliberately 0 and not 1.
-constexpr uint8_t kConfigurationVersion = 0;
+constexpr uint8_t kHevcConfigurationVersion = 0;
 constexpr uint8_t kUnknownParallelism = 0xfc;
-constexpr uint8_t kLengthSizeMinusOne = 3;
 // Deliberately no more of the 48 flags.
 constexpr unsigned kWrittenConstraintFlags = 14;
 constexpr unsigned kConstraintFlags = 48;
@@ -42,7 +40,7 @@ std::vector<NALUnit> FindUnits(ByteView byteStream) {
 
 HevcSps FindSps(const std::vector<NALUnit>& units) {
     const auto found =
-        std::find_if(units.begin(), units.end(), [](const NALUnit& unit) { return unit.HevcType() == kNalTypeSps; });
+        std::find_if(units.begin(), units.end(), [](const NALUnit& unit) { return unit.HevcType() == kHevcSpsUnit; });
     return found == units.end() ? HevcSps() : ParseHevcSps(found->Payload());
 }
 
@@ -71,7 +69,7 @@ void AppendProfile(Record& record, const HevcSps& sps) {
 }
 
 void AppendHead(Record& record, const HevcSps& sps, size_t arrays) {
-    record.push_back(kConfigurationVersion);
+    record.push_back(kHevcConfigurationVersion);
     AppendProfile(record, sps);
     AppendBigEndian(record, 0xf000U | sps.minSpatialSegmentationIdc, 2);
     record.push_back(kUnknownParallelism);
@@ -83,7 +81,7 @@ void AppendHead(Record& record, const HevcSps& sps, size_t arrays) {
     const unsigned temporalLayers = (sps.maxSubLayersMinus1 + 1U) & 7U;
     AppendBigEndian(record,
                     static_cast<uint32_t>(ConstantFrameRate(sps) << 6) | temporalLayers << 3 |
-                        (sps.temporalIdNesting ? 4U : 0U) | kLengthSizeMinusOne,
+                        (sps.temporalIdNesting ? 4U : 0U) | (kSampleLengthSizeBytes - 1),
                     1);
     AppendBigEndian(record, arrays, 1);
 }

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "codecs/bitstream_reader.h"
 #include "codecs/hevc_hrd_parameters.h"
 #include "codecs/hevc_short_term_ref_pic_set.h"
 #include "codecs/nal_unit.h"
@@ -11,15 +10,9 @@ namespace codecs {
 
 namespace {
 
-constexpr size_t kNalHeaderSizeBytes = 2;
-constexpr uint32_t kChromaFormat444 = 3;
-constexpr uint32_t kMaxLog2PocLsbMinus4 = 12;
 constexpr uint32_t kMaxShortTermRefPicSets = 64;
 constexpr uint32_t kMaxLongTermRefPics = 32;
 constexpr uint32_t kExtendedSampleAspectRatio = 255;
-// 2 + 1 + 5 profile bits, 32 compatibility flags, 48 constraint flags.
-constexpr size_t kSubLayerProfileBits = 88;
-constexpr size_t kSubLayerLevelBits = 8;
 
 // Reads the parameter set in its order. Every loop is bounded, since after a bad value the reader gives zeros.
 class HevcSpsParser {
@@ -29,10 +22,7 @@ class HevcSpsParser {
     HevcSps Parse();
 
   private:
-    void ReadProfileTierLevel();
-    void SkipSubLayers();
-    void ReadPictureFormat();
-    void SkipPictureOrderCount();
+    void SkipOrdering();
     void SkipCodingBlocks();
     void SkipScalingLists();
     void SkipScalingList(unsigned sizeId);
@@ -47,17 +37,11 @@ class HevcSpsParser {
 
     BitstreamReader m_reader;
     HevcSps m_sps;
-    unsigned m_log2MaxPocLsb = 0;
 };
 
 HevcSps HevcSpsParser::Parse() {
-    m_reader.SkipBits(4); // sps_video_parameter_set_id
-    m_sps.maxSubLayersMinus1 = static_cast<uint8_t>(m_reader.ReadBits(3));
-    m_sps.temporalIdNesting = m_reader.ReadFlag();
-    ReadProfileTierLevel();
-    m_reader.ReadUE(); // sps_seq_parameter_set_id
-    ReadPictureFormat();
-    SkipPictureOrderCount();
+    static_cast<HevcSpsHead&>(m_sps) = ReadHevcSpsHead(m_reader);
+    SkipOrdering();
     SkipCodingBlocks();
     SkipReferencePictures();
     m_reader.SkipBits(2); // sps_temporal_mvp_enabled_flag, strong_intra_smoothing_enabled_flag
@@ -67,44 +51,7 @@ HevcSps HevcSpsParser::Parse() {
     return m_sps;
 }
 
-void HevcSpsParser::ReadProfileTierLevel() {
-    m_sps.generalProfileSpace = static_cast<uint8_t>(m_reader.ReadBits(2));
-    m_sps.generalTierFlag = static_cast<uint8_t>(m_reader.ReadBits(1));
-    m_sps.generalProfileIdc = static_cast<uint8_t>(m_reader.ReadBits(5));
-    m_sps.generalProfileCompatibilityFlags = m_reader.ReadBits(32);
-    const uint64_t firstConstraintFlags = m_reader.ReadBits(16);
-    m_sps.generalConstraintFlags = firstConstraintFlags << 32 | m_reader.ReadBits(32);
-    m_sps.generalLevelIdc = static_cast<uint8_t>(m_reader.ReadBits(8));
-    SkipSubLayers();
-}
-
-void HevcSpsParser::SkipSubLayers() {
-    size_t bits = 0;
-    for (unsigned layer = 0; layer < m_sps.maxSubLayersMinus1; ++layer) {
-        bits += m_reader.ReadFlag() ? kSubLayerProfileBits : 0;
-        bits += m_reader.ReadFlag() ? kSubLayerLevelBits : 0;
-    }
-    if (m_sps.maxSubLayersMinus1 > 0) {
-        bits += 2 * (kHevcMaxSubLayers - m_sps.maxSubLayersMinus1); // reserved_zero_2bits for the absent ones
-    }
-    m_reader.SkipBits(bits);
-}
-
-void HevcSpsParser::ReadPictureFormat() {
-    m_sps.chromaFormatIdc = m_reader.ReadUE();
-    if (m_sps.chromaFormatIdc == kChromaFormat444) {
-        m_reader.SkipBits(1); // separate_colour_plane_flag
-    }
-    SkipUEs(2); // width and height
-    if (m_reader.ReadFlag()) {
-        SkipUEs(4); // conformance window
-    }
-    m_sps.bitDepthLumaMinus8 = m_reader.ReadUE();
-    m_sps.bitDepthChromaMinus8 = m_reader.ReadUE();
-}
-
-void HevcSpsParser::SkipPictureOrderCount() {
-    m_log2MaxPocLsb = m_reader.ReadUE(kMaxLog2PocLsbMinus4) + 4;
+void HevcSpsParser::SkipOrdering() {
     const bool forEachSubLayer = m_reader.ReadFlag();
     const unsigned count = forEachSubLayer ? m_sps.maxSubLayersMinus1 + 1U : 1U;
     SkipUEs(3 * count); // picture buffering, reordering, latency
@@ -151,7 +98,7 @@ void HevcSpsParser::SkipReferencePictures() {
     SkipHevcShortTermRefPicSets(m_reader, m_reader.ReadUE(kMaxShortTermRefPicSets));
     if (m_reader.ReadFlag()) {
         const uint32_t count = m_reader.ReadUE(kMaxLongTermRefPics);
-        m_reader.SkipBits(static_cast<size_t>(count) * (m_log2MaxPocLsb + 1));
+        m_reader.SkipBits(static_cast<size_t>(count) * (m_sps.pocLsbBits + 1));
     }
 }
 
@@ -216,10 +163,10 @@ void HevcSpsParser::SkipUEs(unsigned count) {
 } // namespace
 
 HevcSps ParseHevcSps(ByteView unit) {
-    if (unit.size() < kNalHeaderSizeBytes) {
+    if (unit.size() < kHevcHeaderBytes) {
         return {};
     }
-    const std::vector<uint8_t> payload = RawPayload(unit, kNalHeaderSizeBytes);
+    const std::vector<uint8_t> payload = RawPayload(unit, kHevcHeaderBytes);
     return HevcSpsParser(payload).Parse();
 }
 

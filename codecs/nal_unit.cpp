@@ -32,6 +32,14 @@ std::vector<uint8_t> RawPayload(ByteView unit, size_t headerBytes) {
     return payload;
 }
 
+uint8_t NALUnit::HevcLayerId() const {
+    return Length() < kHevcHeaderBytes ? uint8_t{0} : static_cast<uint8_t>((m_payload[0] & 1) << 5 | m_payload[1] >> 3);
+}
+
+uint8_t NALUnit::HevcTemporalId() const {
+    return Length() < kHevcHeaderBytes ? uint8_t{0} : static_cast<uint8_t>((m_payload[1] & 7) - 1);
+}
+
 NALUnitScanner::NALUnitScanner(ByteView buffer, size_t startCodeLength)
     : m_buffer(buffer), m_startCodeLength(std::max(startCodeLength, kMinStartCodeLength)) {
     const size_t firstStartCode = FindStartCode(0);

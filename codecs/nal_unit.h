@@ -32,7 +32,6 @@ enum HevcNalType : uint8_t {
     kHevcLastRasl = 9,
     kHevcLastSubLayerPicture = 15,
     kHevcFirstIrap = 16,
-    kHevcLastBla = 18,
     kHevcFirstIdr = 19,
     kHevcLastIdr = 20,
     kHevcLastIrap = 23,
@@ -44,6 +43,10 @@ enum HevcNalType : uint8_t {
     kHevcEndOfSequence = 36,
     kHevcEndOfStream = 37,
     kHevcPrefixSei = 39,
+    kHevcFirstReservedPrefix = 41,
+    kHevcLastReservedPrefix = 44,
+    kHevcFirstUnspecifiedPrefix = 48,
+    kHevcLastUnspecifiedPrefix = 55,
 };
 
 class NALUnit {
@@ -58,6 +61,9 @@ class NALUnit {
     [[nodiscard]] uint8_t AvcType() const { return Header() & 0x1f; }
     [[nodiscard]] uint8_t AvcRefIdc() const { return Header() >> 5 & 3; } // 0: no picture refers to this one
     [[nodiscard]] uint8_t HevcType() const { return Header() >> 1 & 0x3f; }
+    // Of the enhancement layer, 0 for the base, and of the temporal sub-layer; 0 for a unit without a whole header.
+    [[nodiscard]] uint8_t HevcLayerId() const;
+    [[nodiscard]] uint8_t HevcTemporalId() const;
 
   private:
     ByteView m_payload;

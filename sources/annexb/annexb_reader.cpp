@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "codecs/annexb_converter.h"
 #include "dshow/media_subtypes.h"
 #include "media/format_builder.h"
 #include "sources/annexb/unit_scanner.h"
@@ -9,8 +10,6 @@
 namespace annexb {
 
 namespace {
-
-constexpr BYTE kStartCode[] = {0, 0, 0, 1};
 
 CMediaType TypeOf(const PictureIndex& index, Codec codec, const FrameRate& rate) {
     source::Picture picture;
@@ -66,7 +65,7 @@ bool AnnexBReader::ReadPicture(const CodedPicture& picture, std::vector<BYTE>& d
     }
     UnitScanner scanner(*m_bytes, picture.start, picture.end);
     while (const std::optional<UnitExtent> unit = scanner.Next()) {
-        data.insert(data.end(), std::begin(kStartCode), std::end(kStartCode));
+        data.insert(data.end(), codecs::kStartCode.begin(), codecs::kStartCode.end());
         const size_t before = data.size();
         const auto size = static_cast<size_t>(unit->Size());
         data.resize(before + size);

@@ -9,9 +9,8 @@ namespace annexb {
 
 namespace {
 
-constexpr size_t kMaxParameterSetBytes = size_t{64} * 1024;
 // The head of a slice with weights for all references stays below.
-constexpr size_t kMaxSliceHeadBytes = 4096;
+constexpr size_t kMaxAvcSliceHeadBytes = 4096;
 
 bool IsPrefix(BYTE type) {
     return (type >= codecs::kAvcSeiUnit && type <= codecs::kAvcDelimiter) ||
@@ -47,7 +46,7 @@ void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
     if (type == codecs::kAvcDelimiter) {
         return;
     }
-    const std::vector<BYTE> bytes = m_builder.Read(unit, kMaxParameterSetBytes);
+    const std::vector<BYTE> bytes = m_builder.Read(unit, IndexBuilder::kMaxParameterSetBytes);
     if (type == codecs::kAvcSeiUnit) {
         m_mayRecover = m_mayRecover || codecs::IsExactRecoveryPoint(bytes);
     } else if (type == codecs::kAvcSpsUnit) {
@@ -68,7 +67,7 @@ void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
 }
 
 void AvcIndexer::TakeSlice(const UnitExtent& unit) {
-    const std::vector<BYTE> head = m_builder.Read(unit, kMaxSliceHeadBytes);
+    const std::vector<BYTE> head = m_builder.Read(unit, kMaxAvcSliceHeadBytes);
     const auto pps = m_pps.find(codecs::AvcPpsIdOf(head).value_or(UINT32_MAX));
     const auto sps = pps == m_pps.end() ? m_sps.end() : m_sps.find(pps->second.spsId);
     const std::optional<codecs::AvcSlice> slice =

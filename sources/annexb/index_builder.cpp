@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <numeric>
 
+#include "codecs/annexb_converter.h"
+
 namespace annexb {
 
 namespace {
 
-constexpr BYTE kStartCode[] = {0, 0, 0, 1};
 constexpr UINT64 kShortStartCodeBytes = 3; // what a unit has in front at least
 constexpr size_t kMaxSequenceHeaderBytes = size_t{256} * 1024;
 
@@ -73,7 +74,7 @@ void IndexBuilder::JoinField(const UnitExtent& unit, INT32 order) {
 void IndexBuilder::AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>& unit) {
     std::vector<BYTE>& sets = m_index.parameterSets;
     if (sets.size() + unit.size() <= kMaxSequenceHeaderBytes && m_knownSets.emplace(kind, id).second) {
-        sets.insert(sets.end(), std::begin(kStartCode), std::end(kStartCode));
+        sets.insert(sets.end(), codecs::kStartCode.begin(), codecs::kStartCode.end());
         sets.insert(sets.end(), unit.begin(), unit.end());
     }
 }

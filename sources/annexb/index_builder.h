@@ -16,6 +16,8 @@ class IndexBuilder {
     // A day of sixty pictures a second does not reach it; a file made of the smallest units needs five times its size
     // in memory.
     static constexpr size_t kMaxPictures = size_t{4} * 1024 * 1024;
+    // No more of one is read; real ones stay far below.
+    static constexpr size_t kMaxParameterSetBytes = size_t{64} * 1024;
 
     explicit IndexBuilder(const source::ByteSource& source, size_t mostPictures = kMaxPictures)
         : m_source(source), m_mostPictures(mostPictures) {}
