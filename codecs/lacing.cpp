@@ -2,6 +2,8 @@
 
 #include <bit>
 
+#include "codecs/big_endian.h"
+
 namespace codecs {
 
 namespace {
@@ -44,7 +46,7 @@ class SizeReader {
         }
         uint64_t value = first;
         for (size_t i = 1; i < length; ++i) {
-            value = value << 8 | ReadByte();
+            value = value << kBitsInByte | ReadByte();
         }
         value &= (uint64_t{1} << 7 * length) - 1;
         const int64_t middle = isSigned ? (int64_t{1} << (7 * length - 1)) - 1 : 0;
@@ -92,6 +94,12 @@ std::optional<std::vector<ByteView>> Cut(ByteView frames, const std::vector<uint
     return parts;
 }
 
+// As many whole 255s as it has, and the rest: 0 for a size that is a multiple.
+void AppendXiphSize(std::vector<uint8_t>& output, size_t size) {
+    output.insert(output.end(), size / kXiphContinues, kXiphContinues);
+    output.push_back(static_cast<uint8_t>(size % kXiphContinues));
+}
+
 } // namespace
 
 std::optional<std::vector<ByteView>> TakeFramesApart(ByteView payload, uint8_t lacing) {
@@ -113,6 +121,17 @@ std::optional<std::vector<ByteView>> TakeFramesApart(ByteView payload, uint8_t l
         sizes.assign(sizesBeforeLast, reader.Rest().size() / frames);
     }
     return reader.IsValid() ? Cut(reader.Rest(), sizes) : std::nullopt;
+}
+
+std::vector<uint8_t> LaceXiph(std::span<const ByteView> frames) {
+    std::vector<uint8_t> payload{static_cast<uint8_t>(frames.size() - 1)};
+    for (const ByteView frame : frames.first(frames.size() - 1)) {
+        AppendXiphSize(payload, frame.size());
+    }
+    for (const ByteView frame : frames) {
+        payload.insert(payload.end(), frame.begin(), frame.end());
+    }
+    return payload;
 }
 
 } // namespace codecs

@@ -1,9 +1,10 @@
-// The codec private data of Vorbis: the three header packets with Xiph lacing.
+// The Vorbis format block, and the codec private data from it.
 #pragma once
 
 #include <optional>
 #include <vector>
 
+#include "codecs/vorbis_headers.h"
 #include "media/format_block.h"
 #include "win/platform.h"
 
@@ -14,7 +15,7 @@ struct VorbisFormat {
     UINT32 channels;
     UINT32 samplesPerSec;
     UINT32 bitsPerSample;
-    UINT32 headerSize[3];
+    UINT32 headerSize[codecs::kVorbisHeaders];
 };
 static_assert(sizeof(VorbisFormat) == 24);
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "codecs/big_endian.h"
-#include "codecs/lacing.h"
+#include "codecs/vorbis_headers.h"
 #include "dshow/media_subtypes.h"
 #include "media/format_builder.h"
 #include "media/vorbis_private.h"
@@ -21,7 +21,6 @@ constexpr GUID kFormatVorbis2{0xb36e107f, 0xa938, 0x4387, {0x93, 0xc7, 0x55, 0xe
 
 constexpr double kMaxSamplingFrequency = 4e9; // fits a DWORD
 constexpr size_t kPcmWaveFormatBytes = 16;    // the oldest form, without cbSize
-constexpr size_t kVorbisHeaders = 3;
 
 enum class Private { None, Extra };
 
@@ -98,10 +97,9 @@ std::vector<CMediaType> AcmTypes(const Track& track) {
     return {source::TypeWithFormat(MEDIATYPE_Audio, SubtypeFromWaveTag(tag), FORMAT_WaveFormatEx, block)};
 }
 
-// The codec private data is the three header packets in Xiph lacing.
 std::vector<CMediaType> VorbisTypes(const Track& track) {
-    const auto headers = codecs::TakeFramesApart(track.codecPrivate, codecs::kXiphLacing);
-    if (!headers || headers->size() != kVorbisHeaders) {
+    const std::optional<codecs::VorbisHeaders> headers = codecs::TakeVorbisHeadersApart(track.codecPrivate);
+    if (!headers) {
         return {};
     }
     mkv::VorbisFormat format{};
@@ -109,7 +107,7 @@ std::vector<CMediaType> VorbisTypes(const Track& track) {
     format.samplesPerSec = SamplesPerSecond(track.audio);
     format.bitsPerSample = static_cast<UINT32>(std::min<UINT64>(track.audio.bitDepth, UINT16_MAX));
     std::vector<BYTE> block(sizeof(format));
-    for (size_t i = 0; i < kVorbisHeaders; ++i) {
+    for (size_t i = 0; i < codecs::kVorbisHeaders; ++i) {
         const codecs::ByteView header = (*headers)[i];
         format.headerSize[i] = static_cast<UINT32>(header.size());
         block.insert(block.end(), header.begin(), header.end());

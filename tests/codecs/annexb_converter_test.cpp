@@ -185,4 +185,26 @@ TEST(NALUnitTest, ReadsTheTypeFromTheHeaderByte) {
     EXPECT_EQ(NALUnit({}).Header(), 0);
 }
 
+TEST(NALUnitTest, ReadsLayerAndTemporalIdFromAWholeHeader) {
+    const Bytes base{0x42, 0x01};
+    EXPECT_EQ(NALUnit(base).HevcLayerId(), 0);
+    EXPECT_EQ(NALUnit(base).HevcTemporalId(), 0);
+    const Bytes upper{0x43, 0x0c}; // 1 00001 100
+    EXPECT_EQ(NALUnit(upper).HevcLayerId(), 33);
+    EXPECT_EQ(NALUnit(upper).HevcTemporalId(), 3);
+    const Bytes cut{0x43};
+    EXPECT_EQ(NALUnit(cut).HevcLayerId(), 0);
+    EXPECT_EQ(NALUnit(cut).HevcTemporalId(), 0);
+}
+
+TEST(NALUnitTest, TheRawPayloadLacksHeaderAndEmulationPrevention) {
+    const auto raw = [](const char* hex, size_t headerBytes) {
+        return ToHex(codecs::RawPayload(FromHex(hex), headerBytes));
+    };
+    EXPECT_EQ(raw("67 000003 01", 1), "000001");
+    EXPECT_EQ(raw("4201 000003 000003 03", 2), "0000000003");
+    EXPECT_EQ(raw("67 0003 000004", 1), "0003000004");
+    EXPECT_EQ(raw("67", 2), "");
+}
+
 } // namespace

@@ -52,6 +52,15 @@ TEST(BitstreamReaderTest, ReadsExpGolombNumbersUpToTheLargest) {
     }
 }
 
+TEST(BitstreamReaderTest, SignedExpGolombNumbersTakeTurns) {
+    const Bytes bytes = BitWriter().UE(0).UE(1).UE(2).UE(3).UE(4).UE(0xfffffffdULL).UE(0xfffffffeULL).Bytes();
+    BitstreamReader reader(bytes);
+    for (const int32_t expected : {0, 1, -1, 2, -2, 0x7fffffff, -0x7fffffff}) {
+        EXPECT_EQ(reader.ReadSE(), expected);
+    }
+    EXPECT_TRUE(reader.IsValid());
+}
+
 TEST(BitstreamReaderTest, RefusesAnExpGolombNumberBeyond32Bits) {
     const Bytes bytes = BitWriter().Bits(0, 32).Bits(1, 1).Bits(~0ULL, 64).Bytes();
     BitstreamReader reader(bytes);

@@ -12,6 +12,7 @@ namespace {
 
 using codecs::HevcSps;
 using codecs::ParseHevcSps;
+using codecs::ParseHevcSpsHead;
 using mkv_test::Bytes;
 using mkv_test::HevcSpsShape;
 using mkv_test::Hrd;
@@ -120,6 +121,32 @@ TEST(HevcDamagedSpsTest, CountsOutOfRangeEndTheParseAndKeepWhatWasRead) {
         EXPECT_EQ(sps.generalLevelIdc, 93);
         EXPECT_EQ(sps.minSpatialSegmentationIdc, 0u);
     }
+}
+
+TEST(HevcDamagedSpsTest, AHeadIsThereAsAWholeOrNotAtAll) {
+    const Bytes unit = WriteHevcSps(FullShape());
+    ASSERT_TRUE(ParseHevcSpsHead(unit).has_value());
+    size_t smallest = 0;
+    for (size_t size = 0; size <= unit.size(); ++size) {
+        const Bytes cut(unit.begin(), unit.begin() + static_cast<std::ptrdiff_t>(size));
+        const auto head = ParseHevcSpsHead(cut);
+        smallest = smallest == 0 && head ? size : smallest;
+        EXPECT_EQ(head.has_value(), smallest != 0) << size;
+        EXPECT_EQ(head ? head->Shape().width : 304u, 304u) << size;
+    }
+    EXPECT_GT(smallest, 18u); // the general profile, tier and level alone
+}
+
+TEST(HevcDamagedSpsTest, NumbersOutOfRangeAreKeptButMakeNoHead) {
+    HevcSpsShape unknownChroma;
+    unknownChroma.chromaFormatIdc = 4;
+    const Bytes unit = WriteHevcSps(unknownChroma);
+    EXPECT_EQ(ParseHevcSps(unit).chromaFormatIdc, 4u);
+    EXPECT_EQ(ParseHevcSps(unit).bitDepthLumaMinus8, unknownChroma.bitDepthLumaMinus8);
+    EXPECT_FALSE(ParseHevcSpsHead(unit).has_value());
+    HevcSpsShape tooWide;
+    tooWide.log2MaxPocLsbMinus4 = 13;
+    EXPECT_FALSE(ParseHevcSpsHead(WriteHevcSps(tooWide)).has_value());
 }
 
 TEST(HevcDamagedSpsTest, HugeCountsEndAtOnce) {

@@ -12,6 +12,7 @@ namespace {
 
 using codecs::HevcSps;
 using codecs::ParseHevcSps;
+using codecs::ParseHevcSpsHead;
 using mkv_test::Bytes;
 using mkv_test::HevcSpsShape;
 using mkv_test::Hrd;
@@ -69,6 +70,34 @@ TEST(HevcSpsTest, ReadsChromaFormatAndBitDepths) {
         EXPECT_EQ(sps.bitDepthChromaMinus8, 4u);
         EXPECT_EQ(sps.minSpatialSegmentationIdc, kLastNumber);
     }
+}
+
+TEST(HevcSpsTest, TheHeadTellsTheVisiblePictureOfEveryChromaFormat) {
+    // 4 samples of the chroma format are cut off each side of 320 by 240 pixels.
+    const std::array<std::array<uint32_t, 2>, 4> expected{{{312, 232}, {304, 224}, {304, 232}, {312, 232}}};
+    for (uint32_t chroma = 0; chroma < expected.size(); ++chroma) {
+        HevcSpsShape shape;
+        shape.chromaFormatIdc = chroma;
+        shape.hasConformanceWindow = true;
+        shape.log2MaxPocLsbMinus4 = chroma;
+        const auto head = ParseHevcSpsHead(WriteHevcSps(shape));
+        ASSERT_TRUE(head.has_value()) << chroma;
+        EXPECT_EQ(head->Shape().width, expected[chroma][0]) << chroma;
+        EXPECT_EQ(head->Shape().height, expected[chroma][1]) << chroma;
+        EXPECT_EQ(head->Shape().aspectX, expected[chroma][0]) << chroma;
+        EXPECT_EQ(head->Shape().aspectY, expected[chroma][1]) << chroma;
+        EXPECT_EQ(head->pocLsbBits, chroma + 4) << chroma;
+    }
+}
+
+TEST(HevcSpsTest, AWindowThatLeavesNothingIsPassedOver) {
+    codecs::HevcSpsHead head;
+    head.chromaFormatIdc = 1;
+    head.codedWidth = 64;
+    head.codedHeight = 64;
+    head.conformanceWindow = {16, 16, 16, 15};
+    EXPECT_EQ(head.Shape().width, 64u);
+    EXPECT_EQ(head.Shape().height, 2u);
 }
 
 TEST(HevcSpsTest, ReadsSubLayersWithEveryMixOfProfileAndLevel) {

@@ -66,6 +66,25 @@ TEST(Lacing, SizesThatThePayloadDoesNotHoldAreDamage) {
     EXPECT_THAT(Frames(std::string("\x01\x00", 2) + "abc", 6), ElementsAre("damaged"));
 }
 
+TEST(Lacing, WhatIsLacedTheXiphWayIsTakenApartAgain) {
+    std::vector<std::string> texts;
+    for (const size_t size : {0, 1, 254, 255, 256, 510, 511, 1000, 3}) {
+        texts.push_back(Filled(size));
+    }
+    std::vector<std::vector<uint8_t>> packets;
+    for (const std::string& text : texts) {
+        packets.emplace_back(text.begin(), text.end());
+    }
+    const std::vector<uint8_t> payload = LaceXiph(std::vector<ByteView>(packets.begin(), packets.end()));
+    EXPECT_EQ(Frames({payload.begin(), payload.end()}, kXiphLacing), texts);
+}
+
+TEST(Lacing, ASingleFrameHasNoSizeInXiphLacing) {
+    const std::vector<uint8_t> frame(300, 'x');
+    const std::vector<uint8_t> payload = LaceXiph(std::vector<ByteView>{frame});
+    EXPECT_EQ(std::string(payload.begin(), payload.end()), std::string(1, '\0') + Filled(300));
+}
+
 TEST(Lacing, EveryPayloadIsCutWithinItsBounds) {
     for (unsigned first = 0; first < 256; ++first) {
         for (unsigned second = 0; second < 256; ++second) {
