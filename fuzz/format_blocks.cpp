@@ -45,9 +45,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         // Nothing stands behind the block: a read beyond it is seen.
         (void)type.SetFormat(data + kChoiceBytes, static_cast<ULONG>(size - kChoiceBytes));
     }
-    (void)mkv::CodecIdOf(type);
+    (void)media::CodecIdOf(type);
     try {
-        (void)mkv::DescribeCodec(type);
+        (void)media::DescribeCodec(type);
     } catch (const char*) { // the writer's fixed texts, which the muxer catches
     }
     return 0;

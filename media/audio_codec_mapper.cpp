@@ -4,7 +4,7 @@
 #include "media/format_block.h"
 #include "media/vorbis_private.h"
 
-namespace mkv {
+namespace media {
 
 namespace {
 
@@ -136,4 +136,4 @@ CodecDescription DescribeAudioCodec(const AM_MEDIA_TYPE& type) {
     return description;
 }
 
-} // namespace mkv
+} // namespace media

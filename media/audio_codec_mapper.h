@@ -4,9 +4,9 @@
 #include "media/codec_description.h"
 #include "win/platform.h"
 
-namespace mkv {
+namespace media {
 
 // An empty codec identifier for other major types, types without a row, and damaged format blocks.
 [[nodiscard]] CodecDescription DescribeAudioCodec(const AM_MEDIA_TYPE& type);
 
-} // namespace mkv
+} // namespace media

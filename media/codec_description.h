@@ -11,12 +11,7 @@
 
 #include "win/platform.h"
 
-namespace mkv {
-
-// Track types as Matroska numbers them.
-inline constexpr INT32 kTrackTypeVideo = 1;
-inline constexpr INT32 kTrackTypeAudio = 2;
-inline constexpr INT32 kTrackTypeSubtitle = 17;
+namespace media {
 
 struct DisplaySize {
     UINT64 width = 0;
@@ -46,12 +41,9 @@ struct CodecDescription {
     std::optional<std::vector<BYTE>> codecPrivate;
 };
 
-// The Matroska track type of the major type. Throws kUnsupportedTypeError.
-[[nodiscard]] INT32 TrackTypeOf(const AM_MEDIA_TYPE& type);
-
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
 
 // The codec identifier that the stream would get; empty for every type that cannot be written.
 [[nodiscard]] std::string CodecIdOf(const AM_MEDIA_TYPE& type);
 
-} // namespace mkv
+} // namespace media

@@ -11,7 +11,7 @@
 
 #include "win/platform.h"
 
-namespace mkv {
+namespace media {
 
 using ByteView = std::span<const BYTE>;
 
@@ -54,4 +54,4 @@ class FormatBlock {
     ByteView m_bytes;
 };
 
-} // namespace mkv
+} // namespace media

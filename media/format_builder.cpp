@@ -9,7 +9,7 @@
 
 #include "dshow/media_subtypes.h"
 
-namespace source {
+namespace media {
 
 namespace {
 
@@ -25,7 +25,7 @@ constexpr WORD kPictureBits = 24;
 
 // The structure's first bytes, then the others.
 template <typename Structure>
-std::vector<BYTE> Block(const Structure& structure, size_t structureBytes, Bytes extra) {
+std::vector<BYTE> Block(const Structure& structure, size_t structureBytes, ByteView extra) {
     std::vector<BYTE> block(structureBytes + extra.size());
     std::memcpy(block.data(), &structure, structureBytes);
     std::copy(extra.begin(), extra.end(), block.begin() + static_cast<std::ptrdiff_t>(structureBytes));
@@ -65,7 +65,7 @@ GUID UncompressedSubtype(WORD bitsPerPixel) {
 
 } // namespace
 
-CMediaType TypeWithFormat(const GUID& major, const GUID& subtype, const GUID& format, Bytes block) {
+CMediaType TypeWithFormat(const GUID& major, const GUID& subtype, const GUID& format, ByteView block) {
     CMediaType type(&major);
     type.subtype = subtype;
     type.formattype = format;
@@ -95,21 +95,21 @@ GUID SubtypeOf(const BITMAPINFOHEADER& bitmap) {
     return IsUncompressed(bitmap) ? UncompressedSubtype(bitmap.biBitCount) : SubtypeFromFourCC(bitmap.biCompression);
 }
 
-CMediaType VideoInfoType(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap, Bytes extra) {
+CMediaType VideoInfoType(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap, ByteView extra) {
     const VIDEOINFOHEADER info = InfoOf(picture, bitmap);
     CMediaType type = TypeWithFormat(MEDIATYPE_Video, subtype, FORMAT_VideoInfo, Block(info, sizeof(info), extra));
     type.SetTemporalCompression(TRUE);
     return type;
 }
 
-CMediaType VideoInfo2Type(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap, Bytes extra) {
+CMediaType VideoInfo2Type(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap, ByteView extra) {
     const VIDEOINFOHEADER2 info = Info2Of(picture, bitmap);
     CMediaType type = TypeWithFormat(MEDIATYPE_Video, subtype, FORMAT_VideoInfo2, Block(info, sizeof(info), extra));
     type.SetTemporalCompression(TRUE);
     return type;
 }
 
-CMediaType Mpeg1VideoType(const Picture& picture, Bytes sequenceHeader) {
+CMediaType Mpeg1VideoType(const Picture& picture, ByteView sequenceHeader) {
     MPEG1VIDEOINFO info{};
     info.hdr = InfoOf(picture, BitmapHeader(picture, 0));
     info.cbSequenceHeader = static_cast<DWORD>(sequenceHeader.size());
@@ -120,7 +120,7 @@ CMediaType Mpeg1VideoType(const Picture& picture, Bytes sequenceHeader) {
     return type;
 }
 
-CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, Bytes sequenceHeader,
+CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, ByteView sequenceHeader,
                           const Mpeg2Details& details) {
     MPEG2VIDEOINFO info{};
     info.hdr = Info2Of(picture, BitmapHeader(picture, subtype.Data1));
@@ -135,16 +135,16 @@ CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, Bytes seq
     return type;
 }
 
-CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, Bytes extra) {
+CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, ByteView extra) {
     wave.cbSize = static_cast<WORD>(std::min<size_t>(extra.size(), UINT16_MAX));
     return TypeWithFormat(MEDIATYPE_Audio, subtype, FORMAT_WaveFormatEx, Block(wave, sizeof(wave), extra));
 }
 
-CMediaType SubtitleType(const GUID& subtype, const char* language, Bytes header) {
+CMediaType SubtitleType(const GUID& subtype, const char* language, ByteView header) {
     SubtitleInfo info{};
     info.offset = sizeof(info);
     std::strncpy(info.isoLanguage, language, sizeof(info.isoLanguage) - 1);
     return TypeWithFormat(mediatype::kSubtitle, subtype, mediaformat::kSubtitleInfo, Block(info, sizeof(info), header));
 }
 
-} // namespace source
+} // namespace media

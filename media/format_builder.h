@@ -3,11 +3,10 @@
 // Units: durations in 100 ns. Errors: std::bad_alloc.
 #pragma once
 
-#include <span>
-
 #include "dshow/media_type.h"
+#include "media/format_block.h"
 
-namespace source {
+namespace media {
 
 struct Picture {
     LONG width = 0;
@@ -16,8 +15,6 @@ struct Picture {
     DWORD aspectY = 0;
     REFERENCE_TIME frameDuration = 0;
 };
-
-using Bytes = std::span<const BYTE>;
 
 // BITMAPINFOHEADER of a compressed picture.
 [[nodiscard]] BITMAPINFOHEADER BitmapHeader(const Picture& picture, DWORD compression);
@@ -29,26 +26,26 @@ using Bytes = std::span<const BYTE>;
 
 // MEDIATYPE_Video; the extra bytes follow the structure.
 [[nodiscard]] CMediaType VideoInfoType(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap,
-                                       Bytes extra);
+                                       ByteView extra);
 [[nodiscard]] CMediaType VideoInfo2Type(const GUID& subtype, const Picture& picture, const BITMAPINFOHEADER& bitmap,
-                                        Bytes extra);
-[[nodiscard]] CMediaType Mpeg1VideoType(const Picture& picture, Bytes sequenceHeader);
+                                        ByteView extra);
+[[nodiscard]] CMediaType Mpeg1VideoType(const Picture& picture, ByteView sequenceHeader);
 
 struct Mpeg2Details {
     DWORD profile = 0;
     DWORD level = 0;
     DWORD flags = 0; // of AVC1: the bytes of a length field
 };
-[[nodiscard]] CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, Bytes sequenceHeader,
+[[nodiscard]] CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, ByteView sequenceHeader,
                                         const Mpeg2Details& details = {});
 
 // MEDIATYPE_Audio with FORMAT_WaveFormatEx; cbSize is set from the extra bytes.
-[[nodiscard]] CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, Bytes extra);
+[[nodiscard]] CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, ByteView extra);
 
 // MEDIATYPE_Subtitle with a SUBTITLEINFO block, and the codec's header behind it.
-[[nodiscard]] CMediaType SubtitleType(const GUID& subtype, const char* language, Bytes header);
+[[nodiscard]] CMediaType SubtitleType(const GUID& subtype, const char* language, ByteView header);
 
 // A type with that format block.
-[[nodiscard]] CMediaType TypeWithFormat(const GUID& major, const GUID& subtype, const GUID& format, Bytes block);
+[[nodiscard]] CMediaType TypeWithFormat(const GUID& major, const GUID& subtype, const GUID& format, ByteView block);
 
-} // namespace source
+} // namespace media

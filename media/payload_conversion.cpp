@@ -3,7 +3,7 @@
 #include "codecs/annexb_converter.h"
 #include "dshow/media_subtypes.h"
 
-namespace mkv {
+namespace media {
 
 bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type) {
     return type.majortype == MEDIATYPE_Video && type.formattype == FORMAT_MPEG2Video &&
@@ -17,4 +17,4 @@ std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE
     return {payload.begin(), payload.end()};
 }
 
-} // namespace mkv
+} // namespace media

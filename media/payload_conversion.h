@@ -7,7 +7,7 @@
 
 #include "win/platform.h"
 
-namespace mkv {
+namespace media {
 
 // Whether samples of this type carry start codes that Matroska does not want.
 [[nodiscard]] bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type);
@@ -15,4 +15,4 @@ namespace mkv {
 // A copy of the payload, converted where the type needs it. Empty when nothing is left to be written.
 [[nodiscard]] std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload);
 
-} // namespace mkv
+} // namespace media

@@ -3,7 +3,7 @@
 #include "dshow/media_subtypes.h"
 #include "media/format_block.h"
 
-namespace mkv {
+namespace media {
 
 namespace {
 
@@ -79,4 +79,4 @@ CodecDescription DescribeSubtitleCodec(const AM_MEDIA_TYPE& type) {
     return description;
 }
 
-} // namespace mkv
+} // namespace media

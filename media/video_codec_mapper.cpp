@@ -8,7 +8,7 @@
 #include "dshow/media_subtypes.h"
 #include "media/format_block.h"
 
-namespace mkv {
+namespace media {
 
 namespace {
 
@@ -209,4 +209,4 @@ CodecDescription DescribeVideoCodec(const AM_MEDIA_TYPE& type) {
     return description;
 }
 
-} // namespace mkv
+} // namespace media

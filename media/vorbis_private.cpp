@@ -1,6 +1,6 @@
 #include "media/vorbis_private.h"
 
-namespace mkv {
+namespace media {
 
 std::optional<std::vector<BYTE>> BuildVorbisPrivate(const FormatBlock& block, const VorbisFormat& format) {
     codecs::VorbisHeaders headers;
@@ -16,4 +16,4 @@ std::optional<std::vector<BYTE>> BuildVorbisPrivate(const FormatBlock& block, co
     return codecs::LaceVorbisHeaders(headers);
 }
 
-} // namespace mkv
+} // namespace media

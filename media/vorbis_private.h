@@ -8,7 +8,7 @@
 #include "media/format_block.h"
 #include "win/platform.h"
 
-namespace mkv {
+namespace media {
 
 // The head of the Vorbis format block; the three header packets follow, back to back.
 struct VorbisFormat {
@@ -22,4 +22,4 @@ static_assert(sizeof(VorbisFormat) == 24);
 // No value when the block does not hold what its sizes claim.
 [[nodiscard]] std::optional<std::vector<BYTE>> BuildVorbisPrivate(const FormatBlock& block, const VorbisFormat& format);
 
-} // namespace mkv
+} // namespace media

@@ -4,9 +4,10 @@
 #include <cstdio>
 #include <utility>
 
-#include "media/codec_description.h"
 #include "media/payload_conversion.h"
+#include "media/track_type.h"
 #include "mkv/cluster_rule.h"
+#include "mkv/codec_mapping.h"
 #include "mkv/debug_trace.h"
 #include "mkv/writer_errors.h"
 
@@ -31,12 +32,12 @@ std::vector<BYTE> PayloadOf(const MkvPacket& packet, const AM_MEDIA_TYPE& type) 
     if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
         return {};
     }
-    return mkv::ConvertPayload(type, {packet.data, packet.size});
+    return media::ConvertPayload(type, {packet.data, packet.size});
 }
 
 // Only video has blocks that depend on others.
 bool IsKeyframe(const MkvPacket& packet, const AM_MEDIA_TYPE& type) {
-    return mkv::TrackTypeOf(type) != mkv::kTrackTypeVideo || packet.syncPoint;
+    return mkv::TrackTypeOf(type) != media::kTrackTypeVideo || packet.syncPoint;
 }
 
 } // namespace

@@ -4,6 +4,10 @@
 #include <matroska/KaxTrackVideo.h>
 #include <matroska/KaxTracks.h>
 
+#include "media/codec_description.h"
+#include "media/track_type.h"
+#include "mkv/writer_errors.h"
+
 namespace mkv {
 
 namespace {
@@ -15,7 +19,7 @@ void SetChild(EbmlMaster& parent, Value value) {
     libebml::GetChild<Element>(parent).SetValue(value);
 }
 
-void ApplyVideo(EbmlMaster& video, const VideoDescription& description) {
+void ApplyVideo(EbmlMaster& video, const media::VideoDescription& description) {
     SetChild<libmatroska::KaxVideoPixelWidth>(video, description.pixelWidth);
     SetChild<libmatroska::KaxVideoPixelHeight>(video, description.pixelHeight);
     if (description.display) {
@@ -24,7 +28,7 @@ void ApplyVideo(EbmlMaster& video, const VideoDescription& description) {
     }
 }
 
-void ApplyAudio(EbmlMaster& audio, const AudioDescription& description) {
+void ApplyAudio(EbmlMaster& audio, const media::AudioDescription& description) {
     SetChild<libmatroska::KaxAudioSamplingFreq>(audio, static_cast<double>(description.samplingFrequencyHz));
     SetChild<libmatroska::KaxAudioChannels>(audio, description.channels);
     if (description.bitDepth) {
@@ -39,7 +43,7 @@ void ApplyPrivate(EbmlMaster& entry, const std::vector<BYTE>& bytes) {
     libebml::GetChild<libmatroska::KaxCodecPrivate>(entry).CopyBuffer(data, static_cast<UINT32>(bytes.size()));
 }
 
-void Apply(libmatroska::KaxTrackEntry& entry, const CodecDescription& description) {
+void Apply(libmatroska::KaxTrackEntry& entry, const media::CodecDescription& description) {
     if (description.lacing) {
         entry.EnableLacing(*description.lacing);
     }
@@ -59,8 +63,16 @@ void Apply(libmatroska::KaxTrackEntry& entry, const CodecDescription& descriptio
 
 } // namespace
 
+INT32 TrackTypeOf(const AM_MEDIA_TYPE& type) {
+    const INT32 trackType = media::FindTrackType(type);
+    if (trackType == media::kNoTrackType) {
+        throw kUnsupportedTypeError;
+    }
+    return trackType;
+}
+
 std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entry) {
-    const CodecDescription description = DescribeCodec(type);
+    const media::CodecDescription description = media::DescribeCodec(type);
     Apply(entry, description);
     return description.codecId;
 }

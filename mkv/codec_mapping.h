@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "media/codec_description.h"
 #include "win/platform.h"
 
 namespace libmatroska {
@@ -12,6 +11,9 @@ class KaxTrackEntry;
 }
 
 namespace mkv {
+
+// The Matroska track type of the major type. Throws kUnsupportedTypeError.
+[[nodiscard]] INT32 TrackTypeOf(const AM_MEDIA_TYPE& type);
 
 // Fills the entry and returns the codec identifier for KaxCodecID; empty when the type has no mapping, and the
 // entry is then of no use.

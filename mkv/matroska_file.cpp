@@ -9,9 +9,10 @@
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxInfo.h>
 
-#include "media/codec_description.h"
+#include "media/track_type.h"
 #include "mkv/attachment_writer.h"
 #include "mkv/cluster_rule.h"
+#include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
 #include "mkv/segment_info.h"
 #include "mkv/track_entry_builder.h"
@@ -73,7 +74,7 @@ void CMatroskaFile::writeTracks(const MkvTrackList& tracks) {
                                       : libebml::GetNextChild(element, *entries.back());
         entries.push_back(&entry);
         mkv::FillTrackEntry(entry, entries.size(), track);
-        if (mkv::TrackTypeOf(track.type) == mkv::kTrackTypeVideo) {
+        if (mkv::TrackTypeOf(track.type) == media::kTrackTypeVideo) {
             cueTrack = static_cast<INT32>(entries.size()) - 1; // the last video track wins
         }
     }

@@ -1,7 +1,7 @@
 #include "mkv/mkv_writer.h"
 
 #include "log/logger.h"
-#include "media/codec_description.h"
+#include "mkv/codec_mapping.h"
 #include "mkv/debug_trace.h"
 #include "mkv/writer_errors.h"
 

@@ -12,7 +12,7 @@ std::string DescribeStream(const SourceStream& stream) {
     if (!stream.HasType()) {
         return stream.problem.empty() ? "no media type is offered: no codec" : stream.problem;
     }
-    const std::string codec = mkv::CodecIdOf(stream.type);
+    const std::string codec = media::CodecIdOf(stream.type);
     return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec) +
            (stream.ownReader ? " (own " + stream.readerName + " reader)" : "");
 }

@@ -37,7 +37,7 @@ Json TrackOf(const SourceStream& stream) {
     track["codec_id"] = nullptr; // the muxer cannot write it
     if (stream.HasType()) {
         AddFacts(track, stream.type);
-        if (std::string codec = mkv::CodecIdOf(stream.type); !codec.empty()) {
+        if (std::string codec = media::CodecIdOf(stream.type); !codec.empty()) {
             track["codec_id"] = std::move(codec);
         }
     }

@@ -48,12 +48,12 @@ PictureFacts PictureOf(const BITMAPINFOHEADER& bitmap, REFERENCE_TIME frameDurat
 std::optional<PictureFacts> PictureFactsOf(const AM_MEDIA_TYPE& type) {
     // The MPEG format blocks begin with the plain ones.
     if (type.formattype == FORMAT_VideoInfo || type.formattype == FORMAT_MPEGVideo) {
-        if (const auto info = mkv::FormatBlock(type).Read<VIDEOINFOHEADER>()) {
+        if (const auto info = media::FormatBlock(type).Read<VIDEOINFOHEADER>()) {
             return PictureOf(info->bmiHeader, info->AvgTimePerFrame);
         }
     }
     if (type.formattype == FORMAT_VideoInfo2 || type.formattype == FORMAT_MPEG2Video) {
-        if (const auto info = mkv::FormatBlock(type).Read<VIDEOINFOHEADER2>()) {
+        if (const auto info = media::FormatBlock(type).Read<VIDEOINFOHEADER2>()) {
             return PictureOf(info->bmiHeader, info->AvgTimePerFrame);
         }
     }
@@ -62,7 +62,7 @@ std::optional<PictureFacts> PictureFactsOf(const AM_MEDIA_TYPE& type) {
 
 std::optional<SoundFacts> SoundFactsOf(const AM_MEDIA_TYPE& type) {
     const auto wave =
-        type.formattype == FORMAT_WaveFormatEx ? mkv::FormatBlock(type).Read<WAVEFORMATEX>() : std::nullopt;
+        type.formattype == FORMAT_WaveFormatEx ? media::FormatBlock(type).Read<WAVEFORMATEX>() : std::nullopt;
     if (!wave) {
         return {};
     }

@@ -44,7 +44,7 @@ void MuxGraph::AddInput(const std::wstring& path, const std::set<size_t>& disabl
 bool MuxGraph::CanBeWritten(const SourceStream& stream) const {
     const win::ComPtr<IPin> input = FreePinOf(m_muxer.Get(), PINDIR_INPUT);
     return stream.HasType() && input && input->QueryAccept(&stream.type) == S_OK &&
-           !mkv::CodecIdOf(stream.type).empty();
+           !media::CodecIdOf(stream.type).empty();
 }
 
 void MuxGraph::AddStream(SourceStream stream) {
@@ -68,7 +68,7 @@ void MuxGraph::AddStream(SourceStream stream) {
     if (SUCCEEDED(stream.pin->ConnectionMediaType(&agreed))) {
         stream.type = agreed;
     }
-    if (mkv::CodecIdOf(stream.type).empty()) {
+    if (media::CodecIdOf(stream.type).empty()) {
         throw Failure(described + ": Matroska has no codec identifier for this type");
     }
     m_streams.push_back(std::move(stream));

@@ -47,7 +47,7 @@ const char* NameOfSound(ContentKind kind) {
 
 std::optional<WAVEFORMATEX> WaveOf(const AM_MEDIA_TYPE& type) {
     const bool isWave = type.majortype == MEDIATYPE_Audio && type.formattype == FORMAT_WaveFormatEx;
-    return isWave ? mkv::FormatBlock(type).Read<WAVEFORMATEX>() : std::nullopt;
+    return isWave ? media::FormatBlock(type).Read<WAVEFORMATEX>() : std::nullopt;
 }
 
 struct ByteRates {

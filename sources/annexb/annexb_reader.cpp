@@ -12,14 +12,14 @@ namespace annexb {
 namespace {
 
 CMediaType TypeOf(const PictureIndex& index, Codec codec, const FrameRate& rate) {
-    source::Picture picture;
+    media::Picture picture;
     picture.width = static_cast<LONG>(index.shape.width);
     picture.height = static_cast<LONG>(index.shape.height);
     picture.aspectX = index.shape.aspectX;
     picture.aspectY = index.shape.aspectY;
     picture.frameDuration = rate.TimeOf(1);
     const GUID& subtype = codec == Codec::Avc ? mediasubtype::kH264AnnexB : mediasubtype::kHevcAnnexB;
-    return source::Mpeg2VideoType(subtype, picture, index.parameterSets, {index.profile, index.level, 0});
+    return media::Mpeg2VideoType(subtype, picture, index.parameterSets, {index.profile, index.level, 0});
 }
 
 } // namespace

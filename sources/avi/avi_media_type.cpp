@@ -32,9 +32,9 @@ CMediaType VideoType(const AviStream& stream) {
     }
     std::memcpy(&bitmap, stream.format.data(), sizeof(bitmap));
     CMediaType type(&MEDIATYPE_Video);
-    type.subtype = source::SubtypeOf(bitmap);
+    type.subtype = media::SubtypeOf(bitmap);
     type.formattype = FORMAT_VideoInfo;
-    type.bTemporalCompression = !source::IsUncompressed(bitmap);
+    type.bTemporalCompression = !media::IsUncompressed(bitmap);
     type.SetVariableSize();
     VIDEOINFOHEADER info{};
     if (stream.rate > 0 && stream.scale / stream.rate <= kMaxPictureSeconds) {

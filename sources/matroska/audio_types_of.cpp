@@ -94,7 +94,7 @@ std::vector<CMediaType> AcmTypes(const Track& track) {
     block.resize(std::max(block.size(), sizeof(WAVEFORMATEX)));
     WORD tag = 0;
     std::memcpy(&tag, block.data(), sizeof(tag));
-    return {source::TypeWithFormat(MEDIATYPE_Audio, SubtypeFromWaveTag(tag), FORMAT_WaveFormatEx, block)};
+    return {media::TypeWithFormat(MEDIATYPE_Audio, SubtypeFromWaveTag(tag), FORMAT_WaveFormatEx, block)};
 }
 
 std::vector<CMediaType> VorbisTypes(const Track& track) {
@@ -102,7 +102,7 @@ std::vector<CMediaType> VorbisTypes(const Track& track) {
     if (!headers) {
         return {};
     }
-    mkv::VorbisFormat format{};
+    media::VorbisFormat format{};
     format.channels = static_cast<UINT32>(std::min<UINT64>(track.audio.channels, UINT16_MAX));
     format.samplesPerSec = SamplesPerSecond(track.audio);
     format.bitsPerSample = static_cast<UINT32>(std::min<UINT64>(track.audio.bitDepth, UINT16_MAX));
@@ -113,7 +113,7 @@ std::vector<CMediaType> VorbisTypes(const Track& track) {
         block.insert(block.end(), header.begin(), header.end());
     }
     std::memcpy(block.data(), &format, sizeof(format));
-    return {source::TypeWithFormat(MEDIATYPE_Audio, mediasubtype::kVorbis, kFormatVorbis2, block)};
+    return {media::TypeWithFormat(MEDIATYPE_Audio, mediasubtype::kVorbis, kFormatVorbis2, block)};
 }
 
 } // namespace
@@ -129,8 +129,8 @@ std::vector<CMediaType> AudioTypesOf(const Track& track) {
     for (const AudioRow& row : kRows) {
         if (track.codecId == row.codecId && track.codecPrivate.size() <= UINT16_MAX) {
             const bool hasExtra = row.codecPrivate == Private::Extra;
-            types.push_back(source::WaveType(row.subtype, WaveOf(track.audio, row.subtype),
-                                             hasExtra ? source::Bytes(track.codecPrivate) : source::Bytes()));
+            types.push_back(media::WaveType(row.subtype, WaveOf(track.audio, row.subtype),
+                                            hasExtra ? media::ByteView(track.codecPrivate) : media::ByteView()));
         }
     }
     return types;

@@ -22,11 +22,11 @@ const SubtitleRow kSubtitleRows[] = {
 
 std::vector<CMediaType> SubtitleTypesOf(const Track& track) {
     if (track.codecId == "S_TEXT/ASCII") {
-        return {source::TypeWithFormat(MEDIATYPE_Text, GUID_NULL, FORMAT_None, {})};
+        return {media::TypeWithFormat(MEDIATYPE_Text, GUID_NULL, FORMAT_None, {})};
     }
     for (const SubtitleRow& row : kSubtitleRows) {
         if (track.codecId == row.codecId) {
-            return {source::SubtitleType(row.subtype, track.language.c_str(), track.codecPrivate)};
+            return {media::SubtitleType(row.subtype, track.language.c_str(), track.codecPrivate)};
         }
     }
     return {};

@@ -13,7 +13,7 @@ namespace matroska {
 
 namespace {
 
-using source::Picture;
+using media::Picture;
 
 constexpr UINT64 kMaxFrameDurationNs = UINT64{1000} * 3600 * 1'000'000'000; // longer ones are damage
 
@@ -41,7 +41,7 @@ Picture PictureOf(const Track& track) {
 
 CMediaType AvcType(const Track& track, const Picture& picture) {
     const codecs::AvcConfiguration avc = codecs::ParseAvcConfiguration(track.codecPrivate);
-    return source::Mpeg2VideoType(mediasubtype::kAvc1, picture, avc.parameterSets,
+    return media::Mpeg2VideoType(mediasubtype::kAvc1, picture, avc.parameterSets,
                                   {avc.profile, avc.level, codecs::kSampleLengthSizeBytes});
 }
 
@@ -53,16 +53,16 @@ std::vector<CMediaType> VfwTypes(const Track& track, const Picture& picture) {
         return {};
     }
     std::memcpy(&bitmap, track.codecPrivate.data(), sizeof(bitmap));
-    const source::Bytes extra = source::Bytes(track.codecPrivate).subspan(sizeof(bitmap));
-    const GUID subtype = source::SubtypeOf(bitmap);
+    const media::ByteView extra = media::ByteView(track.codecPrivate).subspan(sizeof(bitmap));
+    const GUID subtype = media::SubtypeOf(bitmap);
     const bool isPlain = extra.empty() && picture.aspectX == static_cast<DWORD>(picture.width) &&
                          picture.aspectY == static_cast<DWORD>(picture.height);
     std::vector<CMediaType> types;
     if (subtype != mediasubtype::kVp8) {
-        types.push_back(source::VideoInfoType(subtype, picture, bitmap, extra));
+        types.push_back(media::VideoInfoType(subtype, picture, bitmap, extra));
     }
     if (subtype != mediasubtype::kVp9) {
-        types.push_back(source::VideoInfo2Type(subtype, picture, bitmap, extra));
+        types.push_back(media::VideoInfo2Type(subtype, picture, bitmap, extra));
     }
     if (!isPlain) {
         std::reverse(types.begin(), types.end());
@@ -76,11 +76,11 @@ std::vector<CMediaType> VideoTypesOf(const Track& track) {
     const Picture picture = PictureOf(track);
     const std::string& id = track.codecId;
     const auto mpeg2 = [&](const GUID& subtype) {
-        return std::vector{source::Mpeg2VideoType(subtype, picture, track.codecPrivate)};
+        return std::vector{media::Mpeg2VideoType(subtype, picture, track.codecPrivate)};
     };
-    const auto bitmap = [&](const GUID& subtype) { return source::BitmapHeader(picture, subtype.Data1); };
+    const auto bitmap = [&](const GUID& subtype) { return media::BitmapHeader(picture, subtype.Data1); };
     if (id == "V_MPEG1") {
-        return {source::Mpeg1VideoType(picture, track.codecPrivate)};
+        return {media::Mpeg1VideoType(picture, track.codecPrivate)};
     }
     if (id == "V_THEORA") {
         return mpeg2(mediasubtype::kTheora);
@@ -98,10 +98,10 @@ std::vector<CMediaType> VideoTypesOf(const Track& track) {
         return mpeg2(mediasubtype::kHvc1);
     }
     if (id == "V_VP8") {
-        return {source::VideoInfoType(mediasubtype::kVp8, picture, bitmap(mediasubtype::kVp8), {})};
+        return {media::VideoInfoType(mediasubtype::kVp8, picture, bitmap(mediasubtype::kVp8), {})};
     }
     if (id == "V_VP9") {
-        return {source::VideoInfo2Type(mediasubtype::kVp9, picture, bitmap(mediasubtype::kVp9), track.codecPrivate)};
+        return {media::VideoInfo2Type(mediasubtype::kVp9, picture, bitmap(mediasubtype::kVp9), track.codecPrivate)};
     }
     return id == "V_MS/VFW/FOURCC" ? VfwTypes(track, picture) : std::vector<CMediaType>();
 }

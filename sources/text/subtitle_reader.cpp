@@ -11,15 +11,15 @@ namespace {
 
 CMediaType TypeOf(const SubtitleFile& file) {
     const auto* const header = reinterpret_cast<const BYTE*>(file.header.data());
-    const source::Bytes bytes(header, file.header.size());
+    const media::ByteView bytes(header, file.header.size());
     switch (file.format) {
     case Format::Ssa:
-        return source::SubtitleType(mediasubtype::kSsa, "und", bytes);
+        return media::SubtitleType(mediasubtype::kSsa, "und", bytes);
     case Format::Ass:
-        return source::SubtitleType(mediasubtype::kAss, "und", bytes);
+        return media::SubtitleType(mediasubtype::kAss, "und", bytes);
     case Format::Srt:
     default:
-        return source::SubtitleType(mediasubtype::kUtf8, "und", bytes);
+        return media::SubtitleType(mediasubtype::kUtf8, "und", bytes);
     }
 }
 

@@ -7,8 +7,8 @@
 
 namespace {
 
-using mkv::ConvertPayload;
-using mkv::NeedsAnnexBConversion;
+using media::ConvertPayload;
+using media::NeedsAnnexBConversion;
 using mkv_test::FromHex;
 using mkv_test::ToHex;
 using test_support::MediaTypeValue;

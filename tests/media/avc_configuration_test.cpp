@@ -8,8 +8,8 @@
 
 namespace {
 
-using mkv::CodecDescription;
-using mkv::DescribeCodec;
+using media::CodecDescription;
+using media::DescribeCodec;
 using mkv_test::Bytes;
 using mkv_test::ByteStream;
 using mkv_test::Concat;

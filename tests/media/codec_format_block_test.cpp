@@ -12,8 +12,8 @@
 
 namespace {
 
-using mkv::CodecIdOf;
-using mkv::DescribeCodec;
+using media::CodecIdOf;
+using media::DescribeCodec;
 using mkv_test::Bytes;
 using mkv_test::ByteStream;
 using mkv_test::FromHex;
@@ -109,7 +109,7 @@ TEST(CodecFormatBlockTest, ABlockOfAnyLengthIsSupportedFromTheLengthThatHoldsWha
 TEST(CodecFormatBlockTest, AnUnsupportedBlockLeavesNothingOfItselfInTheDescription) {
     for (const BlockCase& block : AllCases()) {
         for (size_t size = 0; size < block.shortest; ++size) {
-            const mkv::CodecDescription described = DescribeCodec(block.type.CutTo(size).Get());
+            const media::CodecDescription described = DescribeCodec(block.type.CutTo(size).Get());
             EXPECT_FALSE(described.video || described.audio || described.codecPrivate) << size;
         }
     }
@@ -155,7 +155,7 @@ TEST(CodecFormatBlockTest, ASequenceHeaderOfEveryShorterLengthStaysWithinTheBloc
             size[0] = static_cast<BYTE>(shorter);
             // Cut to just this header: nothing lies behind it that could be read unnoticed.
             const MediaTypeValue cut = block.type.CutTo(132 + shorter);
-            const mkv::CodecDescription described = DescribeCodec(cut.Get());
+            const media::CodecDescription described = DescribeCodec(cut.Get());
             EXPECT_EQ(described.codecId.empty(), !described.codecPrivate.has_value());
         }
     }
@@ -178,7 +178,7 @@ TEST(CodecFormatBlockTest, BlocksOfRandomBytesAreDescribedOrUnsupported) {
                 bytes[random() % bytes.size()] = static_cast<BYTE>(random());
             }
             type.SetFormat(bytes);
-            const mkv::CodecDescription described = DescribeCodec(type.Get());
+            const media::CodecDescription described = DescribeCodec(type.Get());
             EXPECT_FALSE(described.codecId.empty() && described.codecPrivate.has_value());
         }
     }

@@ -7,8 +7,8 @@
 
 namespace {
 
-using mkv::CodecDescription;
-using mkv::DescribeSubtitleCodec;
+using media::CodecDescription;
+using media::DescribeSubtitleCodec;
 using mkv_test::Bytes;
 using mkv_test::FromHex;
 using mkv_test::ToHex;

@@ -69,7 +69,7 @@ TEST(VideoCodecTableTest, EveryFormatWithEverySubtypeHasTheCodecOfTheFirstRowTha
         for (const NamedSubtype& subtype : kSubtypes) {
             const auto own = kOwnRows.find({format, subtype.name});
             const std::string expected = own != kOwnRows.end() ? own->second : hasVfw ? "V_MS/VFW/FOURCC" : "";
-            EXPECT_EQ(mkv::CodecIdOf(TypeOf(format, subtype.guid).Get()), expected)
+            EXPECT_EQ(media::CodecIdOf(TypeOf(format, subtype.guid).Get()), expected)
                 << "format " << format << ", " << subtype.name;
         }
     }

@@ -7,8 +7,8 @@
 
 namespace {
 
-using mkv::CodecDescription;
-using mkv::DescribeVideoCodec;
+using media::CodecDescription;
+using media::DescribeVideoCodec;
 using mkv_test::Bytes;
 using mkv_test::FromHex;
 using mkv_test::ToHex;

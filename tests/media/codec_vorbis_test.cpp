@@ -6,8 +6,8 @@
 
 namespace {
 
-using mkv::CodecDescription;
-using mkv::DescribeAudioCodec;
+using media::CodecDescription;
+using media::DescribeAudioCodec;
 using mkv_test::Bytes;
 using mkv_test::Concat;
 using mkv_test::ToHex;

@@ -25,7 +25,7 @@ constexpr size_t kHeadSize = 23;
 
 // The byte stream's record through the media type, as the writer asks for it.
 Bytes RecordOf(const GUID& subtype, const Bytes& sequenceHeader) {
-    const auto described = mkv::DescribeCodec(test_support::Mpeg2VideoType(subtype, {}, sequenceHeader).Get());
+    const auto described = media::DescribeCodec(test_support::Mpeg2VideoType(subtype, {}, sequenceHeader).Get());
     EXPECT_EQ(described.codecId, "V_MPEGH/ISO/HEVC");
     return described.codecPrivate.value_or(Bytes());
 }

@@ -7,6 +7,7 @@
 #include <matroska/KaxTracks.h>
 
 #include "dshow/media_subtypes.h"
+#include "media/codec_description.h"
 #include "mkv/writer_errors.h"
 #include "tests/support/ebml_reader.h"
 #include "tests/support/hex_bytes.h"
@@ -145,9 +146,9 @@ TEST(CodecMappingTest, TheIdentifierAloneIsTheSame) {
          {Mpeg2VideoType(mediasubtype::kAvc1, {}, {}), WaveType(mediasubtype::kOpus), test_support::TextType(),
           test_support::SubtitleType(mediasubtype::kVobSub), WaveType(SubtypeFromWaveTag(0x0161)),
           Mpeg2VideoType(mediasubtype::kAvc1, {}, FromHex("0004"))}) {
-        EXPECT_EQ(mkv::CodecIdOf(type.Get()), RenderedEntry(type).CodecId());
+        EXPECT_EQ(media::CodecIdOf(type.Get()), RenderedEntry(type).CodecId());
     }
-    EXPECT_EQ(mkv::CodecIdOf(WaveType(mediasubtype::kOpus).Get()), "A_OPUS");
+    EXPECT_EQ(media::CodecIdOf(WaveType(mediasubtype::kOpus).Get()), "A_OPUS");
 }
 
 TEST(CodecMappingTest, TheTrackTypeFollowsTheMajorTypeAlone) {

@@ -293,7 +293,7 @@ TEST(AnnexBReader, GivesEachPictureItsTimeAndLongStartCodes) {
 TEST(AnnexBReader, OffersTheByteStreamTypesWithTheirParameterSets) {
     const auto avc = ReaderOf<Codec::Avc>(Joined(
         {WriteAvcSps(), WriteAvcPps(), WriteAvcSlice(Idr()), WriteAvcSps(), WriteAvcPps(), WriteAvcSlice(Idr())}));
-    const mkv::CodecDescription written = mkv::DescribeCodec(avc->Streams().at(0).types.at(0));
+    const media::CodecDescription written = media::DescribeCodec(avc->Streams().at(0).types.at(0));
     EXPECT_EQ(written.codecId, "V_MPEG4/ISO/AVC");
     EXPECT_EQ(written.defaultDurationNs, 40'000'000u);
     EXPECT_EQ(written.video->pixelWidth, 320u);
@@ -305,7 +305,7 @@ TEST(AnnexBReader, OffersTheByteStreamTypesWithTheirParameterSets) {
     EXPECT_EQ(record[3], 30);
     EXPECT_EQ(record[5], 1);
     const auto hevc = ReaderOf<Codec::Hevc>(Joined({WriteHevcParameterSets(), WriteHevcSlice(19, 0)}));
-    const mkv::CodecDescription hevcWritten = mkv::DescribeCodec(hevc->Streams().at(0).types.at(0));
+    const media::CodecDescription hevcWritten = media::DescribeCodec(hevc->Streams().at(0).types.at(0));
     EXPECT_EQ(hevcWritten.codecId, "V_MPEGH/ISO/HEVC");
     EXPECT_EQ(hevcWritten.codecPrivate->at(22), 3) << "VPS, SPS and PPS";
 }

@@ -27,7 +27,8 @@ class ScriptedReader final : public PacketReader {
         : m_packets(std::move(packets)), m_throwsAtEnd(throwsAtEnd), m_damage(damage) {
         m_streams.resize(2);
         m_streams[0].name = OLESTR("First");
-        m_streams[0].types = {WaveType(mediasubtype::kDolbyAc3, {}, {}), WaveType(mediasubtype::kAc3WaveTag, {}, {})};
+        m_streams[0].types = {media::WaveType(mediasubtype::kDolbyAc3, {}, {}),
+                              media::WaveType(mediasubtype::kAc3WaveTag, {}, {})};
         m_streams[1].name = OLESTR("Second");
         m_streams[1].problem = "V_ODD: no media type carries this codec";
     }

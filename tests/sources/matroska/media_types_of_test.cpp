@@ -73,9 +73,9 @@ std::vector<BYTE> MuLawFormat() {
 }
 
 // What the muxer writes for the track's preferred type.
-mkv::CodecDescription Written(const Track& track) {
+media::CodecDescription Written(const Track& track) {
     const std::vector<CMediaType> types = MediaTypesOf(track);
-    return types.empty() ? mkv::CodecDescription() : mkv::DescribeCodec(types.front());
+    return types.empty() ? media::CodecDescription() : media::DescribeCodec(types.front());
 }
 
 struct Row {
@@ -87,7 +87,7 @@ class EveryCodec : public testing::TestWithParam<Row> {};
 
 TEST_P(EveryCodec, IsWrittenBackWithTheSameIdentifierAndPrivateData) {
     const Track& track = GetParam().track;
-    const mkv::CodecDescription written = Written(track);
+    const media::CodecDescription written = Written(track);
     EXPECT_EQ(written.codecId, track.codecId);
     if (GetParam().keepsPrivate) {
         EXPECT_EQ(written.codecPrivate.value_or(std::vector<BYTE>()), track.codecPrivate);
@@ -96,7 +96,7 @@ TEST_P(EveryCodec, IsWrittenBackWithTheSameIdentifierAndPrivateData) {
 
 TEST_P(EveryCodec, KeepsSizesAndDurationsAndRates) {
     const Track& track = GetParam().track;
-    const mkv::CodecDescription written = Written(track);
+    const media::CodecDescription written = Written(track);
     if (track.type == 1) {
         EXPECT_EQ(written.defaultDurationNs, 40'000'000u);
         EXPECT_EQ(written.video->pixelWidth, 720u);
@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(Subtitle, EveryCodec,
 
 TEST(MediaTypesOf, TheDisplaySizeIsWrittenBackWhereTheTypeHasAShape) {
     for (const char* const codec : {"V_MPEG2", "V_THEORA", "V_MPEG4/ISO/ASP", "V_MPEG4/ISO/AVC", "V_MPEGH/ISO/HEVC"}) {
-        const mkv::CodecDescription written = Written(VideoTrackOf(codec, Text("private")));
+        const media::CodecDescription written = Written(VideoTrackOf(codec, Text("private")));
         ASSERT_TRUE(written.video && written.video->display) << codec;
         EXPECT_EQ(written.video->display->width, 1024u) << codec;
         EXPECT_EQ(written.video->display->height, 576u) << codec;
@@ -158,7 +158,7 @@ TEST(MediaTypesOf, WithoutADisplaySizeTheVisiblePixelsCount) {
     track.video.displayWidth = 0;
     track.video.displayHeight = 0;
     track.video.cropWidth = 20;
-    const mkv::CodecDescription written = Written(track);
+    const media::CodecDescription written = Written(track);
     EXPECT_EQ(written.video->display->width, 700u);
     EXPECT_EQ(written.video->display->height, 576u);
 }

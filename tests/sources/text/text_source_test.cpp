@@ -203,7 +203,7 @@ TEST(AssParser, AScriptWithoutEventsIsRefused) {
 
 TEST(SubtitleReader, OffersTheTypeThatTheMuxerWritesWithTheHeader) {
     const auto writtenOf = [](const std::optional<SubtitleFile>& file) {
-        return mkv::DescribeCodec(SubtitleReader(*file).Streams().at(0).types.at(0));
+        return media::DescribeCodec(SubtitleReader(*file).Streams().at(0).types.at(0));
     };
     EXPECT_EQ(writtenOf(ParseSrt("0:00:01,0 --> 0:00:02,0\na")).codecId, "S_TEXT/UTF8");
     EXPECT_FALSE(writtenOf(ParseSrt("0:00:01,0 --> 0:00:02,0\na")).codecPrivate);
