@@ -5,6 +5,8 @@
 
 #include "win/platform.h"
 
+inline constexpr REFERENCE_TIME kNsPerReferenceTime = 100;
+
 class CRefTime {
   public:
     CRefTime() = default;

@@ -10,12 +10,9 @@
 
 namespace {
 
-// {B36E107F-A938-4387-93C7-55E966757473}
-constexpr GUID kFormatVorbis2{0xb36e107f, 0xa938, 0x4387, {0x93, 0xc7, 0x55, 0xe9, 0x66, 0x75, 0x74, 0x73}};
-
 const GUID kMajors[] = {MEDIATYPE_Video, MEDIATYPE_Audio, MEDIATYPE_Text, mediatype::kSubtitle};
-const GUID kFormats[] = {FORMAT_VideoInfo,    FORMAT_VideoInfo2,          FORMAT_MPEGVideo, FORMAT_MPEG2Video,
-                         FORMAT_WaveFormatEx, mediaformat::kSubtitleInfo, kFormatVorbis2,   FORMAT_None};
+const GUID kFormats[] = {FORMAT_VideoInfo,    FORMAT_VideoInfo2,          FORMAT_MPEGVideo,      FORMAT_MPEG2Video,
+                         FORMAT_WaveFormatEx, mediaformat::kSubtitleInfo, mediaformat::kVorbis2, FORMAT_None};
 const GUID kSubtypes[] = {
     mediasubtype::kAvc1,      mediasubtype::kH264AnnexB, mediasubtype::kHevcAnnexB, mediasubtype::kHvc1,
     mediasubtype::kVp8,       mediasubtype::kVp9,        mediasubtype::kTheora,     mediasubtype::kMp4v,

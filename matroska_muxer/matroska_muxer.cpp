@@ -4,8 +4,9 @@
 #include <new>
 
 #include "log/logger.h"
-#include "matroska_muxer/input_types.h"
+#include "matroska_muxer/stream_kind.h"
 #include "matroska_muxer/writer_guard.h"
+#include "media/input_types.h"
 #include "mux/base_mux_output_pin.h"
 
 CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
@@ -72,7 +73,7 @@ int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
 }
 
 HRESULT CMatroskaMuxer::CheckInputType(const CMediaType* type) {
-    return IsAcceptedInputType(*type) ? S_OK : kMuxFailedResult;
+    return media::IsAcceptedInputType(*type) ? S_OK : kMuxFailedResult;
 }
 
 MuxStreamKind CMatroskaMuxer::GetStreamKind(const CMediaType* type) {
@@ -146,7 +147,7 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
     if (const HRESULT written = m_io.lastWriteResult(); written != S_OK && stream != nullptr) {
         stream->SetStreamResult(written);
     }
-    if (IsTextOrSubtitle(pin->CurrentMediaType())) {
+    if (media::IsTextOrSubtitle(pin->CurrentMediaType())) {
         packet->muxerFlag = kBlockGroupFlag;
     }
     if (m_writer.isOpen()) {

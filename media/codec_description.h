@@ -43,6 +43,12 @@ struct CodecDescription {
 
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
 
+// As one kind of track each. Every other major type is one without a mapping: the description then holds what all
+// tracks of the kind have, and nothing else.
+[[nodiscard]] CodecDescription DescribeVideoCodec(const AM_MEDIA_TYPE& type);
+[[nodiscard]] CodecDescription DescribeAudioCodec(const AM_MEDIA_TYPE& type);
+[[nodiscard]] CodecDescription DescribeSubtitleCodec(const AM_MEDIA_TYPE& type);
+
 // The codec identifier that the stream would get; empty for every type that cannot be written.
 [[nodiscard]] std::string CodecIdOf(const AM_MEDIA_TYPE& type);
 

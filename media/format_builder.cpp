@@ -22,6 +22,7 @@ struct SubtitleInfo {
 static_assert(sizeof(SubtitleInfo) == 520);
 
 constexpr WORD kPictureBits = 24;
+constexpr size_t kPcmWaveFormatBytes = 16; // the oldest form, without cbSize
 
 // The structure's first bytes, then the others.
 template <typename Structure>
@@ -138,6 +139,17 @@ CMediaType Mpeg2VideoType(const GUID& subtype, const Picture& picture, ByteView 
 CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, ByteView extra) {
     wave.cbSize = static_cast<WORD>(std::min<size_t>(extra.size(), UINT16_MAX));
     return TypeWithFormat(MEDIATYPE_Audio, subtype, FORMAT_WaveFormatEx, Block(wave, sizeof(wave), extra));
+}
+
+std::optional<CMediaType> WholeWaveType(ByteView format) {
+    std::vector<BYTE> block = CopyOf(format);
+    if (block.size() < kPcmWaveFormatBytes) {
+        return {};
+    }
+    block.resize(std::max(block.size(), sizeof(WAVEFORMATEX)));
+    WORD tag = 0;
+    std::memcpy(&tag, block.data(), sizeof(tag));
+    return TypeWithFormat(MEDIATYPE_Audio, SubtypeFromWaveTag(tag), FORMAT_WaveFormatEx, block);
 }
 
 CMediaType SubtitleType(const GUID& subtype, const char* language, ByteView header) {

@@ -3,6 +3,8 @@
 // Units: durations in 100 ns. Errors: std::bad_alloc.
 #pragma once
 
+#include <optional>
+
 #include "dshow/media_type.h"
 #include "media/format_block.h"
 
@@ -41,6 +43,10 @@ struct Mpeg2Details {
 
 // MEDIATYPE_Audio with FORMAT_WaveFormatEx; cbSize is set from the extra bytes.
 [[nodiscard]] CMediaType WaveType(const GUID& subtype, WAVEFORMATEX wave, ByteView extra);
+
+// MEDIATYPE_Audio of the tag in a whole WAVEFORMATEX, possibly of the oldest form without cbSize, which the type's
+// block then gets. None for less than that.
+[[nodiscard]] std::optional<CMediaType> WholeWaveType(ByteView format);
 
 // MEDIATYPE_Subtitle with a SUBTITLEINFO block, and the codec's header behind it.
 [[nodiscard]] CMediaType SubtitleType(const GUID& subtype, const char* language, ByteView header);

@@ -1,16 +1,20 @@
 #include "media/payload_conversion.h"
 
 #include "codecs/annexb_converter.h"
-#include "dshow/media_subtypes.h"
+#include "media/codec_table.h"
 
 namespace media {
 
+// Asked for every packet: most streams need no look into the table.
 bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type) {
-    return type.majortype == MEDIATYPE_Video && type.formattype == FORMAT_MPEG2Video &&
-           (type.subtype == mediasubtype::kH264AnnexB || type.subtype == mediasubtype::kHevcAnnexB);
+    if (type.majortype != MEDIATYPE_Video || type.formattype != FORMAT_MPEG2Video) {
+        return false;
+    }
+    const CodecRow* const row = FindCodecRow(type);
+    return row != nullptr && row->layout->hasStartCodes;
 }
 
-std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload) {
+std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
     if (NeedsAnnexBConversion(type)) {
         return codecs::ConvertAnnexB(payload, codecs::kStartCodeLengthBytes, codecs::kSampleLengthSizeBytes);
     }

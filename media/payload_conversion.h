@@ -2,9 +2,9 @@
 // rewritten with 4-byte lengths; every other payload is kept as it came.
 #pragma once
 
-#include <span>
 #include <vector>
 
+#include "media/format_block.h"
 #include "win/platform.h"
 
 namespace media {
@@ -13,6 +13,6 @@ namespace media {
 [[nodiscard]] bool NeedsAnnexBConversion(const AM_MEDIA_TYPE& type);
 
 // A copy of the payload, converted where the type needs it. Empty when nothing is left to be written.
-[[nodiscard]] std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload);
+[[nodiscard]] std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, ByteView payload);
 
 } // namespace media

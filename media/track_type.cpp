@@ -4,14 +4,14 @@
 
 namespace media {
 
-INT32 FindTrackType(const AM_MEDIA_TYPE& type) {
-    if (type.majortype == MEDIATYPE_Video) {
+INT32 FindTrackType(const GUID& majorType) {
+    if (majorType == MEDIATYPE_Video) {
         return kTrackTypeVideo;
     }
-    if (type.majortype == MEDIATYPE_Audio) {
+    if (majorType == MEDIATYPE_Audio) {
         return kTrackTypeAudio;
     }
-    const bool isText = type.majortype == MEDIATYPE_Text || type.majortype == mediatype::kSubtitle;
+    const bool isText = majorType == MEDIATYPE_Text || majorType == mediatype::kSubtitle;
     return isText ? kTrackTypeSubtitle : kNoTrackType;
 }
 

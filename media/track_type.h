@@ -12,6 +12,6 @@ inline constexpr INT32 kTrackTypeAudio = 2;
 inline constexpr INT32 kTrackTypeSubtitle = 17;
 
 // kNoTrackType for every other major type.
-[[nodiscard]] INT32 FindTrackType(const AM_MEDIA_TYPE& type);
+[[nodiscard]] INT32 FindTrackType(const GUID& majorType);
 
 } // namespace media

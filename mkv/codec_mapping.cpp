@@ -64,7 +64,7 @@ void Apply(libmatroska::KaxTrackEntry& entry, const media::CodecDescription& des
 } // namespace
 
 INT32 TrackTypeOf(const AM_MEDIA_TYPE& type) {
-    const INT32 trackType = media::FindTrackType(type);
+    const INT32 trackType = media::FindTrackType(type.majortype);
     if (trackType == media::kNoTrackType) {
         throw kUnsupportedTypeError;
     }

@@ -1,5 +1,7 @@
 #include "sources/matroska/frame_times.h"
 
+#include "dshow/ref_time.h"
+
 namespace matroska {
 
 namespace {
@@ -20,8 +22,8 @@ std::optional<INT64> FrameTimes::NsOf(INT64 ticks) const {
 
 // Downwards, below zero too: frames keep their distances.
 REFERENCE_TIME FrameTimes::RefTimeOf(INT64 ns) {
-    const INT64 quotient = ns / kNsInReferenceTime;
-    return ns % kNsInReferenceTime < 0 ? quotient - 1 : quotient;
+    const INT64 quotient = ns / kNsPerReferenceTime;
+    return ns % kNsPerReferenceTime < 0 ? quotient - 1 : quotient;
 }
 
 } // namespace matroska

@@ -9,8 +9,6 @@
 
 namespace matroska {
 
-inline constexpr INT64 kNsInReferenceTime = 100;
-
 class FrameTimes {
   public:
     explicit FrameTimes(UINT64 timestampScaleNs) : m_scaleNs(timestampScaleNs) {}

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "media/track_facts.h"
 #include "sources/matroska/ebml_reader.h"
 
 namespace matroska {
@@ -23,38 +24,17 @@ struct ContentEncoding {
     bool isDamaged = false;     // the settings are longer than any real ones
 };
 
-struct VideoTrack {
-    UINT64 pixelWidth = 0;
-    UINT64 pixelHeight = 0;
-    UINT64 cropWidth = 0; // left and right together
-    UINT64 cropHeight = 0;
-    UINT64 displayWidth = 0; // 0: as the pixels
-    UINT64 displayHeight = 0;
-    bool hasAlpha = false; // in additions to its blocks
-};
-
-struct AudioTrack {
-    double samplingFrequency = 8000;
-    UINT64 channels = 1;
-    UINT64 bitDepth = 0; // 0: not said
-};
-
-struct Track {
+// What its media types are made of, and what else the file says of the track.
+struct Track : media::TrackFacts {
     UINT64 number = 0;
-    UINT64 type = 0;
-    std::string codecId;
-    std::vector<BYTE> codecPrivate;
-    bool lacksPrivate = false;    // there was no room for it
-    UINT64 defaultDurationNs = 0; // 0: not said
+    bool lacksPrivate = false; // there was no room for it
     std::string name;
-    std::string language;    // ISO 639-2 code
     std::string languageTag; // BCP 47
     bool isDefault = true;
     bool isForced = false;
     bool isEnabled = true;
     UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
-    VideoTrack video;
-    AudioTrack audio;
+    bool hasAlpha = false;    // in additions to its blocks
     std::vector<ContentEncoding> encodings;
 
     [[nodiscard]] bool Is(TrackType which) const { return type == static_cast<UINT64>(which); }

@@ -7,8 +7,8 @@
 #include "codecs/avc_configuration.h"
 #include "codecs/lacing.h"
 #include "codecs/unit_lengths.h"
+#include "media/media_types_of.h"
 #include "sources/base/printable.h"
-#include "sources/matroska/media_types_of.h"
 
 namespace matroska {
 
@@ -71,7 +71,7 @@ void MatroskaReader::AddStream(Track& track) {
     description.name = WideString(OLESTR("Track ")) + ToWideDecimal(track.number);
     const std::string problem = PrepareTrack(track);
     if (problem.empty()) {
-        description.types = MediaTypesOf(track);
+        description.types = media::MediaTypesOf(track);
     }
     if (description.types.empty()) {
         description.problem =

@@ -13,8 +13,10 @@ using namespace libmatroska;
 constexpr UINT64 kMaxStrippedHeaderBytes = 1024;
 constexpr size_t kMaxEncodings = 2; // one is read, the second one says that there are too many
 
-VideoTrack ReadVideo(const EbmlReader& reader, const Element& element) {
-    VideoTrack video;
+void ReadVideo(const EbmlReader& reader, const Element& element, Track& track) {
+    media::VideoFacts& video = track.video;
+    video = {}; // the last element counts
+    track.hasAlpha = false;
     (void)reader.ForEachChild(element, [&](const Element& child) {
         const UINT64 value = reader.ReadUnsigned(child);
         if (child.id == IdOf<KaxVideoPixelWidth>()) {
@@ -30,14 +32,14 @@ VideoTrack ReadVideo(const EbmlReader& reader, const Element& element) {
         } else if (child.id == IdOf<KaxVideoDisplayHeight>()) {
             video.displayHeight = value;
         } else if (child.id == IdOf<KaxVideoAlphaMode>()) {
-            video.hasAlpha = value != 0;
+            track.hasAlpha = value != 0;
         }
     });
-    return video;
 }
 
-AudioTrack ReadAudio(const EbmlReader& reader, const Element& element) {
-    AudioTrack audio;
+void ReadAudio(const EbmlReader& reader, const Element& element, Track& track) {
+    media::AudioFacts& audio = track.audio;
+    audio = {}; // the last element counts
     (void)reader.ForEachChild(element, [&](const Element& child) {
         if (child.id == IdOf<KaxAudioSamplingFreq>()) {
             audio.samplingFrequency = reader.ReadFloat(child, audio.samplingFrequency);
@@ -47,7 +49,6 @@ AudioTrack ReadAudio(const EbmlReader& reader, const Element& element) {
             audio.bitDepth = reader.ReadUnsigned(child);
         }
     });
-    return audio;
 }
 
 void ReadCompression(const EbmlReader& reader, const Element& element, ContentEncoding& encoding) {
@@ -120,9 +121,9 @@ void ReadNumbers(const EbmlReader& reader, const Element& child, Track& track) {
 
 void ReadParts(const EbmlReader& reader, const Element& child, Track& track) {
     if (child.id == IdOf<KaxTrackVideo>()) {
-        track.video = ReadVideo(reader, child);
+        ReadVideo(reader, child, track);
     } else if (child.id == IdOf<KaxTrackAudio>()) {
-        track.audio = ReadAudio(reader, child);
+        ReadAudio(reader, child, track);
     } else if (child.id == IdOf<KaxContentEncodings>()) {
         track.encodings = ReadEncodings(reader, child);
     }

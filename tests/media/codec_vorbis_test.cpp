@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "media/audio_codec_mapper.h"
+#include "media/codec_description.h"
 #include "tests/support/hex_bytes.h"
 #include "tests/support/media_types.h"
 

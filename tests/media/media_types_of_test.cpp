@@ -1,4 +1,4 @@
-#include "sources/matroska/media_types_of.h"
+#include "media/media_types_of.h"
 
 #include <cstring>
 
@@ -8,7 +8,7 @@
 #include "media/codec_description.h"
 #include "media/format_builder.h"
 
-namespace matroska {
+namespace media {
 namespace {
 
 using testing::IsEmpty;
@@ -17,8 +17,8 @@ std::vector<BYTE> Text(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
-Track VideoTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate) {
-    Track track;
+TrackFacts VideoTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate) {
+    TrackFacts track;
     track.type = 1;
     track.codecId = codecId;
     track.codecPrivate = std::move(codecPrivate);
@@ -30,8 +30,8 @@ Track VideoTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate) {
     return track;
 }
 
-Track AudioTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate = {}) {
-    Track track;
+TrackFacts AudioTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate = {}) {
+    TrackFacts track;
     track.type = 2;
     track.codecId = codecId;
     track.codecPrivate = std::move(codecPrivate);
@@ -41,8 +41,8 @@ Track AudioTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate = 
     return track;
 }
 
-Track SubtitleTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate = {}) {
-    Track track;
+TrackFacts SubtitleTrackOf(const std::string& codecId, std::vector<BYTE> codecPrivate = {}) {
+    TrackFacts track;
     track.type = 17;
     track.codecId = codecId;
     track.codecPrivate = std::move(codecPrivate);
@@ -73,21 +73,21 @@ std::vector<BYTE> MuLawFormat() {
 }
 
 // What the muxer writes for the track's preferred type.
-media::CodecDescription Written(const Track& track) {
+CodecDescription Written(const TrackFacts& track) {
     const std::vector<CMediaType> types = MediaTypesOf(track);
-    return types.empty() ? media::CodecDescription() : media::DescribeCodec(types.front());
+    return types.empty() ? CodecDescription() : DescribeCodec(types.front());
 }
 
 struct Row {
-    Track track;
+    TrackFacts track;
     bool keepsPrivate = true;
 };
 
 class EveryCodec : public testing::TestWithParam<Row> {};
 
 TEST_P(EveryCodec, IsWrittenBackWithTheSameIdentifierAndPrivateData) {
-    const Track& track = GetParam().track;
-    const media::CodecDescription written = Written(track);
+    const TrackFacts& track = GetParam().track;
+    const CodecDescription written = Written(track);
     EXPECT_EQ(written.codecId, track.codecId);
     if (GetParam().keepsPrivate) {
         EXPECT_EQ(written.codecPrivate.value_or(std::vector<BYTE>()), track.codecPrivate);
@@ -95,8 +95,8 @@ TEST_P(EveryCodec, IsWrittenBackWithTheSameIdentifierAndPrivateData) {
 }
 
 TEST_P(EveryCodec, KeepsSizesAndDurationsAndRates) {
-    const Track& track = GetParam().track;
-    const media::CodecDescription written = Written(track);
+    const TrackFacts& track = GetParam().track;
+    const CodecDescription written = Written(track);
     if (track.type == 1) {
         EXPECT_EQ(written.defaultDurationNs, 40'000'000u);
         EXPECT_EQ(written.video->pixelWidth, 720u);
@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(Subtitle, EveryCodec,
 
 TEST(MediaTypesOf, TheDisplaySizeIsWrittenBackWhereTheTypeHasAShape) {
     for (const char* const codec : {"V_MPEG2", "V_THEORA", "V_MPEG4/ISO/ASP", "V_MPEG4/ISO/AVC", "V_MPEGH/ISO/HEVC"}) {
-        const media::CodecDescription written = Written(VideoTrackOf(codec, Text("private")));
+        const CodecDescription written = Written(VideoTrackOf(codec, Text("private")));
         ASSERT_TRUE(written.video && written.video->display) << codec;
         EXPECT_EQ(written.video->display->width, 1024u) << codec;
         EXPECT_EQ(written.video->display->height, 576u) << codec;
@@ -154,17 +154,17 @@ TEST(MediaTypesOf, TheDisplaySizeIsWrittenBackWhereTheTypeHasAShape) {
 }
 
 TEST(MediaTypesOf, WithoutADisplaySizeTheVisiblePixelsCount) {
-    Track track = VideoTrackOf("V_MPEG2", {});
+    TrackFacts track = VideoTrackOf("V_MPEG2", {});
     track.video.displayWidth = 0;
     track.video.displayHeight = 0;
     track.video.cropWidth = 20;
-    const media::CodecDescription written = Written(track);
+    const CodecDescription written = Written(track);
     EXPECT_EQ(written.video->display->width, 700u);
     EXPECT_EQ(written.video->display->height, 576u);
 }
 
 TEST(MediaTypesOf, TheUsualTypeComesFirst) {
-    const auto subtypes = [](const Track& track) {
+    const auto subtypes = [](const TrackFacts& track) {
         std::vector<GUID> found;
         for (const CMediaType& type : MediaTypesOf(track)) {
             found.push_back(type.subtype);
@@ -174,7 +174,7 @@ TEST(MediaTypesOf, TheUsualTypeComesFirst) {
     EXPECT_EQ(subtypes(AudioTrackOf("A_AC3")), (std::vector{mediasubtype::kDolbyAc3, mediasubtype::kAc3WaveTag}));
     EXPECT_EQ(subtypes(AudioTrackOf("A_DTS")), (std::vector{mediasubtype::kDts, mediasubtype::kDtsWaveTag}));
     EXPECT_EQ(subtypes(VideoTrackOf("V_MPEG4/ISO/AVC", kAvcPrivate)), std::vector{mediasubtype::kAvc1});
-    Track square = VideoTrackOf("V_MS/VFW/FOURCC", Bitmap("XVID", 0));
+    TrackFacts square = VideoTrackOf("V_MS/VFW/FOURCC", Bitmap("XVID", 0));
     square.video.displayWidth = 720;
     EXPECT_EQ(MediaTypesOf(square).at(0).formattype, FORMAT_VideoInfo);
     EXPECT_EQ(MediaTypesOf(square).at(1).formattype, FORMAT_VideoInfo2);
@@ -188,7 +188,7 @@ TEST(MediaTypesOf, CodecsOutsideTheTableHaveNone) {
         EXPECT_THAT(MediaTypesOf(AudioTrackOf(codec)), IsEmpty()) << codec;
     }
     EXPECT_THAT(MediaTypesOf(SubtitleTrackOf("S_TEXT/WEBVTT")), IsEmpty());
-    Track buttons = SubtitleTrackOf("S_VOBSUB");
+    TrackFacts buttons = SubtitleTrackOf("S_VOBSUB");
     buttons.type = 18;
     EXPECT_THAT(MediaTypesOf(buttons), IsEmpty());
 }
@@ -209,14 +209,14 @@ TEST(MediaTypesOf, PrivateDataThatIsCutOffGivesNoTypeOrAShorterOne) {
 }
 
 TEST(MediaTypesOf, SilentlyWrongNumbersStayWithinTheFieldsOfTheStructures) {
-    Track track = AudioTrackOf("A_AC3");
+    TrackFacts track = AudioTrackOf("A_AC3");
     for (const double rate : {-1.0, 0.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
         track.audio.samplingFrequency = rate;
         EXPECT_EQ(Written(track).audio->samplingFrequencyHz, 0u) << rate;
     }
     track.audio.samplingFrequency = 3e9; // more than the 32 bits of a long
     EXPECT_EQ(Written(track).audio->samplingFrequencyHz, 3'000'000'000u);
-    Track video = VideoTrackOf("V_MPEG2", {});
+    TrackFacts video = VideoTrackOf("V_MPEG2", {});
     video.video.pixelWidth = UINT64_MAX;
     video.defaultDurationNs = UINT64_MAX;
     EXPECT_EQ(Written(video).video->pixelWidth, static_cast<UINT64>(INT32_MAX));
@@ -224,4 +224,4 @@ TEST(MediaTypesOf, SilentlyWrongNumbersStayWithinTheFieldsOfTheStructures) {
 }
 
 } // namespace
-} // namespace matroska
+} // namespace media

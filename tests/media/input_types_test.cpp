@@ -1,5 +1,5 @@
-// Which media types the inputs take, row by row, and what kind of stream each is.
-#include "matroska_muxer/input_types.h"
+// Which media types the inputs take, row by row.
+#include "media/input_types.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 constexpr GUID kAnyFormat{0x01020304, 0x0506, 0x0708, {9, 10, 11, 12, 13, 14, 15, 16}};
 
 bool Accepts(const GUID& major, const GUID& subtype, const GUID& format) {
-    return IsAcceptedInputType(MediaTypeValue(major, subtype, format).Get());
+    return media::IsAcceptedInputType(MediaTypeValue(major, subtype, format).Get());
 }
 
 TEST(InputTypes, SubtypesOfVideoThatAreAcceptedWithEveryFormat) {
@@ -84,21 +84,6 @@ TEST(InputTypes, FourCCsAndWaveTagsTakeTheirDocumentedForm) {
     const GUID mp3{0x00000055, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xaa, 0x00, 0x38, 0x9b, 0x71}};
     EXPECT_EQ(avc1, mediasubtype::kAvc1);
     EXPECT_EQ(mp3, mediasubtype::kMp3);
-}
-
-TEST(InputTypes, TheKindFollowsTheMajorType) {
-    const auto kindOf = [](const GUID& major) {
-        return StreamKindOf(MediaTypeValue(major, GUID_NULL, GUID_NULL).Get());
-    };
-    EXPECT_EQ(MuxStreamKind::Video, kindOf(MEDIATYPE_Video));
-    EXPECT_EQ(MuxStreamKind::Audio, kindOf(MEDIATYPE_Audio));
-    EXPECT_EQ(MuxStreamKind::Subtitle, kindOf(MEDIATYPE_Text));
-    EXPECT_EQ(MuxStreamKind::Subtitle, kindOf(mediatype::kSubtitle));
-    EXPECT_EQ(MuxStreamKind::Other, kindOf(MEDIATYPE_Stream));
-    EXPECT_EQ(0, static_cast<int>(MuxStreamKind::Video));
-    EXPECT_EQ(1, static_cast<int>(MuxStreamKind::Audio));
-    EXPECT_EQ(2, static_cast<int>(MuxStreamKind::Subtitle));
-    EXPECT_EQ(3, static_cast<int>(MuxStreamKind::Other));
 }
 
 } // namespace

@@ -1,0 +1,18 @@
+#include "media/input_types.h"
+
+#include <algorithm>
+
+#include "media/codec_table.h"
+#include "media/track_type.h"
+
+namespace media {
+
+bool IsAcceptedInputType(const AM_MEDIA_TYPE& type) {
+    return std::ranges::any_of(CodecTable(), [&type](const CodecRow& row) { return row.Accepts(type); });
+}
+
+bool IsTextOrSubtitle(const AM_MEDIA_TYPE& type) {
+    return FindTrackType(type.majortype) == kTrackTypeSubtitle;
+}
+
+} // namespace media
