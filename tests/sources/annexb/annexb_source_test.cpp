@@ -4,7 +4,7 @@
 #include "sources/annexb/annexb_reader.h"
 #include "sources/annexb/unit_scanner.h"
 #include "sources/base/buffered_source.h"
-#include "tests/sources/annexb/stream_writer.h"
+#include "tests/codecs/stream_writer.h"
 #include "tests/sources/base/memory_source.h"
 #include "tests/sources/base/packet_checks.h"
 

@@ -8,14 +8,14 @@
 
 namespace test_annexb {
 
-using Bytes = std::vector<BYTE>;
+using Bytes = std::vector<uint8_t>;
 
 // Start code (three or four bytes), header, payload with emulation prevention.
 [[nodiscard]] Bytes Unit(const Bytes& header, const mkv_test::BitWriter& payload, size_t startCodeBytes = 4);
 [[nodiscard]] Bytes Joined(std::initializer_list<Bytes> parts);
 
 struct AvcSpsShape {
-    UINT32 pocType = 0;
+    uint32_t pocType = 0;
     std::vector<int> cycle{}; // offsets for reference frames, type 1
     int offsetForNonRefPic = 0;
     bool frameMbsOnly = true;
@@ -25,25 +25,25 @@ struct AvcSpsShape {
 [[nodiscard]] Bytes WriteAvcPps();                              // without anything special
 [[nodiscard]] Bytes WriteAvcDelimiter();
 // A recovery point message that says so many frames.
-[[nodiscard]] Bytes WriteAvcRecoveryPoint(UINT32 frames);
+[[nodiscard]] Bytes WriteAvcRecoveryPoint(uint32_t frames);
 
 struct AvcSliceShape {
     bool isIdr = false;
     bool isReference = true;
-    UINT32 firstMb = 0;
-    UINT32 type = 7; // I; 5 P, 6 B
-    UINT32 frameNum = 0;
-    UINT32 pocLsb = 0;
+    uint32_t firstMb = 0;
+    uint32_t type = 7; // I; 5 P, 6 B
+    uint32_t frameNum = 0;
+    uint32_t pocLsb = 0;
     std::optional<bool> bottomField{}; // only with a shape that allows fields
     bool forgetsAll = false;           // memory management control operation 5
 };
 
 [[nodiscard]] Bytes WriteAvcSlice(const AvcSliceShape& slice, const AvcSpsShape& sps = {});
 
-[[nodiscard]] Bytes WriteHevcUnit(BYTE type, const mkv_test::BitWriter& payload, BYTE temporalId = 0);
+[[nodiscard]] Bytes WriteHevcUnit(uint8_t type, const mkv_test::BitWriter& payload, uint8_t temporalId = 0);
 // VPS, SPS (320x240, orders of eight bits) and PPS.
 [[nodiscard]] Bytes WriteHevcParameterSets();
 // A picture of one slice segment.
-[[nodiscard]] Bytes WriteHevcSlice(BYTE type, UINT32 pocLsb, BYTE temporalId = 0);
+[[nodiscard]] Bytes WriteHevcSlice(uint8_t type, uint32_t pocLsb, uint8_t temporalId = 0);
 
 } // namespace test_annexb

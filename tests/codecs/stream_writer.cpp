@@ -1,4 +1,4 @@
-#include "tests/sources/annexb/stream_writer.h"
+#include "tests/codecs/stream_writer.h"
 
 namespace test_annexb {
 
@@ -11,7 +11,7 @@ constexpr unsigned kPocLsbBits = 4;
 constexpr unsigned kHevcPocLsbBits = 8;
 
 void SE(BitWriter& writer, int value) {
-    writer.UE(value > 0 ? static_cast<UINT64>(2 * value - 1) : static_cast<UINT64>(-2 * value));
+    writer.UE(value > 0 ? static_cast<uint64_t>(2 * value - 1) : static_cast<uint64_t>(-2 * value));
 }
 
 void End(BitWriter& writer) {
@@ -33,7 +33,7 @@ Bytes Unit(const Bytes& header, const BitWriter& payload, size_t startCodeBytes)
     unit.push_back(1);
     unit.insert(unit.end(), header.begin(), header.end());
     unsigned zeros = 0;
-    for (const BYTE byte : payload.Bytes()) {
+    for (const uint8_t byte : payload.Bytes()) {
         if (zeros >= 2 && byte <= 3) {
             unit.push_back(3);
             zeros = 0;
@@ -89,13 +89,13 @@ Bytes WriteAvcDelimiter() {
     return Unit({0x09}, BitWriter().Bits(0xf0, 8));
 }
 
-Bytes WriteAvcRecoveryPoint(UINT32 frames) {
+Bytes WriteAvcRecoveryPoint(uint32_t frames) {
     BitWriter message;
     message.UE(frames).Flag(true).Flag(false).Bits(0, 2).Flag(true);
     const Bytes content = message.Bytes();
     BitWriter writer;
     writer.Bits(6, 8).Bits(content.size(), 8);
-    for (const BYTE byte : content) {
+    for (const uint8_t byte : content) {
         writer.Bits(byte, 8);
     }
     return Unit({0x06}, writer.Bits(0x80, 8));
@@ -129,12 +129,12 @@ Bytes WriteAvcSlice(const AvcSliceShape& slice, const AvcSpsShape& sps) {
     }
     writer.Bits(0xabcdef, 24);
     End(writer);
-    const BYTE header = static_cast<BYTE>((slice.isReference ? 0x60 : 0) | (slice.isIdr ? 5 : 1));
+    const uint8_t header = static_cast<uint8_t>((slice.isReference ? 0x60 : 0) | (slice.isIdr ? 5 : 1));
     return Unit({header}, writer, slice.firstMb == 0 ? 4 : 3);
 }
 
-Bytes WriteHevcUnit(BYTE type, const BitWriter& payload, BYTE temporalId) {
-    return Unit({static_cast<BYTE>(type << 1), static_cast<BYTE>(temporalId + 1)}, payload);
+Bytes WriteHevcUnit(uint8_t type, const BitWriter& payload, uint8_t temporalId) {
+    return Unit({static_cast<uint8_t>(type << 1), static_cast<uint8_t>(temporalId + 1)}, payload);
 }
 
 Bytes WriteHevcParameterSets() {
@@ -150,7 +150,7 @@ Bytes WriteHevcParameterSets() {
     return Joined({WriteHevcUnit(32, vps), WriteHevcUnit(33, sps), WriteHevcUnit(34, pps)});
 }
 
-Bytes WriteHevcSlice(BYTE type, UINT32 pocLsb, BYTE temporalId) {
+Bytes WriteHevcSlice(uint8_t type, uint32_t pocLsb, uint8_t temporalId) {
     BitWriter writer;
     writer.Flag(true);
     if (type >= 16 && type <= 23) {
