@@ -1,23 +1,19 @@
-// CCritSec and CAutoLock: a recursive lock, and a scope that holds it.
+// CCritSec and CAutoLock: the recursive lock and the scope that holds it, under their published names.
 //
 // Threads: any. An uncontended lock makes no kernel call.
 #pragma once
 
 #include "win/critical_section.h"
 
-class CCritSec : public win::CriticalSection {
+class QRX_CAPABILITY("lock") CCritSec : public win::CriticalSection {
   public:
-    void Lock() { lock(); }
-    void Unlock() { unlock(); }
+    void Lock() QRX_ACQUIRE() { lock(); }
+    void Unlock() QRX_RELEASE() { unlock(); }
 };
 
-class CAutoLock {
+class QRX_SCOPED_CAPABILITY CAutoLock : public win::LockGuard {
   public:
-    explicit CAutoLock(CCritSec* lock) : m_pLock(lock) { m_pLock->Lock(); }
-    ~CAutoLock() { m_pLock->Unlock(); }
-    CAutoLock(const CAutoLock&) = delete;
-    CAutoLock& operator=(const CAutoLock&) = delete;
-
-  protected:
-    CCritSec* m_pLock; // not owned
+    // The analysis sees the base do what these two declare.
+    explicit CAutoLock(CCritSec* lock) QRX_ACQUIRE(lock) QRX_NO_ANALYSIS : LockGuard(*lock) {}
+    ~CAutoLock() QRX_RELEASE() QRX_NO_ANALYSIS {}
 };

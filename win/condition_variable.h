@@ -17,9 +17,11 @@ class ConditionVariable {
     ConditionVariable& operator=(const ConditionVariable&) = delete;
 
     // Leaves the lock while it sleeps. False when the time was up.
-    bool Sleep(CriticalSection& lock, DWORD timeoutMs) {
+    bool Sleep(CriticalSection& lock, DWORD timeoutMs) QRX_REQUIRES(lock) {
         ++m_sleepers;
-        const bool woken = SleepConditionVariableCS(&m_variable, lock.Native(), timeoutMs) != FALSE;
+        const int depth = lock.m_holder.LeavingToSleep();
+        const bool woken = SleepConditionVariableCS(&m_variable, &lock.m_section, timeoutMs) != FALSE;
+        lock.m_holder.BackFromSleep(depth);
         --m_sleepers;
         return woken;
     }
