@@ -9,7 +9,7 @@ CAMThread::~CAMThread() {
 }
 
 BOOL CAMThread::Create() {
-    CAutoLock lock(&m_AccessLock);
+    const CAutoLock lock(&m_AccessLock);
     const bool canTalk = m_EventSend != nullptr && m_EventComplete != nullptr;
     if (ThreadExists() || !canTalk) {
         return FALSE;
@@ -18,7 +18,7 @@ BOOL CAMThread::Create() {
     if (!thread) {
         return FALSE;
     }
-    CAutoLock handleLock(&m_handleLock);
+    const CAutoLock handleLock(&m_handleLock);
     m_hThread = std::move(thread);
     m_exists = true;
     return TRUE;
@@ -27,7 +27,7 @@ BOOL CAMThread::Create() {
 void CAMThread::Close() {
     win::KernelHandle thread;
     {
-        CAutoLock handleLock(&m_handleLock);
+        const CAutoLock handleLock(&m_handleLock);
         thread = std::move(m_hThread);
     }
     if (!thread) {
@@ -35,13 +35,13 @@ void CAMThread::Close() {
     }
     WaitForSingleObject(thread.Get(), INFINITE);
     // A client that still waits for a reply looks at the handle; it leaves now that the thread has ended.
-    CAutoLock lock(&m_AccessLock);
+    const CAutoLock lock(&m_AccessLock);
     thread.Reset();
     m_exists = false;
 }
 
 DWORD CAMThread::CallWorker(DWORD dwParam) {
-    CAutoLock lock(&m_AccessLock); // held across the wait: one request at a time is the protocol
+    const CAutoLock lock(&m_AccessLock); // held across the wait: one request at a time is the protocol
     const HANDLE thread = ThreadHandle();
     if (thread == nullptr) {
         return static_cast<DWORD>(E_FAIL);
@@ -90,7 +90,7 @@ HRESULT CAMThread::CoInitializeHelper() {
 }
 
 HANDLE CAMThread::ThreadHandle() {
-    CAutoLock handleLock(&m_handleLock);
+    const CAutoLock handleLock(&m_handleLock);
     return m_hThread.Get();
 }
 

@@ -22,7 +22,7 @@ class CAMThread {
     // FALSE if the thread exists already or cannot be created.
     BOOL Create();
     // Waits without limit for the thread to end, then forgets it. It does not ask it to end.
-    void Close();
+    void Close() QRX_EXCLUDES(m_handleLock);
     // From Create to Close, whether or not the procedure still runs.
     BOOL ThreadExists() const { return m_exists ? TRUE : FALSE; }
 
@@ -55,8 +55,8 @@ class CAMThread {
 
     CAMEvent m_EventSend;     // manual reset: set while a request is pending
     CAMEvent m_EventComplete; // auto reset: the reply is there
-    CCritSec m_handleLock;    // guards m_hThread
-    win::KernelHandle m_hThread;
+    CCritSec m_handleLock;
+    win::KernelHandle m_hThread QRX_GUARDED_BY(m_handleLock);
     std::atomic<bool> m_exists{false};
     std::atomic<bool> m_pending{false};
     std::atomic<DWORD> m_dwParam{0};

@@ -43,7 +43,7 @@ HRESULT CBaseFilter::GetState(DWORD /*dwMSecs*/, FILTER_STATE* State) noexcept {
 }
 
 HRESULT CBaseFilter::SetSyncSource(IReferenceClock* pClock) noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_pClock = pClock;
     return S_OK;
 }
@@ -52,7 +52,7 @@ HRESULT CBaseFilter::GetSyncSource(IReferenceClock** pClock) noexcept {
     if (pClock == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_pClock.CopyTo(pClock);
     return S_OK;
 }
@@ -77,7 +77,7 @@ HRESULT CBaseFilter::FindPin(LPCWSTR Id, IPin** ppPin) noexcept {
         return E_POINTER;
     }
     return ComGuard([&]() -> HRESULT {
-        CAutoLock lock(m_pLock);
+        const CAutoLock lock(m_pLock);
         const WideStringView wanted(Id);
         const int count = GetPinCount();
         for (int i = 0; i < count; ++i) {
@@ -94,7 +94,7 @@ HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* pInfo) noexcept {
     if (pInfo == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     CopyFixedName(pInfo->achName, m_name);
     pInfo->pGraph = m_pGraph;
     if (m_pGraph != nullptr) {
@@ -105,7 +105,7 @@ HRESULT CBaseFilter::QueryFilterInfo(FILTER_INFO* pInfo) noexcept {
 
 HRESULT CBaseFilter::JoinFilterGraph(IFilterGraph* pGraph, LPCWSTR pName) noexcept {
     return ComGuard([&] {
-        CAutoLock lock(m_pLock);
+        const CAutoLock lock(m_pLock);
         WideString name = pName == nullptr ? WideString() : WideString(pName);
         m_name.swap(name);
         m_pGraph = pGraph;
@@ -142,7 +142,7 @@ HRESULT CBaseFilter::RegisterSetupData(BOOL bRegister) {
 }
 
 HRESULT CBaseFilter::StreamTime(CRefTime& rtStream) {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     if (!m_pClock) {
         return VFW_E_NO_CLOCK;
     }

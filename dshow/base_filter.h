@@ -70,11 +70,12 @@ class CBaseFilter : public CUnknown, public IBaseFilter, public IAMovieSetup {
     friend class CBasePin;
 
     std::atomic<FILTER_STATE> m_State{State_Stopped};
-    win::ComPtr<IReferenceClock> m_pClock;
-    CRefTime m_tStart; // the clock's time at Run
+    win::ComPtr<IReferenceClock> m_pClock QRX_GUARDED_BY(m_pLock);
+    CRefTime m_tStart QRX_GUARDED_BY(m_pLock); // the clock's time at Run
     CLSID m_clsid;
-    CCritSec* m_pLock;                  // not owned: the filter lock
-    WideString m_name;                  // given by the graph
+    CCritSec* m_pLock;                         // not owned: the filter lock
+    WideString m_name QRX_GUARDED_BY(m_pLock); // given by the graph
+    // Any thread reads these two without the lock: a filter joins and leaves its graph while nothing streams.
     IFilterGraph* m_pGraph = nullptr;   // not counted
     IMediaEventSink* m_pSink = nullptr; // not counted: a part of the graph
     std::atomic<LONG> m_PinVersion{1};
@@ -82,8 +83,8 @@ class CBaseFilter : public CUnknown, public IBaseFilter, public IAMovieSetup {
   private:
     template <typename Call>
     HRESULT ForEachConnectedPin(Call call);
-    HRESULT StopPins();
-    HRESULT ActivatePins();
-    HRESULT RunPins(REFERENCE_TIME tStart);
+    HRESULT StopPins() QRX_REQUIRES(m_pLock);
+    HRESULT ActivatePins() QRX_REQUIRES(m_pLock);
+    HRESULT RunPins(REFERENCE_TIME tStart) QRX_REQUIRES(m_pLock);
     HRESULT RegisterSetupData(BOOL bRegister);
 };

@@ -25,9 +25,9 @@ HRESULT CBaseFilter::StopPins() {
     HRESULT first = S_OK;
     const HRESULT hr = ComGuard([&] {
         return ForEachConnectedPin([&first](CBasePin& pin) {
-            const HRESULT result = ComGuard([&pin] { return pin.Inactive(); });
-            if (SUCCEEDED(first) && FAILED(result)) {
-                first = result;
+            const HRESULT stopped = ComGuard([&pin] { return pin.Inactive(); });
+            if (SUCCEEDED(first) && FAILED(stopped)) {
+                first = stopped;
             }
             return S_OK;
         });
@@ -40,9 +40,9 @@ HRESULT CBaseFilter::ActivatePins() {
     int activated = 0;
     const HRESULT hr = ComGuard([&] {
         return ForEachConnectedPin([&activated](CBasePin& pin) {
-            const HRESULT result = pin.Active();
-            activated += SUCCEEDED(result) ? 1 : 0;
-            return result;
+            const HRESULT active = pin.Active();
+            activated += SUCCEEDED(active) ? 1 : 0;
+            return active;
         });
     });
     if (SUCCEEDED(hr)) {
@@ -64,14 +64,14 @@ HRESULT CBaseFilter::RunPins(REFERENCE_TIME tStart) {
 }
 
 HRESULT CBaseFilter::Stop() noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     const HRESULT hr = m_State == State_Stopped ? S_OK : StopPins();
     m_State = State_Stopped; // also after a failure: nothing may keep a filter from stopping
     return hr;
 }
 
 HRESULT CBaseFilter::Pause() noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     if (m_State == State_Stopped) {
         const HRESULT hr = ActivatePins();
         if (FAILED(hr)) {
@@ -83,7 +83,7 @@ HRESULT CBaseFilter::Pause() noexcept {
 }
 
 HRESULT CBaseFilter::Run(REFERENCE_TIME tStart) noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_tStart = tStart;
     if (m_State == State_Stopped) {
         const HRESULT hr = Pause();

@@ -21,7 +21,7 @@ HRESULT CBaseInputPin::GetAllocator(IMemAllocator** ppAllocator) noexcept {
         return E_POINTER;
     }
     *ppAllocator = nullptr;
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     if (!m_pAllocator) {
         const HRESULT hr = CreateMemoryAllocator(m_pAllocator.Put());
         if (FAILED(hr)) {
@@ -36,7 +36,7 @@ HRESULT CBaseInputPin::NotifyAllocator(IMemAllocator* pAllocator, BOOL bReadOnly
     if (pAllocator == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_pAllocator = pAllocator;
     m_bReadOnly = bReadOnly != FALSE;
     return S_OK;
@@ -65,13 +65,13 @@ HRESULT CBaseInputPin::ReceiveMultiple(IMediaSample** pSamples, LONG nSamples, L
 }
 
 HRESULT CBaseInputPin::BeginFlush() noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_bFlushing = true;
     return S_OK;
 }
 
 HRESULT CBaseInputPin::EndFlush() noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_bFlushing = false;
     m_bRunTimeError = false;
     return S_OK;

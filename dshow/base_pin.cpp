@@ -45,7 +45,7 @@ HRESULT CBasePin::ConnectionMediaType(AM_MEDIA_TYPE* pmt) noexcept {
     if (pmt == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     if (!IsConnected()) {
         const CMediaType empty;
         CopyMediaType(pmt, &empty); // copies no block, so it cannot fail
@@ -124,7 +124,7 @@ HRESULT CBasePin::Notify(IBaseFilter* /*pSelf*/, Quality /*q*/) noexcept {
 }
 
 HRESULT CBasePin::SetSink(IQualityControl* piqc) noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     m_pQSink = piqc;
     return S_OK;
 }

@@ -77,11 +77,11 @@ class CBasePin : public CUnknown, public IPin, public IQualityControl {
     virtual HRESULT Run(REFERENCE_TIME tStart);
 
   protected:
-    HRESULT AttemptConnection(IPin* pReceivePin, const CMediaType* pmt);
-    HRESULT TryMediaTypes(IPin* pReceivePin, const CMediaType* pmt, IEnumMediaTypes* pEnum);
+    HRESULT AttemptConnection(IPin* pReceivePin, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
+    HRESULT TryMediaTypes(IPin* pReceivePin, const CMediaType* pmt, IEnumMediaTypes* pEnum) QRX_REQUIRES(m_pLock);
     // Finds a type for the connection: the one given, or the first proposal of either pin that fits it.
-    HRESULT AgreeMediaType(IPin* pReceivePin, const CMediaType* pmt);
-    HRESULT DisconnectInternal();
+    HRESULT AgreeMediaType(IPin* pReceivePin, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
+    HRESULT DisconnectInternal() QRX_REQUIRES(m_pLock);
 
     WideString m_name;
     win::ComPtr<IPin> m_Connected;
@@ -100,7 +100,7 @@ class CBasePin : public CUnknown, public IPin, public IQualityControl {
 
   private:
     HRESULT CheckCanConnect() const;
-    HRESULT OfferConnection(IPin* pReceivePin, const CMediaType* pmt);
-    HRESULT AcceptConnection(IPin* pConnector, const CMediaType* pmt);
-    void AbandonConnection();
+    HRESULT OfferConnection(IPin* pReceivePin, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
+    HRESULT AcceptConnection(IPin* pConnector, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
+    void AbandonConnection() QRX_REQUIRES(m_pLock);
 };

@@ -51,12 +51,13 @@ HRESULT CBasePin::Connect(IPin* pReceivePin, const AM_MEDIA_TYPE* pmt) noexcept 
     if (pReceivePin == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     const HRESULT possible = CheckCanConnect();
     if (FAILED(possible)) {
         return possible;
     }
     const HRESULT hr = ComGuard([&] {
+        m_pLock->AssertHeld();
         if (pmt == nullptr) {
             return AgreeMediaType(pReceivePin, nullptr);
         }
@@ -150,12 +151,13 @@ HRESULT CBasePin::ReceiveConnection(IPin* pConnector, const AM_MEDIA_TYPE* pmt) 
     if (pConnector == nullptr || pmt == nullptr) {
         return E_POINTER;
     }
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     const HRESULT possible = CheckCanConnect();
     if (FAILED(possible)) {
         return possible;
     }
     const HRESULT hr = ComGuard([&] {
+        m_pLock->AssertHeld();
         const CMediaType type(*pmt);
         return AcceptConnection(pConnector, &type);
     });
@@ -186,7 +188,7 @@ void CBasePin::AbandonConnection() {
 }
 
 HRESULT CBasePin::Disconnect() noexcept {
-    CAutoLock lock(m_pLock);
+    const CAutoLock lock(m_pLock);
     return IsStopped() ? DisconnectInternal() : VFW_E_NOT_STOPPED;
 }
 

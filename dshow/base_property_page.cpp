@@ -221,7 +221,7 @@ INT_PTR CALLBACK CBasePropertyPage::DialogProc(HWND hwnd, UINT uMsg, WPARAM wPar
     }
     INT_PTR handled = FALSE;
     // An exception must not cross the system's frames; a message that failed counts as not handled.
-    static_cast<void>(ComGuard([&] {
+    (void)(ComGuard([&] {
         handled = page->OnReceiveMessage(hwnd, uMsg, wParam, lParam);
         return S_OK;
     }));

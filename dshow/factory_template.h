@@ -37,5 +37,5 @@ extern CFactoryTemplate g_Templates[];
 extern int g_cTemplates;
 
 inline std::span<const CFactoryTemplate> FactoryTemplates() {
-    return {g_Templates, static_cast<std::size_t>(g_cTemplates)};
+    return {g_Templates, static_cast<size_t>(g_cTemplates)};
 }

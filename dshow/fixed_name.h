@@ -8,9 +8,9 @@
 #include "win/wide_string.h"
 
 // Cuts what does not fit; the copy is always terminated.
-template <std::size_t Size>
+template <size_t Size>
 void CopyFixedName(WCHAR (&target)[Size], WideStringView name) noexcept {
-    const std::size_t length = std::min(name.size(), Size - 1);
+    const size_t length = std::min(name.size(), Size - 1);
     std::copy_n(name.begin(), length, target);
     target[length] = 0;
 }

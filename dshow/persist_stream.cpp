@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t kNumberLength = 11; // characters: sign or zero, and the ten digits of a 32-bit number
+constexpr size_t kNumberLength = 11; // characters: sign or zero, and the ten digits of a 32-bit number
 constexpr char kNumberFormat[] = "%011d";
 constexpr WCHAR kTerminator = ' ';
 
@@ -21,7 +21,7 @@ HRESULT WriteVersion(IStream* stream, DWORD version) {
     char digits[kNumberLength + 1] = {};
     std::snprintf(digits, sizeof(digits), kNumberFormat, static_cast<INT32>(version));
     VersionHeader header{};
-    for (std::size_t i = 0; i < kNumberLength; ++i) {
+    for (size_t i = 0; i < kNumberLength; ++i) {
         header[i] = static_cast<WCHAR>(digits[i]);
     }
     header[kNumberLength] = kTerminator;
@@ -35,7 +35,7 @@ bool IsDigit(WCHAR character) {
 HRESULT ParseVersion(const VersionHeader& header, DWORD& version) {
     const bool negative = header[0] == '-';
     INT64 number = 0;
-    for (std::size_t i = negative ? 1 : 0; i < kNumberLength; ++i) {
+    for (size_t i = negative ? 1 : 0; i < kNumberLength; ++i) {
         if (!IsDigit(header[i])) {
             return VFW_E_INVALID_FILE_FORMAT;
         }

@@ -1,6 +1,5 @@
 #include "log/logger.h"
 
-#include <mutex>
 #include <string>
 
 #include "win/module_instance.h"
@@ -16,7 +15,7 @@ constexpr WCHAR kCloseBanner[] =
     OLESTR("~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~CLogger::CloseLog~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\r\n");
 
 constexpr WCHAR kLogSuffix[] = OLESTR(".log");
-constexpr std::size_t kTextLimitChars = std::size_t{1} << 30;
+constexpr size_t kTextLimitChars = size_t{1} << 30;
 // A pointer below this is the identifier of a string resource.
 constexpr ULONG_PTR kResourceIdLimit = 0x10000;
 
@@ -28,7 +27,7 @@ WideString TextFromResource(UINT id) {
     const WCHAR* text = nullptr;
     // With a buffer size of 0 the call gives a pointer into the resource, which has no terminator.
     const int length = LoadStringW(win::ModuleInstance(), id, reinterpret_cast<WCHAR*>(&text), 0);
-    return length > 0 && text != nullptr ? WideString(text, static_cast<std::size_t>(length)) : WideString();
+    return length > 0 && text != nullptr ? WideString(text, static_cast<size_t>(length)) : WideString();
 }
 
 WideString TextOf(const WCHAR* textOrId) {
@@ -48,7 +47,7 @@ std::string ToAnsi(WideStringView text) {
     if (size <= 0) {
         return {};
     }
-    std::string ansi(static_cast<std::size_t>(size), '\0');
+    std::string ansi(static_cast<size_t>(size), '\0');
     WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, ansi.data(), size, nullptr, nullptr);
     return ansi;
 }
@@ -94,7 +93,7 @@ int CLogger::CreateLog(const WCHAR* directory, const WCHAR* fileName, bool overw
     const WideString folder = TextOf(directory);
     // A directory that ends in a separator gives two in a row, which the file system accepts.
     const WideString path = folder + OLESTR("\\") + TextOf(fileName);
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_directory = folder;
     if (!IsEnabled()) {
         return 1;
@@ -114,14 +113,19 @@ int CLogger::CreateLog(const WCHAR* directory, const WCHAR* fileName, bool overw
 
 int CLogger::CloseLog() {
     if (IsEnabled()) {
-        const std::lock_guard lock(m_lock);
+        const win::LockGuard lock(m_lock);
         CloseOpenFile();
     }
     return 1;
 }
 
+WideString CLogger::Directory() const {
+    const win::LockGuard lock(m_lock);
+    return m_directory;
+}
+
 bool CLogger::WriteText(WideStringView text) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return WriteOpenFile(text);
 }
 
@@ -151,7 +155,7 @@ void CreateDirectoryPath(WideStringView path) {
     if (!IsSeparator(whole.back())) {
         whole += OLESTR('\\');
     }
-    for (std::size_t i = 0; i < whole.size(); ++i) {
+    for (size_t i = 0; i < whole.size(); ++i) {
         if (IsSeparator(whole[i])) {
             CreateDirectoryW(whole.substr(0, i).c_str(), nullptr);
         }

@@ -32,16 +32,16 @@ class CLogger {
     // Switches every operation on or off; closes nothing.
     void SetEnabled(bool enabled) { m_enabled.store(enabled ? 1 : 0, std::memory_order_relaxed); }
     [[nodiscard]] bool IsEnabled() const { return m_enabled.load(std::memory_order_relaxed) != 0; }
-    [[nodiscard]] const WideString& Directory() const { return m_directory; }
+    [[nodiscard]] WideString Directory() const;
 
   private:
     bool WriteText(WideStringView text);
-    bool WriteOpenFile(WideStringView text);
-    void CloseOpenFile();
+    bool WriteOpenFile(WideStringView text) QRX_REQUIRES(m_lock);
+    void CloseOpenFile() QRX_REQUIRES(m_lock);
 
-    HANDLE m_file = INVALID_HANDLE_VALUE;
-    win::CriticalSection m_lock; // guards m_file and m_directory
-    WideString m_directory;      // as last passed to CreateLog
+    HANDLE m_file QRX_GUARDED_BY(m_lock) = INVALID_HANDLE_VALUE;
+    mutable win::CriticalSection m_lock;
+    WideString m_directory QRX_GUARDED_BY(m_lock); // as last passed to CreateLog
     std::atomic<INT32> m_enabled{0};
 };
 

@@ -12,7 +12,7 @@ namespace win {
 namespace {
 
 // VS_VERSIONINFO: three 16-bit fields and the key "VS_VERSION_INFO" with its zero, padded to four bytes.
-constexpr std::size_t kFixedInfoOffsetBytes = 40;
+constexpr size_t kFixedInfoOffsetBytes = 40;
 // Not in every toolchain's headers: the identifier and the type of a version resource, the block's signature.
 constexpr WORD kVersionResourceId = 1;
 constexpr WORD kVersionResourceType = 16;
