@@ -1,4 +1,3 @@
-// The filter object, its pins, and the defaults of the concrete muxer's table of operations.
 #include "mux/base_mux.h"
 
 #include <algorithm>
@@ -16,16 +15,105 @@ constexpr LONG kOutputAlignmentBytes = 1;
 } // namespace
 
 CBaseMux::CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid)
-    : CBaseFilter(name, outer, &m_filterLock, clsid) {}
+    : CBaseFilter(name, outer, &m_filterLock, clsid), CMuxWorker(m_interleaver, m_filterLock),
+      m_streaming(*this, m_interleaver) {}
 
 CBaseMux::~CBaseMux() {
-    ReleaseAllWaits();
+    m_streaming.EndAllWaits();
     StopWorker();
     m_outputPin.reset();
     g_Logger.CloseLog();
     CBaseMux::DeleteInputPins();
     m_downstream.Reset();
 }
+
+// ---- IMediaFilter -----------------------------------------------------------------------------------------------
+
+STDMETHODIMP CBaseMux::Pause() noexcept {
+    return ComGuard([this] {
+        const CAutoLock lock(&m_filterLock);
+        const FILTER_STATE previous = m_State;
+        if (previous == State_Paused) {
+            return S_OK;
+        }
+        m_streaming.AllowWaits();
+        const HRESULT hr = CBaseFilter::Pause();
+        if (FAILED(hr) || previous != State_Stopped || !HasConnectedInput()) {
+            return hr;
+        }
+        const HRESULT started = BeginStreaming();
+        return FAILED(started) ? started : hr;
+    });
+}
+
+STDMETHODIMP CBaseMux::Run(REFERENCE_TIME start) noexcept {
+    return ComGuard([&] {
+        const CAutoLock lock(&m_filterLock);
+        return m_State == State_Running ? S_OK : CBaseFilter::Run(start);
+    });
+}
+
+STDMETHODIMP CBaseMux::Stop() noexcept {
+    return ComGuard([this] {
+        const CAutoLock lock(&m_filterLock);
+        if (m_State == State_Stopped) {
+            return S_OK;
+        }
+        m_streaming.EndAllWaits();
+        const HRESULT hr = CBaseFilter::Stop();
+        StopWorker();
+        StopStreaming();
+        return hr;
+    });
+}
+
+// Streams and worker, or nothing at all: a refused start leaves the filter stopped.
+HRESULT CBaseMux::BeginStreaming() {
+    HRESULT hr = ComGuard([this] {
+        m_filterLock.AssertHeld();
+        return StartStreaming();
+    });
+    // A bare -1 is meant: the concrete muxer goes on without a file, and end of stream still arrives.
+    if (SUCCEEDED(hr) || hr == kMuxFailedResult) {
+        hr = StartWorker();
+    }
+    if (FAILED(hr)) {
+        m_streaming.EndAllWaits();
+        (void)CBaseFilter::Stop();
+        StopStreaming();
+    }
+    return hr;
+}
+
+HRESULT CBaseMux::StartStreaming() {
+    m_streaming.Start(m_inputPins);
+    m_outputPosition = 0;
+    return OnStartStreaming();
+}
+
+void CBaseMux::StopStreaming() {
+    (void)ComGuard([this] { return OnStopStreaming(); });
+    m_downstream.Reset();
+    m_streaming.Stop(m_inputPins);
+}
+
+// ---- The worker -------------------------------------------------------------------------------------------------
+
+void CBaseMux::OnPacket(CMuxInterPacket& packet, CBaseMuxInputPin* pin) {
+    (void)ProcessPacket(&packet, pin);
+}
+
+// The file is finished when streaming stops, not here.
+void CBaseMux::OnAllEnded() {
+    if (!m_outputPin || !m_outputPin->IsConnected()) {
+        NotifyEvent(EC_COMPLETE, S_OK, 0);
+        return;
+    }
+    g_Logger << OLESTR("CBaseMux::ThreadProc output->DeliverEndOfStream\r\n");
+    m_outputPin->DeliverEndOfStream();
+}
+
+// ---- Pins -------------------------------------------------------------------------------------------------------
 
 int CBaseMux::GetPinCount() {
     const CAutoLock lock(&m_filterLock);
@@ -53,15 +141,15 @@ int CBaseMux::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
         return kMuxFailed;
     }
     *pin = nullptr;
-    const HRESULT created = ComGuard([&] {
-        HRESULT result = S_OK;
-        auto fresh = std::make_unique<CBaseMuxInputPin>(OLESTR("MuxPin"), this, &m_filterLock, &result, name);
-        if (SUCCEEDED(result)) {
+    const HRESULT hr = ComGuard([&] {
+        HRESULT created = S_OK;
+        auto fresh = std::make_unique<CBaseMuxInputPin>(OLESTR("MuxPin"), this, &m_filterLock, &created, name);
+        if (SUCCEEDED(created)) {
             *pin = fresh.release(); // the caller's from here
         }
-        return result;
+        return created;
     });
-    return SUCCEEDED(created) ? kMuxOk : kMuxFailed;
+    return SUCCEEDED(hr) ? kMuxOk : kMuxFailed;
 }
 
 int CBaseMux::AddInputPin() {
@@ -87,6 +175,12 @@ void CBaseMux::DeleteInputPins() {
     m_firstInputPin = nullptr;
     m_inputPins.clear();
 }
+
+HRESULT CBaseMux::EndOfStream(CBaseMuxInputPin* pin) {
+    return pin == nullptr ? kMuxFailedResult : pin->QueueEndOfStream();
+}
+
+// ---- The defaults of the concrete muxer's table of operations ---------------------------------------------------
 
 HRESULT CBaseMux::CheckInputType(const CMediaType*) {
     return S_OK;
@@ -165,8 +259,8 @@ HRESULT CBaseMux::DecideOutputBufferSize(IMemAllocator* allocator, ALLOCATOR_PRO
     properties->cbAlign = kOutputAlignmentBytes;
     properties->cbPrefix = 0;
     ALLOCATOR_PROPERTIES actual{};
-    if (const HRESULT result = allocator->SetProperties(properties, &actual); FAILED(result)) {
-        return result;
+    if (const HRESULT hr = allocator->SetProperties(properties, &actual); FAILED(hr)) {
+        return hr;
     }
     const bool enough = actual.cBuffers >= kOutputBuffers && actual.cbBuffer >= properties->cbBuffer &&
                         actual.cbAlign >= kOutputAlignmentBytes;

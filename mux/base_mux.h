@@ -2,16 +2,14 @@
 // it.
 //
 // Owner: its references; it owns pins, interleaver and worker, and one reference on the downstream stream.
-// Threads: pins and states under the filter lock; upstream threads in EndOfStream and the inputs' Receive; the worker,
-// which alone calls ProcessPacket and never takes the filter lock, since Stop joins it under that lock.
+// Threads: pins and states under the filter lock; upstream threads in EndOfStream and the inputs' Receive; the worker
+// (CMuxWorker), which alone calls ProcessPacket and never takes the filter lock, since Stop joins it under that lock.
 // Errors: HRESULTs or the mux core's integers; what a hook throws becomes one.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
-#include "dshow/am_thread.h"
 #include "dshow/base_filter.h"
 #include "mux/base_mux_input_pin.h"
 #include "mux/base_mux_output_pin.h"
@@ -19,9 +17,11 @@
 #include "mux/mux_interleaver.h"
 #include "mux/mux_result.h"
 #include "mux/mux_stream_kind.h"
+#include "mux/mux_streaming.h"
+#include "mux/mux_worker.h"
 #include "win/com_ptr.h"
 
-class CBaseMux : public CBaseFilter, protected CAMThread {
+class CBaseMux : public CBaseFilter, protected CMuxWorker {
   public:
     // A concrete muxer's destructor calls Stop first, so that its hooks still exist while the worker ends.
     ~CBaseMux() override;
@@ -40,7 +40,8 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
     virtual int CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name);
     // Appends the input "In n"; fails only when CreateInputPin does.
     virtual int AddInputPin();
-    virtual void DeleteInputPins();
+    // For the destructor: nobody else is there any more, so no lock is taken.
+    virtual void DeleteInputPins() QRX_NO_ANALYSIS;
     virtual HRESULT CheckInputType(const CMediaType* type);
     virtual HRESULT SetInputType(CBaseMuxInputPin* pin, const CMediaType* type);
     virtual HRESULT BreakInputConnect(CBaseMuxInputPin* pin);
@@ -66,9 +67,9 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
 
     // ---- For the pins ----
 
-    // The upstream filter's end of stream: queued behind the pin's data. S_OK, or kMuxFailedResult.
+    // The upstream filter's end of stream, which is the pin's business. S_OK, or kMuxFailedResult.
     HRESULT EndOfStream(CBaseMuxInputPin* pin);
-    [[nodiscard]] bool IsAborted() const { return m_abort.load(std::memory_order_acquire); }
+    [[nodiscard]] bool IsAborted() const { return m_streaming.IsAborted(); }
     CMuxInterleaver& Interleaver() { return m_interleaver; }
     // Null before the concrete muxer's constructor has added it.
     [[nodiscard]] CBaseMuxInputPin* FirstInputPin() const { return m_firstInputPin; }
@@ -78,34 +79,25 @@ class CBaseMux : public CBaseFilter, protected CAMThread {
   protected:
     CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid);
 
-    CCritSec m_filterLock;                                      // guards the pin list and the changes of state
-    std::vector<std::unique_ptr<CBaseMuxInputPin>> m_inputPins; // in order of creation
-    std::unique_ptr<CBaseMuxOutputPin> m_outputPin;             // made by the concrete muxer's constructor
-    win::ComPtr<IStream> m_downstream;                          // held while streaming
-
-    // CAMThread
-    DWORD ThreadProc() override;
+    CCritSec m_filterLock; // of CBaseFilter, too: guards the pin list and the changes of state
+    std::vector<std::unique_ptr<CBaseMuxInputPin>> m_inputPins QRX_GUARDED_BY(m_filterLock); // in order of creation
+    std::unique_ptr<CBaseMuxOutputPin> m_outputPin; // made by the concrete muxer's constructor, then left alone
+    // Held while streaming; it changes before the worker begins and after it has ended.
+    win::ComPtr<IStream> m_downstream;
 
   private:
-    HRESULT BeginStreaming();
-    void ReleaseAllWaits();
-    HRESULT StartStreaming();
-    HRESULT StartWorker();
-    void StopStreaming();
-    void StopWorker();
-    CMuxInterStream* CreateStream(CBaseMuxInputPin& pin);
-    [[nodiscard]] bool HasConnectedInput() const;
+    HRESULT BeginStreaming() QRX_REQUIRES(m_filterLock);
+    HRESULT StartStreaming() QRX_REQUIRES(m_filterLock);
+    void StopStreaming() QRX_REQUIRES(m_filterLock);
+    [[nodiscard]] bool HasConnectedInput() const QRX_REQUIRES(m_filterLock);
 
-    bool WaitForRoomAtEnd(CBaseMuxInputPin& pin, CMuxInterStream& stream);
-    bool QueueEndOfStream(CBaseMuxInputPin& pin, CMuxInterStream& stream);
-
-    void RunMuxLoop();
-    void DeliverPacket(CMuxInterPacket& packet);
-    void FinishRun();
+    // CMuxWorker
+    void OnPacket(CMuxInterPacket& packet, CBaseMuxInputPin* pin) QRX_REQUIRES(m_workerThread) override;
+    void OnAllEnded() QRX_REQUIRES(m_workerThread) override;
 
     CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
     ConnectedInputs m_inputs;                    // what m_inputPins says, readable without the filter lock
     CMuxInterleaver m_interleaver;
-    std::atomic<bool> m_abort{false}; // set by Stop, cleared by Pause; ends the upstream threads' polls
-    UINT64 m_outputPosition = 0;      // bytes; where WriteOutput writes next
+    CMuxStreaming m_streaming;   // aborted from Stop to Pause
+    UINT64 m_outputPosition = 0; // bytes; where WriteOutput writes next
 };

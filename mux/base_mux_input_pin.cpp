@@ -1,6 +1,7 @@
 #include "mux/base_mux_input_pin.h"
 
 #include "dshow/com_guard.h"
+#include "log/logger.h"
 #include "mux/base_mux.h"
 #include "mux/sample_reader.h"
 
@@ -19,39 +20,39 @@ HRESULT CBaseMuxInputPin::CheckMediaType(const CMediaType* type) {
 }
 
 HRESULT CBaseMuxInputPin::SetMediaType(const CMediaType* type) {
-    const HRESULT result = CBaseInputPin::SetMediaType(type);
-    return FAILED(result) ? result : m_mux->SetInputType(this, type);
+    const HRESULT hr = CBaseInputPin::SetMediaType(type);
+    return FAILED(hr) ? hr : m_mux->SetInputType(this, type);
 }
 
 HRESULT CBaseMuxInputPin::CompleteConnect(IPin* peer) {
-    const HRESULT result = CBaseInputPin::CompleteConnect(peer);
-    return FAILED(result) ? result : m_mux->CompleteInputConnect(this, peer);
+    const HRESULT hr = CBaseInputPin::CompleteConnect(peer);
+    return FAILED(hr) ? hr : m_mux->CompleteInputConnect(this, peer);
 }
 
 HRESULT CBaseMuxInputPin::BreakConnect() {
-    const HRESULT result = CBaseInputPin::BreakConnect();
-    return FAILED(result) ? result : m_mux->BreakInputConnect(this);
+    const HRESULT hr = CBaseInputPin::BreakConnect();
+    return FAILED(hr) ? hr : m_mux->BreakInputConnect(this);
 }
 
 HRESULT CBaseMuxInputPin::Inactive() {
-    HRESULT result = CBaseInputPin::Inactive();
-    if (result == VFW_E_NO_ALLOCATOR) {
-        result = S_OK; // samples are only read here, so whoever sends them need not say where they come from
+    HRESULT hr = CBaseInputPin::Inactive();
+    if (hr == VFW_E_NO_ALLOCATOR) {
+        hr = S_OK; // samples are only read here, so whoever sends them need not say where they come from
     }
-    if (SUCCEEDED(result)) {
+    if (SUCCEEDED(hr)) {
         m_grouper.Clear();
     }
-    return result;
+    return hr;
 }
 
 STDMETHODIMP CBaseMuxInputPin::BeginFlush() noexcept {
-    const HRESULT result = CBaseInputPin::BeginFlush();
-    return FAILED(result) ? result : S_OK;
+    const HRESULT hr = CBaseInputPin::BeginFlush();
+    return FAILED(hr) ? hr : S_OK;
 }
 
 STDMETHODIMP CBaseMuxInputPin::EndFlush() noexcept {
-    const HRESULT result = CBaseInputPin::EndFlush();
-    return FAILED(result) ? result : S_OK;
+    const HRESULT hr = CBaseInputPin::EndFlush();
+    return FAILED(hr) ? hr : S_OK;
 }
 
 STDMETHODIMP CBaseMuxInputPin::EndOfStream() noexcept {
@@ -71,8 +72,8 @@ HRESULT CBaseMuxInputPin::ReceiveSample(IMediaSample& sample) {
     if (stream == nullptr) {
         return S_FALSE;
     }
-    if (const HRESULT result = stream->StreamResult(); result != S_OK) {
-        return result;
+    if (const HRESULT hr = stream->StreamResult(); hr != S_OK) {
+        return hr;
     }
     CMuxInterleaver& interleaver = m_mux->Interleaver();
     std::unique_ptr<CMuxInterPacket> packet;
@@ -113,4 +114,55 @@ void CBaseMuxInputPin::DetachStream() {
     m_gate.Close();
     // A sample that was inside when the pin became inactive may have left a packet behind.
     m_grouper.Clear();
+}
+
+// ---- End of stream ----------------------------------------------------------------------------------------------
+
+HRESULT CBaseMuxInputPin::QueueEndOfStream() {
+    const StreamGate::Pass pass(m_gate);
+    CMuxInterStream* const stream = pass.Stream();
+    if (stream == nullptr) {
+        return kMuxFailedResult;
+    }
+    LogLine(OLESTR("CBaseMux::EndOfStream pin="));
+    return WaitForRoomAtEnd(*stream) && AddEndOfStream(*stream) ? S_OK : kMuxFailedResult;
+}
+
+bool CBaseMuxInputPin::WaitForRoomAtEnd(CMuxInterStream& stream) {
+    LogLine(OLESTR("CBaseMux::EndOfStream wait WaitStreamWritable pin="));
+    switch (WaitForRoom(stream)) {
+    case RoomWait::Writable:
+        LogLine(OLESTR("CBaseMux::EndOfStream wait dw == WAIT_OBJECT_0 pin="));
+        return true;
+    case RoomWait::Flushing:
+        LogLine(OLESTR("CBaseMux::EndOfStream (pin->IsFlushing())"));
+        return false;
+    case RoomWait::Stopping:
+        LogLine(OLESTR("CBaseMux::EndOfStream wait (return -1) pin="));
+        return false;
+    case RoomWait::Aborted:
+        break;
+    }
+    return false;
+}
+
+// The held packets go as they are, unmerged; those without data are nothing to write.
+bool CBaseMuxInputPin::AddEndOfStream(CMuxInterStream& stream) {
+    CMuxInterleaver& interleaver = m_mux->Interleaver();
+    for (auto& held : m_grouper.TakeAll()) {
+        if (held->size > 0 && interleaver.AddPacket(std::move(held)) != kMuxOk) {
+            return false;
+        }
+    }
+    std::unique_ptr<CMuxInterPacket> packet;
+    if (interleaver.NewPacket(static_cast<INT32>(stream.Index()), packet) != kMuxOk) {
+        return false;
+    }
+    packet->endOfStream = true;
+    return interleaver.AddPacket(std::move(packet)) == kMuxOk;
+}
+
+// Ends with the pin's identity; any stable number serves the log's reader.
+void CBaseMuxInputPin::LogLine(const WCHAR* text) const {
+    g_Logger << text << static_cast<INT64>(reinterpret_cast<intptr_t>(this)) << OLESTR("\r\n");
 }

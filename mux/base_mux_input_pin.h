@@ -2,7 +2,8 @@
 //
 // Units: times in 100 ns. Owner: the filter. The stream is the interleaver's, and there only while streaming.
 // Threads: Receive and EndOfStream on the upstream thread, flushes on any; the rest under the filter lock.
-// Errors: Receive drops samples silently when flushing or stopping; E_OUTOFMEMORY when memory is short.
+// Errors: Receive drops samples silently when flushing or stopping; E_OUTOFMEMORY when memory is short. End of stream
+// answers kMuxFailedResult instead.
 #pragma once
 
 #include "dshow/base_input_pin.h"
@@ -14,8 +15,6 @@ class CMuxInterStream;
 
 class CBaseMuxInputPin : public CBaseInputPin {
   public:
-    enum class RoomWait { Writable, Flushing, Aborted, Stopping };
-
     CBaseMuxInputPin(const WCHAR* objectName, CBaseMux* filter, CCritSec* lock, HRESULT* result, LPCWSTR pinName);
 
     // IPin
@@ -41,14 +40,18 @@ class CBaseMuxInputPin : public CBaseInputPin {
     void AttachStream(CMuxInterStream* stream);
     // Waits until no upstream thread uses the stream any more. The stop event must be set before.
     void DetachStream();
-    StreamGate& Gate() { return m_gate; }
-    // Polls until the stream has room; a flush or a stop ends it soon.
-    [[nodiscard]] RoomWait WaitForRoom(CMuxInterStream& stream);
-    // The packets of the frame that no timed sample has ended yet.
-    [[nodiscard]] FrameGrouper::Packets TakeHeldPackets() { return m_grouper.TakeAll(); }
+    // Queues the end behind the pin's data, so that it can never overtake any. Waits for room.
+    [[nodiscard]] HRESULT QueueEndOfStream();
 
   private:
+    enum class RoomWait { Writable, Flushing, Aborted, Stopping };
+
     HRESULT ReceiveSample(IMediaSample& sample);
+    // Polls until the stream has room; a flush or a stop ends it soon.
+    [[nodiscard]] RoomWait WaitForRoom(CMuxInterStream& stream);
+    [[nodiscard]] bool WaitForRoomAtEnd(CMuxInterStream& stream);
+    [[nodiscard]] bool AddEndOfStream(CMuxInterStream& stream);
+    void LogLine(const WCHAR* text) const;
 
     CBaseMux* const m_mux; // not owned: it owns this pin
     INT32 m_index = -1;    // its position in the filter's list

@@ -1,7 +1,5 @@
 #include "mux/base_mux_output_pin.h"
 
-#include <mutex>
-
 #include "dshow/pos_pass_thru.h"
 #include "mux/base_mux.h"
 
@@ -21,15 +19,15 @@ STDMETHODIMP CBaseMuxOutputPin::NonDelegatingQueryInterface(REFIID iid, void** o
 
 HRESULT CBaseMuxOutputPin::QueryPassThrough(REFIID iid, void** object) {
     *object = nullptr;
-    const std::lock_guard lock(m_passThroughLock);
+    const win::LockGuard lock(m_passThroughLock);
     if (!m_passThrough) {
         CBaseMuxInputPin* const input = m_mux->FirstInputPin();
         if (input == nullptr) {
             return E_NOINTERFACE;
         }
-        const HRESULT result = CreatePosPassThru(GetOwner(), FALSE, input, m_passThrough.Put());
-        if (FAILED(result)) {
-            return result;
+        const HRESULT hr = CreatePosPassThru(GetOwner(), FALSE, input, m_passThrough.Put());
+        if (FAILED(hr)) {
+            return hr;
         }
     }
     return m_passThrough->QueryInterface(iid, object);
@@ -40,8 +38,8 @@ HRESULT CBaseMuxOutputPin::CheckMediaType(const CMediaType* type) {
 }
 
 HRESULT CBaseMuxOutputPin::SetMediaType(const CMediaType* type) {
-    const HRESULT result = CBaseOutputPin::SetMediaType(type);
-    return FAILED(result) ? result : m_mux->SetOutputType(type);
+    const HRESULT hr = CBaseOutputPin::SetMediaType(type);
+    return FAILED(hr) ? hr : m_mux->SetOutputType(type);
 }
 
 HRESULT CBaseMuxOutputPin::GetMediaType(int position, CMediaType* type) {
@@ -49,13 +47,13 @@ HRESULT CBaseMuxOutputPin::GetMediaType(int position, CMediaType* type) {
 }
 
 HRESULT CBaseMuxOutputPin::CompleteConnect(IPin* peer) {
-    const HRESULT result = CBaseOutputPin::CompleteConnect(peer);
-    return FAILED(result) ? result : m_mux->CompleteOutputConnect(peer);
+    const HRESULT hr = CBaseOutputPin::CompleteConnect(peer);
+    return FAILED(hr) ? hr : m_mux->CompleteOutputConnect(peer);
 }
 
 HRESULT CBaseMuxOutputPin::BreakConnect() {
-    const HRESULT result = CBaseOutputPin::BreakConnect();
-    return FAILED(result) ? result : m_mux->BreakOutputConnect();
+    const HRESULT hr = CBaseOutputPin::BreakConnect();
+    return FAILED(hr) ? hr : m_mux->BreakOutputConnect();
 }
 
 HRESULT CBaseMuxOutputPin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* properties) {

@@ -31,5 +31,5 @@ class CBaseMuxOutputPin : public CBaseOutputPin {
     CBaseMux* const m_mux; // not owned: it owns this pin
     // Not the filter lock: the peer may ask from the worker's thread, which Stop joins under that lock.
     win::CriticalSection m_passThroughLock;
-    win::ComPtr<IUnknown> m_passThrough; // aggregated by this pin
+    win::ComPtr<IUnknown> m_passThrough QRX_GUARDED_BY(m_passThroughLock); // aggregated by this pin
 };

@@ -1,9 +1,7 @@
 #include "mux/connected_inputs.h"
 
-#include <mutex>
-
 void ConnectedInputs::Add() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_majorTypes.emplace_back();
 }
 
@@ -16,17 +14,17 @@ void ConnectedInputs::Disconnect(INT32 index) {
 }
 
 size_t ConnectedInputs::Count() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return m_majorTypes.size();
 }
 
 std::optional<GUID> ConnectedInputs::MajorTypeOf(INT32 index) const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return IsInside(index) ? m_majorTypes[static_cast<size_t>(index)] : std::nullopt;
 }
 
 void ConnectedInputs::Set(INT32 index, const std::optional<GUID>& majorType) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     if (IsInside(index)) {
         m_majorTypes[static_cast<size_t>(index)] = majorType;
     }

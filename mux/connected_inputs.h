@@ -23,10 +23,10 @@ class ConnectedInputs {
 
   private:
     void Set(INT32 index, const std::optional<GUID>& majorType);
-    [[nodiscard]] bool IsInside(INT32 index) const {
+    [[nodiscard]] bool IsInside(INT32 index) const QRX_REQUIRES(m_lock) {
         return index >= 0 && static_cast<size_t>(index) < m_majorTypes.size();
     }
 
-    mutable win::CriticalSection m_lock; // guards m_majorTypes
-    std::vector<std::optional<GUID>> m_majorTypes;
+    mutable win::CriticalSection m_lock;
+    std::vector<std::optional<GUID>> m_majorTypes QRX_GUARDED_BY(m_lock);
 };

@@ -1,7 +1,6 @@
 #include "mux/frame_grouper.h"
 
 #include <cstring>
-#include <mutex>
 #include <utility>
 
 namespace {
@@ -35,7 +34,7 @@ void Merge(FrameGrouper::Packets& frame) {
 } // namespace
 
 FrameGrouper::Packets FrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_audioClock.Stamp(*packet, type);
     Packets ready;
     if (packet->hasTime) {
@@ -52,12 +51,12 @@ FrameGrouper::Packets FrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet,
 }
 
 FrameGrouper::Packets FrameGrouper::TakeAll() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return TakePending();
 }
 
 void FrameGrouper::Clear() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     TakePending();
     m_audioClock.Reset();
 }

@@ -30,11 +30,11 @@ class FrameGrouper {
     void Clear();
 
   private:
-    Packets TakePending();
+    Packets TakePending() QRX_REQUIRES(m_lock);
 
     const UINT64 m_maxFrameBytes;
-    win::CriticalSection m_lock; // guards all below
-    Packets m_pending;
-    UINT64 m_pendingBytes = 0; // the packets' own memory included
-    UntimedAudioClock m_audioClock;
+    win::CriticalSection m_lock;
+    Packets m_pending QRX_GUARDED_BY(m_lock);
+    UINT64 m_pendingBytes QRX_GUARDED_BY(m_lock) = 0; // the packets' own memory included
+    UntimedAudioClock m_audioClock QRX_GUARDED_BY(m_lock);
 };

@@ -33,6 +33,7 @@ void CMuxInterStream::Attach(CBaseMuxInputPin* pin, MuxStreamKind kind, bool int
 }
 
 void CMuxInterStream::Append(std::unique_ptr<CMuxInterPacket> packet) {
+    AssertLocked();
     const UINT32 size = packet->size;
     const bool endOfStream = packet->endOfStream;
     m_packets.push_back(std::move(packet));
@@ -48,6 +49,7 @@ void CMuxInterStream::Append(std::unique_ptr<CMuxInterPacket> packet) {
 }
 
 std::unique_ptr<CMuxInterPacket> CMuxInterStream::TakeFront() {
+    AssertLocked();
     if (IsEmpty() || HasEnded()) {
         return nullptr;
     }
@@ -62,6 +64,7 @@ std::unique_ptr<CMuxInterPacket> CMuxInterStream::TakeFront() {
 }
 
 void CMuxInterStream::Suspend() {
+    AssertLocked();
     m_suspended = true;
     m_interleaved = false;
 }

@@ -18,7 +18,8 @@ class CBaseMuxInputPin;
 
 class CMuxInterStream {
   public:
-    explicit CMuxInterStream(UINT32 index) : m_index(index) {}
+    // lock: the interleaver's, which guards the queue and the waiting flags; none when one thread has the stream alone.
+    explicit CMuxInterStream(UINT32 index, const win::CriticalSection* lock = nullptr) : m_index(index), m_lock(lock) {}
     virtual ~CMuxInterStream() = default;
     CMuxInterStream(const CMuxInterStream&) = delete;
     CMuxInterStream& operator=(const CMuxInterStream&) = delete;
@@ -54,22 +55,38 @@ class CMuxInterStream {
     [[nodiscard]] bool SawEndOfStream() const { return m_endOfStreamSeen; }
     // No packet may be chosen before this stream has one.
     [[nodiscard]] bool MustBeWaitedFor() const { return m_interleaved && IsEmpty() && !m_endOfStreamSeen; }
-    [[nodiscard]] INT64 OldestStart() const { return m_packets.front()->start; }
-    [[nodiscard]] INT64 NewestStart() const { return m_packets.back()->start; }
+    [[nodiscard]] INT64 OldestStart() const {
+        AssertLocked();
+        return m_packets.front()->start;
+    }
+    [[nodiscard]] INT64 NewestStart() const {
+        AssertLocked();
+        return m_packets.back()->start;
+    }
 
     [[nodiscard]] bool IsInterleaved() const { return m_interleaved; }
     [[nodiscard]] bool IsSuspended() const { return m_suspended; }
     // A stall breaker stops the waiting for this stream; its next packet brings it back.
     void Suspend();
     // Waits for the stream again although nothing was queued; it stays marked as suspended.
-    void WaitAgain() { m_interleaved = true; }
+    void WaitAgain() {
+        AssertLocked();
+        m_interleaved = true;
+    }
 
     // Where the stream's producers sleep until it is writable.
     win::ConditionVariable& Producers() { return m_producers; }
 
   private:
+    void AssertLocked() const {
+        if (m_lock != nullptr) {
+            m_lock->AssertHeld();
+        }
+    }
+
     const UINT32 m_index;
-    CBaseMuxInputPin* m_pin = nullptr; // not owned
+    const win::CriticalSection* const m_lock; // not owned
+    CBaseMuxInputPin* m_pin = nullptr;        // not owned
     MuxStreamKind m_kind = MuxStreamKind::Other;
     UINT32 m_byteLimit = ByteLimitOf(MuxStreamKind::Other);
     bool m_active = false;

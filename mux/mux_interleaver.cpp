@@ -2,16 +2,15 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <mutex>
 
 CMuxInterStream* CMuxInterleaver::AddStream() {
-    const std::lock_guard lock(m_lock);
-    m_streams.push_back(std::make_unique<CMuxInterStream>(static_cast<UINT32>(m_streams.size())));
+    const win::LockGuard lock(m_lock);
+    m_streams.push_back(std::make_unique<CMuxInterStream>(static_cast<UINT32>(m_streams.size()), &m_lock));
     return m_streams.back().get();
 }
 
 void CMuxInterleaver::ClearStreams() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_streams.clear();
 }
 
@@ -23,7 +22,7 @@ CMuxInterStream* CMuxInterleaver::StreamAt(INT32 index) const {
 }
 
 void CMuxInterleaver::SetStop() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_stopEvent.Set();
     m_worker.WakeAll();
     for (const auto& stream : m_streams) {
@@ -32,7 +31,7 @@ void CMuxInterleaver::SetStop() {
 }
 
 void CMuxInterleaver::ResetStop() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_stopEvent.Reset();
 }
 
@@ -40,7 +39,7 @@ CMuxInterleaver::RoomWait CMuxInterleaver::WaitForRoom(CMuxInterStream& stream, 
     if (stream.IsWritable()) {
         return RoomWait::Writable;
     }
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     if (!stream.IsWritable() && !m_stopEvent.IsSet()) {
         stream.Producers().Sleep(m_lock, timeoutMs);
     }
@@ -67,7 +66,7 @@ int CMuxInterleaver::NewPacket(INT32 streamIndex, std::unique_ptr<CMuxInterPacke
 }
 
 int CMuxInterleaver::AddPacket(std::unique_ptr<CMuxInterPacket> packet) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     CMuxInterStream* const stream = packet == nullptr ? nullptr : StreamAt(packet->streamIndex);
     if (stream == nullptr) {
         return kMuxFailed;
@@ -84,7 +83,7 @@ int CMuxInterleaver::AddPacket(std::unique_ptr<CMuxInterPacket> packet) {
 
 int CMuxInterleaver::GetNextPacket(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs) {
     packet.reset();
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     const UINT64 deadline = m_clock.Now() + timeoutMs;
     bool mustSleep = !m_dataEvent.IsSet();
     for (;;) {
@@ -146,14 +145,14 @@ int CMuxInterleaver::TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet) {
 }
 
 bool CMuxInterleaver::IsVideoOrAudioQueueFull() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return std::any_of(m_streams.begin(), m_streams.end(), [](const auto& stream) {
         return stream->Kind() < MuxStreamKind::Subtitle && !stream->IsWritable();
     });
 }
 
 void CMuxInterleaver::SuspendEmptyStreams() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     for (const auto& stream : m_streams) {
         if (stream->IsInterleaved() && stream->IsEmpty()) {
             stream->Suspend();
@@ -162,7 +161,7 @@ void CMuxInterleaver::SuspendEmptyStreams() {
 }
 
 void CMuxInterleaver::ResumeSubtitles() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     for (const auto& stream : m_streams) {
         if (stream->Kind() == MuxStreamKind::Subtitle && stream->IsSuspended()) {
             stream->WaitAgain();
@@ -171,7 +170,7 @@ void CMuxInterleaver::ResumeSubtitles() {
 }
 
 UINT32 CMuxInterleaver::QueuedPacketCount() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     UINT32 count = 0;
     for (const auto& stream : m_streams) {
         count += static_cast<UINT32>(stream->QueuedPackets());
@@ -180,7 +179,7 @@ UINT32 CMuxInterleaver::QueuedPacketCount() const {
 }
 
 INT64 CMuxInterleaver::NewestStart() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     INT64 newest = INT64_MIN;
     bool any = false;
     for (const auto& stream : m_streams) {

@@ -29,9 +29,10 @@ class CMuxInterleaver {
     // Owned by the interleaver until ClearStreams.
     CMuxInterStream* AddStream();
     void ClearStreams();
-    // Null outside the range. Takes no lock: see m_streams.
-    [[nodiscard]] CMuxInterStream* StreamAt(INT32 index) const;
-    [[nodiscard]] size_t StreamCount() const { return m_streams.size(); }
+    // Null outside the range. Neither takes the lock, on purpose: whoever adds, takes or waits finds a stream without
+    // contention, and the list stays as it is while any of them runs.
+    [[nodiscard]] CMuxInterStream* StreamAt(INT32 index) const QRX_NO_ANALYSIS;
+    [[nodiscard]] size_t StreamCount() const QRX_NO_ANALYSIS { return m_streams.size(); }
 
     // Ends every wait until it is reset.
     void SetStop();
@@ -59,16 +60,16 @@ class CMuxInterleaver {
     [[nodiscard]] INT64 NewestStart() const;
 
   private:
-    int Choose(CMuxInterStream*& chosen) const;
-    int TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet);
-    bool SleepUntil(UINT64 deadline);
+    int Choose(CMuxInterStream*& chosen) const QRX_REQUIRES(m_lock);
+    int TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
+    bool SleepUntil(UINT64 deadline) QRX_REQUIRES(m_lock);
 
-    mutable win::CriticalSection m_lock; // guards the streams' queues and flags, and every change of what is below
-    // The list itself changes only while no producer and no worker runs, so they find their stream in it without the
-    // lock.
-    std::vector<std::unique_ptr<CMuxInterStream>> m_streams;
-    ManualResetEvent m_stopEvent{false};
-    ManualResetEvent m_dataEvent{false}; // set by the first packet ever queued, never reset
-    win::ConditionVariable m_worker;     // where GetNextPacket sleeps
-    TickClock m_clock;
+    // Also guards the streams' queues and flags, which assert it.
+    mutable win::CriticalSection m_lock;
+    // The list itself changes only while no producer and no worker runs.
+    std::vector<std::unique_ptr<CMuxInterStream>> m_streams QRX_GUARDED_BY(m_lock);
+    ManualResetEvent m_stopEvent{false}; // changes under the lock, is read by anybody
+    ManualResetEvent m_dataEvent{false}; // the same; set by the first packet ever queued, never reset
+    win::ConditionVariable m_worker QRX_GUARDED_BY(m_lock); // where GetNextPacket sleeps
+    TickClock m_clock QRX_GUARDED_BY(m_lock);
 };

@@ -1,7 +1,6 @@
-// The worker thread: takes packets in time order and hands them to the concrete muxer.
+#include "mux/mux_worker.h"
+
 #include "dshow/com_guard.h"
-#include "log/logger.h"
-#include "mux/base_mux.h"
 #include "mux/stall_breaker.h"
 #include "mux/worker_request.h"
 
@@ -11,7 +10,28 @@ constexpr DWORD kThreadResult = 0xFFFFFFFF; // a bare -1, as the thread's result
 
 } // namespace
 
-DWORD CBaseMux::ThreadProc() {
+HRESULT CMuxWorker::StartWorker() {
+    m_bannedLock.AssertHeld();
+    if (ThreadExists()) {
+        return S_OK;
+    }
+    if (!Create()) {
+        return E_FAIL;
+    }
+    CallWorker(kWorkerRun);
+    return S_OK;
+}
+
+void CMuxWorker::StopWorker() {
+    if (ThreadExists()) {
+        CallWorker(kWorkerExit);
+        Close();
+    }
+}
+
+DWORD CMuxWorker::ThreadProc() {
+    const win::ThreadScope here(m_workerThread);
+    const win::LockBan neverHere(m_bannedLock);
     for (;;) {
         const DWORD request = GetRequest();
         const bool known = request == kWorkerExit || request == kWorkerIdle || request == kWorkerRun;
@@ -22,6 +42,7 @@ DWORD CBaseMux::ThreadProc() {
         if (request == kWorkerRun) {
             // A loop that throws has ended; the thread stays to answer the exit request.
             (void)ComGuard([this] {
+                m_workerThread.AssertHere();
                 RunMuxLoop();
                 return S_OK;
             });
@@ -29,17 +50,16 @@ DWORD CBaseMux::ThreadProc() {
     }
 }
 
-void CBaseMux::RunMuxLoop() {
-    StallBreaker stallBreaker(m_interleaver);
-    DWORD pendingRequest = 0;
-    while (!CheckRequest(&pendingRequest)) {
+void CMuxWorker::RunMuxLoop() {
+    StallBreaker stallBreaker(m_workerInterleaver);
+    while (!CheckRequest(nullptr)) {
         std::unique_ptr<CMuxInterPacket> packet;
-        const int result = m_interleaver.GetNextPacket(packet, StallBreaker::kTakeTimeoutMs);
+        const int result = m_workerInterleaver.GetNextPacket(packet, StallBreaker::kTakeTimeoutMs);
         if (result == kMuxStopping) {
             return;
         }
         if (result == kMuxAllEnded) {
-            FinishRun();
+            OnAllEnded();
             return;
         }
         if (result == kMuxFailed) {
@@ -52,23 +72,14 @@ void CBaseMux::RunMuxLoop() {
 }
 
 // What a concrete muxer throws ends its stream: the upstream filter is told by its next sample.
-void CBaseMux::DeliverPacket(CMuxInterPacket& packet) {
-    CMuxInterStream* const stream = m_interleaver.StreamAt(packet.streamIndex);
+void CMuxWorker::DeliverPacket(CMuxInterPacket& packet) {
+    CMuxInterStream* const stream = m_workerInterleaver.StreamAt(packet.streamIndex);
     const HRESULT thrown = ComGuard([&] {
-        ProcessPacket(&packet, stream->Pin());
+        m_workerThread.AssertHere();
+        OnPacket(packet, stream->Pin());
         return S_OK;
     });
     if (FAILED(thrown)) {
         stream->SetStreamResult(thrown);
     }
-}
-
-// The file is finished when streaming stops, not here.
-void CBaseMux::FinishRun() {
-    if (!m_outputPin || !m_outputPin->IsConnected()) {
-        NotifyEvent(EC_COMPLETE, S_OK, 0);
-        return;
-    }
-    g_Logger << OLESTR("CBaseMux::ThreadProc output->DeliverEndOfStream\r\n");
-    m_outputPin->DeliverEndOfStream();
 }

@@ -7,10 +7,10 @@ namespace {
 void ReadTime(IMediaSample& sample, CMuxInterPacket& packet) {
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
-    const HRESULT result = sample.GetTime(&start, &stop);
-    packet.hasTime = result == S_OK || result == VFW_S_NO_STOP_TIME;
+    const HRESULT hr = sample.GetTime(&start, &stop);
+    packet.hasTime = hr == S_OK || hr == VFW_S_NO_STOP_TIME;
     packet.start = packet.hasTime ? start : 0;
-    packet.stop = result == S_OK ? stop : packet.start;
+    packet.stop = hr == S_OK ? stop : packet.start;
 }
 
 void ReadData(IMediaSample& sample, CMuxInterPacket& packet) {

@@ -41,8 +41,8 @@ class StreamGate {
     CMuxInterStream* Enter();
     void Leave();
 
-    mutable win::CriticalSection m_lock; // guards all below
-    CMuxInterStream* m_stream = nullptr; // not owned; null while closed
-    int m_inside = 0;
-    win::ConditionVariable m_left;
+    mutable win::CriticalSection m_lock;
+    CMuxInterStream* m_stream QRX_GUARDED_BY(m_lock) = nullptr; // not owned; null while closed
+    int m_inside QRX_GUARDED_BY(m_lock) = 0;
+    win::ConditionVariable m_left QRX_GUARDED_BY(m_lock);
 };
