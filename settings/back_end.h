@@ -1,4 +1,4 @@
-// BackEnd: the registry or the XML back end of one direction, or none.
+// BackEnd: the registry or the XML back end of one direction, or the one that answers when there is none of these.
 //
 // Owner: the back end, which it destroys as the class it made. Threads: one at a time. Errors: false; std::bad_alloc.
 #pragma once
@@ -16,12 +16,12 @@ inline constexpr std::int32_t kNone = 2;
 
 inline constexpr wchar_t kSettingsPathPrefix[] = L"/preferences/RegistrySettings";
 
-template <typename Base, typename Registry, typename Xml>
+template <typename Base, typename Null, typename Registry, typename Xml>
 class BackEnd {
   public:
     // Makes the back end of a kind; one of the same kind stays. Any other kind closes what there is, and fails.
     [[nodiscard]] bool Select(std::int32_t kind) {
-        if (m_backEnd && kind == m_kind) {
+        if (m_made && kind == m_kind) {
             return true;
         }
         Close();
@@ -37,20 +37,22 @@ class BackEnd {
     }
     void Close() {
         m_kind = settings_kind::kNone;
-        if (const auto closing = std::move(m_backEnd)) {
+        if (const auto closing = std::move(m_made)) {
             closing->close();
         }
     }
 
     [[nodiscard]] std::int32_t Kind() const { return m_kind; }
-    [[nodiscard]] Base* Get() const { return m_backEnd.get(); }
+    // Never null, so that nobody asks whether there is one.
+    Base* operator->() { return m_made ? m_made.get() : &m_null; }
 
   private:
     template <typename Kind>
     void Take(Kind* backEnd) {
-        m_backEnd = {backEnd, [](Base* owned) { delete static_cast<Kind*>(owned); }};
+        m_made = {backEnd, [](Base* owned) { delete static_cast<Kind*>(owned); }};
     }
 
-    std::unique_ptr<Base, void (*)(Base*)> m_backEnd{nullptr, [](Base*) {}};
+    Null m_null;
+    std::unique_ptr<Base, void (*)(Base*)> m_made{nullptr, [](Base*) {}};
     std::int32_t m_kind = settings_kind::kNone;
 };

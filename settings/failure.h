@@ -16,7 +16,7 @@ struct settings_failure {
 };
 
 // Lengths are signed 32-bit numbers of characters in all the platform's calls that the settings use.
-inline constexpr std::size_t kMaxStringChars = INT_MAX;
+inline constexpr size_t kMaxStringChars = INT_MAX;
 
 inline void RequirePossibleLength(std::wstring_view text) {
     if (text.size() > kMaxStringChars) {

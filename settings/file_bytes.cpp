@@ -4,7 +4,7 @@
 
 #include "settings/file_open.h"
 
-ReadStatus ReadFileBytes(const std::wstring& path, std::size_t limit, std::string& bytes) {
+ReadStatus ReadFileBytes(const std::wstring& path, size_t limit, std::string& bytes) {
     if (!IsFileName(path)) {
         return ReadStatus::Unreadable;
     }
@@ -18,8 +18,8 @@ ReadStatus ReadFileBytes(const std::wstring& path, std::size_t limit, std::strin
     if (!GetFileSizeEx(file.Get(), &size) || size.QuadPart > static_cast<LONGLONG>(limit)) {
         return ReadStatus::Unreadable;
     }
-    bytes.resize(static_cast<std::size_t>(size.QuadPart));
-    std::size_t done = 0;
+    bytes.resize(static_cast<size_t>(size.QuadPart));
+    size_t done = 0;
     DWORD got = 0;
     while (done < bytes.size() &&
            ReadFile(file.Get(), bytes.data() + done, static_cast<DWORD>(std::min(kChunkBytes, bytes.size() - done)),

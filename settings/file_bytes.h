@@ -12,4 +12,4 @@ enum class ReadStatus {
 };
 
 // At most limit bytes are read.
-[[nodiscard]] ReadStatus ReadFileBytes(const std::wstring& path, std::size_t limit, std::string& bytes);
+[[nodiscard]] ReadStatus ReadFileBytes(const std::wstring& path, size_t limit, std::string& bytes);

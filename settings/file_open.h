@@ -9,7 +9,7 @@
 #include "win/platform.h"
 
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-inline constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024; // of one call
+inline constexpr size_t kChunkBytes = size_t{1024} * 1024; // of one call
 
 [[nodiscard]] inline win::FileHandle OpenExisting(const std::wstring& path, DWORD access) {
     return win::FileHandle(

@@ -25,7 +25,7 @@ std::wstring NewTemporaryName() {
 }
 
 bool WriteAll(HANDLE file, const std::string& bytes) {
-    for (std::size_t done = 0; done < bytes.size();) {
+    for (size_t done = 0; done < bytes.size();) {
         const auto chunk = static_cast<DWORD>(std::min(kChunkBytes, bytes.size() - done));
         DWORD written = 0;
         if (!WriteFile(file, bytes.data() + done, chunk, &written, nullptr) || written == 0) {

@@ -14,7 +14,7 @@ namespace {
 constexpr std::wstring_view kInfinity = L"INF";
 constexpr std::wstring_view kNegativeInfinity = L"-INF";
 constexpr std::wstring_view kNotANumber = L"NaN";
-constexpr std::size_t kLongestDoubleChars = 32;
+constexpr size_t kLongestDoubleChars = 32;
 constexpr wchar_t kBase64Digits[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 std::wstring_view Trimmed(std::wstring_view text) {
@@ -79,13 +79,13 @@ std::wstring DoubleText(double value) {
 std::wstring Base64Text(std::span<const unsigned char> bytes) {
     std::wstring text;
     text.reserve((bytes.size() + 2) / 3 * 4);
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+    for (size_t i = 0; i < bytes.size(); i += 3) {
+        const size_t count = std::min<size_t>(3, bytes.size() - i);
         unsigned group = 0;
-        for (std::size_t j = 0; j < 3; ++j) {
+        for (size_t j = 0; j < 3; ++j) {
             group = group << 8 | (j < count ? bytes[i + j] : 0U);
         }
-        for (std::size_t j = 0; j < 4; ++j) {
+        for (size_t j = 0; j < 4; ++j) {
             text += j <= count ? kBase64Digits[group >> (18 - 6 * j) & 0x3F] : L'=';
         }
     }
@@ -114,9 +114,9 @@ std::optional<double> ParseDouble(std::wstring_view text) {
     return ParseNumber<double>(text);
 }
 
-std::optional<std::size_t> Base64Size(std::wstring_view text) {
-    std::size_t digits = 0;
-    std::size_t padding = 0;
+std::optional<size_t> Base64Size(std::wstring_view text) {
+    size_t digits = 0;
+    size_t padding = 0;
     for (const wchar_t c : text) {
         if (IsXmlSpace(c)) {
             continue;
@@ -138,7 +138,7 @@ bool IsXmlSpace(wchar_t c) {
 }
 
 bool IsXmlText(std::wstring_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         const wchar_t c = text[i];
         if (IS_HIGH_SURROGATE(c) && i + 1 < text.size() && IS_LOW_SURROGATE(text[i + 1])) {
             ++i;

@@ -21,7 +21,7 @@
 [[nodiscard]] std::optional<double> ParseDouble(std::wstring_view text);
 
 // How many bytes a base64 text stands for; white space is allowed anywhere, anything else outside is not.
-[[nodiscard]] std::optional<std::size_t> Base64Size(std::wstring_view text);
+[[nodiscard]] std::optional<size_t> Base64Size(std::wstring_view text);
 
 [[nodiscard]] bool IsXmlSpace(wchar_t c);
 // Whether a document can hold the text: no control characters but tab and line ends, no half of a surrogate pair.

@@ -6,6 +6,7 @@
 
 #include "settings/back_end.h"
 #include "settings/base_load.h"
+#include "settings/null_load.h"
 #include "settings/reg_load.h"
 #include "settings/xml_load.h"
 
@@ -35,5 +36,5 @@ class load_t final : public base_load_t {
     std::wstring load_string(const std::wstring& key, const std::wstring& fallback) override;
 
   private:
-    BackEnd<base_load_t, reg_load_t, xml_load_t> m_backEnd;
+    BackEnd<base_load_t, null_load_t, reg_load_t, xml_load_t> m_backEnd;
 };

@@ -10,7 +10,7 @@ constexpr REGSAM kSaverAccess = 0x20007;
 
 // A longer name could not be enumerated, nor deleted, later.
 bool HasOnlyShortNames(const std::wstring& path) {
-    std::size_t chars = 0;
+    size_t chars = 0;
     for (const wchar_t c : path) {
         chars = c == kSeparator ? 0 : chars + 1;
         if (chars > kMaxKeyNameChars) {

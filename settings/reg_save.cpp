@@ -61,7 +61,7 @@ bool reg_save_t::save_string(const std::wstring& key, const std::wstring& value)
     });
 }
 
-bool reg_save_t::SetValue(const std::wstring& name, DWORD type, const void* data, std::size_t size) {
+bool reg_save_t::SetValue(const std::wstring& name, DWORD type, const void* data, size_t size) {
     return m_key && IsRegistryName(name) && size <= std::numeric_limits<DWORD>::max() &&
            RegSetValueExW(m_key.Get(), name.c_str(), 0, type, static_cast<const BYTE*>(data),
                           static_cast<DWORD>(size)) == ERROR_SUCCESS;

@@ -24,7 +24,7 @@ class reg_save_t final : public base_save_t {
     bool save_string(const std::wstring& key, const std::wstring& value) override;
 
   private:
-    bool SetValue(const std::wstring& name, DWORD type, const void* data, std::size_t size);
+    bool SetValue(const std::wstring& name, DWORD type, const void* data, size_t size);
 
     RegKey m_key;
     const HKEY m_root;

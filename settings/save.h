@@ -6,6 +6,7 @@
 
 #include "settings/back_end.h"
 #include "settings/base_save.h"
+#include "settings/null_save.h"
 #include "settings/reg_save.h"
 #include "settings/xml_save.h"
 
@@ -33,5 +34,5 @@ class save_t final : public base_save_t {
     bool save_string(const std::wstring& key, const std::wstring& value) override;
 
   private:
-    BackEnd<base_save_t, reg_save_t, xml_save_t> m_backEnd;
+    BackEnd<base_save_t, null_save_t, reg_save_t, xml_save_t> m_backEnd;
 };

@@ -4,15 +4,8 @@
 
 settings_store_t* g_SettingsStore = nullptr;
 
-ComOnThisThread::ComOnThisThread() : m_result(CoInitialize(nullptr)), m_threadId(GetCurrentThreadId()) {}
-
-ComOnThisThread::~ComOnThisThread() {
-    if (SUCCEEDED(m_result) && GetCurrentThreadId() == m_threadId) {
-        CoUninitialize();
-    }
-}
-
-settings_store_t::settings_store_t() : lock(std::make_unique<win::CriticalSection>()) {}
+settings_store_t::settings_store_t()
+    : ComApartment(CoInitialize(nullptr)), lock(std::make_unique<win::CriticalSection>()) {}
 
 settings_store_t::~settings_store_t() {
     lock.reset();

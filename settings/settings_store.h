@@ -10,25 +10,12 @@
 
 #include "settings/load.h"
 #include "settings/save.h"
+#include "win/com_apartment.h"
 #include "win/critical_section.h"
 
-// COM is initialised first and given back last.
-class ComOnThisThread {
-  public:
-    ComOnThisThread();
-    // Only where it was initialised: another thread's COM is not ours to give back.
-    ~ComOnThisThread();
-    ComOnThisThread(const ComOnThisThread&) = delete;
-    ComOnThisThread& operator=(const ComOnThisThread&) = delete;
-
-  private:
-    // A thread that is in another kind of apartment already stays there, and owes us nothing.
-    HRESULT m_result;
-    DWORD m_threadId;
-};
-
-// A base, so that it outlives the members.
-class settings_store_t : private ComOnThisThread {
+// COM is initialised first and given back last, by the same thread or not at all: a base, so that it outlives the
+// members.
+class settings_store_t : private win::ComApartment {
   public:
     settings_store_t();
     ~settings_store_t();

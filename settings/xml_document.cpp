@@ -3,11 +3,11 @@
 #include <utility>
 #include <vector>
 
-#include "settings/variant.h"
 #include "settings/xml_names.h"
 #include "settings/xml_nodes.h"
 #include "settings/xml_survey.h"
 #include "settings/xml_value.h"
+#include "win/variant.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ LoadStatus XmlDocument::LoadBytes(const std::string& bytes) {
         return LoadStatus::Refused;
     }
     const win::ComPtr<IStream> stream = StreamOf(bytes);
-    const Variant source(static_cast<IUnknown*>(stream.Get()));
+    const win::Variant source(static_cast<IUnknown*>(stream.Get()));
     VARIANT_BOOL parsed = VARIANT_FALSE;
     if (!stream || m_document->load(source.Get(), &parsed) != S_OK || parsed != VARIANT_TRUE || !Index()) {
         return LoadStatus::NoDocument;
@@ -73,7 +73,7 @@ bool XmlDocument::LoadFresh() {
                                                        win::Bstr(kDeclarationData).Get(), declaration.Put()))) {
         return false;
     }
-    const Variant before(static_cast<IUnknown*>(Root().Get()));
+    const win::Variant before(static_cast<IUnknown*>(Root().Get()));
     return SUCCEEDED(m_document->insertBefore(declaration.Get(), before.Get(), nullptr));
 }
 
@@ -101,23 +101,23 @@ win::ComPtr<IXMLDOMElement> XmlDocument::FindOrCreate(const std::wstring& path) 
 
 bool XmlDocument::Append(const std::wstring& path, IXMLDOMElement* element) {
     const auto names = ElementNames(path);
-    std::size_t found = 0;
+    size_t found = 0;
     const auto deepest = m_index->FindDeepest(names, found);
     if (found == names.size() || IsXmlValue(deepest.Get())) {
         return false;
     }
     // The chain is complete before it joins the document.
     std::vector<win::ComPtr<IXMLDOMElement>> chain;
-    for (std::size_t i = found; i + 1 < names.size(); ++i) {
+    for (size_t i = found; i + 1 < names.size(); ++i) {
         chain.push_back(NewElement(names[i]));
     }
     chain.emplace_back(element);
-    for (std::size_t i = 1; i < chain.size(); ++i) {
+    for (size_t i = 1; i < chain.size(); ++i) {
         if (!chain[i - 1] || FAILED(chain[i - 1]->appendChild(chain[i].Get(), nullptr))) {
             return false;
         }
     }
-    for (std::size_t i = 0; i < chain.size(); ++i) {
+    for (size_t i = 0; i < chain.size(); ++i) {
         m_index->Added(std::span(names).first(found + i + 1), chain[i]);
     }
     if (SUCCEEDED(deepest->appendChild(chain.front().Get(), nullptr))) {
@@ -164,7 +164,7 @@ bool XmlDocument::SaveBytes(std::string& bytes) const {
     if (!stream) {
         return false;
     }
-    const Variant target(static_cast<IUnknown*>(stream.Get()));
+    const win::Variant target(static_cast<IUnknown*>(stream.Get()));
     return m_document->save(target.Get()) == S_OK && ReadAll(stream.Get(), bytes);
 }
 
@@ -201,7 +201,7 @@ bool CopyPlainAttributes(IXMLDOMElement* from, IXMLDOMElement* to) {
     }
     while (attributes->nextNode(attribute.Put()) == S_OK) {
         win::Bstr name;
-        Variant value;
+        win::Variant value;
         if (FAILED(attribute->get_nodeName(name.Put())) || FAILED(attribute->get_nodeValue(value.Put()))) {
             return false;
         }

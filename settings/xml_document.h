@@ -13,7 +13,7 @@
 #include "win/com_ptr.h"
 
 // A longer file is no settings file, and none is written. Some parsers give up at ten million bytes.
-inline constexpr std::size_t kMaxDocumentBytes = std::size_t{8} * 1024 * 1024;
+inline constexpr size_t kMaxDocumentBytes = size_t{8} * 1024 * 1024;
 
 enum class LoadStatus {
     Loaded,

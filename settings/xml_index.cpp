@@ -23,7 +23,7 @@ win::ComPtr<IXMLDOMElement> ElementIndex::Find(std::span<const std::wstring> nam
     return place == nullptr ? nullptr : place->elements.front();
 }
 
-win::ComPtr<IXMLDOMElement> ElementIndex::FindDeepest(std::span<const std::wstring> names, std::size_t& found) {
+win::ComPtr<IXMLDOMElement> ElementIndex::FindDeepest(std::span<const std::wstring> names, size_t& found) {
     Place* place = &m_root;
     for (found = 0; found < names.size(); ++found) {
         Place* const child = Child(*place, names[found]);

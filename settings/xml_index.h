@@ -20,7 +20,7 @@ class ElementIndex {
 
     [[nodiscard]] win::ComPtr<IXMLDOMElement> Find(std::span<const std::wstring> names);
     // The deepest element on the way that is there; how many names lead to it.
-    [[nodiscard]] win::ComPtr<IXMLDOMElement> FindDeepest(std::span<const std::wstring> names, std::size_t& found);
+    [[nodiscard]] win::ComPtr<IXMLDOMElement> FindDeepest(std::span<const std::wstring> names, size_t& found);
 
     // An element without child elements is about to be appended where there is none of its path.
     void Added(std::span<const std::wstring> names, win::ComPtr<IXMLDOMElement> element);

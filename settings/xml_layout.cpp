@@ -33,7 +33,7 @@ std::wstring OneTagPerLine(std::wstring_view xml) {
         xml.remove_prefix(MarkupLength(xml));
     }
     while (!xml.empty()) {
-        const std::size_t textLength = std::min(xml.find(L'<'), xml.size());
+        const size_t textLength = std::min(xml.find(L'<'), xml.size());
         const std::wstring_view text = xml.substr(0, textLength);
         xml.remove_prefix(textLength);
         const std::wstring_view markup = xml.substr(0, MarkupLength(xml));

@@ -23,9 +23,9 @@ class QuoteTracker {
 
 } // namespace
 
-std::size_t MarkupLength(std::wstring_view text) {
-    const auto lengthUpTo = [text](std::wstring_view end, std::size_t from) {
-        const std::size_t found = text.find(end, from);
+size_t MarkupLength(std::wstring_view text) {
+    const auto lengthUpTo = [text](std::wstring_view end, size_t from) {
+        const size_t found = text.find(end, from);
         return found == std::wstring_view::npos ? text.size() : found + end.size();
     };
     if (text.starts_with(L"<!--")) {
@@ -38,7 +38,7 @@ std::size_t MarkupLength(std::wstring_view text) {
         return lengthUpTo(L"?>", 2);
     }
     QuoteTracker quotes;
-    for (std::size_t i = 1; i < text.size(); ++i) {
+    for (size_t i = 1; i < text.size(); ++i) {
         if (!quotes.IsQuoted(text[i]) && text[i] == L'>') {
             return i + 1;
         }
@@ -62,8 +62,8 @@ bool IsClosingTag(std::wstring_view markup) {
 std::vector<std::wstring_view> AttributeNames(std::wstring_view tag) {
     std::vector<std::wstring_view> names;
     QuoteTracker quotes;
-    std::size_t name = 0; // where the last one begins
-    for (std::size_t i = 0; i < tag.size(); ++i) {
+    size_t name = 0; // where the last one begins
+    for (size_t i = 0; i < tag.size(); ++i) {
         if (quotes.IsQuoted(tag[i])) {
             continue;
         }

@@ -7,7 +7,7 @@
 #include <vector>
 
 // The length of the piece that begins the text, which begins with '<'.
-[[nodiscard]] std::size_t MarkupLength(std::wstring_view text);
+[[nodiscard]] size_t MarkupLength(std::wstring_view text);
 
 [[nodiscard]] bool IsCharacterData(std::wstring_view markup);
 // Of an element that has an end tag.

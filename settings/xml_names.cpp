@@ -6,9 +6,9 @@
 namespace {
 
 // A parser gives up on documents that are nested much deeper than this.
-constexpr std::size_t kMaxDepth = 100;
+constexpr size_t kMaxDepth = 100;
 // As long as the name of a registry key may be.
-constexpr std::size_t kMaxNameChars = 255;
+constexpr size_t kMaxNameChars = 255;
 
 struct CharRange {
     wchar_t first;
@@ -71,7 +71,7 @@ std::vector<std::wstring> ElementNames(std::wstring_view path) {
     std::vector<std::wstring> names;
     while (!path.empty()) {
         path.remove_prefix(1); // the '/'
-        const std::size_t end = std::min(path.find(L'/'), path.size());
+        const size_t end = std::min(path.find(L'/'), path.size());
         names.emplace_back(path.substr(0, end));
         path.remove_prefix(end);
     }

@@ -13,9 +13,9 @@
 namespace {
 
 // The tags of a value besides its names, and the line breaks between them.
-constexpr std::size_t kTagBytes = 200;
+constexpr size_t kTagBytes = 200;
 // Each name stands in two tags, and a character takes up to three bytes.
-constexpr std::size_t kBytesPerPathChar = 6;
+constexpr size_t kBytesPerPathChar = 6;
 
 constexpr wchar_t kScratchPath[] = L"/value";
 
@@ -25,7 +25,7 @@ std::wstring LastName(const std::wstring& path) {
 
 // At most so much of a file stands for the elements on the path.
 XmlRoom RoomOf(const std::wstring& path) {
-    const auto names = static_cast<std::size_t>(std::count(path.begin(), path.end(), L'/'));
+    const auto names = static_cast<size_t>(std::count(path.begin(), path.end(), L'/'));
     return {kBytesPerPathChar * path.size() + kTagBytes, 2 * names};
 }
 
@@ -42,9 +42,9 @@ bool FileContent(const std::wstring& xml, std::string& bytes) {
 // What a document of that content leaves in the layout of the file, at least: it may lack the declaration, and a line
 // break before each tag.
 XmlRoom RoomBeside(const std::string& content) {
-    constexpr std::size_t kDeclarationBytes = 40;
-    const auto markup = static_cast<std::size_t>(std::count(content.begin(), content.end(), '<')) + 1;
-    const std::size_t bytes = content.size() + kDeclarationBytes + markup;
+    constexpr size_t kDeclarationBytes = 40;
+    const auto markup = static_cast<size_t>(std::count(content.begin(), content.end(), '<')) + 1;
+    const size_t bytes = content.size() + kDeclarationBytes + markup;
     return {kMaxDocumentBytes - std::min(bytes, kMaxDocumentBytes), kMaxMarkup - std::min(markup, kMaxMarkup)};
 }
 
@@ -94,7 +94,7 @@ void xml_save_t::close() {
         m_section.clear();
         std::string bytes;
         if (document && FileContent(document->Text(), bytes) && bytes.size() <= kMaxDocumentBytes) {
-            static_cast<void>(ReplaceFileBytes(file, bytes)); // nobody is told
+            (void)ReplaceFileBytes(file, bytes); // nobody is told
         }
     });
 }

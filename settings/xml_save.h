@@ -13,8 +13,8 @@
 
 // What a file of limited size has left, or what an element takes of it.
 struct XmlRoom {
-    std::size_t bytes = 0;
-    std::size_t markup = 0; // tags and other pieces
+    size_t bytes = 0;
+    size_t markup = 0; // tags and other pieces
 };
 
 class xml_save_t final : public base_save_t {

@@ -15,8 +15,8 @@ namespace {
 constexpr wchar_t kNotAscii = 0xFFFD;
 
 struct CharacterBytes {
-    std::size_t count = 1;
-    std::size_t lowest = 0; // the place of the byte that an ASCII character is in
+    size_t count = 1;
+    size_t lowest = 0; // the place of the byte that an ASCII character is in
 };
 
 // From the byte order mark, or from the '<' that a document begins with.
@@ -59,8 +59,8 @@ bool IsPlainDeclaration(std::wstring_view declaration, std::span<const std::wstr
     std::wstring text(declaration);
     std::transform(text.begin(), text.end(), text.begin(),
                    [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; });
-    const std::size_t name = text.find(L"encoding");
-    const std::size_t quote = name == std::wstring::npos ? name : text.find_first_of(L"\"'", name);
+    const size_t name = text.find(L"encoding");
+    const size_t quote = name == std::wstring::npos ? name : text.find_first_of(L"\"'", name);
     if (quote == std::wstring::npos) {
         return true;
     }
@@ -72,12 +72,12 @@ bool IsPlainDeclaration(std::wstring_view declaration, std::span<const std::wstr
 // Each value that the settings write brings these: they count only where there are more of them.
 constexpr std::wstring_view kValueAttributes[] = {L"xmlns:dt", L"dt:dt", L"xml:space"};
 
-std::size_t CountAttributes(std::wstring_view tag) {
+size_t CountAttributes(std::wstring_view tag) {
     const auto names = AttributeNames(tag);
     const auto ours = std::count_if(names.begin(), names.end(), [](std::wstring_view name) {
         return std::find(std::begin(kValueAttributes), std::end(kValueAttributes), name) != std::end(kValueAttributes);
     });
-    return names.size() - std::min(static_cast<std::size_t>(ours), std::size(kValueAttributes));
+    return names.size() - std::min(static_cast<size_t>(ours), std::size(kValueAttributes));
 }
 
 // The elements that a place in a document is within, as far as their attributes go.
@@ -96,12 +96,12 @@ class OpenElements {
         }
     }
     // Those of the tag that was taken last included.
-    [[nodiscard]] std::size_t Attributes() const { return m_attributes + m_own; }
+    [[nodiscard]] size_t Attributes() const { return m_attributes + m_own; }
 
   private:
-    std::vector<std::size_t> m_counts;
-    std::size_t m_attributes = 0;
-    std::size_t m_own = 0; // of an empty element
+    std::vector<size_t> m_counts;
+    size_t m_attributes = 0;
+    size_t m_own = 0; // of an empty element
 };
 
 } // namespace
@@ -113,8 +113,8 @@ bool IsHarmless(const std::string& bytes) {
     const std::wstring ascii = AsciiOf(bytes, character);
     std::wstring_view rest = ascii;
     OpenElements open;
-    std::size_t count = 0;
-    for (std::size_t next = rest.find(L'<'); next != std::wstring_view::npos; next = rest.find(L'<')) {
+    size_t count = 0;
+    for (size_t next = rest.find(L'<'); next != std::wstring_view::npos; next = rest.find(L'<')) {
         rest.remove_prefix(next);
         const std::wstring_view markup = rest.substr(0, MarkupLength(rest));
         rest.remove_prefix(markup.size());

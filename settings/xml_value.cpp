@@ -47,19 +47,19 @@ std::wstring TextOf(IXMLDOMNode* node) {
     return SUCCEEDED(node->get_text(text.Put())) ? std::wstring(text.View()) : std::wstring();
 }
 
-void SetInt32(Variant& variant, std::int32_t value) {
+void SetInt32(win::Variant& variant, std::int32_t value) {
     VARIANT* const raw = variant.Put();
     raw->vt = VT_I4;
     raw->lVal = value;
 }
 
-void SetInt64(Variant& variant, std::int64_t value) {
+void SetInt64(win::Variant& variant, std::int64_t value) {
     VARIANT* const raw = variant.Put();
     raw->vt = VT_I8;
     raw->llVal = value;
 }
 
-void SetDouble(Variant& variant, double value) {
+void SetDouble(win::Variant& variant, double value) {
     VARIANT* const raw = variant.Put();
     raw->vt = VT_R8;
     raw->dblVal = value;
@@ -67,7 +67,7 @@ void SetDouble(Variant& variant, double value) {
 
 // Numbers are read from their text, which is exact; any other type is the platform's business.
 // Stays empty for an element that is no value, and for a text that is not of its type.
-void ReadTyped(IXMLDOMElement* element, Variant& typed) {
+void ReadTyped(IXMLDOMElement* element, win::Variant& typed) {
     typed.Clear();
     const std::wstring type = XmlDataType(element);
     const std::wstring text = TextOf(element);
@@ -93,7 +93,7 @@ void ReadTyped(IXMLDOMElement* element, Variant& typed) {
     }
 }
 
-bool ChangeType(const Variant& typed, Variant& converted, VARTYPE type) {
+bool ChangeType(const win::Variant& typed, win::Variant& converted, VARTYPE type) {
     const VARIANT& value = typed.Get();
     if (value.vt == VT_EMPTY || (value.vt & VT_ARRAY) != 0 || (value.vt == VT_R8 && !std::isfinite(value.dblVal))) {
         return false;
@@ -126,7 +126,8 @@ XmlValue::XmlValue(std::span<const unsigned char> bytes)
 }
 
 bool XmlValue::WriteTo(IXMLDOMElement* element) const {
-    if ((m_keepsSpace && FAILED(element->setAttribute(win::Bstr(kSpaceAttribute).Get(), Variant(kPreserve).Get()))) ||
+    if ((m_keepsSpace &&
+         FAILED(element->setAttribute(win::Bstr(kSpaceAttribute).Get(), win::Variant(kPreserve).Get()))) ||
         FAILED(element->put_dataType(win::Bstr(m_dataType).Get()))) {
         return false;
     }
@@ -139,10 +140,10 @@ bool XmlValue::IsPossible() const {
     return IsXmlText(m_text);
 }
 
-std::size_t XmlValue::FileBytes() const {
-    constexpr std::size_t kReferenceBytes = 5; // "&amp;"
-    constexpr std::size_t kUtf8Bytes = 3;      // of a character that is not ASCII
-    std::size_t bytes = 0;
+size_t XmlValue::FileBytes() const {
+    constexpr size_t kReferenceBytes = 5; // "&amp;"
+    constexpr size_t kUtf8Bytes = 3;      // of a character that is not ASCII
+    size_t bytes = 0;
     for (const wchar_t c : m_text) {
         const bool referred = c == L'&' || c == L'<' || c == L'>' || c == L'\r';
         bytes += referred ? kReferenceBytes : c < 0x80 ? 1 : kUtf8Bytes;
@@ -151,7 +152,7 @@ std::size_t XmlValue::FileBytes() const {
 }
 
 std::wstring XmlDataType(IXMLDOMElement* element) {
-    Variant type;
+    win::Variant type;
     if (element->get_dataType(type.Put()) == S_OK && !type.Text().empty()) {
         return std::wstring(type.Text());
     }
@@ -170,8 +171,8 @@ bool IsXmlValue(IXMLDOMElement* element) {
 }
 
 std::optional<std::int32_t> ReadInt32(IXMLDOMElement* element) {
-    Variant typed;
-    Variant converted;
+    win::Variant typed;
+    win::Variant converted;
     ReadTyped(element, typed);
     if (typed.Type() == VT_BSTR) {
         return ParseInt32(typed.Text());
@@ -180,8 +181,8 @@ std::optional<std::int32_t> ReadInt32(IXMLDOMElement* element) {
 }
 
 std::optional<std::int64_t> ReadInt64(IXMLDOMElement* element) {
-    Variant typed;
-    Variant converted;
+    win::Variant typed;
+    win::Variant converted;
     ReadTyped(element, typed);
     if (typed.Type() == VT_BSTR) {
         return ParseInt64(typed.Text());
@@ -190,8 +191,8 @@ std::optional<std::int64_t> ReadInt64(IXMLDOMElement* element) {
 }
 
 std::optional<double> ReadDouble(IXMLDOMElement* element) {
-    Variant typed;
-    Variant converted;
+    win::Variant typed;
+    win::Variant converted;
     ReadTyped(element, typed);
     if (typed.Type() == VT_BSTR) {
         return ParseDouble(typed.Text());
@@ -203,7 +204,7 @@ std::optional<double> ReadDouble(IXMLDOMElement* element) {
 }
 
 std::optional<std::wstring> ReadText(IXMLDOMElement* element) {
-    Variant typed;
+    win::Variant typed;
     ReadTyped(element, typed);
     if (typed.Type() == VT_BSTR) {
         return std::wstring(typed.Text());
@@ -213,7 +214,7 @@ std::optional<std::wstring> ReadText(IXMLDOMElement* element) {
 }
 
 std::optional<std::vector<unsigned char>> ReadBytes(IXMLDOMElement* element) {
-    Variant typed;
+    win::Variant typed;
     ReadTyped(element, typed);
     if (typed.Type() != (VT_ARRAY | VT_UI1) || XmlDataType(element) != xml_data_type::kBinary) {
         return std::nullopt;

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "settings/msxml.h"
-#include "settings/variant.h"
+#include "win/variant.h"
 
 namespace xml_data_type {
 inline constexpr std::wstring_view kInt32 = L"i4";
@@ -39,11 +39,11 @@ class XmlValue {
     [[nodiscard]] bool IsDelicate() const { return m_isDelicate; }
     [[nodiscard]] const std::wstring& Text() const { return m_text; }
     // At most so many bytes of a file stand for the text.
-    [[nodiscard]] std::size_t FileBytes() const;
+    [[nodiscard]] size_t FileBytes() const;
 
   private:
     std::wstring_view m_dataType;
-    Variant m_typed;
+    win::Variant m_typed;
     std::wstring m_text;
     bool m_keepsSpace = false;
     bool m_isDelicate = false;

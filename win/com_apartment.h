@@ -1,6 +1,8 @@
 // ComApartment: a thread's stay in a COM apartment, from what entering it answered.
 //
-// Owner: the thread that entered. Errors: a stay that was refused is none, and nothing is given back.
+// Owner: the thread that entered. Another thread may destroy it, and then gives nothing back: that COM is not its own.
+// Errors: a stay that was refused is none, and nothing is given back; so is that of a thread in another kind of
+// apartment.
 #pragma once
 
 #include "win/platform.h"
@@ -9,9 +11,9 @@ namespace win {
 
 class ComApartment {
   public:
-    explicit ComApartment(HRESULT entered) : m_entered(entered) {}
+    explicit ComApartment(HRESULT entered) : m_entered(entered), m_threadId(GetCurrentThreadId()) {}
     ~ComApartment() {
-        if (SUCCEEDED(m_entered)) {
+        if (SUCCEEDED(m_entered) && GetCurrentThreadId() == m_threadId) {
             CoUninitialize();
         }
     }
@@ -22,6 +24,7 @@ class ComApartment {
 
   private:
     const HRESULT m_entered;
+    const DWORD m_threadId;
 };
 
 } // namespace win

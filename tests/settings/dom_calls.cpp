@@ -8,18 +8,18 @@
 namespace {
 
 // The places in IXMLDOMNode's table, behind those of IUnknown and IDispatch.
-constexpr std::size_t kGetChildNodes = 12;
-constexpr std::size_t kGetNextSibling = 16;
-constexpr std::size_t kSelectNodes = 36;
-constexpr std::size_t kSelectSingleNode = 37;
+constexpr size_t kGetChildNodes = 12;
+constexpr size_t kGetNextSibling = 16;
+constexpr size_t kSelectNodes = 36;
+constexpr size_t kSelectSingleNode = 37;
 
 using GetList = HRESULT(WINAPI*)(IXMLDOMNode*, IXMLDOMNodeList**);
 using GetNode = HRESULT(WINAPI*)(IXMLDOMNode*, IXMLDOMNode**);
 using SelectList = HRESULT(WINAPI*)(IXMLDOMNode*, BSTR, IXMLDOMNodeList**);
 using SelectNode = HRESULT(WINAPI*)(IXMLDOMNode*, BSTR, IXMLDOMNode**);
 
-std::size_t g_searches = 0;
-std::size_t g_steps = 0;
+size_t g_searches = 0;
+size_t g_steps = 0;
 GetList g_getChildNodes = nullptr;
 GetNode g_getNextSibling = nullptr;
 SelectList g_selectNodes = nullptr;
@@ -46,7 +46,7 @@ HRESULT WINAPI CountSelectSingleNode(IXMLDOMNode* self, BSTR query, IXMLDOMNode*
 }
 
 template <typename Function>
-Function Exchange(IXMLDOMElement* element, std::size_t place, Function function) {
+Function Exchange(IXMLDOMElement* element, size_t place, Function function) {
     void** const table = *reinterpret_cast<void***>(element);
     DWORD protection = 0;
     EXPECT_TRUE(VirtualProtect(&table[place], sizeof(void*), PAGE_READWRITE, &protection));
@@ -78,10 +78,10 @@ DomCalls::~DomCalls() {
     Exchange(m_element.Get(), kSelectSingleNode, g_selectSingleNode);
 }
 
-std::size_t DomCalls::Searches() {
+size_t DomCalls::Searches() {
     return g_searches;
 }
 
-std::size_t DomCalls::Steps() {
+size_t DomCalls::Steps() {
     return g_steps;
 }

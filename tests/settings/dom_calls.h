@@ -17,9 +17,9 @@ class DomCalls {
     DomCalls& operator=(const DomCalls&) = delete;
 
     // Queries, and lists of children: each looks at all children of an element, or may.
-    [[nodiscard]] static std::size_t Searches();
+    [[nodiscard]] static size_t Searches();
     // From one node to its next sibling.
-    [[nodiscard]] static std::size_t Steps();
+    [[nodiscard]] static size_t Steps();
 
   private:
     win::ComPtr<IXMLDOMElement> m_element; // keeps the library loaded

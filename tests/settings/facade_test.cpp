@@ -160,11 +160,11 @@ TEST_F(Facade, EveryHandleIsGivenBackWhetherOpensSucceedOrFail) {
     constexpr int kRounds = 5;
     int rounds = 0;
     for (bool grew = true; grew && rounds < kRounds; ++rounds) {
-        const std::size_t before = test_support::OpenHandleCount();
+        const size_t before = test_support::OpenHandleCount();
         for (int i = 0; i < 20; ++i) {
             openAndClose();
         }
-        const std::size_t after = test_support::OpenHandleCount();
+        const size_t after = test_support::OpenHandleCount();
         grew = after > before;
         EXPECT_FALSE(grew && rounds + 1 == kRounds) << before << " and then " << after;
     }

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t kMebibyte = 1024 * 1024;
+constexpr size_t kMebibyte = 1024 * 1024;
 
 // A place that a facade can be opened on, whichever back end that takes.
 class Place {
@@ -63,11 +63,11 @@ class RoundTrip : public ComTest, public ::testing::WithParamInterface<bool> {
 TEST_P(RoundTrip, Int32AtItsExtremes) {
     const std::int32_t values[] = {std::numeric_limits<std::int32_t>::min(), -1, 0, 1,
                                    std::numeric_limits<std::int32_t>::max()};
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         ASSERT_TRUE(m_save.save_int32(L"value" + std::to_wstring(i), values[i]));
     }
     Reopened();
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         EXPECT_EQ(values[i], m_load.load_int32(L"value" + std::to_wstring(i), 42));
     }
 }
@@ -87,11 +87,11 @@ TEST_P(RoundTrip, TheUnsignedOverloadKeepsAll32Bits) {
 TEST_P(RoundTrip, Int64AtItsExtremes) {
     const std::int64_t values[] = {std::numeric_limits<std::int64_t>::min(), -1, 0, 0x100000000,
                                    std::numeric_limits<std::int64_t>::max()};
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         ASSERT_TRUE(m_save.save_int64(L"value" + std::to_wstring(i), values[i]));
     }
     Reopened();
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         EXPECT_EQ(values[i], m_load.load_int64(L"value" + std::to_wstring(i), 42));
     }
 }
@@ -112,12 +112,12 @@ TEST_P(RoundTrip, DoublesAtTheirExtremesKeepEveryBit) {
                              123456789.125,
                              Limits::infinity(),
                              -Limits::infinity()};
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         ASSERT_TRUE(m_save.save_double(L"value" + std::to_wstring(i), values[i])) << values[i];
     }
     ASSERT_TRUE(m_save.save_double(L"nan", Limits::quiet_NaN()));
     Reopened();
-    for (std::size_t i = 0; i < std::size(values); ++i) {
+    for (size_t i = 0; i < std::size(values); ++i) {
         const double loaded = m_load.load_double(L"value" + std::to_wstring(i), 42);
         EXPECT_EQ(std::bit_cast<std::uint64_t>(values[i]), std::bit_cast<std::uint64_t>(loaded)) << values[i];
     }
@@ -149,11 +149,11 @@ TEST_P(RoundTrip, StringsWithEverythingThatADocumentCanHold) {
         L"\u00a0\u2028\u0085\u007f",
         L"\ufffd",
     };
-    for (std::size_t i = 0; i < values.size(); ++i) {
+    for (size_t i = 0; i < values.size(); ++i) {
         ASSERT_TRUE(m_save.save_string(L"value" + std::to_wstring(i), values[i])) << i;
     }
     Reopened();
-    for (std::size_t i = 0; i < values.size(); ++i) {
+    for (size_t i = 0; i < values.size(); ++i) {
         EXPECT_EQ(values[i], m_load.load_string(L"value" + std::to_wstring(i), L"default")) << i;
         EXPECT_EQ(values[i].size() * 2, m_load.value_size(L"value" + std::to_wstring(i))) << i;
     }
@@ -171,7 +171,7 @@ TEST_P(RoundTrip, AnEmptyStringIsThereAndInTheRegistryLoadsAsTheDefault) {
 TEST_P(RoundTrip, StringsOfOneMebicharacter) {
     std::wstring ascii;
     std::wstring mixed;
-    for (std::size_t i = 0; i < kMebibyte; ++i) {
+    for (size_t i = 0; i < kMebibyte; ++i) {
         ascii += static_cast<wchar_t>(L'a' + i % 26);
         mixed += L"<\u65e5\n >\r&x"[i % 8];
     }
@@ -184,20 +184,19 @@ TEST_P(RoundTrip, StringsOfOneMebicharacter) {
 
 TEST_P(RoundTrip, BlocksOfEveryByteAndOfAnyLength) {
     std::vector<unsigned char> block;
-    for (std::size_t size :
-         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}, std::size_t{256}, kMebibyte}) {
+    for (size_t size : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{256}, kMebibyte}) {
         block.resize(size);
-        for (std::size_t i = 0; i < size; ++i) {
+        for (size_t i = 0; i < size; ++i) {
             block[i] = static_cast<unsigned char>(255 - i * 7 % 256);
         }
         const std::wstring key = L"block" + std::to_wstring(size);
         ASSERT_TRUE(m_save.save_binary(key, block.data(), static_cast<std::uint32_t>(size)));
     }
     Reopened();
-    for (std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}, std::size_t{256}}) {
+    for (size_t size : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{256}}) {
         const auto loaded = LoadBlock(L"block" + std::to_wstring(size));
         ASSERT_EQ(size, loaded.size());
-        for (std::size_t i = 0; i < size; ++i) {
+        for (size_t i = 0; i < size; ++i) {
             ASSERT_EQ(static_cast<unsigned char>(255 - i * 7 % 256), loaded[i]);
         }
     }

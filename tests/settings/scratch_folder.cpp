@@ -70,7 +70,7 @@ std::string HostPath(const std::wstring& path) {
 
 // In quotes, as the host sees it. Only the folder need be there.
 std::wstring Quoted(const std::wstring& path) {
-    const std::size_t name = path.rfind(L'\\') + 1;
+    const size_t name = path.rfind(L'\\') + 1;
     const std::string folder = HostPath(path.substr(0, name - 1));
     return L"\"" + std::wstring(folder.begin(), folder.end()) + L"/" + path.substr(name) + L"\"";
 }

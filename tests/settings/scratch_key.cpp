@@ -159,7 +159,7 @@ std::vector<ACCESS_MASK> AccessToOpenKeys(const std::wstring& path) {
     for (std::uintptr_t value = 4; value < kLastHandle; value += 4) {
         const auto handle = reinterpret_cast<HANDLE>(value);
         const std::wstring name = KeyName(handle);
-        const std::size_t tail = name.size() < path.size() ? std::wstring::npos : name.size() - path.size();
+        const size_t tail = name.size() < path.size() ? std::wstring::npos : name.size() - path.size();
         if (tail != std::wstring::npos && lstrcmpiW(name.c_str() + tail, path.c_str()) == 0) {
             access.push_back(AccessOf(handle));
         }

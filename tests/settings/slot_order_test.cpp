@@ -11,8 +11,8 @@ namespace {
 
 // Counted from 1. In the ABI of this compiler a pointer to a virtual member holds its table offset plus one.
 template <typename Member>
-std::size_t SlotOf(Member member) {
-    std::size_t offset = 0;
+size_t SlotOf(Member member) {
+    size_t offset = 0;
     std::memcpy(&offset, &member, sizeof(offset));
     return (offset - 1) / sizeof(void*) + 1;
 }

@@ -84,7 +84,7 @@ TEST_F(XmlBadFile, DamagedDocumentsLoadOrFailAndAreReadToTheEnd) {
     constexpr int kDamages = 400;
     for (int i = 0; i < kDamages; ++i) {
         std::string damaged = whole;
-        const std::size_t at = random() % whole.size();
+        const size_t at = random() % whole.size();
         if (i % 4 == 0) {
             damaged.resize(at);
         } else {
@@ -120,7 +120,7 @@ TEST_F(XmlBadFile, ADocumentTypeIsRefusedInAnyEncodingSoThatNoEntityIsExpandedAn
     const std::string text =
         "<!DOCTYPE a [<!ENTITY x \"y\"><!ENTITY f SYSTEM \"file:///c:/windows/win.ini\">]><a>&x;</a>";
     std::string turned = Wide(text);
-    for (std::size_t i = 0; i + 1 < turned.size(); i += 2) {
+    for (size_t i = 0; i + 1 < turned.size(); i += 2) {
         std::swap(turned[i], turned[i + 1]);
     }
     const std::string files[] = {text,

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kValues = 3000;
 // A few for the elements above the values.
-constexpr std::size_t kOthers = 20;
+constexpr size_t kOthers = 20;
 
 class XmlCost : public ComTest {
   protected:

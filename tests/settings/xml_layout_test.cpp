@@ -57,7 +57,7 @@ TEST_F(SavedFile, HasALineBreakBetweenEveryPairOfAdjacentTagsAndNoneInsideText) 
     const std::string text = FileText(m_folder.File(L"f.xml"));
     EXPECT_EQ(std::string::npos, text.find("><"));
     EXPECT_NE(std::string::npos, text.find(">x&gt;&lt;y&gt;&lt;/z&gt;</tags>\n"));
-    for (std::size_t at = text.find('\n'); at + 1 < text.size(); at = text.find('\n', at + 1)) {
+    for (size_t at = text.find('\n'); at + 1 < text.size(); at = text.find('\n', at + 1)) {
         EXPECT_EQ('>', text[at - 1]);
         EXPECT_EQ('<', text[at + 1]);
     }

@@ -110,7 +110,7 @@ TEST_F(XmlReplace, AFileThatCannotBeWrittenToTheLastTryStaysWholeAndNothingIsLef
 }
 
 TEST_F(XmlReplace, NamesAsLongAsTheFileSystemTakesAreSavedAndLongerOnesRefused) {
-    for (const std::size_t chars : {244, 245, 250, 255}) {
+    for (const size_t chars : {244, 245, 250, 255}) {
         const std::wstring file = m_folder.File(std::wstring(chars - 4, L'n') + L".xml");
         Save(L"\\\\?\\" + file, 1);
         EXPECT_EQ(1, Saved(L"\\\\?\\" + file)) << chars;

@@ -128,7 +128,7 @@ TEST_F(XmlSave, ABlockWithoutDataIsRefusedUnlessItIsEmpty) {
 }
 
 TEST_F(XmlSave, AFileNeverGrowsLongerThanALoaderTakes) {
-    constexpr std::size_t kMaxFileBytes = 8 * 1024 * 1024;
+    constexpr size_t kMaxFileBytes = 8 * 1024 * 1024;
     const std::wstring third(kMaxFileBytes / 3, L'x');
     ASSERT_TRUE(m_save.open_file(L"a", File()));
     EXPECT_FALSE(m_save.save_string(L"v", std::wstring(kMaxFileBytes + 1, L'x')));
@@ -142,7 +142,7 @@ TEST_F(XmlSave, AFileNeverGrowsLongerThanALoaderTakes) {
     EXPECT_TRUE(m_save.save_string(L"v4", std::wstring(kMaxFileBytes / 3 - 4096, L'y')));
     EXPECT_TRUE(third == Loaded(L"a").load_string(L"v3", L""));
     EXPECT_EQ(L"short", m_load.load_string(L"v2", L""));
-    const std::size_t bytes = FileText(File()).size();
+    const size_t bytes = FileText(File()).size();
     EXPECT_LT(bytes, kMaxFileBytes);
     EXPECT_GT(bytes, kMaxFileBytes - 8192);
 }
@@ -175,7 +175,7 @@ TEST_F(XmlSave, NoSectionIsMadeThatTheFileHasNoRoomFor) {
 }
 
 TEST_F(XmlSave, AFileWhoseLineBreaksWouldMakeItTooLongTakesNoMore) {
-    constexpr std::size_t kMaxFileBytes = 8 * 1024 * 1024;
+    constexpr size_t kMaxFileBytes = 8 * 1024 * 1024;
     const std::string element = "<v>" + std::string(193, 'x') + "</v>";
     std::string text = "<XMLSettings><preferences><RegistrySettings><a>";
     while (text.size() < kMaxFileBytes - 20000) {

@@ -3,16 +3,17 @@
 // Owner: what it holds is freed with it. Errors: std::bad_alloc.
 #pragma once
 
-#include <string_view>
-
 #include "win/bstr.h"
 #include "win/platform.h"
+#include "win/wide_string.h"
+
+namespace win {
 
 class Variant {
   public:
     Variant() { VariantInit(&m_value); }
-    explicit Variant(std::wstring_view text) : Variant() {
-        m_value.bstrVal = win::Bstr(text).Detach();
+    explicit Variant(WideStringView text) : Variant() {
+        m_value.bstrVal = Bstr(text).Detach();
         m_value.vt = VT_BSTR;
     }
     // Adds a reference; null stays null.
@@ -28,6 +29,7 @@ class Variant {
     Variant& operator=(const Variant&) = delete;
 
     void Clear() { VariantClear(&m_value); }
+    // For out-parameters, and for a type and a value to be filled in: frees what is held first.
     [[nodiscard]] VARIANT* Put() {
         Clear();
         return &m_value;
@@ -35,12 +37,14 @@ class Variant {
     [[nodiscard]] const VARIANT& Get() const { return m_value; }
     [[nodiscard]] VARTYPE Type() const { return m_value.vt; }
     // Empty unless it is a text.
-    [[nodiscard]] std::wstring_view Text() const {
+    [[nodiscard]] WideStringView Text() const {
         return m_value.vt == VT_BSTR && m_value.bstrVal != nullptr
-                   ? std::wstring_view(m_value.bstrVal, SysStringLen(m_value.bstrVal))
-                   : std::wstring_view();
+                   ? WideStringView(m_value.bstrVal, SysStringLen(m_value.bstrVal))
+                   : WideStringView();
     }
 
   private:
     VARIANT m_value;
 };
+
+} // namespace win
