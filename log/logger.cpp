@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "win/code_page_text.h"
 #include "win/module_instance.h"
 
 CLogger g_Logger;
@@ -15,7 +16,6 @@ constexpr WCHAR kCloseBanner[] =
     OLESTR("~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~CLogger::CloseLog~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~~\r\n");
 
 constexpr WCHAR kLogSuffix[] = OLESTR(".log");
-constexpr size_t kTextLimitChars = size_t{1} << 30;
 // A pointer below this is the identifier of a string resource.
 constexpr ULONG_PTR kResourceIdLimit = 0x10000;
 
@@ -36,20 +36,6 @@ WideString TextOf(const WCHAR* textOrId) {
         return {};
     }
     return value < kResourceIdLimit ? TextFromResource(static_cast<UINT>(value)) : WideString(textOrId);
-}
-
-std::string ToAnsi(WideStringView text) {
-    if (text.empty() || text.size() >= kTextLimitChars) {
-        return {};
-    }
-    const auto length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    if (size <= 0) {
-        return {};
-    }
-    std::string ansi(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, ansi.data(), size, nullptr, nullptr);
-    return ansi;
 }
 
 } // namespace
@@ -133,7 +119,7 @@ bool CLogger::WriteOpenFile(WideStringView text) {
     if (m_file == INVALID_HANDLE_VALUE) {
         return false;
     }
-    const std::string ansi = ToAnsi(text);
+    const std::string ansi = win::NarrowFromWide(CP_THREAD_ACP, text);
     DWORD written = 0;
     return WriteFile(m_file, ansi.data(), static_cast<DWORD>(ansi.size()), &written, nullptr) != FALSE;
 }

@@ -32,7 +32,7 @@ void SetUtf8Child(libebml::EbmlMaster& parent, const std::string& value) {
 // The text ends at its first null character.
 template <typename Child>
 void SetTextChild(libebml::EbmlMaster& parent, BSTR text) {
-    SetUtf8Child<Child>(parent, ToUtf8(WideStringView(text)));
+    SetUtf8Child<Child>(parent, win::Utf8FromWide(text));
 }
 
 } // namespace mkv

@@ -1,6 +1,8 @@
 #include "win/utf8_text.h"
 
-namespace mkv {
+#include "win/code_page_text.h"
+
+namespace win {
 
 namespace {
 
@@ -54,7 +56,7 @@ void AppendUtf8(std::string& utf8, char32_t character) {
 
 } // namespace
 
-std::string ToUtf8(WideStringView text) {
+std::string Utf8FromWide(WideStringView text) {
     std::string utf8;
     utf8.reserve(text.size());
     while (!text.empty()) {
@@ -63,4 +65,8 @@ std::string ToUtf8(WideStringView text) {
     return utf8;
 }
 
-} // namespace mkv
+WideString WideFromUtf8(std::string_view text) {
+    return WideFromNarrow(CP_UTF8, text);
+}
+
+} // namespace win

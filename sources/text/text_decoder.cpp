@@ -66,7 +66,7 @@ bool IsUtf8(std::span<const BYTE> bytes) {
 }
 
 std::string RepairedUtf8(std::span<const BYTE> bytes, size_t most) {
-    const std::string replacement = mkv::ToUtf8(WideString(1, kReplacement));
+    const std::string replacement = win::Utf8FromWide(WideString(1, kReplacement));
     std::string text;
     text.reserve(bytes.size());
     while (!bytes.empty() && text.size() <= most) {
@@ -105,7 +105,7 @@ class Utf16Collector {
     static constexpr size_t kPieceUnits = 4096;
 
     void Convert() {
-        m_text += mkv::ToUtf8(m_piece);
+        m_text += win::Utf8FromWide(m_piece);
         m_piece.clear();
     }
 
