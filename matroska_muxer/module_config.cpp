@@ -1,15 +1,10 @@
 // The parameters of the filter: single values, and all of them as one persisted stream. None takes the filter lock or
 // the writer lock: the stream that is written to may ask for them on the worker, which Stop joins.
 #include "dshow/com_guard.h"
+#include "dshow/ref_time.h"
 #include "log/logger.h"
 #include "matroska_muxer/configuration_stream.h"
 #include "matroska_muxer/matroska_muxer.h"
-
-namespace {
-
-constexpr double kNsPerReferenceTime = 100.0;
-
-} // namespace
 
 HRESULT CMatroskaMuxer::SetValue(const GUID* key, const VARIANT* value) noexcept {
     if (key == nullptr || value == nullptr) {

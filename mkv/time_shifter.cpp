@@ -1,28 +1,13 @@
 #include "mkv/time_shifter.h"
 
 #include <algorithm>
-#include <limits>
+
+#include "dshow/ref_time.h"
 
 namespace {
 
-constexpr INT64 kNsPerRefTimeUnit = 100;
-constexpr INT64 kMaxRefTime = std::numeric_limits<INT64>::max() / kNsPerRefTimeUnit;
-
 UINT64 Magnitude(INT64 negative) {
     return UINT64{0} - static_cast<UINT64>(negative);
-}
-
-// The sum, or the greatest time there is.
-INT64 AddSaturated(INT64 time, UINT64 offset) {
-    const UINT64 room = static_cast<UINT64>(std::numeric_limits<INT64>::max()) - static_cast<UINT64>(time);
-    return offset > room ? std::numeric_limits<INT64>::max() : static_cast<INT64>(static_cast<UINT64>(time) + offset);
-}
-
-UINT64 RefTimeToNs(INT64 time) {
-    if (time < 0) {
-        return 0;
-    }
-    return static_cast<UINT64>(time > kMaxRefTime ? kMaxRefTime : time) * UINT64{kNsPerRefTimeUnit};
 }
 
 } // namespace
@@ -36,8 +21,8 @@ BlockTimes CTimeShifter::toBlockTimes(UINT32 track, INT64 start, INT64 stop) {
         start = 0;
     }
     BlockTimes times;
-    times.timeNs = RefTimeToNs(start);
-    times.endNs = std::max(times.timeNs, RefTimeToNs(stop));
+    times.timeNs = NsFromReferenceTime(start);
+    times.endNs = std::max(times.timeNs, NsFromReferenceTime(stop));
     times.durationNs = times.endNs - times.timeNs;
     return times;
 }

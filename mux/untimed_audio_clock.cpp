@@ -1,15 +1,14 @@
 #include "mux/untimed_audio_clock.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 
 #include "dshow/media_subtypes.h"
+#include "dshow/ref_time.h"
 
 namespace {
 
 constexpr double kNsPerSecond = 1e9;
-constexpr INT64 kNsPerUnit = 100;
 
 // 0 when the format block does not reach as far. The older structures without a size field have it, too.
 DWORD AverageBytesPerSecond(const AM_MEDIA_TYPE& type) {
@@ -26,11 +25,7 @@ INT64 DurationOf(UINT32 bytes, const AM_MEDIA_TYPE& type) {
     if (bytesPerSecond == 0) {
         return 0;
     }
-    return static_cast<INT64>(kNsPerSecond / bytesPerSecond * bytes) / kNsPerUnit;
-}
-
-INT64 AddSaturated(INT64 time, INT64 duration) {
-    return time > INT64_MAX - duration ? INT64_MAX : time + duration;
+    return ReferenceTimeFromNs(static_cast<INT64>(kNsPerSecond / bytesPerSecond * bytes));
 }
 
 } // namespace
@@ -39,7 +34,7 @@ void UntimedAudioClock::Stamp(CMuxInterPacket& packet, const AM_MEDIA_TYPE& type
     if (!packet.hasTime && type.majortype == MEDIATYPE_Audio) {
         if (type.subtype == mediasubtype::kMp3) {
             packet.start = m_nextTime;
-            packet.stop = AddSaturated(m_nextTime, DurationOf(packet.size, type));
+            packet.stop = AddSaturated(m_nextTime, static_cast<UINT64>(DurationOf(packet.size, type)));
             packet.hasTime = true;
         } else if (type.subtype == mediasubtype::kVorbis) {
             packet.start = m_nextTime;
