@@ -38,8 +38,6 @@ class QRX_CAPABILITY("lock") CriticalSection {
 
     // Asserted, and from here on believed by the analysis.
     void AssertHeld() const QRX_ASSERT_HELD() { m_holder.AssertThisThread(); }
-    // Asserted: this thread may wait here for one that takes the lock.
-    void AssertNotHeld() const { m_holder.AssertNotThisThread(); }
 
   private:
     friend class ConditionVariable;

@@ -21,7 +21,6 @@ class LockHolder {
     [[nodiscard]] int LeavingToSleep() { return 0; }
     void BackFromSleep(int /*depth*/) {}
     void AssertThisThread() const {}
-    void AssertNotThisThread() const {}
     void BanThisThread() {}
     void LiftBan() {}
 };
@@ -57,7 +56,6 @@ class LockHolder {
     }
 
     void AssertThisThread() const { assert(m_thread == GetCurrentThreadId() && "the lock is not held"); }
-    void AssertNotThisThread() const { assert(m_thread != GetCurrentThreadId() && "the lock is held"); }
 
     void BanThisThread() { m_banned = GetCurrentThreadId(); }
     void LiftBan() { m_banned = 0; }

@@ -1,6 +1,8 @@
 // The owners in win/: what they hold is released exactly once.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "win/bstr.h"
 #include "win/com_ptr.h"
 #include "win/critical_section.h"
@@ -111,6 +113,26 @@ TEST(CriticalSection, IsRecursive) {
     EXPECT_TRUE(section.try_lock());
     section.unlock();
     section.unlock();
+}
+
+TEST(LockGuard, HoldsTheLockAsLongAsItLives) {
+    win::CriticalSection section;
+    const auto othersMayEnter = [&section] {
+        bool entered = false;
+        std::thread([&] {
+            entered = section.try_lock();
+            if (entered) {
+                section.unlock();
+            }
+        }).join();
+        return entered;
+    };
+    {
+        const win::LockGuard lock(section);
+        section.AssertHeld();
+        EXPECT_FALSE(othersMayEnter());
+    }
+    EXPECT_TRUE(othersMayEnter());
 }
 
 TEST(WideString, DecimalKeepsTheSignAndTheWholeRange) {
