@@ -109,6 +109,7 @@ HRESULT CMatroskaMuxer::OpenWriter() {
 
 // One for each stream. Whether the row is enabled was asked when the streams were made; it may have changed since.
 void CMatroskaMuxer::RegisterTracks() {
+    m_filterLock.AssertHeld(); // streaming is being started
     int index = 0;
     for (const auto& pin : m_inputPins) {
         if (pin->Stream() != nullptr) {
