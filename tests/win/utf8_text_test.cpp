@@ -53,7 +53,7 @@ TEST(CodePageTextTest, LengthsAreTheTextsOwnInBothDirections) {
 }
 
 TEST(CodePageTextTest, AnUnknownCodePageGivesNothing) {
-    constexpr UINT kNoCodePage = 1;
+    constexpr UINT kNoCodePage = 12345;
     EXPECT_EQ(win::NarrowFromWide(kNoCodePage, OLESTR("a")), "");
     EXPECT_EQ(win::WideFromNarrow(kNoCodePage, "a"), WideString());
 }
