@@ -12,7 +12,7 @@
 #include "win/platform.h"
 
 struct settings_failure {
-    HRESULT result;
+    HRESULT hr;
 };
 
 // Lengths are signed 32-bit numbers of characters in all the platform's calls that the settings use.

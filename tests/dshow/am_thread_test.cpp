@@ -171,8 +171,8 @@ TEST(AMThread, LookingForARequestMakesNoKernelCall) {
 }
 
 TEST(AMThread, NoHandleAndNoApartmentIsLeft) {
-    const std::size_t handles = native::OpenHandleCount();
-    const std::size_t badHandles = native::BadHandleCount();
+    const size_t handles = native::OpenHandleCount();
+    const size_t badHandles = native::BadHandleCount();
     {
         Worker worker;
         ASSERT_TRUE(worker.Create());

@@ -127,7 +127,7 @@ TEST_F(PersistStreamTest, StreamThatEndsEarlyIsAnError) {
     object.number = 7;
     ASSERT_EQ(object.Save(&stream, TRUE), S_OK);
     const std::vector<BYTE> whole = stream.Bytes();
-    for (std::size_t length = 0; length < whole.size(); ++length) {
+    for (size_t length = 0; length < whole.size(); ++length) {
         stream.SetBytes({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
         EXPECT_EQ(object.Load(&stream), kEndOfFile) << length;
     }

@@ -44,7 +44,7 @@ CBasePin* TestFilter::GetPin(int n) {
     if (throwOnGetPin) {
         throw "TestFilter::GetPin";
     }
-    const auto index = static_cast<std::size_t>(n);
+    const auto index = static_cast<size_t>(n);
     return n >= 0 && index < m_pins.size() ? m_pins[index].get() : nullptr;
 }
 

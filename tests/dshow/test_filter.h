@@ -75,7 +75,7 @@ class ScriptedPin : public Base {
         if (position < 0) {
             return E_INVALIDARG;
         }
-        const auto index = static_cast<std::size_t>(position);
+        const auto index = static_cast<size_t>(position);
         if (index >= script.types.size()) {
             return VFW_S_NO_MORE_ITEMS;
         }
@@ -83,8 +83,8 @@ class ScriptedPin : public Base {
         return S_OK;
     }
     void TryMyTypesFirst() { this->m_bTryMyTypesFirst = true; }
-    std::size_t CountCalls(const std::string& name) const {
-        return static_cast<std::size_t>(std::count(script.calls.begin(), script.calls.end(), name));
+    size_t CountCalls(const std::string& name) const {
+        return static_cast<size_t>(std::count(script.calls.begin(), script.calls.end(), name));
     }
 };
 

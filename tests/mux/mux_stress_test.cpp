@@ -42,12 +42,12 @@ class MuxStressTest : public MuxTest {
         INT64 time = 0;
         while (!done) {
             const auto size = static_cast<size_t>(random() % 1500);
-            const HRESULT result =
+            const HRESULT hr =
                 random() % 5 == 0 ? upstream.DeliverUntimed(Data(size)) : upstream.Deliver(Data(size), time, time + 10);
-            ASSERT_TRUE(SUCCEEDED(result));
+            ASSERT_TRUE(SUCCEEDED(hr));
             ++delivered;
             time += 10;
-            if (result == S_FALSE) { // stopped: begin again
+            if (hr == S_FALSE) { // stopped: begin again
                 time = 0;
                 std::this_thread::yield();
             }

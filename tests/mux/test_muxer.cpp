@@ -10,9 +10,8 @@ constexpr CLSID kTestMuxer{0x5a0b4a6e, 0x3f0d, 0x4e7c, {0x9d, 0x21, 0x6b, 0x52, 
 
 TestMuxer::TestMuxer(Output output) : CBaseMux(OLESTR("TestMuxer"), nullptr, kTestMuxer) {
     if (output == Output::Present) {
-        HRESULT result = S_OK;
-        m_outputPin =
-            std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &result, OLESTR("Out"));
+        HRESULT hr = S_OK;
+        m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &hr, OLESTR("Out"));
     }
     AddInputPin();
 }
@@ -37,14 +36,14 @@ HRESULT TestMuxer::CheckInputType(const CMediaType* type) {
 
 HRESULT TestMuxer::OnStartStreaming() {
     ++starts;
-    const HRESULT result = CBaseMux::OnStartStreaming();
-    return onStart ? onStart() : result;
+    const HRESULT hr = CBaseMux::OnStartStreaming();
+    return onStart ? onStart() : hr;
 }
 
 HRESULT TestMuxer::OnStopStreaming() {
     ++stops;
-    const HRESULT result = CBaseMux::OnStopStreaming();
-    return onStop ? onStop() : result;
+    const HRESULT hr = CBaseMux::OnStopStreaming();
+    return onStop ? onStop() : hr;
 }
 
 int TestMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {

@@ -176,7 +176,7 @@ TEST_F(Facade, AStringOfImpossibleLengthRaisesInvalidArgument) {
         RequirePossibleLength(std::wstring_view(L"x", kMaxStringChars + 1)); // its characters are not looked at
         ADD_FAILURE() << "nothing was raised";
     } catch (const settings_failure& failure) {
-        EXPECT_EQ(E_INVALIDARG, failure.result);
+        EXPECT_EQ(E_INVALIDARG, failure.hr);
     }
 }
 
@@ -185,7 +185,7 @@ TEST_F(Facade, LackOfMemoryAndImpossibleLengthsLeaveAsTheirCodes) {
         try {
             Guarded(body);
         } catch (const settings_failure& failure) {
-            return failure.result;
+            return failure.hr;
         }
         return S_OK;
     };
