@@ -51,7 +51,7 @@ void AddFullQueue(Table& table) {
 
 void AddFreeRun(Table& table, const std::string& run, const Load& load) {
     PlainNullStream stream;
-    static_cast<void>(MuxSeconds(load, stream));
+    (void)MuxSeconds(load, stream);
     AddRow(table, run, load, stream);
 }
 

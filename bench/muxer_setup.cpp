@@ -33,13 +33,13 @@ MuxerSetup::~MuxerSetup() {
 }
 
 void MuxerSetup::CreateMuxer() {
-    HRESULT result = S_OK;
-    CUnknown* const object = CMatroskaMuxer::CreateInstance(nullptr, &result);
+    HRESULT hr = S_OK;
+    CUnknown* const object = CMatroskaMuxer::CreateInstance(nullptr, &hr);
     object->NonDelegatingAddRef();
     const HRESULT queried = object->NonDelegatingQueryInterface(IID_IBaseFilter, m_filter.PutVoid());
     m_muxer = static_cast<CMatroskaMuxer*>(object);
     object->NonDelegatingRelease();
-    Demand(result, "creating the muxer");
+    Demand(hr, "creating the muxer");
     Demand(queried, "asking the muxer for IBaseFilter");
     Demand(m_filter->JoinFilterGraph(&m_graph, OLESTR("muxer")), "joining the graph");
 }

@@ -2,7 +2,10 @@
 
 namespace test_support {
 
-FakeSinkPin::FakeSinkPin(StreamOffer offer) : FakePin(PINDIR_INPUT, OLESTR("Sink"), {}), m_offer(offer) {}
+FakeSinkPin::FakeSinkPin(StreamOffer offer)
+    : FakePin(PINDIR_INPUT, OLESTR("Sink"), {}), m_offered(offer == StreamOffer::Offered ? &m_stream : nullptr) {}
+
+FakeSinkPin::FakeSinkPin(IStream& stream) : FakePin(PINDIR_INPUT, OLESTR("Sink"), {}), m_offered(&stream) {}
 
 IUnknown* FakeSinkPin::FindInterface(REFIID iid) {
     if (iid == IID_IUnknown || iid == IID_IPin) {
@@ -15,7 +18,7 @@ IUnknown* FakeSinkPin::FindInterface(REFIID iid) {
     if (stream) {
         m_streamAsked();
     }
-    return stream && m_offer == StreamOffer::Offered ? &m_stream : nullptr;
+    return stream ? m_offered : nullptr;
 }
 
 HRESULT FakeSinkPin::ReceiveConnection(IPin* connector, const AM_MEDIA_TYPE* type) {

@@ -1,6 +1,6 @@
-// FakeSinkPin: the input pin of a small file sink; offers a MemoryStream as its IStream, or none.
+// FakeSinkPin: the input pin of a small file sink; offers a MemoryStream as its IStream, another stream, or none.
 //
-// Owner: the test; references are counted, none deletes it.
+// Owner: the test; references are counted, none deletes it. Another stream is not owned.
 // Threads: connecting is for one thread; the rest any. Errors: as set.
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace test_support {
 
-class FakeSinkPin final : public FakePin, public IMemInputPin {
+class FakeSinkPin : public FakePin, public IMemInputPin {
   public:
     enum class StreamOffer { Offered, None };
 
@@ -29,6 +29,7 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     };
 
     explicit FakeSinkPin(StreamOffer offer = StreamOffer::Offered);
+    explicit FakeSinkPin(IStream& stream);
     ~FakeSinkPin() { Unplug(); }
 
     [[nodiscard]] MemoryStream& Stream() { return m_stream; }
@@ -72,12 +73,12 @@ class FakeSinkPin final : public FakePin, public IMemInputPin {
     void OnDisconnected() override;
     void CountOne(int Received::*counter);
 
-    const StreamOffer m_offer;
     HRESULT m_connectionResult = S_OK;
     bool m_offersAllocator = true;
     std::function<void()> m_streamAsked = [] {};
     FakeAllocator m_allocator;
     MemoryStream m_stream{static_cast<IPin*>(this)};
+    IStream* const m_offered; // null: none
     win::ComPtr<IMemAllocator> m_notified;
 
     mutable std::mutex m_lock; // guards m_received
