@@ -1,7 +1,8 @@
+#include "codecs/hevc_sps_head.h"
+
 #include <algorithm>
 #include <vector>
 
-#include "codecs/hevc_sps.h"
 #include "codecs/nal_unit.h"
 
 namespace codecs {

@@ -1,9 +1,11 @@
 // SubRip, SSA and ASS: the same bytes as each.
 #include "fuzz/read_all.h"
 #include "sources/base/printable.h"
+#include "sources/text/ass_parser.h"
+#include "sources/text/srt_parser.h"
 #include "sources/text/text_source.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const auto bytes = fuzz::SourceOf(data, size);
     fuzz::ReadAll(subtitles::MakeReader(*bytes, subtitles::ParseSrt).get(), size);
     fuzz::ReadAll(subtitles::MakeReader(*bytes, subtitles::ParseAss).get(), size);

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "sources/base/limits.h"
+#include "sources/text/subtitle_time.h"
 #include "sources/text/text_decoder.h"
 
 namespace subtitles {

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <string_view>
 
 #include "sources/text/subtitle_file.h"
 
@@ -37,5 +39,8 @@ class AssParser {
     std::array<std::array<size_t, 2>, kBlockFields> m_blockFields{};
     unsigned m_readOrder = 0;
 };
+
+// SSA or ASS, whichever the sections say. None for a text without the section of events.
+[[nodiscard]] std::optional<SubtitleFile> ParseAss(std::string_view text);
 
 } // namespace subtitles

@@ -1,7 +1,9 @@
+#include "sources/text/srt_parser.h"
+
 #include <algorithm>
 #include <utility>
 
-#include "sources/text/subtitle_file.h"
+#include "sources/text/subtitle_time.h"
 #include "sources/text/text_decoder.h"
 
 namespace subtitles {

@@ -1,14 +1,14 @@
-#include <algorithm>
-#include <utility>
+#include "sources/text/subtitle_time.h"
 
-#include "sources/text/subtitle_file.h"
+#include <algorithm>
+
+#include "dshow/ref_time.h"
 #include "sources/text/text_decoder.h"
 
 namespace subtitles {
 
 namespace {
 
-constexpr REFERENCE_TIME kSecond = 10'000'000; // in units of 100 ns
 constexpr size_t kMaxDigits = 6;
 constexpr size_t kFractionDigits = 7;
 
@@ -74,23 +74,10 @@ std::optional<REFERENCE_TIME> ParseTime(std::string_view text) {
     if (!fraction || !rest.empty()) {
         return {};
     }
-    const REFERENCE_TIME time = ((*hours * 60 + *minutes) * 60 + *seconds) * kSecond + *fraction;
+    const REFERENCE_TIME time = ((*hours * 60 + *minutes) * 60 + *seconds) * kReferenceTimesPerSecond + *fraction;
     return isNegative ? -time : time;
 }
 
 // A script of 64 MiB has half as many.
-void SubtitleFile::Add(SubtitleEvent event) {
-    constexpr size_t kMaxEvents = size_t{1024} * 1024;
-    if (events.size() < kMaxEvents) {
-        events.push_back(std::move(event));
-    } else {
-        isDamaged = true;
-    }
-}
-
-void SortByStart(std::vector<SubtitleEvent>& events) {
-    std::stable_sort(events.begin(), events.end(),
-                     [](const SubtitleEvent& a, const SubtitleEvent& b) { return a.start < b.start; });
-}
 
 } // namespace subtitles

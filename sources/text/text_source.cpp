@@ -4,6 +4,8 @@
 #include "sources/base/file_source.h"
 #include "sources/base/limits.h"
 #include "sources/base/source_filter.h"
+#include "sources/text/ass_parser.h"
+#include "sources/text/srt_parser.h"
 #include "sources/text/subtitle_reader.h"
 #include "sources/text/text_decoder.h"
 

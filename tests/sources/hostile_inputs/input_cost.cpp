@@ -8,6 +8,8 @@
 #include "sources/avi/avi_reader.h"
 #include "sources/base/buffered_source.h"
 #include "sources/matroska/matroska_reader.h"
+#include "sources/text/ass_parser.h"
+#include "sources/text/srt_parser.h"
 #include "sources/text/subtitle_reader.h"
 #include "sources/text/text_source.h"
 #include "tests/sources/base/allocation_meter.h"

@@ -2,7 +2,10 @@
 
 #include "dshow/media_subtypes.h"
 #include "media/codec_description.h"
+#include "sources/text/ass_parser.h"
+#include "sources/text/srt_parser.h"
 #include "sources/text/subtitle_reader.h"
+#include "sources/text/subtitle_time.h"
 #include "sources/text/text_decoder.h"
 #include "tests/sources/base/packet_checks.h"
 
