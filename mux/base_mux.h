@@ -74,7 +74,7 @@ class CBaseMux : public CBaseFilter, protected CMuxWorker {
     // Null before the concrete muxer's constructor has added it.
     [[nodiscard]] CBaseMuxInputPin* FirstInputPin() const { return m_firstInputPin; }
     // As of now; for any thread, whoever holds the filter lock.
-    [[nodiscard]] const ConnectedInputs& Inputs() const { return m_inputs; }
+    [[nodiscard]] const CConnectedInputs& Inputs() const { return m_inputs; }
 
   protected:
     CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid);
@@ -96,7 +96,7 @@ class CBaseMux : public CBaseFilter, protected CMuxWorker {
     void OnAllEnded() QRX_REQUIRES(m_workerThread) override;
 
     CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
-    ConnectedInputs m_inputs;                    // what m_inputPins says, readable without the filter lock
+    CConnectedInputs m_inputs;                   // what m_inputPins says, readable without the filter lock
     CMuxInterleaver m_interleaver;
     CMuxStreaming m_streaming;   // aborted from Stop to Pause
     UINT64 m_outputPosition = 0; // bytes; where WriteOutput writes next

@@ -67,7 +67,7 @@ STDMETHODIMP CBaseMuxInputPin::Receive(IMediaSample* sample) noexcept {
 }
 
 HRESULT CBaseMuxInputPin::ReceiveSample(IMediaSample& sample) {
-    const StreamGate::Pass pass(m_gate);
+    const CStreamGate::Pass pass(m_gate);
     CMuxInterStream* const stream = pass.Stream();
     if (stream == nullptr) {
         return S_FALSE;
@@ -119,7 +119,7 @@ void CBaseMuxInputPin::DetachStream() {
 // ---- End of stream ----------------------------------------------------------------------------------------------
 
 HRESULT CBaseMuxInputPin::QueueEndOfStream() {
-    const StreamGate::Pass pass(m_gate);
+    const CStreamGate::Pass pass(m_gate);
     CMuxInterStream* const stream = pass.Stream();
     if (stream == nullptr) {
         return kMuxFailedResult;

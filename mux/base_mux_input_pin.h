@@ -55,6 +55,6 @@ class CBaseMuxInputPin : public CBaseInputPin {
 
     CBaseMux* const m_mux; // not owned: it owns this pin
     INT32 m_index = -1;    // its position in the filter's list
-    StreamGate m_gate;
-    FrameGrouper m_grouper;
+    CStreamGate m_gate;
+    CFrameGrouper m_grouper;
 };

@@ -1,4 +1,4 @@
-// ConnectedInputs: how many inputs there are and what each connected one carries, for those who must not take the
+// CConnectedInputs: how many inputs there are and what each connected one carries, for those who must not take the
 // filter lock: the stream behind the output asks on the worker, which Stop joins under that lock.
 //
 // Owner: the filter. Threads: any; one lock, under which nothing else is locked or called. Errors: std::bad_alloc.
@@ -10,7 +10,7 @@
 #include "win/critical_section.h"
 #include "win/platform.h"
 
-class ConnectedInputs {
+class CConnectedInputs {
   public:
     // A further input, not connected.
     void Add();

@@ -10,7 +10,7 @@ UINT64 MemoryOf(const CMuxInterPacket& packet) {
 }
 
 // Leaves one packet: the first, with the data of all.
-void Merge(FrameGrouper::Packets& frame) {
+void Merge(CFrameGrouper::Packets& frame) {
     if (frame.size() < 2) {
         return;
     }
@@ -33,7 +33,7 @@ void Merge(FrameGrouper::Packets& frame) {
 
 } // namespace
 
-FrameGrouper::Packets FrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type) {
+CFrameGrouper::Packets CFrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type) {
     const win::LockGuard lock(m_lock);
     m_audioClock.Stamp(*packet, type);
     Packets ready;
@@ -50,18 +50,18 @@ FrameGrouper::Packets FrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet,
     return ready;
 }
 
-FrameGrouper::Packets FrameGrouper::TakeAll() {
+CFrameGrouper::Packets CFrameGrouper::TakeAll() {
     const win::LockGuard lock(m_lock);
     return TakePending();
 }
 
-void FrameGrouper::Clear() {
+void CFrameGrouper::Clear() {
     const win::LockGuard lock(m_lock);
     TakePending();
     m_audioClock.Reset();
 }
 
-FrameGrouper::Packets FrameGrouper::TakePending() {
+CFrameGrouper::Packets CFrameGrouper::TakePending() {
     m_pendingBytes = 0;
     return std::exchange(m_pending, {});
 }

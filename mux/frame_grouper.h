@@ -1,4 +1,4 @@
-// FrameGrouper: puts the packets of one input together to frames: a timed packet and the untimed ones that follow it.
+// CFrameGrouper: puts the packets of one input together to frames: a timed packet and the untimed ones that follow it.
 //
 // Units: bytes. Owner: the input pin; it owns the packets of the frame that is still growing.
 // Threads: any; one lock, the pin's group lock, held while grouping and merging.
@@ -13,14 +13,14 @@
 #include "win/critical_section.h"
 #include "win/platform.h"
 
-class FrameGrouper {
+class CFrameGrouper {
   public:
     using Packets = std::vector<std::unique_ptr<CMuxInterPacket>>;
 
     // A frame that never ends is given away in pieces above this size, so that memory stays bounded.
     static constexpr UINT64 kMaxFrameBytes = 104857600; // 100 MiB
 
-    explicit FrameGrouper(UINT64 maxFrameBytes = kMaxFrameBytes) : m_maxFrameBytes(maxFrameBytes) {}
+    explicit CFrameGrouper(UINT64 maxFrameBytes = kMaxFrameBytes) : m_maxFrameBytes(maxFrameBytes) {}
 
     // Returns what is ready to be queued: as a rule nothing, or the finished frame before as one packet.
     [[nodiscard]] Packets Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type);
@@ -36,5 +36,5 @@ class FrameGrouper {
     win::CriticalSection m_lock;
     Packets m_pending QRX_GUARDED_BY(m_lock);
     UINT64 m_pendingBytes QRX_GUARDED_BY(m_lock) = 0; // the packets' own memory included
-    UntimedAudioClock m_audioClock QRX_GUARDED_BY(m_lock);
+    CUntimedAudioClock m_audioClock QRX_GUARDED_BY(m_lock);
 };

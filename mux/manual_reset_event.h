@@ -1,4 +1,4 @@
-// ManualResetEvent: an event that stays as it was set until it is reset, kept as a flag instead of a kernel object.
+// CManualResetEvent: an event that stays as it was set until it is reset, kept as a flag instead of a kernel object.
 //
 // Owner: the interleaver and its streams. Errors: none.
 // Threads: Set and Reset under the interleaver's lock, where whoever sets it also wakes those who sleep for it;
@@ -7,9 +7,9 @@
 
 #include <atomic>
 
-class ManualResetEvent {
+class CManualResetEvent {
   public:
-    explicit ManualResetEvent(bool set) : m_set(set) {}
+    explicit CManualResetEvent(bool set) : m_set(set) {}
 
     void Set() { m_set.store(true, std::memory_order_release); }
     void Reset() { m_set.store(false, std::memory_order_release); }

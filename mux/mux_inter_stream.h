@@ -95,7 +95,7 @@ class CMuxInterStream {
     bool m_endOfStreamSeen = false;
     std::deque<std::unique_ptr<CMuxInterPacket>> m_packets;
     UINT64 m_queuedBytes = 0;
-    ManualResetEvent m_writable{true}; // set while m_queuedBytes is below m_byteLimit
+    CManualResetEvent m_writable{true}; // set while m_queuedBytes is below m_byteLimit
     win::ConditionVariable m_producers;
     std::atomic<HRESULT> m_result{S_OK};
 };

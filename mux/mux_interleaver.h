@@ -68,8 +68,8 @@ class CMuxInterleaver {
     mutable win::CriticalSection m_lock;
     // The list itself changes only while no producer and no worker runs.
     std::vector<std::unique_ptr<CMuxInterStream>> m_streams QRX_GUARDED_BY(m_lock);
-    ManualResetEvent m_stopEvent{false}; // changes under the lock, is read by anybody
-    ManualResetEvent m_dataEvent{false}; // the same; set by the first packet ever queued, never reset
+    CManualResetEvent m_stopEvent{false}; // changes under the lock, is read by anybody
+    CManualResetEvent m_dataEvent{false}; // the same; set by the first packet ever queued, never reset
     win::ConditionVariable m_worker QRX_GUARDED_BY(m_lock); // where GetNextPacket sleeps
-    TickClock m_clock QRX_GUARDED_BY(m_lock);
+    CTickClock m_clock QRX_GUARDED_BY(m_lock);
 };

@@ -51,10 +51,10 @@ DWORD CMuxWorker::ThreadProc() {
 }
 
 void CMuxWorker::RunMuxLoop() {
-    StallBreaker stallBreaker(m_workerInterleaver);
+    CStallBreaker stallBreaker(m_workerInterleaver);
     while (!CheckRequest(nullptr)) {
         std::unique_ptr<CMuxInterPacket> packet;
-        const int result = m_workerInterleaver.GetNextPacket(packet, StallBreaker::kTakeTimeoutMs);
+        const int result = m_workerInterleaver.GetNextPacket(packet, CStallBreaker::kTakeTimeoutMs);
         if (result == kMuxStopping) {
             return;
         }

@@ -9,7 +9,7 @@ constexpr UINT32 kSuspendAfterMs = 2000;
 
 } // namespace
 
-void StallBreaker::OnTimeout() {
+void CStallBreaker::OnTimeout() {
     ++m_timeouts;
     BreakFullQueueStall();
     TakeSnapshot();
@@ -17,7 +17,7 @@ void StallBreaker::OnTimeout() {
 }
 
 // A full video or audio queue blocks its producer, so nothing that is waited for may ever come.
-void StallBreaker::BreakFullQueueStall() {
+void CStallBreaker::BreakFullQueueStall() {
     if (!m_interleaver.IsVideoOrAudioQueueFull()) {
         return;
     }
@@ -26,14 +26,14 @@ void StallBreaker::BreakFullQueueStall() {
     m_resumeTime = m_interleaver.NewestStart();
 }
 
-void StallBreaker::TakeSnapshot() {
+void CStallBreaker::TakeSnapshot() {
     if (m_timeouts * kTakeTimeoutMs >= kSnapshotAfterMs && m_snapshot == kNoSnapshot) {
         m_snapshot = m_interleaver.QueuedPacketCount();
     }
 }
 
 // Packets wait, and none has been added for a second: whoever feeds the empty streams has stopped doing so.
-void StallBreaker::BreakSilentStall() {
+void CStallBreaker::BreakSilentStall() {
     if (m_timeouts * kTakeTimeoutMs < kSuspendAfterMs) {
         return;
     }
@@ -45,7 +45,7 @@ void StallBreaker::BreakSilentStall() {
 }
 
 // Only subtitles come back this way; other streams do when their next packet is queued. On purpose.
-void StallBreaker::OnPacketTaken(const CMuxInterPacket& packet) {
+void CStallBreaker::OnPacketTaken(const CMuxInterPacket& packet) {
     if (m_resumeTime != kNoResumeTime && packet.start >= m_resumeTime) {
         m_interleaver.ResumeSubtitles();
         m_resumeTime = kNoResumeTime;
@@ -53,7 +53,7 @@ void StallBreaker::OnPacketTaken(const CMuxInterPacket& packet) {
     OnProgress();
 }
 
-void StallBreaker::OnProgress() {
+void CStallBreaker::OnProgress() {
     m_timeouts = 0;
     m_snapshot = kNoSnapshot;
 }

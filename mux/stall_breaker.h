@@ -1,4 +1,4 @@
-// StallBreaker: notices that the interleaver waits for streams that give nothing, and stops the waiting.
+// CStallBreaker: notices that the interleaver waits for streams that give nothing, and stops the waiting.
 //
 // Units: milliseconds of waiting as counted (one timeout each), not measured; start times in 100 ns.
 // Owner: one run of the worker's loop. Threads: the worker.
@@ -9,12 +9,12 @@
 #include "mux/mux_interleaver.h"
 #include "win/platform.h"
 
-class StallBreaker {
+class CStallBreaker {
   public:
     // How long each attempt to take a packet may last.
     static constexpr DWORD kTakeTimeoutMs = 40;
 
-    explicit StallBreaker(CMuxInterleaver& interleaver) : m_interleaver(interleaver) {}
+    explicit CStallBreaker(CMuxInterleaver& interleaver) : m_interleaver(interleaver) {}
 
     // After an attempt that found nothing in time.
     void OnTimeout();

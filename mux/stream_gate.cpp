@@ -1,11 +1,11 @@
 #include "mux/stream_gate.h"
 
-void StreamGate::Open(CMuxInterStream* stream) {
+void CStreamGate::Open(CMuxInterStream* stream) {
     const win::LockGuard lock(m_lock);
     m_stream = stream;
 }
 
-void StreamGate::Close() {
+void CStreamGate::Close() {
     const win::LockGuard lock(m_lock);
     m_stream = nullptr;
     while (m_inside > 0) {
@@ -13,12 +13,12 @@ void StreamGate::Close() {
     }
 }
 
-CMuxInterStream* StreamGate::Stream() const {
+CMuxInterStream* CStreamGate::Stream() const {
     const win::LockGuard lock(m_lock);
     return m_stream;
 }
 
-CMuxInterStream* StreamGate::Enter() {
+CMuxInterStream* CStreamGate::Enter() {
     const win::LockGuard lock(m_lock);
     if (m_stream != nullptr) {
         ++m_inside;
@@ -26,7 +26,7 @@ CMuxInterStream* StreamGate::Enter() {
     return m_stream;
 }
 
-void StreamGate::Leave() {
+void CStreamGate::Leave() {
     const win::LockGuard lock(m_lock);
     if (--m_inside == 0) {
         m_left.WakeAll();

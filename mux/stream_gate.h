@@ -1,4 +1,4 @@
-// StreamGate: lets an upstream thread use the input's stream, and keeps the stream alive until it has left again.
+// CStreamGate: lets an upstream thread use the input's stream, and keeps the stream alive until it has left again.
 //
 // Owner: the input pin; the stream is the interleaver's.
 // Threads: Pass on upstream threads; Open and Close by the filter's state changes, which first end every wait that a
@@ -10,12 +10,12 @@
 
 class CMuxInterStream;
 
-class StreamGate {
+class CStreamGate {
   public:
     // One thread's stay inside; no stream when the gate is closed.
     class Pass {
       public:
-        explicit Pass(StreamGate& gate) : m_gate(gate), m_stream(gate.Enter()) {}
+        explicit Pass(CStreamGate& gate) : m_gate(gate), m_stream(gate.Enter()) {}
         ~Pass() {
             if (m_stream != nullptr) {
                 m_gate.Leave();
@@ -27,7 +27,7 @@ class StreamGate {
         [[nodiscard]] CMuxInterStream* Stream() const { return m_stream; }
 
       private:
-        StreamGate& m_gate;
+        CStreamGate& m_gate;
         CMuxInterStream* const m_stream;
     };
 

@@ -1,13 +1,13 @@
-// TickClock: the system's 32-bit millisecond tick count, continued over its wrap every 49.7 days.
+// CTickClock: the system's 32-bit millisecond tick count, continued over its wrap every 49.7 days.
 //
 // Units: milliseconds. Owner: the interleaver. Threads: under the owner's lock.
 #pragma once
 
 #include "win/platform.h"
 
-class TickClock {
+class CTickClock {
   public:
-    explicit TickClock(UINT32 tick = GetTickCount()) : m_lastTick(tick) {}
+    explicit CTickClock(UINT32 tick = GetTickCount()) : m_lastTick(tick) {}
 
     [[nodiscard]] UINT64 Now() { return Extend(GetTickCount()); }
 

@@ -30,7 +30,7 @@ INT64 DurationOf(UINT32 bytes, const AM_MEDIA_TYPE& type) {
 
 } // namespace
 
-void UntimedAudioClock::Stamp(CMuxInterPacket& packet, const AM_MEDIA_TYPE& type) {
+void CUntimedAudioClock::Stamp(CMuxInterPacket& packet, const AM_MEDIA_TYPE& type) {
     if (!packet.hasTime && type.majortype == MEDIATYPE_Audio) {
         if (type.subtype == mediasubtype::kMp3) {
             packet.start = m_nextTime;

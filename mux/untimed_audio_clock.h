@@ -1,4 +1,4 @@
-// UntimedAudioClock: gives MP3 and Vorbis packets that come without a time one that runs on from the packet before.
+// CUntimedAudioClock: gives MP3 and Vorbis packets that come without a time one that runs on from the packet before.
 //
 // Units: 100 ns. Owner: the input pin's frame grouper, under whose lock it runs.
 // Errors: a format block too short to tell the bit rate gives packets of no duration.
@@ -7,7 +7,7 @@
 #include "mux/mux_inter_packet.h"
 #include "win/platform.h"
 
-class UntimedAudioClock {
+class CUntimedAudioClock {
   public:
     // Every packet of the input passes here, timed or not.
     void Stamp(CMuxInterPacket& packet, const AM_MEDIA_TYPE& type);

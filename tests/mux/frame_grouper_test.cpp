@@ -22,7 +22,7 @@ class FrameGrouperTest : public ::testing::Test {
         }
         return packet;
     }
-    FrameGrouper::Packets AddTimed(INT64 start, std::vector<BYTE> bytes, bool syncPoint = false) {
+    CFrameGrouper::Packets AddTimed(INT64 start, std::vector<BYTE> bytes, bool syncPoint = false) {
         auto packet = Packet(std::move(bytes));
         packet->hasTime = true;
         packet->start = start;
@@ -30,7 +30,7 @@ class FrameGrouperTest : public ::testing::Test {
         packet->syncPoint = syncPoint;
         return grouper.Add(std::move(packet), video.Get());
     }
-    FrameGrouper::Packets AddUntimed(std::vector<BYTE> bytes) {
+    CFrameGrouper::Packets AddUntimed(std::vector<BYTE> bytes) {
         return grouper.Add(Packet(std::move(bytes)), video.Get());
     }
     static std::vector<BYTE> BytesOf(const CMuxInterPacket& packet) {
@@ -38,7 +38,7 @@ class FrameGrouperTest : public ::testing::Test {
     }
 
     const MediaTypeValue video = test_support::VideoInfoType(mediasubtype::kVp8);
-    FrameGrouper grouper;
+    CFrameGrouper grouper;
 };
 
 TEST_F(FrameGrouperTest, AFrameIsReadyWhenTheNextTimedPacketComes) {
@@ -111,23 +111,23 @@ TEST_F(FrameGrouperTest, AFrameThatNeverEndsIsGivenAwayInPieces) {
         ASSERT_TRUE(AddUntimed(piece).empty()) << i;
         held += piece.size();
     }
-    EXPECT_LT(held, FrameGrouper::kMaxFrameBytes);
-    EXPECT_EQ(104857600u, FrameGrouper::kMaxFrameBytes);
+    EXPECT_LT(held, CFrameGrouper::kMaxFrameBytes);
+    EXPECT_EQ(104857600u, CFrameGrouper::kMaxFrameBytes);
     const auto pieces = AddUntimed(piece);
     EXPECT_EQ(13u, pieces.size());
     EXPECT_TRUE(grouper.TakeAll().empty());
 }
 
 TEST_F(FrameGrouperTest, OneLargeTimedPacketIsAFrameLikeAnyOther) {
-    AddTimed(10, std::vector<BYTE>(FrameGrouper::kMaxFrameBytes + 1));
+    AddTimed(10, std::vector<BYTE>(CFrameGrouper::kMaxFrameBytes + 1));
     const auto ready = AddTimed(20, {1});
     ASSERT_EQ(1u, ready.size());
-    EXPECT_EQ(FrameGrouper::kMaxFrameBytes + 1, ready.front()->size);
+    EXPECT_EQ(CFrameGrouper::kMaxFrameBytes + 1, ready.front()->size);
 }
 
 TEST_F(FrameGrouperTest, EndlessEmptyPacketsDoNotFillTheMemoryEither) {
     constexpr size_t kPackets = 100;
-    FrameGrouper tight(kPackets * sizeof(CMuxInterPacket));
+    CFrameGrouper tight(kPackets * sizeof(CMuxInterPacket));
     for (size_t i = 0; i < kPackets; ++i) {
         ASSERT_TRUE(tight.Add(Packet({}), video.Get()).empty()) << i;
     }

@@ -33,11 +33,11 @@ class StallBreakerTest : public ::testing::Test {
     }
 
     CMuxInterleaver interleaver;
-    StallBreaker breaker{interleaver};
+    CStallBreaker breaker{interleaver};
 };
 
 TEST_F(StallBreakerTest, EachAttemptToTakeAPacketLasts40Ms) {
-    EXPECT_EQ(40u, StallBreaker::kTakeTimeoutMs);
+    EXPECT_EQ(40u, CStallBreaker::kTakeTimeoutMs);
 }
 
 TEST_F(StallBreakerTest, FortyNineTimeoutsSuspendNothingAndTheFiftiethSuspendsAllEmptyInterleavedStreams) {

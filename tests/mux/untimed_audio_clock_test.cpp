@@ -31,7 +31,7 @@ class UntimedAudioClockTest : public ::testing::Test {
         EXPECT_EQ(stop, packet->stop);
     }
 
-    UntimedAudioClock clock;
+    CUntimedAudioClock clock;
 };
 
 TEST_F(UntimedAudioClockTest, AnUntimedMp3SampleOf417BytesAt16000BytesASecondLasts260625Units) {
