@@ -27,6 +27,10 @@ linted_sources() {
 verb_lint() {
   need_packages "${PACKAGES_BUILD[@]}" "${PACKAGES_LINT[@]}"
   (cd "$ROOT" && source_files | xargs -r clang-format --dry-run -Werror) || die "some files are not formatted: ./dev format"
+  local rules
+  for rules in includes style; do
+    python3 "$ROOT/scripts/lint_$rules.py" "$ROOT" >&2 || die "the rules of docs/style.md are not kept"
+  done
   need_mkv_libraries
   (cd "$ROOT" && cmake --preset windows -B "$BUILD/lint" -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON \
     -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0) >"$BUILD/lint-configure.log" 2>&1 ||

@@ -16,7 +16,7 @@ EVERYTHING = PRODUCT + ("examples", "bench", "fuzz", "tests")
 SPELLINGS = {
     r"\bstd::size_t\b": "size_t",
     r"static_cast<void>\(": "(void)",
-    r"\bHRESULT (?:result|res|ret|status)\b(?!\()": "HRESULT hr",
+    r"\bHRESULT (?:result|res|ret|status) =": "HRESULT hr",
     r"#pragma GCC diagnostic": "a compiler option in cmake/QrxTargets.cmake",
 }
 # The published header is compiled by others, with their options.
