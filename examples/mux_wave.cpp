@@ -60,10 +60,10 @@ void NameTrack(IModuleConfig* config, INT32 input) {
     row.trackType = -1;
     VARIANT value = {};
     value.byref = &row;
-    const HRESULT result = config->SetValue(&MKVMUX_TrackInfo, &value);
+    const HRESULT hr = config->SetValue(&MKVMUX_TrackInfo, &value);
     SysFreeString(row.language); // the filter has made its copies
     SysFreeString(row.name);
-    Check(result, "the track cannot be named");
+    Check(hr, "the track cannot be named");
 }
 
 void Attach(IModuleConfig* config, const wchar_t* path) {
@@ -79,9 +79,9 @@ void Attach(IModuleConfig* config, const wchar_t* path) {
     attachment.uid = 1; // not 0, and different for each attachment
     VARIANT value = {};
     value.byref = &attachment;
-    const HRESULT result = config->SetValue(&MKVMUX_Attachment, &value);
+    const HRESULT hr = config->SetValue(&MKVMUX_Attachment, &value);
     SysFreeString(attachment.fileName);
-    Check(result, "the file cannot be attached");
+    Check(hr, "the file cannot be attached");
 }
 
 // The filter's first pin of this direction that is still free.

@@ -4,7 +4,7 @@
 
 namespace {
 
-void Read(annexb::Codec codec, const std::uint8_t* data, std::size_t size) {
+void Read(annexb::Codec codec, const std::uint8_t* data, size_t size) {
     auto bytes = fuzz::SourceOf(data, size);
     annexb::PictureIndex index = codec == annexb::Codec::Avc ? annexb::IndexAvc(*bytes) : annexb::IndexHevc(*bytes);
     if (!index.pictures.empty()) {
@@ -15,7 +15,7 @@ void Read(annexb::Codec codec, const std::uint8_t* data, std::size_t size) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     Read(annexb::Codec::Avc, data, size);
     Read(annexb::Codec::Hevc, data, size);
     return 0;

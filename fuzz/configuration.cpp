@@ -25,7 +25,7 @@ struct Filter {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const Filter first;
     test_support::MemoryStream stream;
     stream.SetRecording(false);

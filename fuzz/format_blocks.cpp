@@ -19,16 +19,16 @@ const GUID kSubtypes[] = {
     MEDIASUBTYPE_MPEG2_VIDEO, MEDIASUBTYPE_MPEG1Payload, mediasubtype::kDolbyAc3,   mediasubtype::kVorbis,
     mediasubtype::kRawAac,    mediasubtype::kPcm,        mediasubtype::kFlacFramed, mediasubtype::kOpus,
     mediasubtype::kUtf8,      mediasubtype::kAss,        mediasubtype::kVobSub,     GUID_NULL};
-constexpr std::size_t kChoiceBytes = 5;
+constexpr size_t kChoiceBytes = 5;
 
-template <std::size_t Count>
+template <size_t Count>
 const GUID& Chosen(const GUID (&from)[Count], std::uint8_t by) {
     return from[by % Count];
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     if (size < kChoiceBytes) {
         return 0;
     }

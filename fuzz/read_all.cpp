@@ -13,7 +13,7 @@ namespace {
 
 class Bytes final : public source::ByteSource {
   public:
-    Bytes(const std::uint8_t* data, std::size_t size) : m_bytes(data, data + size) {}
+    Bytes(const std::uint8_t* data, size_t size) : m_bytes(data, data + size) {}
     [[nodiscard]] UINT64 Size() const override { return m_bytes.size(); }
     [[nodiscard]] size_t ReadAt(UINT64 offset, std::span<BYTE> buffer) const override {
         if (offset >= m_bytes.size()) {
@@ -34,8 +34,8 @@ void Require(bool holds) {
     }
 }
 
-std::size_t ReadOnce(source::PacketReader& reader, std::size_t size) {
-    std::size_t packets = 0;
+size_t ReadOnce(source::PacketReader& reader, size_t size) {
+    size_t packets = 0;
     UINT64 bytes = 0;
     source::Packet packet;
     while (reader.Next(packet)) {
@@ -52,15 +52,15 @@ std::size_t ReadOnce(source::PacketReader& reader, std::size_t size) {
 
 } // namespace
 
-std::unique_ptr<source::ByteSource> SourceOf(const std::uint8_t* data, std::size_t size) {
+std::unique_ptr<source::ByteSource> SourceOf(const std::uint8_t* data, size_t size) {
     return std::make_unique<source::BufferedSource>(std::make_unique<Bytes>(data, size));
 }
 
-void ReadAll(source::PacketReader* reader, std::size_t size) {
+void ReadAll(source::PacketReader* reader, size_t size) {
     if (reader == nullptr) {
         return;
     }
-    const std::size_t first = ReadOnce(*reader, size);
+    const size_t first = ReadOnce(*reader, size);
     const HRESULT damage = reader->Damage();
     reader->Rewind();
     Require(ReadOnce(*reader, size) == first && reader->Damage() == damage);

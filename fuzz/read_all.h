@@ -10,10 +10,10 @@
 
 namespace fuzz {
 
-[[nodiscard]] std::unique_ptr<source::ByteSource> SourceOf(const std::uint8_t* data, std::size_t size);
+[[nodiscard]] std::unique_ptr<source::ByteSource> SourceOf(const std::uint8_t* data, size_t size);
 
 // Reads twice, and ends the program when what a reader promises does not hold, or the packets hold more than the rule
 // of SECURITY.md allows for so many bytes. No reader is fine.
-void ReadAll(source::PacketReader* reader, std::size_t size);
+void ReadAll(source::PacketReader* reader, size_t size);
 
 } // namespace fuzz

@@ -19,7 +19,7 @@ constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 // Remembers what it was asked to register or to remove.
 class FakeMapper final : public IFilterMapper2 {
   public:
-    HRESULT result = S_OK;
+    HRESULT hr = S_OK;
     int registered = 0;
     int unregistered = 0;
 
@@ -37,7 +37,7 @@ class FakeMapper final : public IFilterMapper2 {
         EXPECT_EQ(category, nullptr);
         EXPECT_EQ(instance, nullptr);
         EXPECT_EQ(clsid, dshow_test::kFilterClass);
-        return result;
+        return hr;
     }
     STDMETHODIMP RegisterFilter(REFCLSID clsid, LPCWSTR name, IMoniker** moniker, const CLSID* category,
                                 LPCOLESTR instance, const REGFILTER2* filter) noexcept override {
@@ -51,7 +51,7 @@ class FakeMapper final : public IFilterMapper2 {
         EXPECT_EQ(filter->dwMerit, 0x200000U);
         EXPECT_EQ(filter->cPins, 2U);
         EXPECT_EQ(filter->rgPins, kFilterSetup.lpPin);
-        return result;
+        return hr;
     }
     STDMETHODIMP EnumMatchingFilters(IEnumMoniker**, DWORD, BOOL, DWORD, BOOL, DWORD, const GUID*, const REGPINMEDIUM*,
                                      const CLSID*, BOOL, BOOL, DWORD, const GUID*, const REGPINMEDIUM*,

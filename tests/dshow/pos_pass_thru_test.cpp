@@ -44,7 +44,7 @@ TEST_F(PosPassThruTest, SystemWithoutTheClassSaysSo) {
 
 class FakePassThru final : public ISeekingPassThru {
   public:
-    HRESULT result = S_OK;
+    HRESULT hr = S_OK;
     BOOL renderer = TRUE;
     IPin* pin = nullptr;
     bool offersInterface = true;
@@ -60,7 +60,7 @@ class FakePassThru final : public ISeekingPassThru {
     STDMETHODIMP Init(BOOL bSupportRendering, IPin* pPin) noexcept override {
         renderer = bSupportRendering;
         pin = pPin;
-        return result;
+        return hr;
     }
 
   private:

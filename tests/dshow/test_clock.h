@@ -11,7 +11,7 @@ namespace dshow_test {
 class TestClock final : public IReferenceClock {
   public:
     REFERENCE_TIME now = 0;
-    HRESULT result = S_OK;
+    HRESULT hr = S_OK;
     [[nodiscard]] LONG References() const { return m_references.Count(); }
 
     // IUnknown
@@ -21,7 +21,7 @@ class TestClock final : public IReferenceClock {
     // IReferenceClock
     STDMETHODIMP GetTime(REFERENCE_TIME* time) noexcept override {
         *time = now;
-        return result;
+        return hr;
     }
     STDMETHODIMP AdviseTime(REFERENCE_TIME, REFERENCE_TIME, HEVENT, DWORD_PTR*) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP AdvisePeriodic(REFERENCE_TIME, REFERENCE_TIME, HSEMAPHORE, DWORD_PTR*) noexcept override {

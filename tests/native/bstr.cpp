@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 8; // keeps the text aligned as Windows does; the length is in the last four
-constexpr std::size_t kLengthBytes = sizeof(UINT);
+constexpr size_t kHeaderBytes = 8; // keeps the text aligned as Windows does; the length is in the last four
+constexpr size_t kLengthBytes = sizeof(UINT);
 constexpr UINT kLargestBytes = std::numeric_limits<UINT>::max() - kHeaderBytes - sizeof(WCHAR);
 
 char* BlockOf(BSTR text) {

@@ -84,7 +84,7 @@ char32_t TakeUtf16(std::basic_string_view<WCHAR>& text, bool& valid) {
 }
 
 char32_t TakeUtf8(std::string_view& text, bool& valid) {
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const auto byteAt = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byteAt(0);
     text.remove_prefix(1);
     if (first < 0x80) {

@@ -10,7 +10,7 @@
 
 namespace {
 
-std::atomic<std::size_t> g_liveSections{0};
+std::atomic<size_t> g_liveSections{0};
 
 struct Section {
     std::recursive_mutex mutex;
@@ -42,7 +42,7 @@ void Entered(CRITICAL_SECTION* section, Section& lock) {
 
 namespace native {
 
-std::size_t LiveCriticalSectionCount() {
+size_t LiveCriticalSectionCount() {
     return g_liveSections;
 }
 

@@ -18,7 +18,7 @@ using native::KernelCalls;
 constexpr GUID kTestClass{0x01020304, 0x0506, 0x0708, {0x09, 0x0a, 0x0b, 0x0c, 0x0d, 0x0e, 0x0f, 0x11}};
 
 TEST(Hooks, OpenHandlesAreCountedUntilTheyAreClosed) {
-    const std::size_t before = native::OpenHandleCount();
+    const size_t before = native::OpenHandleCount();
     win::KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     win::FileHandle file(CreateFileW(OLESTR("/dev/null"), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_EQ(native::OpenHandleCount(), before + 2);
@@ -28,7 +28,7 @@ TEST(Hooks, OpenHandlesAreCountedUntilTheyAreClosed) {
 }
 
 TEST(Hooks, ClosingTwiceIsCounted) {
-    const std::size_t before = native::BadHandleCount();
+    const size_t before = native::BadHandleCount();
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     EXPECT_TRUE(CloseHandle(event));
     EXPECT_EQ(native::BadHandleCount(), before);
@@ -37,7 +37,7 @@ TEST(Hooks, ClosingTwiceIsCounted) {
 }
 
 TEST(Hooks, CriticalSectionsAreCountedUntilDeleted) {
-    const std::size_t before = native::LiveCriticalSectionCount();
+    const size_t before = native::LiveCriticalSectionCount();
     {
         const win::CriticalSection section;
         EXPECT_EQ(native::LiveCriticalSectionCount(), before + 1);

@@ -11,13 +11,13 @@ namespace native {
 namespace {
 
 constexpr std::uintptr_t kHandleStep = 4;
-constexpr std::size_t kCallKinds = 6;
+constexpr size_t kCallKinds = 6;
 
-std::atomic<std::size_t> g_badHandles{0};
+std::atomic<size_t> g_badHandles{0};
 std::array<std::atomic<std::uint64_t>, kCallKinds> g_calls{};
 
 std::uint64_t Counted(KernelCall call) {
-    return g_calls[static_cast<std::size_t>(call)].load(std::memory_order_relaxed);
+    return g_calls[static_cast<size_t>(call)].load(std::memory_order_relaxed);
 }
 
 } // namespace
@@ -53,20 +53,20 @@ bool Kernel::Remove(HANDLE handle) {
     return object != nullptr && m_handles.erase(handle) == 1;
 }
 
-std::size_t Kernel::OpenCount() {
+size_t Kernel::OpenCount() {
     const std::lock_guard lock(mutex);
     return m_handles.size();
 }
 
 void Count(KernelCall call) {
-    g_calls[static_cast<std::size_t>(call)].fetch_add(1, std::memory_order_relaxed);
+    g_calls[static_cast<size_t>(call)].fetch_add(1, std::memory_order_relaxed);
 }
 
-std::size_t OpenHandleCount() {
+size_t OpenHandleCount() {
     return Kernel::Instance().OpenCount();
 }
 
-std::size_t BadHandleCount() {
+size_t BadHandleCount() {
     return g_badHandles;
 }
 

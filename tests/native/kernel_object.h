@@ -33,7 +33,7 @@ class Kernel {
     // Null for a handle that is not open; the caller's last error says so then.
     std::shared_ptr<KernelObject> Find(HANDLE handle);
     bool Remove(HANDLE handle);
-    std::size_t OpenCount();
+    size_t OpenCount();
 
     // The object behind the handle if it is of that class; otherwise null, and the last error says so.
     template <typename Object>

@@ -16,11 +16,11 @@ namespace native {
 // ---- What is still held ---------------------------------------------------------------------------------------
 
 // Handles of events, threads and files that nobody has closed yet.
-[[nodiscard]] std::size_t OpenHandleCount();
+[[nodiscard]] size_t OpenHandleCount();
 // Calls that were given a handle which is not open: closed twice, used after closing, never opened.
-[[nodiscard]] std::size_t BadHandleCount();
+[[nodiscard]] size_t BadHandleCount();
 // Critical sections that are initialised and not deleted.
-[[nodiscard]] std::size_t LiveCriticalSectionCount();
+[[nodiscard]] size_t LiveCriticalSectionCount();
 // Balance of CoInitializeEx and CoUninitialize, over all threads.
 [[nodiscard]] int ComInitializations();
 
@@ -105,7 +105,7 @@ class ScopedString {
 // While it lives, the module has a resource of that integer type and name with these bytes (RT_VERSION is 16).
 class ScopedResource {
   public:
-    ScopedResource(WORD type, WORD name, const void* bytes, std::size_t size);
+    ScopedResource(WORD type, WORD name, const void* bytes, size_t size);
     ~ScopedResource();
     ScopedResource(const ScopedResource&) = delete;
     ScopedResource& operator=(const ScopedResource&) = delete;

@@ -51,7 +51,7 @@ ScopedString::~ScopedString() {
     Resources().strings.erase(m_id);
 }
 
-ScopedResource::ScopedResource(WORD type, WORD name, const void* bytes, std::size_t size) : m_type(type), m_name(name) {
+ScopedResource::ScopedResource(WORD type, WORD name, const void* bytes, size_t size) : m_type(type), m_name(name) {
     const auto* const first = static_cast<const std::byte*>(bytes);
     const std::lock_guard lock(Resources().mutex);
     Resources().blobs.insert_or_assign({type, name}, Bytes(first, first + size));
@@ -76,7 +76,7 @@ INT WINAPI LoadStringW(HINSTANCE, UINT id, LPWSTR buffer, INT capacity) {
         std::memcpy(buffer, &own, sizeof(own));
         return static_cast<INT>(text.size());
     }
-    const auto length = std::min(text.size(), static_cast<std::size_t>(capacity) - 1);
+    const auto length = std::min(text.size(), static_cast<size_t>(capacity) - 1);
     std::copy_n(text.begin(), length, buffer);
     buffer[length] = 0;
     return static_cast<INT>(length);
@@ -129,7 +129,7 @@ DWORD WINAPI GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD capacity) {
     }
     // In full, even where the caller's buffer is smaller: then it gets what fits, with a terminator.
     const int length = MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(bytes), nullptr, 0);
-    std::vector<WCHAR> wide(static_cast<std::size_t>(length));
+    std::vector<WCHAR> wide(static_cast<size_t>(length));
     MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(bytes), wide.data(), length);
     if (static_cast<DWORD>(length) >= capacity) {
         std::copy_n(wide.begin(), capacity - 1, buffer);

@@ -29,7 +29,7 @@ std::basic_string_view<Char> View(const Char* text, int length) {
     if (length == kZeroTerminated) {
         return {text, std::char_traits<Char>::length(text) + 1};
     }
-    return {text, static_cast<std::size_t>(length)};
+    return {text, static_cast<size_t>(length)};
 }
 
 // Copies what was converted, or only tells its size when the capacity is 0.

@@ -15,13 +15,13 @@ std::string ToBytes(UINT codePage, WideStringView text, DWORD flags = 0, const c
     char buffer[64];
     const int size = WideCharToMultiByte(codePage, flags, text.data(), static_cast<int>(text.size()), buffer,
                                          sizeof(buffer), defaultCharacter, usedDefault);
-    return std::string(buffer, static_cast<std::size_t>(size));
+    return std::string(buffer, static_cast<size_t>(size));
 }
 
 WideString ToWide(UINT codePage, std::string_view text) {
     WCHAR buffer[64];
     const int size = MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), buffer, 64);
-    return WideString(buffer, static_cast<std::size_t>(size));
+    return WideString(buffer, static_cast<size_t>(size));
 }
 
 TEST(Ansi, CharactersOfTheCodePageKeepTheirByte) {

@@ -43,9 +43,9 @@ class Enumerator : public Interface {
         Derived& self = static_cast<Derived&>(*this);
         ULONG done = 0;
         while (done < count && m_next < self.Count()) {
-            const HRESULT result = self.HandOut(m_next, items[done]);
-            if (FAILED(result)) {
-                return result;
+            const HRESULT hr = self.HandOut(m_next, items[done]);
+            if (FAILED(hr)) {
+                return hr;
             }
             ++m_next;
             ++done;

@@ -32,8 +32,8 @@ HRESULT FakeUpstreamPin::Connect(IPin* receiver, const AM_MEDIA_TYPE* type) {
 
 // The allocator is ours, whatever the input pin would offer.
 HRESULT FakeUpstreamPin::OnConnected() {
-    const HRESULT result = Peer()->QueryInterface(IID_IMemInputPin, m_input.PutVoid());
-    return FAILED(result) || !m_notifiesAllocator ? result : m_input->NotifyAllocator(&m_allocator, FALSE);
+    const HRESULT hr = Peer()->QueryInterface(IID_IMemInputPin, m_input.PutVoid());
+    return FAILED(hr) || !m_notifiesAllocator ? hr : m_input->NotifyAllocator(&m_allocator, FALSE);
 }
 
 void FakeUpstreamPin::OnDisconnected() {

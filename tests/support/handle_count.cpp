@@ -46,7 +46,7 @@ std::vector<BYTE> ListOfAllHandles() {
 
 } // namespace
 
-std::size_t OpenHandleCount() {
+size_t OpenHandleCount() {
     DWORD counted = 0;
     if (GetProcessHandleCount(GetCurrentProcess(), &counted) && counted > 0) {
         return counted;
@@ -58,7 +58,7 @@ std::size_t OpenHandleCount() {
     std::memcpy(entries.data(), list.data() + kEntriesOffset, total * sizeof(HandleEntry));
     const auto mine = static_cast<USHORT>(GetCurrentProcessId());
     const auto isMine = [mine](const HandleEntry& entry) { return entry.process == mine; };
-    return static_cast<std::size_t>(std::count_if(entries.begin(), entries.end(), isMine));
+    return static_cast<size_t>(std::count_if(entries.begin(), entries.end(), isMine));
 }
 
 } // namespace test_support

@@ -7,6 +7,6 @@ namespace test_support {
 
 // Where the system does not count them for one process (GetProcessHandleCount says 0), its list of all handles is
 // counted instead.
-[[nodiscard]] std::size_t OpenHandleCount();
+[[nodiscard]] size_t OpenHandleCount();
 
 } // namespace test_support

@@ -141,14 +141,14 @@ HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
     m_everyCall();
     const std::lock_guard guard(m_lock);
     const UINT64 start = m_position;
-    HRESULT result = FailureDue(StreamOperation::Read);
-    if (SUCCEEDED(result) && buffer == nullptr) {
-        result = STG_E_INVALIDPOINTER;
+    HRESULT hr = FailureDue(StreamOperation::Read);
+    if (SUCCEEDED(hr) && buffer == nullptr) {
+        hr = STG_E_INVALIDPOINTER;
     }
-    if (SUCCEEDED(result) && read != nullptr) { // a call that fails may leave it as it was
+    if (SUCCEEDED(hr) && read != nullptr) { // a call that fails may leave it as it was
         *read = 0;
     }
-    if (SUCCEEDED(result) && start < m_bytes.size()) {
+    if (SUCCEEDED(hr) && start < m_bytes.size()) {
         const auto count = static_cast<ULONG>(std::min<UINT64>(size, m_bytes.size() - start));
         if (count > 0) {
             std::memcpy(buffer, m_bytes.data() + start, count);
@@ -158,7 +158,7 @@ HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
             *read = count;
         }
     }
-    return Record({StreamOperation::Read, start, size, 0, 0, result});
+    return Record({StreamOperation::Read, start, size, 0, 0, hr});
 }
 
 HRESULT MemoryStream::WriteAtPosition(const BYTE* bytes, ULONG size) {
@@ -189,17 +189,17 @@ HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
     const UINT64 start = m_position;
     const std::optional<WriteAnswer> answer = std::exchange(m_nextWrite, std::nullopt);
     const ULONG kept = answer ? std::min(answer->keptBytes, size) : size;
-    HRESULT result = FailureDue(StreamOperation::Write);
-    if (SUCCEEDED(result)) {
-        result = WriteAtPosition(static_cast<const BYTE*>(buffer), kept);
+    HRESULT hr = FailureDue(StreamOperation::Write);
+    if (SUCCEEDED(hr)) {
+        hr = WriteAtPosition(static_cast<const BYTE*>(buffer), kept);
     }
-    if (SUCCEEDED(result) && written != nullptr) {
+    if (SUCCEEDED(hr) && written != nullptr) {
         *written = kept;
     }
-    if (SUCCEEDED(result) && answer) {
-        result = answer->result;
+    if (SUCCEEDED(hr) && answer) {
+        hr = answer->result;
     }
-    return Record({StreamOperation::Write, start, size, 0, 0, result});
+    return Record({StreamOperation::Write, start, size, 0, 0, hr});
 }
 
 HRESULT MemoryStream::MoveTo(INT64 move, DWORD origin) {
@@ -227,27 +227,27 @@ HRESULT MemoryStream::MoveTo(INT64 move, DWORD origin) {
 HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) {
     m_everyCall();
     const std::lock_guard guard(m_lock);
-    HRESULT result = FailureDue(StreamOperation::Seek);
-    if (SUCCEEDED(result)) {
-        result = MoveTo(move.QuadPart, origin);
+    HRESULT hr = FailureDue(StreamOperation::Seek);
+    if (SUCCEEDED(hr)) {
+        hr = MoveTo(move.QuadPart, origin);
     }
     if (newPosition != nullptr) {
-        newPosition->QuadPart = SUCCEEDED(result) ? m_position : kWrongPosition;
+        newPosition->QuadPart = SUCCEEDED(hr) ? m_position : kWrongPosition;
     }
-    return Record({StreamOperation::Seek, m_position, 0, move.QuadPart, origin, result});
+    return Record({StreamOperation::Seek, m_position, 0, move.QuadPart, origin, hr});
 }
 
 HRESULT MemoryStream::SetSize(ULARGE_INTEGER size) {
     m_everyCall();
     const std::lock_guard guard(m_lock);
-    HRESULT result = FailureDue(StreamOperation::SetSize);
-    if (SUCCEEDED(result) && size.QuadPart > m_capacity) {
-        result = STG_E_MEDIUMFULL;
+    HRESULT hr = FailureDue(StreamOperation::SetSize);
+    if (SUCCEEDED(hr) && size.QuadPart > m_capacity) {
+        hr = STG_E_MEDIUMFULL;
     }
-    if (SUCCEEDED(result)) {
+    if (SUCCEEDED(hr)) {
         m_bytes.resize(size.QuadPart);
     }
-    return Record({StreamOperation::SetSize, m_position, size.QuadPart, 0, 0, result});
+    return Record({StreamOperation::SetSize, m_position, size.QuadPart, 0, 0, hr});
 }
 
 HRESULT MemoryStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) {
@@ -279,12 +279,12 @@ HRESULT MemoryStream::Stat(STATSTG* stat, DWORD) {
     m_everyCall();
     const std::lock_guard guard(m_lock);
     *stat = {};
-    const HRESULT result = FailureDue(StreamOperation::Stat);
-    if (SUCCEEDED(result)) {
+    const HRESULT hr = FailureDue(StreamOperation::Stat);
+    if (SUCCEEDED(hr)) {
         stat->type = STGTY_STREAM;
         stat->cbSize.QuadPart = m_bytes.size();
     }
-    return Record({StreamOperation::Stat, m_position, 0, 0, 0, result});
+    return Record({StreamOperation::Stat, m_position, 0, 0, 0, hr});
 }
 
 HRESULT MemoryStream::Clone(IStream** clone) {

@@ -9,10 +9,10 @@
 
 namespace {
 
-std::atomic<std::size_t> g_held{0};
-std::atomic<std::size_t> g_peak{0};
+std::atomic<size_t> g_held{0};
+std::atomic<size_t> g_peak{0};
 
-std::size_t SizeOf(void* block) {
+size_t SizeOf(void* block) {
 #ifdef _WIN32
     return _msize(block);
 #else
@@ -20,11 +20,11 @@ std::size_t SizeOf(void* block) {
 #endif
 }
 
-void* Take(std::size_t bytes) noexcept {
-    void* const block = std::malloc(std::max<std::size_t>(bytes, 1));
+void* Take(size_t bytes) noexcept {
+    void* const block = std::malloc(std::max<size_t>(bytes, 1));
     if (block != nullptr) {
-        const std::size_t held = g_held += SizeOf(block);
-        std::size_t peak = g_peak;
+        const size_t held = g_held += SizeOf(block);
+        size_t peak = g_peak;
         while (held > peak && !g_peak.compare_exchange_weak(peak, held)) {
         }
     }
@@ -40,7 +40,7 @@ void Give(void* block) noexcept {
 
 } // namespace
 
-void* operator new(std::size_t bytes) {
+void* operator new(size_t bytes) {
     void* const block = Take(bytes);
     if (block == nullptr) {
         throw std::bad_alloc();
@@ -48,7 +48,7 @@ void* operator new(std::size_t bytes) {
     return block;
 }
 
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
     return Take(bytes);
 }
 
@@ -56,7 +56,7 @@ void operator delete(void* block) noexcept {
     Give(block);
 }
 
-void operator delete(void* block, std::size_t) noexcept {
+void operator delete(void* block, size_t) noexcept {
     Give(block);
 }
 
@@ -64,11 +64,11 @@ void operator delete(void* block, const std::nothrow_t&) noexcept {
     Give(block);
 }
 
-void* operator new[](std::size_t bytes) {
+void* operator new[](size_t bytes) {
     return operator new(bytes);
 }
 
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+void* operator new[](size_t bytes, const std::nothrow_t&) noexcept {
     return Take(bytes);
 }
 
@@ -76,7 +76,7 @@ void operator delete[](void* block) noexcept {
     Give(block);
 }
 
-void operator delete[](void* block, std::size_t) noexcept {
+void operator delete[](void* block, size_t) noexcept {
     Give(block);
 }
 
@@ -90,7 +90,7 @@ AllocationMeter::AllocationMeter() : m_heldBefore(g_held) {
     g_peak = m_heldBefore;
 }
 
-std::size_t AllocationMeter::PeakBytes() const {
+size_t AllocationMeter::PeakBytes() const {
     return g_peak - m_heldBefore;
 }
 

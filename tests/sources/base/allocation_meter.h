@@ -13,10 +13,10 @@ class AllocationMeter {
     AllocationMeter();
 
     // The most that was held at once, above what was held at the beginning.
-    [[nodiscard]] std::size_t PeakBytes() const;
+    [[nodiscard]] size_t PeakBytes() const;
 
   private:
-    std::size_t m_heldBefore;
+    size_t m_heldBefore;
 };
 
 } // namespace test_source
