@@ -28,10 +28,10 @@ namespace {
 constexpr wchar_t kTrackName[] = L"Commentary";
 constexpr wchar_t kLanguage[] = L"French";
 
-void Check(HRESULT result, const char* what) {
-    if (FAILED(result)) {
+void Check(HRESULT hr, const char* what) {
+    if (FAILED(hr)) {
         char text[128];
-        std::snprintf(text, sizeof(text), "%s: error 0x%08lX", what, static_cast<unsigned long>(result));
+        std::snprintf(text, sizeof(text), "%s: error 0x%08lX", what, static_cast<unsigned long>(hr));
         throw std::runtime_error(text);
     }
 }
@@ -57,7 +57,7 @@ void NameTrack(IModuleConfig* config, INT32 input) {
     row.bEnabled = 1;
     row.language = SysAllocString(kLanguage);
     row.name = SysAllocString(kTrackName);
-    row.trackType = -1;
+    row.trackType = MuxTrackType_Unknown;
     VARIANT value = {};
     value.byref = &row;
     const HRESULT hr = config->SetValue(&MKVMUX_TrackInfo, &value);

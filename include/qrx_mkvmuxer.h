@@ -31,7 +31,7 @@ DEFINE_GUID(CLSID_MKVMuxerPropertyPage, 0xe49a7d16, 0x0c52, 0x4f8b, 0xa1, 0xe3, 
 DEFINE_GUID(MKVMUX_TrackInfo, 0x3f6c2b91, 0x7d04, 0x4e5a, 0xb8, 0x13, 0x60, 0x9d, 0x4c, 0xe2, 0x57, 0xa8);
 // Set only, VARIANT::byref: a MuxAttachment record, added to the file as a copy.
 DEFINE_GUID(MKVMUX_Attachment, 0x8a15d0e7, 0x26bf, 0x43c9, 0x9e, 0x70, 0xd4, 0x3b, 0x81, 0x0f, 0x62, 0x5c);
-// Set and get, VARIANT::ulVal: 0 "matroska", 1 "webm"; greater values are ignored.
+// Set and get, VARIANT::ulVal: a MuxDocType; other values are ignored.
 DEFINE_GUID(MKVMUX_DocType, 0xc7e94f03, 0x51a8, 0x4d26, 0x87, 0xbe, 0x1f, 0x6a, 0xd3, 0x95, 0x0b, 0x74);
 // Set only, VARIANT::bstrVal: the directory of the trace log; an empty string switches it off.
 DEFINE_GUID(MKVMUX_LogDirectory, 0x14b2a86d, 0xe97c, 0x4058, 0xa6, 0x2f, 0x83, 0xc0, 0x5e, 0x19, 0xf4, 0xb7);
@@ -45,6 +45,22 @@ DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb
 
 // clang-format on
 
+// ---- Values of parameters and fields ----------------------------------------------------------------------------
+
+// What the file says that it is; the value of MKVMUX_DocType.
+enum MuxDocType {
+    MuxDocType_Matroska = 0, // "matroska"
+    MuxDocType_Webm = 1      // "webm"
+};
+
+// What a connected input carries; read in TrackSettings::trackType. The numbers are Matroska's.
+enum MuxTrackType {
+    MuxTrackType_Unknown = -1, // of a row whose input is not connected, unless something else was stored there
+    MuxTrackType_Video = 1,
+    MuxTrackType_Audio = 2,
+    MuxTrackType_Subtitle = 17 // texts too
+};
+
 // ---- Records passed by reference --------------------------------------------------------------------------------
 
 // The settings of one track; the filter has 100 rows, one for each of its first input pins.
@@ -55,7 +71,7 @@ struct TrackSettings {
     BYTE bReserved;  // kept and saved, but not read by the muxer
     BSTR language;   // English name as in ISO 639-2, for example "English"
     BSTR name;       // the track's name; not written when empty
-    INT32 trackType; // read back: 1 video, 2 audio, 17 subtitle, of a connected pin; otherwise as stored, -1 at first
+    INT32 trackType; // read back: the MuxTrackType of a connected pin; otherwise as stored
 };
 
 // A file that is attached to the output. Null fields are left out of the file, empty ones are not.

@@ -1,13 +1,11 @@
 // The filter's configuration in a compound file, saved and loaded in the order that graph files use.
 #include <gtest/gtest.h>
 
-#include <qrx_mkvmuxer.h>
-
+#include "client/module_config.h"
 #include "tests/module/loaded_module.h"
 #include "tests/support/fake_upstream_pin.h"
 #include "tests/support/media_types.h"
 #include "tests/support/pin_lookup.h"
-#include "win/bstr.h"
 
 using namespace test_support;
 
@@ -65,34 +63,25 @@ class SavedGraph : public ::testing::Test {
         return filter->Load(stream.Get());
     }
 
-    static void Configure(IModuleConfig* filter, INT32 row, const WCHAR* name, BYTE payload) {
-        const win::Bstr text{WideStringView(name)};
-        TrackSettings settings{row, 1, 1, 0, nullptr, text.Get(), -1};
-        VARIANT value{};
-        V_BYREF(&value) = &settings;
-        EXPECT_EQ(S_OK, filter->SetValue(&MKVMUX_TrackInfo, &value));
-        const win::Bstr fileName{WideStringView(OLESTR("data.bin"))};
-        MuxAttachment attachment{fileName.Get(), nullptr, nullptr, 1, &payload, payload};
-        V_BYREF(&value) = &attachment;
-        EXPECT_EQ(S_OK, filter->SetValue(&MKVMUX_Attachment, &value));
-        V_UI4(&value) = 1;
-        EXPECT_EQ(S_OK, filter->SetValue(&MKVMUX_DocType, &value));
+    static void Configure(IModuleConfig* filter, INT32 index, const WCHAR* name, BYTE payload) {
+        const client::ModuleConfig config(filter);
+        EXPECT_EQ(S_OK, config.SetTrack({index, 1, 1, 0, win::Bstr(), win::Bstr(WideStringView(name))}));
+        client::Attachment attachment;
+        attachment.fileName = OLESTR("data.bin");
+        attachment.data.emplace(&payload, 1);
+        attachment.uid = payload;
+        EXPECT_EQ(S_OK, config.Attach(attachment));
+        EXPECT_EQ(S_OK, config.SetDocType(MuxDocType_Webm));
     }
     static WideString NameOfRow(IModuleConfig* filter, INT32 index) {
-        TrackSettings row{};
-        row.index = index;
-        VARIANT value{};
-        V_BYREF(&value) = &row;
-        EXPECT_EQ(S_OK, filter->GetValue(&MKVMUX_TrackInfo, &value));
-        WideString name(row.name == nullptr ? OLESTR("") : row.name);
-        SysFreeString(row.language);
-        SysFreeString(row.name);
-        return name;
+        client::TrackRow row;
+        EXPECT_EQ(S_OK, client::ModuleConfig(filter).GetTrack(index, row));
+        return WideString(row.name.View());
     }
-    static ULONG DocTypeOf(IModuleConfig* filter) {
-        VARIANT value{};
-        EXPECT_EQ(S_OK, filter->GetValue(&MKVMUX_DocType, &value));
-        return V_UI4(&value);
+    static MuxDocType DocTypeOf(IModuleConfig* filter) {
+        MuxDocType docType{};
+        EXPECT_EQ(S_OK, client::ModuleConfig(filter).GetDocType(docType));
+        return docType;
     }
     // The size of what the filter saves tells how many attachments it holds.
     static UINT64 SavedSize(IModuleConfig* filter) {
@@ -117,7 +106,7 @@ TEST_F(SavedGraph, ComesBackIntoAFilterThatTheLoaderCreates) {
     win::ComPtr<IModuleConfig> loaded;
     ASSERT_EQ(S_OK, OleLoadFromStream(OpenFile().Get(), IID_IModuleConfig, loaded.PutVoid()));
     EXPECT_EQ(WideString(OLESTR("commentary")), NameOfRow(loaded.Get(), 3));
-    EXPECT_EQ(1u, DocTypeOf(loaded.Get()));
+    EXPECT_EQ(MuxDocType_Webm, DocTypeOf(loaded.Get()));
     EXPECT_EQ(SavedSize(saved.Get()), SavedSize(loaded.Get()));
     m_opened.Reset();
 }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/ui/fake_module_config.h"
+#include "tests/client/fake_module_config.h"
 #include "tests/ui/handle_census.h"
 #include "tests/ui/page_rig.h"
 
@@ -47,8 +47,8 @@ TEST(HandleCensusTest, FindsWhatStaysBehind) {
 }
 
 TEST(HandleLeakTest, AHundredOpeningsOfTheSettingsPageWithItsEditorsLeaveNothing) {
-    FakeModuleConfig config;
-    config.AddInputs({1, 2, 17});
+    test_client::FakeModuleConfig config;
+    config.AddInputs({MuxTrackType_Video, MuxTrackType_Audio, MuxTrackType_Subtitle});
     PageRig rig(CLSID_MKVMuxerPropertyPage);
     ASSERT_EQ(S_OK, rig.SetObject(&config));
     OpenEveryEditorAndClose(rig); // what the system keeps for good, it makes now

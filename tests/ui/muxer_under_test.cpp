@@ -1,28 +1,16 @@
 #include "tests/ui/muxer_under_test.h"
 
 #include "tests/support/pin_lookup.h"
-#include "win/bstr.h"
 
 using namespace test_support;
 
 namespace ui_test {
 
-namespace {
-
-VARIANT ByReference(TrackSettings& row) {
-    VARIANT value{};
-    value.vt = VT_BYREF;
-    value.byref = &row;
-    return value;
-}
-
-} // namespace
-
 MuxerUnderTest::MuxerUnderTest() {
     EXPECT_EQ(S_OK, m_module.RegisterServer());
     EXPECT_EQ(S_OK,
               m_module.Factory(CLSID_MatroskaMuxer)->CreateInstance(nullptr, IID_IBaseFilter, m_filter.PutVoid()));
-    m_config = m_filter.Query<IModuleConfig>(IID_IModuleConfig);
+    EXPECT_EQ(S_OK, m_config.Connect(m_filter.Get()));
 }
 
 MuxerUnderTest::~MuxerUnderTest() {
@@ -59,42 +47,24 @@ void MuxerUnderTest::Disconnect(size_t input) {
     m_sources.at(input)->Unplug();
 }
 
-MuxerUnderTest::Track MuxerUnderTest::GetTrack(INT32 index) const {
-    TrackSettings row{};
-    row.index = index;
-    VARIANT value = ByReference(row);
-    EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackInfo, &value));
-    win::Bstr language;
-    win::Bstr name;
-    *language.Put() = row.language;
-    *name.Put() = row.name;
-    return {row.bEnabled, row.bDefault, row.bReserved, std::wstring(language.View()), std::wstring(name.View())};
+client::TrackRow MuxerUnderTest::GetTrack(INT32 index) const {
+    client::TrackRow row;
+    EXPECT_EQ(S_OK, m_config.GetTrack(index, row));
+    return row;
 }
 
-void MuxerUnderTest::SetTrack(INT32 index, const Track& track) const {
-    const win::Bstr language(track.language);
-    const win::Bstr name(track.name);
-    TrackSettings row{index,
-                      static_cast<BYTE>(track.enabled),
-                      static_cast<BYTE>(track.isDefault),
-                      static_cast<BYTE>(track.reserved),
-                      language.Get(),
-                      name.Get(),
-                      -1};
-    const VARIANT value = ByReference(row);
-    EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackInfo, &value));
+void MuxerUnderTest::SetTrack(const client::TrackRow& row) const {
+    EXPECT_EQ(S_OK, m_config.SetTrack(row));
 }
 
-ULONG MuxerUnderTest::DocType() const {
-    VARIANT value{};
-    EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
-    return value.ulVal;
+MuxDocType MuxerUnderTest::DocType() const {
+    MuxDocType type{};
+    EXPECT_EQ(S_OK, m_config.GetDocType(type));
+    return type;
 }
 
-void MuxerUnderTest::SetDocType(ULONG type) const {
-    VARIANT value{};
-    value.ulVal = type;
-    EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_DocType, &value));
+void MuxerUnderTest::SetDocType(MuxDocType type) const {
+    EXPECT_EQ(S_OK, m_config.SetDocType(type));
 }
 
 std::vector<BYTE> MuxerUnderTest::WriteFile() {

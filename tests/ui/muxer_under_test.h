@@ -4,12 +4,10 @@
 // apartment. Errors: what cannot be made fails the running test; the filter's references are checked at the end.
 #pragma once
 
-#include <qrx_mkvmuxer.h>
-
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "client/module_config.h"
 #include "tests/module/loaded_module.h"
 #include "tests/support/fake_sink_pin.h"
 #include "tests/support/fake_upstream_pin.h"
@@ -26,7 +24,6 @@ class MuxerUnderTest {
 
     [[nodiscard]] const LoadedModule& Module() const { return m_module; }
     [[nodiscard]] IBaseFilter* Filter() const { return m_filter.Get(); }
-    [[nodiscard]] IModuleConfig& Config() const { return *m_config.Get(); }
 
     void ConnectVideo();
     void ConnectAudio();
@@ -35,18 +32,10 @@ class MuxerUnderTest {
     // Unplugs that source, so that its input stays but is not connected.
     void Disconnect(size_t input);
 
-    // A row as the filter has it.
-    struct Track {
-        int enabled;
-        int isDefault;
-        int reserved;
-        std::wstring language;
-        std::wstring name;
-    };
-    [[nodiscard]] Track GetTrack(INT32 index) const;
-    void SetTrack(INT32 index, const Track& track) const;
-    [[nodiscard]] ULONG DocType() const;
-    void SetDocType(ULONG type) const;
+    [[nodiscard]] client::TrackRow GetTrack(INT32 index) const;
+    void SetTrack(const client::TrackRow& row) const;
+    [[nodiscard]] MuxDocType DocType() const;
+    void SetDocType(MuxDocType type) const;
 
     // Runs a few samples through every input; the bytes of the file.
     [[nodiscard]] std::vector<BYTE> WriteFile();
@@ -58,7 +47,7 @@ class MuxerUnderTest {
     test_support::FakeSinkPin m_sink;
     std::vector<std::unique_ptr<test_support::FakeUpstreamPin>> m_sources;
     win::ComPtr<IBaseFilter> m_filter;
-    win::ComPtr<IModuleConfig> m_config;
+    client::ModuleConfig m_config;
 };
 
 } // namespace ui_test

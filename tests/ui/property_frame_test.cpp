@@ -58,9 +58,9 @@ TEST_F(PropertyFrameTest, NameLanguageAndDocTypeReachTheFileThatARunThenWrites) 
         TypeInto(tree, L"Audio/In 1/Track Name", L"Commentary \x2603");
         Choose(tree, L"Audio/In 1/Track Language", L"Swedish");
         Choose(tree, L"Common/DocType", L"webm");
-        EXPECT_EQ(0u, muxer.DocType()) << "nothing is written before Apply";
+        EXPECT_EQ(MuxDocType_Matroska, muxer.DocType()) << "nothing is written before Apply";
         frame.Apply();
-        EXPECT_TRUE(WaitUntil([&] { return muxer.DocType() == 1; }));
+        EXPECT_TRUE(WaitUntil([&] { return muxer.DocType() == MuxDocType_Webm; }));
         frame.Click(IDOK);
         EXPECT_EQ(S_OK, frame.WaitForEnd());
     }
@@ -83,19 +83,19 @@ TEST_F(PropertyFrameTest, CancelWritesNothing) {
         frame.Click(IDCANCEL);
         frame.WaitForEnd();
     }
-    EXPECT_EQ(0u, muxer.DocType());
+    EXPECT_EQ(MuxDocType_Matroska, muxer.DocType());
 }
 
 TEST_F(PropertyFrameTest, OkOnAPageThatWasNeverShownClosesTheFrameAndChangesNothing) {
     MuxerUnderTest muxer;
     muxer.ConnectVideo();
-    muxer.SetDocType(1);
-    muxer.SetTrack(0, {0, 1, 9, L"Elvish", L"as it was"});
+    muxer.SetDocType(MuxDocType_Webm);
+    muxer.SetTrack({0, 0, 1, 9, win::Bstr(L"Elvish"), win::Bstr(L"as it was")});
     PropertyFrame frame(muxer.Filter());
     frame.Click(IDOK);
     EXPECT_EQ(S_OK, frame.WaitForEnd());
-    EXPECT_EQ(1u, muxer.DocType());
-    EXPECT_EQ(L"Elvish", muxer.GetTrack(0).language);
+    EXPECT_EQ(MuxDocType_Webm, muxer.DocType());
+    EXPECT_EQ(L"Elvish", muxer.GetTrack(0).language.View());
     EXPECT_EQ(9, muxer.GetTrack(0).reserved);
 }
 
@@ -107,7 +107,7 @@ TEST_F(PropertyFrameTest, EditsSurviveALookAtTheOtherPage) {
     frame.ShowPage(L"About");
     frame.ShowPage(L"Settings");
     frame.Apply();
-    EXPECT_TRUE(WaitUntil([&] { return muxer.DocType() == 1; }));
+    EXPECT_TRUE(WaitUntil([&] { return muxer.DocType() == MuxDocType_Webm; }));
 }
 
 TEST_F(PropertyFrameTest, ClosedWithAnOpenEditorItLeavesTheFilterAsItWas) {
@@ -119,7 +119,7 @@ TEST_F(PropertyFrameTest, ClosedWithAnOpenEditorItLeavesTheFilterAsItWas) {
     ASSERT_TRUE(WaitUntil([&] { return frame.Tree().Editor() != nullptr; }));
     frame.Click(IDCANCEL);
     frame.WaitForEnd();
-    EXPECT_EQ(L"English", muxer.GetTrack(0).language);
+    EXPECT_EQ(L"English", muxer.GetTrack(0).language.View());
 }
 
 TEST_F(PropertyFrameTest, TheTreeFillsThePageAndNothingMore) {

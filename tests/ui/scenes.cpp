@@ -19,9 +19,9 @@ void ConnectThreeKinds(MuxerUnderTest& muxer) {
     muxer.ConnectVideo();
     muxer.ConnectAudio();
     muxer.ConnectSubtitles();
-    muxer.SetTrack(0, {1, 0, 0, L"English", L"Main camera"});
-    muxer.SetTrack(1, {1, 1, 0, L"German", L"Commentary & interviews, recorded in the stadium"});
-    muxer.SetTrack(2, {0, 0, 0, L"French", L""});
+    muxer.SetTrack({0, 1, 0, 0, win::Bstr(L"English"), win::Bstr(L"Main camera")});
+    muxer.SetTrack({1, 1, 1, 0, win::Bstr(L"German"), win::Bstr(L"Commentary & interviews, recorded in the stadium")});
+    muxer.SetTrack({2, 0, 0, 0, win::Bstr(L"French"), win::Bstr(L"")});
 }
 
 // Each step waits for what comes of it.

@@ -7,21 +7,17 @@
 
 #include <algorithm>
 
-#include "tests/ui/fake_module_config.h"
+#include "tests/client/fake_module_config.h"
 #include "tests/ui/muxer_under_test.h"
 #include "tests/ui/page_rig.h"
 
 using namespace ui_test;
+using test_client::FakeModuleConfig;
 
 namespace {
 
 using Texts = std::vector<std::wstring>;
 using Row = FakeModuleConfig::Row;
-
-constexpr INT32 kVideo = 1;
-constexpr INT32 kAudio = 2;
-constexpr INT32 kSubtitles = 17;
-constexpr INT32 kNotConnected = -1;
 
 class SettingsPageTest : public testing::Test {
   protected:
@@ -69,7 +65,7 @@ TEST_F(SettingsPageTest, TwoVideoInputsWithAnAudioInputBetweenThemAreGroupedByKi
 }
 
 TEST_F(SettingsPageTest, SubtitlesComeLastAndOtherKindsAndUnconnectedInputsAreDropped) {
-    m_config.AddInputs({kSubtitles, kNotConnected, 3, kAudio, kVideo});
+    m_config.AddInputs({MuxTrackType_Subtitle, MuxTrackType_Unknown, 3, MuxTrackType_Audio, MuxTrackType_Video});
     m_rig.Show(&m_config);
     Texts labels;
     for (const std::wstring& row : m_rig.Tree().Rows()) {
@@ -93,9 +89,9 @@ TEST_F(SettingsPageTest, AnInputThatWasDisconnectedIsNotShown) {
 }
 
 TEST_F(SettingsPageTest, ItsEditorsShowWhatTheFilterHas) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_config.docType = 1;
-    m_config.rows[0] = {0, 0, 0, L"German", L"Kamera & Ton", kVideo};
+    m_config.rows[0] = {0, 0, 0, L"German", L"Kamera & Ton", MuxTrackType_Video};
     m_rig.Show(&m_config);
     const std::pair<const WCHAR*, const WCHAR*> shown[] = {{L"Common/DocType", L"webm"},
                                                            {L"Video/In 0/bEnabled", L"False"},
@@ -120,7 +116,7 @@ TEST_F(SettingsPageTest, AnyDocTypeButOneIsMatroska) {
 }
 
 TEST_F(SettingsPageTest, TheLanguagesAreThoseOfTheTableInItsOrder) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Language");
     const Texts choices = m_rig.Tree().EditorChoices();
@@ -137,18 +133,18 @@ TEST_F(SettingsPageTest, ChoosingWebmAndApplyingWritesOneAndMatroskaZero) {
     MuxerUnderTest muxer;
     m_rig.Show(muxer.Filter());
     Choose(L"Common/DocType", L"webm");
-    EXPECT_EQ(0u, muxer.DocType()) << "nothing is written before Apply";
+    EXPECT_EQ(MuxDocType_Matroska, muxer.DocType()) << "nothing is written before Apply";
     EXPECT_EQ(S_OK, Apply());
-    EXPECT_EQ(1u, muxer.DocType());
+    EXPECT_EQ(MuxDocType_Webm, muxer.DocType());
     Choose(L"Common/DocType", L"matroska");
     EXPECT_EQ(S_OK, Apply());
-    EXPECT_EQ(0u, muxer.DocType());
+    EXPECT_EQ(MuxDocType_Matroska, muxer.DocType());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
 
 TEST_F(SettingsPageTest, ClicksInTheOpenListsChooseWebmAndFalse) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     for (const WCHAR* path : {L"Common/DocType", L"Video/In 0/bEnabled"}) {
         m_rig.ClickValue(path);
@@ -165,10 +161,10 @@ TEST_F(SettingsPageTest, ClicksInTheOpenListsChooseWebmAndFalse) {
 }
 
 TEST_F(SettingsPageTest, ApplyingWithoutAChangeStillWritesEveryShownTrackAndTheDocType) {
-    m_config.AddInputs({kVideo, kNotConnected, kSubtitles});
+    m_config.AddInputs({MuxTrackType_Video, MuxTrackType_Unknown, MuxTrackType_Subtitle});
     m_config.docType = 1;
-    m_config.rows[0] = {1, 1, 7, L"Dutch", L"first", kVideo};
-    m_config.rows[2] = {0, 0, 200, L"English", L"", kSubtitles};
+    m_config.rows[0] = {1, 1, 7, L"Dutch", L"first", MuxTrackType_Video};
+    m_config.rows[2] = {0, 0, 200, L"English", L"", MuxTrackType_Subtitle};
     m_rig.Show(&m_config);
     EXPECT_EQ(S_FALSE, m_rig.Page().IsPageDirty());
     EXPECT_EQ(S_OK, Apply());
@@ -187,7 +183,7 @@ TEST_F(SettingsPageTest, ApplyingWithoutAChangeStillWritesEveryShownTrackAndTheD
 TEST_F(SettingsPageTest, DefaultAndReservedFlagsSurviveAnEditAndApply) {
     MuxerUnderTest muxer;
     muxer.ConnectVideo();
-    muxer.SetTrack(0, {1, 1, 42, L"English", L""});
+    muxer.SetTrack({0, 1, 1, 42, win::Bstr(L"English"), win::Bstr(L"")});
     m_rig.Show(muxer.Filter());
     Choose(L"Video/In 0/bEnabled", L"False");
     TypeInto(L"Video/In 0/Track Name", L"camera");
@@ -197,14 +193,14 @@ TEST_F(SettingsPageTest, DefaultAndReservedFlagsSurviveAnEditAndApply) {
     EXPECT_EQ(0, track.enabled);
     EXPECT_EQ(1, track.isDefault);
     EXPECT_EQ(42, track.reserved);
-    EXPECT_EQ(L"Zuni", track.language);
-    EXPECT_EQ(L"camera", track.name);
+    EXPECT_EQ(L"Zuni", track.language.View());
+    EXPECT_EQ(L"camera", track.name.View());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
 
 TEST_F(SettingsPageTest, TheFirstChangeMakesItDirtyAndTellsTheSiteAndApplyCleansIt) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Name");
     TypeText(L"x");
@@ -221,7 +217,7 @@ TEST_F(SettingsPageTest, TheFirstChangeMakesItDirtyAndTellsTheSiteAndApplyCleans
 }
 
 TEST_F(SettingsPageTest, AnEditThatIsStillOpenIsNotApplied) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Name");
     TypeText(L"open");
@@ -236,7 +232,7 @@ TEST_F(SettingsPageTest, AnEditThatIsStillOpenIsNotApplied) {
 }
 
 TEST_F(SettingsPageTest, ARefusedTrackStopsNothingAndIsNotReported) {
-    m_config.AddInputs({kVideo, kAudio});
+    m_config.AddInputs({MuxTrackType_Video, MuxTrackType_Audio});
     m_config.trackAnswer = E_INVALIDARG;
     m_rig.Show(&m_config);
     EXPECT_EQ(S_OK, Apply());
@@ -256,7 +252,7 @@ TEST_F(SettingsPageTest, ARefusedDocTypeIsReportedAndThePageStaysDirty) {
 // ---- Unusual values ----------------------------------------------------------------------------------------------
 
 TEST_F(SettingsPageTest, ALanguageThatIsNotInTheTableShowsAsNoneAndIsKeptUntilAnotherIsChosen) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_config.rows[0].language = L"Elvish \x2603";
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Language");
@@ -270,7 +266,7 @@ TEST_F(SettingsPageTest, ALanguageThatIsNotInTheTableShowsAsNoneAndIsKeptUntilAn
 }
 
 TEST_F(SettingsPageTest, TheFirstLanguageCanBeChosenForATrackWithoutAKnownOne) {
-    m_config.AddInputs({kVideo, kAudio});
+    m_config.AddInputs({MuxTrackType_Video, MuxTrackType_Audio});
     m_config.rows[0].language = L"";
     m_config.rows[1].language = L"Elvish";
     m_rig.Show(&m_config);
@@ -291,7 +287,7 @@ TEST_F(SettingsPageTest, NamesOf255And10000CharactersAndSupplementaryOnesSurvive
     const Texts names = {std::wstring(255, L'n'), std::wstring(10000, L'n'), L"\xD83D\xDE00 \xD834\xDD1E",
                          std::wstring(L"zero\0inside", 11)};
     for (const std::wstring& name : names) {
-        m_config.AddInputs({kAudio});
+        m_config.AddInputs({MuxTrackType_Audio});
         m_config.rows[m_config.inputCount - 1].name = name;
     }
     m_rig.Show(&m_config);
@@ -312,7 +308,7 @@ TEST_F(SettingsPageTest, AHundredConnectedInputsAreShownEditedAndWritten) {
     MuxerUnderTest muxer;
     for (int input = 0; input < 100; ++input) {
         input % 2 == 0 ? muxer.ConnectVideo() : muxer.ConnectAudio();
-        muxer.SetTrack(input, {1, 0, 0, L"English", L"name " + std::to_wstring(input)});
+        muxer.SetTrack({input, 1, 0, 0, win::Bstr(L"English"), win::Bstr(L"name " + std::to_wstring(input))});
     }
     m_rig.Show(muxer.Filter());
     EXPECT_EQ(2u + 2u + 100u * 4u, m_rig.Tree().Rows().size());
@@ -323,21 +319,21 @@ TEST_F(SettingsPageTest, AHundredConnectedInputsAreShownEditedAndWritten) {
     PressKey(VK_RETURN);
     PumpMessages();
     EXPECT_EQ(S_OK, Apply());
-    EXPECT_EQ(L"the last", muxer.GetTrack(99).name);
-    EXPECT_EQ(L"name 98", muxer.GetTrack(98).name);
+    EXPECT_EQ(L"the last", muxer.GetTrack(99).name.View());
+    EXPECT_EQ(L"name 98", muxer.GetTrack(98).name.View());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
 
 TEST_F(SettingsPageTest, AFilterThatClaimsMoreInputsThanItHasRowsShowsItsRows) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_config.inputCount = 0xFFFF;
     m_rig.Show(&m_config);
     EXPECT_EQ(7u, m_rig.Tree().Rows().size());
 }
 
 TEST_F(SettingsPageTest, AFilterThatAnswersNothingShowsCommonOnly) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_config.readAnswer = E_FAIL;
     m_rig.Show(&m_config);
     EXPECT_EQ((Texts{L"Common", L".DocType"}), m_rig.Tree().Rows());
@@ -370,7 +366,7 @@ TEST_F(SettingsPageTest, ASecondActivationIsRefusedAndTheFirstStays) {
 }
 
 TEST_F(SettingsPageTest, AppliedAfterTheFilterWentAwayItFailsAndWritesNothing) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     Choose(L"Common/DocType", L"webm");
     EXPECT_EQ(S_OK, m_rig.Page().SetObjects(0, nullptr));
@@ -381,7 +377,7 @@ TEST_F(SettingsPageTest, AppliedAfterTheFilterWentAwayItFailsAndWritesNothing) {
 }
 
 TEST_F(SettingsPageTest, ClosedWithAnOpenEditorItWritesNothingAndShowsTheFilterAgain) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_config.rows[0].name = L"stored";
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Name");
@@ -408,7 +404,7 @@ TEST_F(SettingsPageTest, EditsThatWentWithTheWindowCannotBeAppliedAnyMore) {
 }
 
 TEST_F(SettingsPageTest, ItsHostMayDestroyTheWindowWithAnOpenListEditor) {
-    m_config.AddInputs({kVideo});
+    m_config.AddInputs({MuxTrackType_Video});
     m_rig.Show(&m_config);
     m_rig.ClickValue(L"Video/In 0/Track Language");
     SendMessageW(m_rig.Tree().Editor(), CB_SHOWDROPDOWN, TRUE, 0);

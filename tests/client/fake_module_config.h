@@ -3,26 +3,28 @@
 // Owner: the test; references are counted, none deletes it. Threads: one. Errors: as set.
 #pragma once
 
-#include <qrx_mkvmuxer.h>
-
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/client/unimplemented_module_config.h"
 #include "tests/support/reference_count.h"
+#include "win/wide_string.h"
 
-namespace ui_test {
+namespace test_client {
 
-class FakeModuleConfig final : public IModuleConfig {
+class FakeModuleConfig final : public UnimplementedModuleConfig {
   public:
+    using Text = std::optional<WideString>; // none: null
+
     struct Row {
         BYTE enabled = 1;
         BYTE isDefault = 0;
         BYTE reserved = 0;
-        std::wstring language = L"English";
-        std::wstring name;
-        INT32 trackType = 1;
+        Text language = WideString(OLESTR("English"));
+        Text name = WideString();
+        INT32 trackType = MuxTrackType_Video;
         bool operator==(const Row&) const = default;
     };
     struct Write {
@@ -30,14 +32,28 @@ class FakeModuleConfig final : public IModuleConfig {
         Row row;
         ULONG docType = 0;
     };
+    struct Attached {
+        Text fileName;
+        Text description;
+        std::optional<std::string> mimeType;
+        std::optional<std::vector<BYTE>> data;
+        UINT64 uid = 0;
+    };
 
     std::map<INT32, Row> rows; // what is not here is out of range
     USHORT inputCount = 0;
-    ULONG docType = 0;
+    ULONG docType = MuxDocType_Matroska;
+    LONGLONG position = 0;
     HRESULT trackAnswer = S_OK; // to writes
     HRESULT docTypeAnswer = S_OK;
     HRESULT readAnswer = S_OK; // to reads
+    HRESULT persistAnswer = S_OK;
     std::vector<Write> writes;
+    std::vector<Attached> attachments;
+    std::vector<Text> logDirectories;
+    VARTYPE lastTag = VT_EMPTY; // of the value that came last
+    std::vector<IStream*> loads;
+    std::vector<BOOL> saves; // whether each was to clear the dirty flag
 
     // Rows 0 and on of those kinds.
     void AddInputs(std::initializer_list<INT32> trackTypes);
@@ -50,25 +66,15 @@ class FakeModuleConfig final : public IModuleConfig {
     // IModuleConfig
     HRESULT STDMETHODCALLTYPE SetValue(const GUID* key, const VARIANT* value) override;
     HRESULT STDMETHODCALLTYPE GetValue(const GUID* key, VARIANT* value) override;
-    HRESULT STDMETHODCALLTYPE DescribeValue(const GUID*, IUnknown**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsSupported(const GUID*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SetDefaults() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE EnumValues(LONG*, GUID**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CommitChanges() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE DeclineChanges() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE SaveToRegistry(HKEY, BSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE LoadFromRegistry(HKEY, BSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Advise(IUnknown*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Unadvise(IUnknown*) override { return E_NOTIMPL; }
     // IPersistStream
-    HRESULT STDMETHODCALLTYPE GetClassID(CLSID*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE IsDirty() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Load(IStream*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Save(IStream*, BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE IsDirty() override { return persistAnswer; }
+    HRESULT STDMETHODCALLTYPE Load(IStream* stream) override;
+    HRESULT STDMETHODCALLTYPE Save(IStream* stream, BOOL clearDirty) override;
 
   private:
+    HRESULT GetRow(TrackSettings& record) const;
+
     test_support::ReferenceCount m_references{"a fake configuration"};
 };
 
-} // namespace ui_test
+} // namespace test_client

@@ -1,0 +1,146 @@
+#include "client/module_config.h"
+
+#include <limits>
+
+#include "win/bstr.h"
+
+namespace client {
+
+namespace {
+
+// The filter does not look at the tag; whoever passes a VARIANT on does.
+VARIANT Tagged(VARTYPE type) {
+    VARIANT value{};
+    V_VT(&value) = type;
+    return value;
+}
+
+// The record is read, or written to, as its key tells.
+VARIANT ReferenceTo(const void* record) {
+    VARIANT value = Tagged(VT_BYREF);
+    V_BYREF(&value) = const_cast<void*>(record);
+    return value;
+}
+
+win::Bstr EmptyText() {
+    return win::Bstr(WideStringView());
+}
+
+win::Bstr TextOf(const std::optional<WideString>& text) {
+    return text ? win::Bstr(*text) : win::Bstr();
+}
+
+// Data of no bytes is there all the same, and differs from none.
+const BYTE* AddressOf(std::span<const BYTE> data) {
+    static constexpr BYTE kNoBytes = 0;
+    return data.empty() ? &kNoBytes : data.data();
+}
+
+} // namespace
+
+HRESULT ModuleConfig::Connect(IUnknown* object) {
+    m_config.Reset();
+    return object == nullptr ? E_NOINTERFACE : object->QueryInterface(IID_IModuleConfig, m_config.PutVoid());
+}
+
+HRESULT ModuleConfig::Set(const GUID& key, const VARIANT& value) const {
+    return m_config ? m_config->SetValue(&key, &value) : E_NOINTERFACE;
+}
+
+HRESULT ModuleConfig::Get(const GUID& key, VARIANT& value) const {
+    return m_config ? m_config->GetValue(&key, &value) : E_NOINTERFACE;
+}
+
+HRESULT ModuleConfig::GetTrack(INT32 index, TrackRow& row) const {
+    TrackRow read{index, 0, 0, 0, EmptyText(), EmptyText(), MuxTrackType_Unknown};
+    TrackSettings record{index, 0, 0, 0, read.language.Detach(), read.name.Detach(), MuxTrackType_Unknown};
+    VARIANT value = ReferenceTo(&record);
+    const HRESULT hr = Get(MKVMUX_TrackInfo, value);
+    // The filter has replaced the strings, or left ours there.
+    *read.language.Put() = record.language;
+    *read.name.Put() = record.name;
+    if (SUCCEEDED(hr)) {
+        read.enabled = record.bEnabled;
+        read.isDefault = record.bDefault;
+        read.reserved = record.bReserved;
+        read.trackType = record.trackType;
+        row = std::move(read);
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::SetTrack(const TrackRow& row) const {
+    const TrackSettings record{row.index,          row.enabled,    row.isDefault, row.reserved,
+                               row.language.Get(), row.name.Get(), row.trackType};
+    return Set(MKVMUX_TrackInfo, ReferenceTo(&record));
+}
+
+HRESULT ModuleConfig::Attach(const Attachment& attachment) const {
+    const win::Bstr fileName = TextOf(attachment.fileName);
+    const win::Bstr description = TextOf(attachment.description);
+    MuxAttachment record{};
+    record.fileName = fileName.Get();
+    record.description = description.Get();
+    record.uid = attachment.uid;
+    if (attachment.mimeType) {
+        record.mimeType = const_cast<char*>(attachment.mimeType->c_str()); // the filter reads it only
+    }
+    if (attachment.data) {
+        if (attachment.data->size() > std::numeric_limits<UINT32>::max()) {
+            return E_INVALIDARG;
+        }
+        record.dataSize = static_cast<UINT32>(attachment.data->size());
+        record.data = const_cast<BYTE*>(AddressOf(*attachment.data)); // as above
+    }
+    return Set(MKVMUX_Attachment, ReferenceTo(&record));
+}
+
+HRESULT ModuleConfig::GetDocType(MuxDocType& docType) const {
+    VARIANT value = Tagged(VT_UI4);
+    const HRESULT hr = Get(MKVMUX_DocType, value);
+    if (SUCCEEDED(hr)) {
+        docType = V_UI4(&value) == MuxDocType_Webm ? MuxDocType_Webm : MuxDocType_Matroska;
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::SetDocType(MuxDocType docType) const {
+    VARIANT value = Tagged(VT_UI4);
+    V_UI4(&value) = docType;
+    return Set(MKVMUX_DocType, value);
+}
+
+HRESULT ModuleConfig::SetLogDirectory(WideStringView directory) const {
+    const win::Bstr text(directory);
+    VARIANT value = Tagged(VT_BSTR);
+    V_BSTR(&value) = text.Get();
+    return Set(MKVMUX_LogDirectory, value);
+}
+
+HRESULT ModuleConfig::GetPosition(REFERENCE_TIME& position) const {
+    VARIANT value = Tagged(VT_I8);
+    const HRESULT hr = Get(MKVMUX_Position, value);
+    position = SUCCEEDED(hr) ? V_I8(&value) : position;
+    return hr;
+}
+
+HRESULT ModuleConfig::GetInputCount(UINT16& count) const {
+    VARIANT value = Tagged(VT_UI2);
+    const HRESULT hr = Get(MKVMUX_InputCount, value);
+    count = SUCCEEDED(hr) ? V_UI2(&value) : count;
+    return hr;
+}
+
+HRESULT ModuleConfig::IsDirty() const {
+    return m_config ? m_config->IsDirty() : E_NOINTERFACE;
+}
+
+HRESULT ModuleConfig::Save(IStream* stream, bool clearDirty) const {
+    return m_config ? m_config->Save(stream, clearDirty ? TRUE : FALSE) : E_NOINTERFACE;
+}
+
+HRESULT ModuleConfig::Load(IStream* stream) const {
+    return m_config ? m_config->Load(stream) : E_NOINTERFACE;
+}
+
+} // namespace client

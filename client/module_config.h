@@ -1,0 +1,57 @@
+// ModuleConfig: the parameters of a muxer filter, without VARIANTs and without strings that must be freed.
+//
+// Owner: holds a reference on the interface, or none; what it is given stays its holder's, the filter has copies.
+// Threads: as the interface, which may be called from any.
+// Errors: what the filter answers, E_NOINTERFACE without a filter, std::bad_alloc. A getter that fails changes nothing.
+#pragma once
+
+#include <qrx_mkvmuxer.h>
+
+#include "client/attachment.h"
+#include "client/track_row.h"
+#include "win/com_ptr.h"
+#include "win/platform.h"
+#include "win/wide_string.h"
+
+namespace client {
+
+class ModuleConfig {
+  public:
+    ModuleConfig() = default;
+    // Of that object, or none when it has no parameters.
+    explicit ModuleConfig(IUnknown* object) { (void)Connect(object); }
+
+    // In place of the one held before; what the object answers when it is asked for the interface.
+    HRESULT Connect(IUnknown* object);
+    void Reset() { m_config.Reset(); }
+    explicit operator bool() const { return static_cast<bool>(m_config); }
+    // For functions of the system; null without a filter.
+    [[nodiscard]] IModuleConfig* Interface() const { return m_config.Get(); }
+
+    // The row gets the index that it was asked for by, whatever a loaded configuration has stored in it.
+    [[nodiscard]] HRESULT GetTrack(INT32 index, TrackRow& row) const;
+    [[nodiscard]] HRESULT SetTrack(const TrackRow& row) const;
+    [[nodiscard]] HRESULT Attach(const Attachment& attachment) const;
+    // What is not WebM counts as Matroska.
+    [[nodiscard]] HRESULT GetDocType(MuxDocType& docType) const;
+    [[nodiscard]] HRESULT SetDocType(MuxDocType docType) const;
+    // An empty one switches the log off.
+    [[nodiscard]] HRESULT SetLogDirectory(WideStringView directory) const;
+    // The length written so far.
+    [[nodiscard]] HRESULT GetPosition(REFERENCE_TIME& position) const;
+    // The number of inputs without the spare one.
+    [[nodiscard]] HRESULT GetInputCount(UINT16& count) const;
+
+    // S_FALSE when nothing has changed since the last save that cleared it.
+    [[nodiscard]] HRESULT IsDirty() const;
+    [[nodiscard]] HRESULT Save(IStream* stream, bool clearDirty) const;
+    [[nodiscard]] HRESULT Load(IStream* stream) const;
+
+  private:
+    [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value) const;
+    [[nodiscard]] HRESULT Get(const GUID& key, VARIANT& value) const;
+
+    win::ComPtr<IModuleConfig> m_config;
+};
+
+} // namespace client

@@ -1,0 +1,212 @@
+// What each typed call asks of the interface, and what becomes of its answer.
+#include "client/module_config.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+#include "tests/client/fake_module_config.h"
+
+namespace client {
+namespace {
+
+using test_client::FakeModuleConfig;
+
+constexpr HRESULT kRefused = E_ACCESSDENIED;
+
+win::Bstr Text(const WCHAR* text) {
+    return win::Bstr(WideStringView(text));
+}
+
+class ModuleConfigTest : public testing::Test {
+  protected:
+    FakeModuleConfig m_filter; // before what holds it
+    ModuleConfig m_config{&m_filter};
+};
+
+TEST_F(ModuleConfigTest, HoldsOneReferenceUntilItIsResetOrConnectedElsewhere) {
+    EXPECT_EQ(1, m_filter.References());
+    EXPECT_EQ(&m_filter, m_config.Interface());
+    FakeModuleConfig other;
+    EXPECT_EQ(S_OK, m_config.Connect(&other));
+    EXPECT_EQ(0, m_filter.References());
+    EXPECT_EQ(1, other.References());
+    m_config.Reset();
+    EXPECT_EQ(0, other.References());
+    EXPECT_FALSE(m_config);
+}
+
+TEST_F(ModuleConfigTest, WithoutAFilterEveryCallAnswersThatThereIsNoInterface) {
+    const ModuleConfig none(nullptr);
+    EXPECT_FALSE(none);
+    EXPECT_EQ(nullptr, none.Interface());
+    TrackRow row;
+    MuxDocType docType{};
+    REFERENCE_TIME position = 0;
+    UINT16 count = 0;
+    const std::array answers{none.GetTrack(0, row),      none.SetTrack(row),        none.Attach({}),
+                             none.GetDocType(docType),   none.SetDocType(docType),  none.SetLogDirectory({}),
+                             none.GetPosition(position), none.GetInputCount(count), none.IsDirty(),
+                             none.Save(nullptr, true),   none.Load(nullptr)};
+    for (const HRESULT hr : answers) {
+        EXPECT_EQ(E_NOINTERFACE, hr);
+    }
+}
+
+TEST_F(ModuleConfigTest, ARowIsWrittenFieldByField) {
+    EXPECT_EQ(S_OK, m_config.SetTrack({7, 0, 1, 9, Text(OLESTR("French")), Text(OLESTR("Commentary")), 5}));
+    ASSERT_EQ(1u, m_filter.writes.size());
+    EXPECT_EQ(7, m_filter.writes[0].track);
+    EXPECT_EQ((FakeModuleConfig::Row{0, 1, 9, OLESTR("French"), OLESTR("Commentary"), 5}), m_filter.writes[0].row);
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+    m_filter.trackAnswer = kRefused;
+    EXPECT_EQ(kRefused, m_config.SetTrack({}));
+}
+
+TEST_F(ModuleConfigTest, ARowIsReadFieldByField) {
+    m_filter.rows[7] = {0, 1, 9, OLESTR("French"), OLESTR("Commentary"), MuxTrackType_Subtitle};
+    TrackRow row;
+    ASSERT_EQ(S_OK, m_config.GetTrack(7, row));
+    EXPECT_EQ(7, row.index);
+    EXPECT_EQ(0, row.enabled);
+    EXPECT_EQ(1, row.isDefault);
+    EXPECT_EQ(9, row.reserved);
+    EXPECT_EQ(WideStringView(OLESTR("French")), row.language.View());
+    EXPECT_EQ(WideStringView(OLESTR("Commentary")), row.name.View());
+    EXPECT_EQ(MuxTrackType_Subtitle, row.trackType);
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+}
+
+TEST_F(ModuleConfigTest, NullAndEmptyTextsOfARowAreKeptApartBothWays) {
+    m_filter.rows[0] = {1, 0, 0, std::nullopt, WideString(), MuxTrackType_Audio};
+    TrackRow row;
+    ASSERT_EQ(S_OK, m_config.GetTrack(0, row));
+    EXPECT_EQ(nullptr, row.language.Get());
+    EXPECT_NE(nullptr, row.name.Get());
+    ASSERT_EQ(S_OK, m_config.SetTrack(row));
+    EXPECT_EQ(m_filter.rows[0], m_filter.writes.at(0).row);
+}
+
+TEST_F(ModuleConfigTest, ARowThatTheFilterDoesNotHaveLeavesTheCallersRowAsItWas) {
+    TrackRow row{3, 0, 0, 0, Text(OLESTR("Dutch")), Text(OLESTR("mine")), 1};
+    EXPECT_EQ(E_INVALIDARG, m_config.GetTrack(100, row));
+    EXPECT_EQ(3, row.index);
+    EXPECT_EQ(WideStringView(OLESTR("mine")), row.name.View());
+}
+
+TEST_F(ModuleConfigTest, AnAttachmentIsHandedOverWhole) {
+    const std::array<BYTE, 3> data{1, 2, 3};
+    EXPECT_EQ(S_OK, m_config.Attach({OLESTR("font.ttf"), OLESTR("a font"), "font/ttf", data, 0x123456789abcdef}));
+    ASSERT_EQ(1u, m_filter.attachments.size());
+    const FakeModuleConfig::Attached& attached = m_filter.attachments[0];
+    EXPECT_EQ(WideString(OLESTR("font.ttf")), attached.fileName);
+    EXPECT_EQ(WideString(OLESTR("a font")), attached.description);
+    EXPECT_EQ("font/ttf", attached.mimeType);
+    EXPECT_EQ((std::vector<BYTE>{1, 2, 3}), attached.data);
+    EXPECT_EQ(0x123456789abcdefu, attached.uid);
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+}
+
+TEST_F(ModuleConfigTest, WhatAnAttachmentDoesNotSayIsNullAndWhatItSaysEmptyIsThere) {
+    EXPECT_EQ(S_OK, m_config.Attach({}));
+    EXPECT_EQ(S_OK, m_config.Attach({WideString(), WideString(), "", std::span<const BYTE>(), 0}));
+    ASSERT_EQ(2u, m_filter.attachments.size());
+    const FakeModuleConfig::Attached& nothing = m_filter.attachments[0];
+    EXPECT_FALSE(nothing.fileName || nothing.description || nothing.mimeType || nothing.data);
+    const FakeModuleConfig::Attached& empty = m_filter.attachments[1];
+    EXPECT_EQ(WideString(), empty.fileName);
+    EXPECT_EQ(WideString(), empty.description);
+    EXPECT_EQ("", empty.mimeType);
+    EXPECT_EQ(std::vector<BYTE>(), empty.data);
+}
+
+TEST_F(ModuleConfigTest, AnAttachmentWhoseSizeTheRecordCannotHoldIsRefused) {
+    const BYTE byte = 0;
+    Attachment attachment;
+    attachment.data.emplace(&byte, size_t{std::numeric_limits<UINT32>::max()} + 1); // never read
+    EXPECT_EQ(E_INVALIDARG, m_config.Attach(attachment));
+    EXPECT_TRUE(m_filter.attachments.empty());
+}
+
+TEST_F(ModuleConfigTest, TheDocumentTypeGoesBothWaysAndWhatIsNotWebmIsMatroska) {
+    EXPECT_EQ(S_OK, m_config.SetDocType(MuxDocType_Webm));
+    EXPECT_EQ(1u, m_filter.writes.at(0).docType);
+    EXPECT_EQ(VT_UI4, m_filter.lastTag);
+    const std::array<std::pair<ULONG, MuxDocType>, 4> readings{
+        {{1, MuxDocType_Webm}, {0, MuxDocType_Matroska}, {2, MuxDocType_Matroska}, {0xffffffff, MuxDocType_Matroska}}};
+    for (const auto& [stored, expected] : readings) {
+        m_filter.docType = stored;
+        MuxDocType docType = expected == MuxDocType_Webm ? MuxDocType_Matroska : MuxDocType_Webm;
+        EXPECT_EQ(S_OK, m_config.GetDocType(docType));
+        EXPECT_EQ(expected, docType) << stored;
+    }
+}
+
+TEST_F(ModuleConfigTest, TheLogDirectoryIsATextAndAnEmptyOneIsNotNull) {
+    EXPECT_EQ(S_OK, m_config.SetLogDirectory(OLESTR("C:\\traces")));
+    EXPECT_EQ(VT_BSTR, m_filter.lastTag);
+    EXPECT_EQ(S_OK, m_config.SetLogDirectory({}));
+    EXPECT_EQ((std::vector<FakeModuleConfig::Text>{OLESTR("C:\\traces"), WideString()}), m_filter.logDirectories);
+}
+
+TEST_F(ModuleConfigTest, PositionAndInputCountAreReadInTheirWidths) {
+    m_filter.position = 0x123456789abc;
+    m_filter.inputCount = 0xfedc;
+    REFERENCE_TIME position = 0;
+    UINT16 count = 0;
+    EXPECT_EQ(S_OK, m_config.GetPosition(position));
+    EXPECT_EQ(VT_I8, m_filter.lastTag);
+    EXPECT_EQ(S_OK, m_config.GetInputCount(count));
+    EXPECT_EQ(VT_UI2, m_filter.lastTag);
+    EXPECT_EQ(0x123456789abc, position);
+    EXPECT_EQ(0xfedc, count);
+}
+
+TEST_F(ModuleConfigTest, AReadThatFailsChangesNothing) {
+    m_filter.readAnswer = kRefused;
+    MuxDocType docType = MuxDocType_Webm;
+    REFERENCE_TIME position = 5;
+    UINT16 count = 6;
+    EXPECT_EQ(kRefused, m_config.GetDocType(docType));
+    EXPECT_EQ(kRefused, m_config.GetPosition(position));
+    EXPECT_EQ(kRefused, m_config.GetInputCount(count));
+    EXPECT_EQ(MuxDocType_Webm, docType);
+    EXPECT_EQ(5, position);
+    EXPECT_EQ(6, count);
+}
+
+TEST_F(ModuleConfigTest, ThePersistedConfigurationIsTheInterfacesOwn) {
+    auto* const stream = reinterpret_cast<IStream*>(0x1000); // never called
+    EXPECT_EQ(S_OK, m_config.Save(stream, true));
+    EXPECT_EQ(S_OK, m_config.Save(stream, false));
+    EXPECT_EQ(S_OK, m_config.Load(stream));
+    EXPECT_EQ((std::vector<BOOL>{TRUE, FALSE}), m_filter.saves);
+    EXPECT_EQ(std::vector<IStream*>{stream}, m_filter.loads);
+    m_filter.persistAnswer = S_FALSE;
+    EXPECT_EQ(S_FALSE, m_config.IsDirty());
+    EXPECT_EQ(S_FALSE, m_config.Load(stream));
+}
+
+// The numbers are in files and in programs that were built long ago.
+TEST(PublicHeader, TheNumbersOfDocumentAndTrackTypesStand) {
+    EXPECT_EQ(0, MuxDocType_Matroska);
+    EXPECT_EQ(1, MuxDocType_Webm);
+    EXPECT_EQ(-1, MuxTrackType_Unknown);
+    EXPECT_EQ(1, MuxTrackType_Video);
+    EXPECT_EQ(2, MuxTrackType_Audio);
+    EXPECT_EQ(17, MuxTrackType_Subtitle);
+}
+
+// Records are laid out for every compiler that includes the header: 64 bits, natural alignment.
+TEST(PublicHeader, TheRecordsKeepTheirLayout) {
+    EXPECT_EQ(32u, sizeof(TrackSettings));
+    EXPECT_EQ(8u, offsetof(TrackSettings, language));
+    EXPECT_EQ(24u, offsetof(TrackSettings, trackType));
+    EXPECT_EQ(48u, sizeof(MuxAttachment));
+    EXPECT_EQ(24u, offsetof(MuxAttachment, dataSize));
+    EXPECT_EQ(40u, offsetof(MuxAttachment, uid));
+}
+
+} // namespace
+} // namespace client
