@@ -22,10 +22,10 @@ RECT AreaInDialog(HWND dialog, HWND control) {
 
 } // namespace
 
-CUnknown* CAboutPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
+CUnknown* CAboutPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* phr) {
     CUnknown* const page = new (std::nothrow) CAboutPropPage(outer); // counted from 0: its first reference owns it
     if (page == nullptr) {
-        *result = E_OUTOFMEMORY;
+        *phr = E_OUTOFMEMORY;
     }
     return page;
 }

@@ -8,7 +8,7 @@
 
 class CAboutPropPage final : public CBasePropertyPage {
   public:
-    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* result);
+    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* phr);
 
     explicit CAboutPropPage(LPUNKNOWN outer);
     ~CAboutPropPage() override;

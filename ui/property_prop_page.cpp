@@ -9,32 +9,18 @@
 
 namespace {
 
-constexpr ULONG kDocTypeMatroska = 0;
-constexpr ULONG kDocTypeWebm = 1;
 const std::wstring kWebm = L"webm";
-
-// Matroska track types
-constexpr INT32 kVideoTrack = 1;
-constexpr INT32 kAudioTrack = 2;
-constexpr INT32 kSubtitleTrack = 17;
 
 const std::wstring kEnabledLabel = L"bEnabled";
 const std::wstring kNameLabel = L"Track Name";
 const std::wstring kLanguageLabel = L"Track Language";
 
-// What the filter leaves unanswered counts as 0.
-VARIANT ReadValue(IModuleConfig& config, const GUID& key, VARTYPE type) {
-    VARIANT value{};
-    value.vt = type;
-    return SUCCEEDED(config.GetValue(&key, &value)) ? value : VARIANT{};
-}
-
 } // namespace
 
-CUnknown* CPropertyPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
+CUnknown* CPropertyPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* phr) {
     CUnknown* const page = new (std::nothrow) CPropertyPropPage(outer); // counted from 0: its first reference owns it
     if (page == nullptr) {
-        *result = E_OUTOFMEMORY;
+        *phr = E_OUTOFMEMORY;
     }
     return page;
 }
@@ -46,7 +32,7 @@ CPropertyPropPage::CPropertyPropPage(LPUNKNOWN outer)
 CPropertyPropPage::~CPropertyPropPage() = default;
 
 HRESULT CPropertyPropPage::OnConnect(IUnknown* object) {
-    return object->QueryInterface(IID_IModuleConfig, m_config.PutVoid());
+    return m_config.Connect(object);
 }
 
 HRESULT CPropertyPropPage::OnDisconnect() {
@@ -80,44 +66,56 @@ HRESULT CPropertyPropPage::OnDeactivate() {
 
 void CPropertyPropPage::AddCommon() {
     const HTREEITEM common = m_tree->AddLabel(TVI_ROOT, L"Common");
-    const ULONG docType = ReadValue(*m_config.Get(), MKVMUX_DocType, VT_UI4).ulVal;
-    m_docTypeItem = m_tree->AddList(common, L"DocType", m_docTypeNames, docType == kDocTypeWebm ? 1 : 0);
+    MuxDocType docType = MuxDocType_Matroska; // which a filter that does not answer counts as
+    (void)m_config.GetDocType(docType);
+    m_docTypeItem = m_tree->AddList(common, L"DocType", m_docTypeNames, docType == MuxDocType_Webm ? 1 : 0);
 }
 
 void CPropertyPropPage::ReadTracks() {
     m_videoTracks.clear();
     m_audioTracks.clear();
     m_subtitleTracks.clear();
-    const USHORT inputs = ReadValue(*m_config.Get(), MKVMUX_InputCount, VT_UI2).uiVal;
+    UINT16 inputs = 0; // as many as a filter that does not answer has
+    (void)m_config.GetInputCount(inputs);
     for (INT32 index = 0; index < inputs; ++index) {
-        auto track = TrackRecord::Read(*m_config.Get(), index);
-        if (!track) {
-            continue;
-        }
-        if (track->trackType == kVideoTrack) {
-            m_videoTracks.push_back(std::move(*track));
-        } else if (track->trackType == kAudioTrack) {
-            m_audioTracks.push_back(std::move(*track));
-        } else if (track->trackType == kSubtitleTrack) {
-            m_subtitleTracks.push_back(std::move(*track));
+        client::TrackRow track;
+        if (SUCCEEDED(m_config.GetTrack(index, track))) {
+            AddToItsKind(std::move(track));
         }
     }
 }
 
-void CPropertyPropPage::AddGroup(const WCHAR* title, const std::vector<TrackRecord>& tracks) {
+// One that is not connected is not shown.
+void CPropertyPropPage::AddToItsKind(client::TrackRow track) {
+    switch (track.trackType) {
+    case MuxTrackType_Video:
+        m_videoTracks.push_back(std::move(track));
+        break;
+    case MuxTrackType_Audio:
+        m_audioTracks.push_back(std::move(track));
+        break;
+    case MuxTrackType_Subtitle:
+        m_subtitleTracks.push_back(std::move(track));
+        break;
+    default:
+        break;
+    }
+}
+
+void CPropertyPropPage::AddGroup(const WCHAR* title, const std::vector<client::TrackRow>& tracks) {
     if (tracks.empty()) {
         return;
     }
     const HTREEITEM group = m_tree->AddLabel(TVI_ROOT, title);
-    for (const TrackRecord& track : tracks) {
+    for (const client::TrackRow& track : tracks) {
         AddTrack(group, track);
     }
 }
 
-void CPropertyPropPage::AddTrack(HTREEITEM group, const TrackRecord& track) {
+void CPropertyPropPage::AddTrack(HTREEITEM group, const client::TrackRow& track) {
     const HTREEITEM item = m_tree->AddLabel(group, L"In " + std::to_wstring(track.index));
     m_pinItems[item] = track.index;
-    m_tree->AddBool(item, kEnabledLabel, track.enabled);
+    m_tree->AddBool(item, kEnabledLabel, track.enabled != 0);
     m_tree->AddText(item, kNameLabel, std::wstring(track.name.View()));
     m_tree->AddList(item, kLanguageLabel, m_languageNames, LanguagePosition(std::wstring(track.language.View())));
 }
@@ -128,11 +126,11 @@ HRESULT CPropertyPropPage::Apply() noexcept {
         return m_bDirty ? E_UNEXPECTED : CBasePropertyPage::Apply();
     }
     const BOOL wasDirty = std::exchange(m_bDirty, TRUE); // or the base would leave a clean page alone
-    const HRESULT result = CBasePropertyPage::Apply();
-    if (FAILED(result)) {
+    const HRESULT hr = CBasePropertyPage::Apply();
+    if (FAILED(hr)) {
         m_bDirty = wasDirty;
     }
-    return result;
+    return hr;
 }
 
 HRESULT CPropertyPropPage::OnApplyChanges() {
@@ -142,17 +140,14 @@ HRESULT CPropertyPropPage::OnApplyChanges() {
     }
     for (const auto& [item, index] : m_pinItems) {
         // A track that the filter refuses does not keep the others from being written.
-        static_cast<void>(EditedTrack(item, index).Write(*m_config.Get()));
+        (void)m_config.SetTrack(EditedTrack(item, index));
     }
-    VARIANT value{};
-    value.vt = VT_UI4;
-    value.ulVal = CPropTree::GetSelectedText(*docType) == kWebm ? kDocTypeWebm : kDocTypeMatroska;
-    return m_config->SetValue(&MKVMUX_DocType, &value);
+    return m_config.SetDocType(CPropTree::GetSelectedText(*docType) == kWebm ? MuxDocType_Webm : MuxDocType_Matroska);
 }
 
-const TrackRecord* CPropertyPropPage::FindTrack(INT32 index) const {
+const client::TrackRow* CPropertyPropPage::FindTrack(INT32 index) const {
     for (const auto* tracks : {&m_videoTracks, &m_audioTracks, &m_subtitleTracks}) {
-        for (const TrackRecord& track : *tracks) {
+        for (const client::TrackRow& track : *tracks) {
             if (track.index == index) {
                 return &track;
             }
@@ -162,13 +157,13 @@ const TrackRecord* CPropertyPropPage::FindTrack(INT32 index) const {
 }
 
 // The flags that the page does not show stay as they were read.
-TrackRecord CPropertyPropPage::EditedTrack(HTREEITEM trackItem, INT32 index) const {
-    TrackRecord track;
-    if (const TrackRecord* const asRead = FindTrack(index)) {
+client::TrackRow CPropertyPropPage::EditedTrack(HTREEITEM trackItem, INT32 index) const {
+    client::TrackRow track;
+    if (const client::TrackRow* const asRead = FindTrack(index)) {
         track = *asRead;
     }
     track.index = index;
-    track.trackType = -1;
+    track.trackType = MuxTrackType_Unknown;
     for (HTREEITEM child = m_tree->GetFirstChild(trackItem); child != nullptr; child = m_tree->GetNextSibling(child)) {
         if (const PropTreeItem* const item = m_tree->GetItem(child)) {
             TakeOver(*item, track);
@@ -177,9 +172,9 @@ TrackRecord CPropertyPropPage::EditedTrack(HTREEITEM trackItem, INT32 index) con
     return track;
 }
 
-void CPropertyPropPage::TakeOver(const PropTreeItem& item, TrackRecord& track) const {
+void CPropertyPropPage::TakeOver(const PropTreeItem& item, client::TrackRow& track) const {
     if (item.label == kEnabledLabel) {
-        track.enabled = CPropTree::GetBool(item);
+        track.enabled = CPropTree::GetBool(item) ? 1 : 0;
     } else if (item.label == kNameLabel) {
         track.name = win::Bstr(CPropTree::GetText(item));
     } else if (item.label == kLanguageLabel &&

@@ -5,17 +5,18 @@
 // Errors: HRESULTs. Edits live in the tree alone until Apply.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
-#include <qrx_mkvmuxer.h>
-
+#include "client/module_config.h"
 #include "dshow/base_property_page.h"
 #include "ui/prop_tree.h"
-#include "ui/track_record.h"
 
 class CPropertyPropPage final : public CBasePropertyPage {
   public:
-    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* result);
+    static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* phr);
 
     explicit CPropertyPropPage(LPUNKNOWN outer);
     ~CPropertyPropPage() override;
@@ -34,17 +35,18 @@ class CPropertyPropPage final : public CBasePropertyPage {
   private:
     void AddCommon();
     void ReadTracks();
-    void AddGroup(const WCHAR* title, const std::vector<TrackRecord>& tracks);
-    void AddTrack(HTREEITEM group, const TrackRecord& track);
-    [[nodiscard]] const TrackRecord* FindTrack(INT32 index) const;
-    [[nodiscard]] TrackRecord EditedTrack(HTREEITEM trackItem, INT32 index) const;
-    void TakeOver(const PropTreeItem& item, TrackRecord& track) const;
+    void AddToItsKind(client::TrackRow track);
+    void AddGroup(const WCHAR* title, const std::vector<client::TrackRow>& tracks);
+    void AddTrack(HTREEITEM group, const client::TrackRow& track);
+    [[nodiscard]] const client::TrackRow* FindTrack(INT32 index) const;
+    [[nodiscard]] client::TrackRow EditedTrack(HTREEITEM trackItem, INT32 index) const;
+    void TakeOver(const PropTreeItem& item, client::TrackRow& track) const;
 
-    win::ComPtr<IModuleConfig> m_config;
+    client::ModuleConfig m_config;
     std::unique_ptr<CPropTree> m_tree; // while the page is active
-    std::vector<TrackRecord> m_videoTracks;
-    std::vector<TrackRecord> m_audioTracks;
-    std::vector<TrackRecord> m_subtitleTracks;
+    std::vector<client::TrackRow> m_videoTracks;
+    std::vector<client::TrackRow> m_audioTracks;
+    std::vector<client::TrackRow> m_subtitleTracks;
     std::map<HTREEITEM, INT32> m_pinItems; // "In %d" items and the inputs that they are for
     const std::vector<std::wstring> m_languageNames;
     const std::vector<std::wstring> m_docTypeNames;
