@@ -1,6 +1,8 @@
 #include "mkvmux/apply_settings.h"
 
 #include <filesystem>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "mkvmux/failure.h"
@@ -30,18 +32,12 @@ bool CarriesDefault(const SourceStream& stream) {
 
 // What the input says is the default of what the user says. A saved configuration has said it all already.
 TrackOptions ChangeOf(const SourceStream& stream, const Options& options) {
-    TrackOptions change;
+    const auto given = options.tracks.find(stream.number);
+    TrackOptions change = given != options.tracks.end() ? given->second : TrackOptions();
     if (stream.tags && options.loadConfig.empty()) {
-        change.name = stream.tags->name;
-        change.language = stream.tags->language;
-        change.makeDefault = CarriesDefault(stream);
-    }
-    if (const auto given = options.tracks.find(stream.number); given != options.tracks.end()) {
-        const TrackOptions& user = given->second;
-        change.name = user.name ? user.name : change.name;
-        change.language = user.language ? user.language : change.language;
-        change.makeDefault = user.makeDefault || change.makeDefault;
-        change.disable = user.disable;
+        change.name = change.name.value_or(stream.tags->name);
+        change.language = change.language.value_or(stream.tags->language);
+        change.makeDefault = change.makeDefault || CarriesDefault(stream);
     }
     return change;
 }
@@ -55,22 +51,37 @@ void WarnOfTracksThatAreNotThere(const MuxGraph& graph, const Options& options, 
     }
 }
 
-// Whole: readers drop an attachment that has no data, no name or no type.
-Attachment Load(const AttachmentOptions& file) {
-    Attachment attachment;
-    attachment.bytes = ReadWholeFile(file.path, kMaxAttachmentBytes);
-    if (attachment.bytes.empty()) {
-        throw Failure(Utf8FromWide(file.path) + ": is empty and cannot be attached");
+std::string ReadAttachedFile(const std::wstring& path) {
+    std::string bytes = ReadWholeFile(path, kMaxAttachmentBytes);
+    if (bytes.empty()) {
+        throw Failure(Utf8FromWide(path) + ": is empty and cannot be attached");
     }
-    attachment.mimeType = file.mimeType.value_or(std::string());
-    if (attachment.mimeType.empty()) {
+    return bytes;
+}
+
+// What is empty would be an empty element: it is left out of the file instead.
+template <typename Text>
+std::optional<Text> UnlessEmpty(const Text& text) {
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+std::span<const BYTE> BytesOf(const std::string& data) {
+    return {reinterpret_cast<const BYTE*>(data.data()), data.size()};
+}
+
+// Whole: readers drop an attachment that has no data, no name or no type.
+client::Attachment AttachmentOf(const AttachmentOptions& file, const std::string& bytes) {
+    client::Attachment attachment;
+    attachment.fileName = UnlessEmpty(file.name.value_or(std::wstring()));
+    if (!attachment.fileName) {
+        attachment.fileName = UnlessEmpty(std::filesystem::path(file.path).filename().native());
+    }
+    attachment.description = UnlessEmpty(file.description);
+    attachment.mimeType = UnlessEmpty(file.mimeType.value_or(std::string()));
+    if (!attachment.mimeType) {
         attachment.mimeType = MimeTypeOf(file.path);
     }
-    attachment.name = file.name.value_or(std::wstring());
-    if (attachment.name.empty()) {
-        attachment.name = std::filesystem::path(file.path).filename().native();
-    }
-    attachment.description = file.description;
+    attachment.data = BytesOf(bytes);
     return attachment;
 }
 
@@ -89,10 +100,6 @@ void SpellLanguages(std::vector<TrackOptions>& changes) {
     }
 }
 
-bool SaysAnything(const TrackOptions& change) {
-    return change.name || change.language || change.makeDefault || change.disable;
-}
-
 } // namespace
 
 void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
@@ -109,7 +116,7 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
     for (size_t input = 0; input < graph.Streams().size(); ++input) {
         const SourceStream& stream = graph.Streams()[input];
         const TrackOptions& change = changes[input];
-        if (SaysAnything(change) && !settings.ChangeTrack(input, change)) {
+        if (change != TrackOptions() && !settings.ChangeTrack(input, change)) {
             console.Warn(TrackText(stream.number) + ": the muxer has no settings for input " + std::to_string(input) +
                          "; what was said of the track is ignored");
         }
@@ -125,14 +132,15 @@ void CarryAttachments(const MuxGraph& graph, const Options& options, MuxerSettin
         return; // it has its own
     }
     for (const source::Attachment& carried : graph.Attachments()) {
-        settings.Attach({WideFromUtf8(carried.fileName), WideFromUtf8(carried.description), carried.mimeType,
-                         std::string(carried.data.begin(), carried.data.end()), carried.uid});
+        settings.Attach({UnlessEmpty(WideFromUtf8(carried.fileName)), UnlessEmpty(WideFromUtf8(carried.description)),
+                         UnlessEmpty(carried.mimeType), std::span<const BYTE>(carried.data), carried.uid});
     }
 }
 
 void AttachFiles(const Options& options, MuxerSettings& settings) {
     for (const AttachmentOptions& file : options.attachments) {
-        settings.Attach(Load(file));
+        const std::string bytes = ReadAttachedFile(file.path);
+        settings.Attach(AttachmentOf(file, bytes));
     }
 }
 

@@ -13,7 +13,6 @@ namespace mkvmux {
 
 namespace {
 
-constexpr double kReferenceTimesPerSecond = 1e7;
 constexpr size_t kGuidTextChars = 39; // braces and the final zero included
 
 std::string GuidText(const GUID& guid) {

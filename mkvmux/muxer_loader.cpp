@@ -28,8 +28,6 @@ win::ComPtr<IBaseFilter> CreateRegistered() {
     return filter;
 }
 
-using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-
 } // namespace
 
 std::filesystem::path ProgramDirectory() {

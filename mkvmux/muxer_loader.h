@@ -13,6 +13,9 @@ namespace mkvmux {
 
 inline constexpr const wchar_t* kModuleFileName = L"QRX_MKVMuxer.ax";
 
+// What the module exports as DllGetClassObject.
+using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+
 enum class MuxerSource { Registry, BesideProgram };
 
 class MuxerLoader {

@@ -10,37 +10,11 @@
 #include "mkvmux/file_checks.h"
 #include "mkvmux/file_stream.h"
 #include "mkvmux/text.h"
-#include "win/bstr.h"
 #include "win/temporary_file.h"
 
 namespace mkvmux {
 
 namespace {
-
-constexpr ULONG kDocTypeWebm = 1;
-
-// A record whose strings are freed with it.
-struct OwnedRow : TrackSettings {
-    OwnedRow() : TrackSettings{} {}
-    ~OwnedRow() {
-        SysFreeString(language);
-        SysFreeString(name);
-    }
-    OwnedRow(const OwnedRow&) = delete;
-    OwnedRow& operator=(const OwnedRow&) = delete;
-};
-
-void Replace(BSTR& text, const std::wstring& by) {
-    SysFreeString(text);
-    text = win::Bstr(by).Detach();
-}
-
-VARIANT ReferenceTo(void* record) {
-    VARIANT value{};
-    V_VT(&value) = VT_BYREF;
-    V_BYREF(&value) = record;
-    return value;
-}
 
 UINT64 RandomUid() {
     std::random_device source;
@@ -53,31 +27,21 @@ std::wstring NewTemporaryName() {
 
 } // namespace
 
-MuxerSettings::MuxerSettings(const win::ComPtr<IBaseFilter>& muxer)
-    : m_config(muxer.Query<IModuleConfig>(IID_IModuleConfig)) {
+MuxerSettings::MuxerSettings(const win::ComPtr<IBaseFilter>& muxer) : m_config(muxer.Get()) {
     if (!m_config) {
         throw Failure("the installed version of the muxer takes no settings");
     }
 }
 
-HRESULT MuxerSettings::Set(const GUID& key, const VARIANT& value) const {
-    return m_config->SetValue(&key, &value);
-}
-
-HRESULT MuxerSettings::GetRow(size_t input, TrackSettings& row) const {
-    if (input > static_cast<size_t>(std::numeric_limits<INT32>::max())) {
-        return E_INVALIDARG;
-    }
-    row.index = static_cast<INT32>(input);
-    VARIANT value = ReferenceTo(&row);
-    return m_config->GetValue(&MKVMUX_TrackInfo, &value);
+std::optional<client::TrackRow> MuxerSettings::RowOf(size_t input) const {
+    client::TrackRow row;
+    const bool isThere = input <= static_cast<size_t>(std::numeric_limits<INT32>::max()) &&
+                         SUCCEEDED(m_config.GetTrack(static_cast<INT32>(input), row));
+    return isThere ? std::optional(std::move(row)) : std::nullopt;
 }
 
 void MuxerSettings::UseDocTypeWebm() {
-    VARIANT value{};
-    V_VT(&value) = VT_UI4;
-    V_UI4(&value) = kDocTypeWebm;
-    if (const HRESULT hr = Set(MKVMUX_DocType, value); FAILED(hr)) {
+    if (const HRESULT hr = m_config.SetDocType(MuxDocType_Webm); FAILED(hr)) {
         throw Failure("--webm: the muxer refuses the document type: " + DescribeResult(hr));
     }
 }
@@ -89,43 +53,30 @@ void MuxerSettings::LogTo(const std::wstring& directory) {
     if (!std::filesystem::is_directory(path, error)) {
         throw Failure("--log: " + Utf8FromWide(directory) + ": is no directory and cannot be made one");
     }
-    const win::Bstr text(path.native());
-    VARIANT value{};
-    V_VT(&value) = VT_BSTR;
-    V_BSTR(&value) = text.Get();
-    if (const HRESULT hr = Set(MKVMUX_LogDirectory, value); FAILED(hr)) {
+    if (const HRESULT hr = m_config.SetLogDirectory(path.native()); FAILED(hr)) {
         throw Failure("--log: the muxer refuses the directory: " + DescribeResult(hr));
     }
 }
 
 bool MuxerSettings::ChangeTrack(size_t input, const TrackOptions& change) {
-    OwnedRow row;
-    if (FAILED(GetRow(input, row))) {
-        return false;
+    std::optional<client::TrackRow> row = RowOf(input);
+    if (row) {
+        change.ApplyTo(*row);
     }
-    if (change.name) {
-        Replace(row.name, *change.name);
-    }
-    if (change.language) {
-        Replace(row.language, *change.language);
-    }
-    row.index = static_cast<INT32>(input); // a loaded configuration may have brought another one
-    row.bDefault = change.makeDefault ? 1 : row.bDefault;
-    row.bEnabled = change.disable ? 0 : row.bEnabled;
-    return SUCCEEDED(Set(MKVMUX_TrackInfo, ReferenceTo(&row)));
+    return row && SUCCEEDED(m_config.SetTrack(*row));
 }
 
 std::optional<std::wstring> MuxerSettings::LanguageOf(size_t input) const {
-    OwnedRow row;
-    if (FAILED(GetRow(input, row))) {
+    const std::optional<client::TrackRow> row = RowOf(input);
+    if (!row) {
         return {};
     }
-    return row.language == nullptr ? std::wstring() : std::wstring(row.language);
+    return row->language.Get() == nullptr ? std::wstring() : std::wstring(row->language.Get());
 }
 
 bool MuxerSettings::IsEnabled(size_t input) const {
-    OwnedRow row;
-    return FAILED(GetRow(input, row)) || row.bEnabled != 0;
+    const std::optional<client::TrackRow> row = RowOf(input);
+    return !row || row->enabled != 0;
 }
 
 UINT64 MuxerSettings::UniqueUid(UINT64 wanted) {
@@ -136,25 +87,18 @@ UINT64 MuxerSettings::UniqueUid(UINT64 wanted) {
     return uid;
 }
 
-void MuxerSettings::Attach(Attachment attachment) {
-    const win::Bstr name(attachment.name);
-    const win::Bstr description(attachment.description);
-    MuxAttachment record{}; // what is null is left out of the file
-    record.fileName = attachment.name.empty() ? nullptr : name.Get();
-    record.description = attachment.description.empty() ? nullptr : description.Get();
-    record.mimeType = attachment.mimeType.empty() ? nullptr : attachment.mimeType.data();
-    record.dataSize = static_cast<UINT32>(attachment.bytes.size());
-    record.data = reinterpret_cast<BYTE*>(attachment.bytes.data());
-    record.uid = UniqueUid(attachment.uid);
-    if (const HRESULT hr = Set(MKVMUX_Attachment, ReferenceTo(&record)); FAILED(hr)) {
-        throw Failure(Shown(attachment.name) + ": the muxer refuses the attachment: " + DescribeResult(hr));
+void MuxerSettings::Attach(client::Attachment attachment) {
+    attachment.uid = UniqueUid(attachment.uid);
+    if (const HRESULT hr = m_config.Attach(attachment); FAILED(hr)) {
+        throw Failure(Shown(attachment.fileName.value_or(std::wstring())) +
+                      ": the muxer refuses the attachment: " + DescribeResult(hr));
     }
 }
 
 HRESULT MuxerSettings::Write(win::FileHandle file, const std::wstring& path) const {
     const win::ComPtr<CFileStream> stream(new CFileStream(nullptr));
     stream->Take(std::move(file), path);
-    const HRESULT hr = OleSaveToStream(m_config.Get(), stream.Get());
+    const HRESULT hr = OleSaveToStream(m_config.Interface(), stream.Get());
     return FAILED(hr) ? hr : stream->Commit(STGC_DEFAULT);
 }
 
@@ -184,7 +128,7 @@ void MuxerSettings::LoadFrom(const std::wstring& path) {
     if (ReadClassStm(stream.Get(), &owner) != S_OK || owner != CLSID_MatroskaMuxer) {
         throw Failure(Utf8FromWide(path) + ": is no saved configuration of the muxer");
     }
-    if (const HRESULT hr = m_config->Load(stream.Get()); FAILED(hr)) {
+    if (const HRESULT hr = m_config.Load(stream.Get()); FAILED(hr)) {
         throw Failure(Utf8FromWide(path) + ": the configuration cannot be loaded: " + DescribeResult(hr));
     }
 }

@@ -7,22 +7,13 @@
 #include <set>
 #include <string>
 
-#include "include/qrx_mkvmuxer.h"
-#include "mkvmux/options.h"
+#include "client/module_config.h"
+#include "mkvmux/track_options.h"
 #include "win/com_ptr.h"
 #include "win/handle.h"
 #include "win/platform.h"
 
 namespace mkvmux {
-
-// Where an attachment's bytes and names come from; the muxer copies what it is given.
-struct Attachment {
-    std::wstring name;
-    std::wstring description;
-    std::string mimeType;
-    std::string bytes;
-    UINT64 uid = 0; // 0, or one that another attachment has already: one is made
-};
 
 class MuxerSettings {
   public:
@@ -37,7 +28,8 @@ class MuxerSettings {
     [[nodiscard]] std::optional<std::wstring> LanguageOf(size_t input) const;
     // An input without a row is written.
     [[nodiscard]] bool IsEnabled(size_t input) const;
-    void Attach(Attachment attachment);
+    // A unique identifier of 0, or one that another attachment has already, is replaced by a new one.
+    void Attach(client::Attachment attachment);
 
     // What LogTo writes in its directory.
     static constexpr const wchar_t* kLogFileName = L"QRX_MKVMuxer.log";
@@ -48,13 +40,13 @@ class MuxerSettings {
     void LoadFrom(const std::wstring& path);
 
   private:
-    [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value) const;
     [[nodiscard]] HRESULT Write(win::FileHandle file, const std::wstring& path) const;
-    [[nodiscard]] HRESULT GetRow(size_t input, TrackSettings& row) const;
+    // None for an input without a row.
+    [[nodiscard]] std::optional<client::TrackRow> RowOf(size_t input) const;
     // Two inputs can carry the same attachment.
     [[nodiscard]] UINT64 UniqueUid(UINT64 wanted);
 
-    win::ComPtr<IModuleConfig> m_config;
+    client::ModuleConfig m_config;
     std::set<UINT64> m_uids; // of the attachments so far
 };
 

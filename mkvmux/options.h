@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "mkvmux/attachment_options.h"
+#include "mkvmux/track_options.h"
 #include "sources/annexb/frame_rate.h"
 
 namespace mkvmux {
@@ -16,22 +18,6 @@ enum class ProgressMode { Auto, Always, Never };
 
 struct InputOptions {
     std::wstring path;
-};
-
-// What is said about one track; the rest stays as the input or the configuration has it.
-struct TrackOptions {
-    std::optional<std::wstring> name;
-    std::optional<std::wstring> language; // as the language list spells it
-    bool makeDefault = false;
-    bool disable = false;
-};
-
-// A file to attach. What is not given follows from the file's name.
-struct AttachmentOptions {
-    std::wstring path;
-    std::optional<std::string> mimeType;
-    std::optional<std::wstring> name;
-    std::wstring description;
 };
 
 struct Options {
@@ -46,7 +32,7 @@ struct Options {
     ProgressMode progress = ProgressMode::Auto;
     std::vector<InputOptions> inputs;
     annexb::FrameRate frameRate;           // of inputs that do not say
-    std::map<size_t, TrackOptions> tracks; // by the number of the track, counted over all inputs from 0
+    std::map<size_t, TrackOptions> tracks; // by the number of the track
     std::vector<AttachmentOptions> attachments;
     std::wstring logDirectory;              // empty: no trace log
     std::wstring saveConfig;                // empty: not saved

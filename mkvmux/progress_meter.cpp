@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <set>
 
-#include "include/qrx_mkvmuxer.h"
+#include "client/module_config.h"
 #include "mkvmux/progress_display.h"
 
 namespace mkvmux {
@@ -15,9 +15,9 @@ constexpr double kMostBeforeTheEndPercent = 99;
 
 // What the muxer has written so far; 0 when it does not tell.
 REFERENCE_TIME PositionOf(const win::ComPtr<IBaseFilter>& muxer) {
-    const win::ComPtr<IModuleConfig> config = muxer.Query<IModuleConfig>(IID_IModuleConfig);
-    VARIANT value{};
-    return config && SUCCEEDED(config->GetValue(&MKVMUX_Position, &value)) ? value.llVal : 0;
+    REFERENCE_TIME position = 0;
+    (void)client::ModuleConfig(muxer.Get()).GetPosition(position);
+    return position;
 }
 
 UINT64 SizeOf(const std::wstring& path) {

@@ -8,6 +8,7 @@
 #include "mkvmux/muxer_loader.h"
 #include "mkvmux/text.h"
 #include "win/com_ptr.h"
+#include "win/system_library.h"
 
 namespace mkvmux {
 
@@ -15,8 +16,6 @@ namespace {
 
 constexpr const wchar_t* kCaption = L"Quorlex Matroska Muxer";
 constexpr UINT kOffsetPixels = 40; // from the corner of the screen
-
-using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
 // Makes a class of the loaded module known to this process, for as long as the object lives.
 class ClassOfLoadedModule {
@@ -51,9 +50,7 @@ std::vector<ClassOfLoadedModule> MakeKnown(const CAUUID& pages) {
     if (module == nullptr) {
         return classes;
     }
-    // Through void*, since the system types every entry point alike.
-    const auto getClassObject =
-        reinterpret_cast<GetClassObjectFunction>(reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+    const auto getClassObject = win::EntryPoint<GetClassObjectFunction>(module, "DllGetClassObject");
     for (ULONG page = 0; getClassObject != nullptr && page < pages.cElems; ++page) {
         classes.emplace_back(getClassObject, pages.pElems[page]);
     }
@@ -64,21 +61,21 @@ std::vector<ClassOfLoadedModule> MakeKnown(const CAUUID& pages) {
 
 void ShowPropertyPages(IBaseFilter* muxer) {
     win::ComPtr<ISpecifyPropertyPages> specifies;
-    HRESULT result = muxer->QueryInterface(IID_ISpecifyPropertyPages, specifies.PutVoid());
+    HRESULT hr = muxer->QueryInterface(IID_ISpecifyPropertyPages, specifies.PutVoid());
     CAUUID pages{};
-    if (SUCCEEDED(result)) {
-        result = specifies->GetPages(&pages);
+    if (SUCCEEDED(hr)) {
+        hr = specifies->GetPages(&pages);
     }
-    if (SUCCEEDED(result)) {
+    if (SUCCEEDED(hr)) {
         SetProcessDPIAware(); // sharp at every resolution
         const auto classes = MakeKnown(pages);
         IUnknown* object = muxer;
-        result = OleCreatePropertyFrame(nullptr, kOffsetPixels, kOffsetPixels, kCaption, 1, &object, pages.cElems,
-                                        pages.pElems, LOCALE_USER_DEFAULT, 0, nullptr);
+        hr = OleCreatePropertyFrame(nullptr, kOffsetPixels, kOffsetPixels, kCaption, 1, &object, pages.cElems,
+                                    pages.pElems, LOCALE_USER_DEFAULT, 0, nullptr);
         CoTaskMemFree(pages.pElems);
     }
-    if (FAILED(result)) {
-        throw Failure("--properties: the property pages cannot be shown: " + DescribeResult(result));
+    if (FAILED(hr)) {
+        throw Failure("--properties: the property pages cannot be shown: " + DescribeResult(hr));
     }
 }
 

@@ -12,11 +12,19 @@
 
 #include "dshow/media_type.h"
 #include "mkvmux/own_sources.h"
-#include "mkvmux/stream_tags.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
 namespace mkvmux {
+
+// What an input says of one of its streams beside the media type. Only containers that know it have any.
+struct StreamTags {
+    std::wstring name;
+    std::wstring language; // its English name, spelled as in the language list; empty: unknown
+    bool isDefault = false;
+    bool isForced = false;
+    bool isEnabled = true;
+};
 
 struct SourceStream {
     std::wstring input;

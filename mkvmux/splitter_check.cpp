@@ -6,13 +6,12 @@
 #include <optional>
 
 #include "media/format_block.h"
+#include "mkvmux/media_type_facts.h"
 #include "mkvmux/media_type_text.h"
 
 namespace mkvmux {
 
 namespace {
-
-constexpr double kUnitsPerSecond = 1e7;
 
 // What sound of a wave tag looks like in a file of its own.
 ContentKind KindOfTag(WORD tag) {
@@ -86,7 +85,7 @@ std::string DoubtOf(const AM_MEDIA_TYPE& sound, REFERENCE_TIME duration, UINT64 
     const auto wave = WaveOf(sound);
     const auto rates = wave ? RatesOf(*wave) : std::nullopt;
     const double size = static_cast<double>(fileBytes);
-    const double seconds = static_cast<double>(duration) / kUnitsPerSecond;
+    const double seconds = static_cast<double>(duration) / kReferenceTimesPerSecond;
     if (!rates || duration <= 0 ||
         (size <= kTolerance * seconds * rates->most + kSlackBytes &&
          seconds * rates->least <= kTolerance * size + kSlackBytes)) {

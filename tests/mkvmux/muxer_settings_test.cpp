@@ -8,6 +8,7 @@
 
 #include "dshow/base_filter.h"
 #include "mkvmux/failure.h"
+#include "tests/client/unimplemented_module_config.h"
 #include "tests/mkvmux/com_test.h"
 #include "tests/settings/scratch_folder.h"
 #include "win/handle.h"
@@ -18,7 +19,7 @@ namespace {
 using Names = std::vector<std::wstring>;
 
 // A muxer that calls the test back when it is to save its configuration, and saves one byte.
-class SavingMuxer final : public CBaseFilter, public IModuleConfig {
+class SavingMuxer final : public CBaseFilter, public test_client::UnimplementedModuleConfig {
   public:
     using WhileSaving = std::function<HRESULT()>;
     SavingMuxer(WhileSaving whileSaving, HRESULT* phr)
@@ -35,24 +36,10 @@ class SavingMuxer final : public CBaseFilter, public IModuleConfig {
 
     STDMETHODIMP GetClassID(CLSID* id) noexcept override { return CBaseFilter::GetClassID(id); }
     STDMETHODIMP IsDirty() override { return S_OK; }
-    STDMETHODIMP Load(IStream*) override { return E_NOTIMPL; }
     STDMETHODIMP Save(IStream* stream, BOOL) override {
         const HRESULT hr = stream->Write("s", 1, nullptr);
         return FAILED(hr) ? hr : m_whileSaving();
     }
-    STDMETHODIMP GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
-    STDMETHODIMP SetValue(const GUID*, const VARIANT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetValue(const GUID*, VARIANT*) override { return E_NOTIMPL; }
-    STDMETHODIMP DescribeValue(const GUID*, IUnknown**) override { return E_NOTIMPL; }
-    STDMETHODIMP IsSupported(const GUID*) override { return E_NOTIMPL; }
-    STDMETHODIMP SetDefaults() override { return E_NOTIMPL; }
-    STDMETHODIMP EnumValues(LONG*, GUID**) override { return E_NOTIMPL; }
-    STDMETHODIMP CommitChanges() override { return E_NOTIMPL; }
-    STDMETHODIMP DeclineChanges() override { return E_NOTIMPL; }
-    STDMETHODIMP SaveToRegistry(HKEY, BSTR) override { return E_NOTIMPL; }
-    STDMETHODIMP LoadFromRegistry(HKEY, BSTR) override { return E_NOTIMPL; }
-    STDMETHODIMP Advise(IUnknown*) override { return E_NOTIMPL; }
-    STDMETHODIMP Unadvise(IUnknown*) override { return E_NOTIMPL; }
 
   private:
     CCritSec m_lock;

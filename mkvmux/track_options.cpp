@@ -1,10 +1,11 @@
-#include "mkvmux/track_option_text.h"
+#include "mkvmux/track_options.h"
 
 #include <charconv>
 #include <string_view>
 
 #include "mkvmux/failure.h"
 #include "mkvmux/language_choice.h"
+#include "mkvmux/option_kinds.h"
 #include "mkvmux/text.h"
 
 namespace mkvmux {
@@ -49,20 +50,40 @@ std::wstring ReadLanguage(const std::wstring& text) {
 
 } // namespace
 
-std::map<size_t, TrackOptions> ReadTrackOptions(const RawTrackOptions& raw) {
+void TrackOptions::ApplyTo(client::TrackRow& row) const {
+    if (name) {
+        row.name = win::Bstr(*name);
+    }
+    if (language) {
+        row.language = win::Bstr(*language);
+    }
+    row.isDefault = makeDefault ? 1 : row.isDefault;
+    row.enabled = disable ? 0 : row.enabled;
+}
+
+TrackOptionParser::TrackOptionParser(CLI::App& app) {
+    app.option_defaults()->group("Tracks, counted over all inputs from 0");
+    AddRepeatable(app, "--track-name", m_names, "the name of track T; an empty one removes it", "T:NAME");
+    AddRepeatable(app, "--language", m_languages, "the language of track T: its English name or its ISO 639 code",
+                  "T:NAME");
+    AddRepeatable(app, "--default", m_defaults, "set the default flag of track T", "T");
+    AddRepeatable(app, "--disable", m_disabled, "do not write track T", "T");
+}
+
+std::map<size_t, TrackOptions> TrackOptionParser::Read() const {
     std::map<size_t, TrackOptions> tracks;
-    for (const std::string& argument : raw.names) {
+    for (const std::string& argument : m_names) {
         auto [number, text] = Split("--track-name", argument);
         tracks[number].name = std::move(text);
     }
-    for (const std::string& argument : raw.languages) {
+    for (const std::string& argument : m_languages) {
         const auto [number, text] = Split("--language", argument);
         tracks[number].language = ReadLanguage(text);
     }
-    for (const std::string& argument : raw.defaults) {
+    for (const std::string& argument : m_defaults) {
         tracks[ReadTrackNumber("--default", argument)].makeDefault = true;
     }
-    for (const std::string& argument : raw.disabled) {
+    for (const std::string& argument : m_disabled) {
         tracks[ReadTrackNumber("--disable", argument)].disable = true;
     }
     return tracks;
