@@ -1,131 +1,92 @@
 #include "ui/prop_tree.h"
 
 #include <algorithm>
+#include <cstring>
 
+#include "dshow/com_guard.h"
+#include "ui/prop_tree_accessible.h"
+#include "ui/prop_tree_painter.h"
 #include "ui/window_dc.h"
 #include "win/message_value.h"
 
 namespace {
 
-constexpr int kHeaderHeightAt96 = 20;
-constexpr int kRowPaddingAt96 = 6; // pixels of a row that are not text
-constexpr int kIndentAt96 = 19;    // of a row below its group: what the system takes on a usual screen
-constexpr int kMinColumnWidthAt96 = 24;
+constexpr int kRowPaddingAt96 = 6;         // pixels of a row that are not text
+constexpr int kIndentAt96 = 19;            // of a row below its group: what the system takes on a usual screen
 constexpr const WCHAR* kTallText = L"Ggi"; // an ascender, a descender and a dot
 
-constexpr DWORD kChildStyle = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_CLIPSIBLINGS;
 // Without TVS_NONEVENHEIGHT the tree would take a pixel off an odd row.
-constexpr DWORD kTreeStyle = kChildStyle | WS_TABSTOP | WS_CLIPCHILDREN | TVS_HASBUTTONS | TVS_LINESATROOT |
-                             TVS_SHOWSELALWAYS | TVS_FULLROWSELECT | TVS_NONEVENHEIGHT;
+constexpr DWORD kTreeStyle = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_CLIPSIBLINGS | WS_TABSTOP | WS_CLIPCHILDREN |
+                             TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_FULLROWSELECT |
+                             TVS_NONEVENHEIGHT;
 
 const std::wstring kTrue = L"True";
 const std::wstring kFalse = L"False";
 
-void InsertColumn(HWND header, int index, const WCHAR* title, int width) {
-    HDITEMW column{};
-    column.mask = HDI_TEXT | HDI_FORMAT | HDI_WIDTH;
-    column.fmt = HDF_LEFT | HDF_STRING;
-    column.pszText = const_cast<WCHAR*>(title);
-    column.cxy = width;
-    SendMessageW(header, HDM_INSERTITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
+// Forward to the editor; backwards the dialog leads.
+bool IsTabToEditor(LPARAM dialogMessage) {
+    const auto* const message = win::FromMessageValue<const MSG*>(dialogMessage);
+    return message != nullptr && message->message == WM_KEYDOWN && message->wParam == VK_TAB &&
+           GetKeyState(VK_SHIFT) >= 0;
 }
 
 } // namespace
 
-CPropTree::CPropTree() : m_editor([this](PropTreeEditorKey key) { OnEditorKey(key); }) {}
+CPropTree::CPropTree()
+    : m_header([this] { OnColumnWidths(); }), m_editor([this](PropTreeEditorKey key) { OnEditorKey(key); }) {}
 
 CPropTree::~CPropTree() {
-    // Each window forgets us in its WM_DESTROY.
-    if (m_tree != nullptr) {
-        DestroyWindow(m_tree);
-    }
-    if (m_header != nullptr) {
-        DestroyWindow(m_header);
+    if (const HWND tree = TreeWindow()) {
+        DestroyWindow(tree);
     }
 }
 
 bool CPropTree::Create(HWND parent, const RECT& area) {
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_TREEVIEW_CLASSES | ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
-    return m_tree == nullptr && CreateHeader(parent, area) && CreateTree(parent, area);
-}
-
-bool CPropTree::CreateHeader(HWND parent, const RECT& area) {
-    const int width = area.right - area.left;
-    m_header = CreateWindowExW(0, WC_HEADERW, nullptr, kChildStyle | HDS_BUTTONS, area.left, area.top, width, 0, parent,
-                               nullptr, nullptr, nullptr);
-    if (m_header == nullptr) {
-        return false;
-    }
-    SendMessageW(m_header, WM_SETFONT, static_cast<WPARAM>(SendMessageW(parent, WM_GETFONT, 0, 0)), FALSE);
-    SetWindowPos(m_header, nullptr, 0, 0, width, HeaderHeight(), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    m_nameWidth = width / 2;
-    InsertColumn(m_header, 0, L"Name", m_nameWidth);
-    InsertColumn(m_header, 1, L"Value", width / 2);
-    SetWindowLongPtrW(m_header, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_previousHeaderProc = win::FromMessageValue<WNDPROC>(
-        SetWindowLongPtrW(m_header, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CPropTree::HeaderProc)));
-    return true;
+    return TreeWindow() == nullptr && m_header.Create(parent, area) && CreateTree(parent, area);
 }
 
 bool CPropTree::CreateTree(HWND parent, const RECT& area) {
-    const int top = area.top + HeaderHeight();
-    m_tree = CreateWindowExW(0, WC_TREEVIEWW, nullptr, kTreeStyle, area.left, top, area.right - area.left,
-                             std::max(0, static_cast<int>(area.bottom) - top), parent, nullptr, nullptr, nullptr);
-    if (m_tree == nullptr) {
+    const int top = area.top + m_header.Height();
+    const HWND tree =
+        CreateWindowExW(0, WC_TREEVIEWW, nullptr, kTreeStyle, area.left, top, area.right - area.left,
+                        std::max(0, static_cast<int>(area.bottom) - top), parent, nullptr, nullptr, nullptr);
+    if (tree == nullptr) {
         return false;
     }
-    SendMessageW(m_tree, WM_SETFONT, static_cast<WPARAM>(SendMessageW(parent, WM_GETFONT, 0, 0)), FALSE);
-    SetWindowLongPtrW(m_tree, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_previousProc = win::FromMessageValue<WNDPROC>(
-        SetWindowLongPtrW(m_tree, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CPropTree::TreeProc)));
+    SendMessageW(tree, WM_SETFONT, static_cast<WPARAM>(SendMessageW(parent, WM_GETFONT, 0, 0)), FALSE);
+    m_tree.Set<&CPropTree::m_tree, &CPropTree::OnMessage, &CPropTree::OnTreeDestroyed>(tree, *this);
     SetRowGeometry();
     return true;
 }
 
 // What is no text grows with the resolution as the text and the header do.
 void CPropTree::SetRowGeometry() const {
-    const WindowDc dc(m_tree, Font());
-    Ask(TVM_SETITEMHEIGHT, static_cast<WPARAM>(dc.Measure(kTallText).cy + dc.Scale(kRowPaddingAt96)), 0);
-    Ask(TVM_SETINDENT, static_cast<WPARAM>(dc.Scale(kIndentAt96)), 0);
+    const WindowDc dc(TreeWindow(), Font());
+    m_tree.Ask(TVM_SETITEMHEIGHT, static_cast<WPARAM>(dc.Measure(kTallText).cy + dc.Scale(kRowPaddingAt96)), 0);
+    m_tree.Ask(TVM_SETINDENT, static_cast<WPARAM>(dc.Scale(kIndentAt96)), 0);
 }
 
 HFONT CPropTree::Font() const {
-    return win::FromMessageValue<HFONT>(SendMessageW(GetParent(m_tree), WM_GETFONT, 0, 0));
-}
-
-int CPropTree::HeaderHeight() const {
-    return WindowDc(m_header, nullptr).Scale(kHeaderHeightAt96);
+    return win::FromMessageValue<HFONT>(SendMessageW(GetParent(TreeWindow()), WM_GETFONT, 0, 0));
 }
 
 void CPropTree::Resize(const RECT& area) {
-    if (m_tree == nullptr || m_header == nullptr) {
+    if (TreeWindow() == nullptr || HeaderWindow() == nullptr) {
         return;
     }
-    RECT old{};
-    GetWindowRect(m_header, &old);
-    const int width = area.right - area.left;
-    const int top = area.top + HeaderHeight();
-    MoveWindow(m_header, area.left, area.top, width, HeaderHeight(), TRUE);
-    MoveWindow(m_tree, area.left, top, width, std::max(0, static_cast<int>(area.bottom) - top), TRUE);
-    SetNameWidth(old.right > old.left ? MulDiv(m_nameWidth, width, old.right - old.left) : width / 2);
+    const int top = area.top + m_header.Height();
+    MoveWindow(TreeWindow(), area.left, top, area.right - area.left, std::max(0, static_cast<int>(area.bottom) - top),
+               TRUE);
+    m_header.Resize(area);
 }
 
-// The value column takes what the name column leaves.
-void CPropTree::SetNameWidth(int width) {
-    RECT window{};
-    GetWindowRect(m_header, &window);
-    const int whole = window.right - window.left;
-    const int least = std::min(whole / 2, WindowDc(m_header, nullptr).Scale(kMinColumnWidthAt96));
-    m_nameWidth = std::clamp(width, least, whole - least);
-    HDITEMW column{};
-    column.mask = HDI_WIDTH;
-    column.cxy = m_nameWidth;
-    AskHeader(HDM_SETITEMW, 0, reinterpret_cast<LPARAM>(&column));
-    column.cxy = whole - m_nameWidth;
-    AskHeader(HDM_SETITEMW, 1, reinterpret_cast<LPARAM>(&column));
-    InvalidateRect(m_tree, nullptr, TRUE);
-    PlaceEditor();
+void CPropTree::OnColumnWidths() {
+    if (TreeWindow() != nullptr) {
+        InvalidateRect(TreeWindow(), nullptr, TRUE);
+        PlaceEditor();
+    }
 }
 
 HTREEITEM CPropTree::AddLabel(HTREEITEM parent, const std::wstring& label) {
@@ -167,7 +128,8 @@ HTREEITEM CPropTree::Insert(PropTreeItem item) {
     row.item.state = TVIS_EXPANDED | (item.kind == PropItemKind::Label ? static_cast<UINT>(TVIS_BOLD) : 0);
     row.item.stateMask = row.item.state;
     row.item.pszText = item.label.data();
-    const auto handle = win::FromMessageValue<HTREEITEM>(Ask(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&row)));
+    const auto handle =
+        win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&row)));
     if (handle != nullptr) {
         m_items[handle] = std::move(item);
     }
@@ -188,7 +150,7 @@ HTREEITEM CPropTree::GetNextSibling(HTREEITEM item) const {
 }
 
 HTREEITEM CPropTree::Neighbour(UINT relation, HTREEITEM item) const {
-    return win::FromMessageValue<HTREEITEM>(Ask(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+    return win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
 }
 
 bool CPropTree::GetBool(const PropTreeItem& item) {
@@ -201,4 +163,213 @@ const std::wstring& CPropTree::GetSelectedText(const PropTreeItem& item) {
         return kNothing;
     }
     return item.choices[item.selection < item.choices.size() ? item.selection : 0];
+}
+
+LRESULT CPropTree::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_COMMAND && lParam != 0 && win::FromMessageValue<HWND>(lParam) == m_editor.Window()) {
+        return 0; // the tree's procedure would take our editor for the one that it renames labels with
+    }
+    if (message == WM_GETOBJECT && static_cast<LONG>(lParam) == OBJID_CLIENT) {
+        if (const LRESULT object = AccessibleTree(window, wParam)) {
+            return object;
+        }
+    }
+    if (message == kNameOfAccessibleChild) {
+        return TellAccessibleName(wParam, lParam);
+    }
+    // Before the tree moves a row that is in sight only in part under the mouse away.
+    const HTREEITEM clicked = message == WM_LBUTTONDOWN ? ItemOfValueAt(lParam) : nullptr;
+    LRESULT result = m_tree.Ask(message, wParam, lParam);
+    if (!CWindowHook::IsOf(window, this)) {
+        return result; // gone meanwhile
+    }
+    if (message == WM_GETDLGCODE && m_editor.IsOpen() && IsTabToEditor(lParam)) {
+        result |= DLGC_WANTTAB;
+    }
+    (void)ComGuard([&] {
+        AfterMessage(message, wParam, clicked);
+        return S_OK;
+    });
+    return result;
+}
+
+// An edit that is still open is given up.
+void CPropTree::OnTreeDestroyed() {
+    m_editor.Close();
+    m_editedItem = nullptr;
+}
+
+void CPropTree::AfterMessage(UINT message, WPARAM wParam, HTREEITEM clicked) {
+    const HWND tree = TreeWindow();
+    PlaceEditor(); // whatever scrolled, opened or closed a branch
+    if (message == WM_PAINT || message == WM_PRINTCLIENT) {
+        PaintValues(win::FromMessageValue<HDC>(static_cast<LONG_PTR>(wParam)));
+    }
+    FollowSelection();
+    if (!CWindowHook::IsOf(tree, this)) {
+        return;
+    }
+    const bool isForEditor = message == WM_LBUTTONDOWN ? clicked != nullptr && clicked == m_editedItem
+                                                       : message == WM_KEYDOWN && (wParam == VK_F2 || wParam == VK_TAB);
+    if (isForEditor && m_editor.IsOpen()) {
+        SetFocus(m_editor.Window());
+    }
+}
+
+void CPropTree::PaintValues(HDC given) const {
+    const CPropTreePainter painter(TreeWindow(), Font(), given);
+    RECT cell{};
+    for (HTREEITEM item = Neighbour(TVGN_FIRSTVISIBLE, nullptr);
+         item != nullptr && ValueCell(item, cell) && painter.Shows(cell); item = Neighbour(TVGN_NEXTVISIBLE, item)) {
+        if (const PropTreeItem* const record = GetItem(item)) {
+            painter.Paint(*record, cell);
+        }
+    }
+}
+
+bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
+    RECT row{};
+    std::memcpy(&row, &item, sizeof(item)); // NOLINT(bugprone-sizeof-expression): TVM_GETITEMRECT reads it there
+    RECT column{};
+    RECT client{};
+    if (m_tree.Ask(TVM_GETITEMRECT, FALSE, reinterpret_cast<LPARAM>(&row)) == FALSE || !m_header.ValueColumn(column) ||
+        !GetClientRect(TreeWindow(), &client)) {
+        return false;
+    }
+    // The header is wider than the rows by the scroll bar.
+    cell = {column.left, row.top, column.right < client.right ? column.right : client.right, row.bottom};
+    return true;
+}
+
+LRESULT CPropTree::TellAccessibleName(WPARAM child, LPARAM text) const {
+    return SUCCEEDED(ComGuard([&] {
+        const auto name = AccessibleName(child);
+        if (!name) {
+            return E_INVALIDARG;
+        }
+        *win::FromMessageValue<std::wstring*>(text) = *name;
+        return S_OK;
+    }));
+}
+
+// Trees of the newer common controls number their items; the older ones give the handle, of which 32 bits travel.
+WPARAM CPropTree::AccessibleNumber(HTREEITEM item) const {
+    const auto number = static_cast<UINT>(m_tree.Ask(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item), 0));
+    return number != 0 ? number : static_cast<UINT>(reinterpret_cast<UINT_PTR>(item));
+}
+
+std::optional<std::wstring> CPropTree::AccessibleName(WPARAM child) const {
+    for (const auto& [item, record] : m_items) {
+        if (AccessibleNumber(item) == static_cast<UINT>(child)) {
+            return record.kind == PropItemKind::Label ? record.label : record.label + L": " + ShownValueOf(record);
+        }
+    }
+    return {};
+}
+
+void CPropTree::FollowSelection() {
+    const HTREEITEM selected = Neighbour(TVGN_CARET, nullptr);
+    const HTREEITEM left = m_editedItem;
+    if (selected == left) {
+        return;
+    }
+    // First of all: closing and storing send messages that come back here.
+    m_editedItem = selected;
+    const HWND tree = TreeWindow();
+    StoreEdit(left);
+    if (CWindowHook::IsOf(tree, this) && m_editedItem == selected) {
+        OpenEditor(selected);
+        InvalidateRect(TreeWindow(), nullptr, FALSE);
+    }
+}
+
+// Takes the open edit over into the item, closes the editor, and tells the parent of a change.
+void CPropTree::StoreEdit(HTREEITEM item) {
+    const auto text = m_editor.EditedText();
+    const bool wasOpen = m_editor.IsOpen();
+    m_editor.Close();
+    const auto record = m_items.find(item);
+    if (!wasOpen || !text || record == m_items.end() || !StoreText(record->second, *text)) {
+        return;
+    }
+    NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, TreeWindow(), OBJID_CLIENT, static_cast<LONG>(AccessibleNumber(item)));
+    NMHDR changed{};
+    changed.hwndFrom = TreeWindow(); // code 0, and no control identifier
+    SendMessageW(GetParent(TreeWindow()), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&changed));
+}
+
+void CPropTree::OpenEditor(HTREEITEM item) {
+    if (const PropTreeItem* const record = GetItem(item)) {
+        m_editor.Open(TreeWindow(), Font(), *record);
+        PlaceEditor();
+    }
+}
+
+void CPropTree::PlaceEditor() {
+    if (!m_editor.IsOpen()) {
+        return;
+    }
+    RECT cell{};
+    if (ValueCell(m_editedItem, cell)) {
+        m_editor.Place(cell);
+    }
+}
+
+HTREEITEM CPropTree::ItemOfValueAt(LPARAM position) const {
+    TVHITTESTINFO hit{};
+    hit.pt = {static_cast<SHORT>(LOWORD(position)), static_cast<SHORT>(HIWORD(position))};
+    const auto item = win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    RECT cell{};
+    return item != nullptr && ValueCell(item, cell) && hit.pt.x >= cell.left ? item : nullptr;
+}
+
+void CPropTree::OnEditorKey(PropTreeEditorKey key) {
+    const HWND tree = TreeWindow();
+    switch (key) {
+    case PropTreeEditorKey::TakeOver:
+        StoreEdit(m_editedItem);
+        if (CWindowHook::IsOf(tree, this)) {
+            OpenEditor(m_editedItem);
+        }
+        SetFocus(tree);
+        break;
+    case PropTreeEditorKey::GiveUp:
+        if (const PropTreeItem* const record = GetItem(m_editedItem)) {
+            m_editor.Show(*record);
+        }
+        SetFocus(tree);
+        break;
+    case PropTreeEditorKey::NextItem:
+    case PropTreeEditorKey::PreviousItem:
+        SelectNeighbour(key == PropTreeEditorKey::NextItem ? TVGN_NEXTVISIBLE : TVGN_PREVIOUSVISIBLE);
+        break;
+    case PropTreeEditorKey::NextControl:
+        LeaveForNextControl();
+        break;
+    case PropTreeEditorKey::PreviousControl:
+        SetFocus(tree);
+        break;
+    }
+}
+
+void CPropTree::SelectNeighbour(UINT relation) const {
+    const HWND tree = TreeWindow();
+    const HTREEITEM item = Neighbour(relation, m_editedItem);
+    if (item == nullptr) {
+        return;
+    }
+    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+    if (CWindowHook::IsOf(tree, this)) {
+        SetFocus(m_editor.IsOpen() ? m_editor.Window() : tree);
+    }
+}
+
+void CPropTree::LeaveForNextControl() const {
+    const HWND dialog = GetAncestor(TreeWindow(), GA_ROOT);
+    const HWND editor = m_editor.Window();
+    const HWND next = GetNextDlgTabItem(dialog, TreeWindow(), FALSE);
+    SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(next), TRUE);
+    if (GetFocus() == editor) {
+        SetFocus(next); // the host is no dialog
+    }
 }

@@ -9,7 +9,9 @@
 #include <optional>
 
 #include "ui/prop_tree_editor.h"
+#include "ui/prop_tree_header.h"
 #include "ui/prop_tree_item.h"
+#include "ui/window_hook.h"
 
 class CPropTree {
   public:
@@ -40,33 +42,27 @@ class CPropTree {
     [[nodiscard]] static const std::wstring& GetSelectedText(const PropTreeItem& item);
     [[nodiscard]] static const std::wstring& GetText(const PropTreeItem& item) { return item.text; }
 
-    [[nodiscard]] HWND TreeWindow() const { return m_tree; }
-    [[nodiscard]] HWND HeaderWindow() const { return m_header; }
+    [[nodiscard]] HWND TreeWindow() const { return m_tree.Window(); }
+    [[nodiscard]] HWND HeaderWindow() const { return m_header.Window(); }
 
   private:
-    static LRESULT CALLBACK TreeProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    static LRESULT CALLBACK HeaderProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    // The item is the one whose value was clicked.
-    void OnTreeMessage(UINT message, WPARAM wParam, HTREEITEM clicked);
-    void OnHeaderMessage();
+    // Of the tree's window.
+    LRESULT OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void OnTreeDestroyed();
+    // What follows once the tree has done its part; the item is the one whose value was clicked.
+    void AfterMessage(UINT message, WPARAM wParam, HTREEITEM clicked);
+    void OnColumnWidths();
     void OnEditorKey(PropTreeEditorKey key);
 
-    bool CreateHeader(HWND parent, const RECT& area);
     bool CreateTree(HWND parent, const RECT& area);
     void SetRowGeometry() const;
     HTREEITEM Insert(PropTreeItem item);
     [[nodiscard]] HFONT Font() const;
-    // Straight to the tree's own procedure, past ours.
-    LRESULT Ask(UINT message, WPARAM wParam, LPARAM lParam) const;
-    LRESULT AskHeader(UINT message, WPARAM wParam, LPARAM lParam) const;
     [[nodiscard]] HTREEITEM Neighbour(UINT relation, HTREEITEM item) const;
 
-    [[nodiscard]] int HeaderHeight() const;
-    void SetNameWidth(int width);
     // The item's row and the "Value" column; false for an item in a collapsed branch.
     [[nodiscard]] bool ValueCell(HTREEITEM item, RECT& cell) const;
     void PaintValues(HDC given) const;
-    void PaintValue(HDC dc, HTREEITEM item, const RECT& cell) const;
 
     // Of the item that accessibility knows by that number: its label and its value. None for another number.
     [[nodiscard]] std::optional<std::wstring> AccessibleName(WPARAM child) const;
@@ -82,12 +78,9 @@ class CPropTree {
     void SelectNeighbour(UINT relation) const;
     void LeaveForNextControl() const;
 
-    HWND m_tree = nullptr;
-    HWND m_header = nullptr;
-    WNDPROC m_previousProc = nullptr;
+    CWindowHook m_tree; // the window and the procedure that it had before ours
+    CPropTreeHeader m_header;
     std::map<HTREEITEM, PropTreeItem> m_items;
     PropTreeEditor m_editor;
     HTREEITEM m_editedItem = nullptr; // the selected item, with an open editor unless it is a label
-    WNDPROC m_previousHeaderProc = nullptr;
-    int m_nameWidth = 0;
 };

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "ui/prop_tree_item.h"
+#include "ui/window_hook.h"
 
 // What the user asks for with a key while the editor has the focus.
 enum class PropTreeEditorKey { TakeOver, GiveUp, NextItem, PreviousItem, NextControl, PreviousControl };
@@ -26,8 +27,8 @@ class PropTreeEditor {
     // Nothing for a label.
     void Open(HWND tree, HFONT font, const PropTreeItem& item);
     void Close();
-    [[nodiscard]] bool IsOpen() const { return m_window != nullptr; }
-    [[nodiscard]] HWND Window() const { return m_window; }
+    [[nodiscard]] bool IsOpen() const { return Window() != nullptr; }
+    [[nodiscard]] HWND Window() const { return m_hook.Window(); }
 
     // Over that cell, exactly; the list of choices hangs below.
     void Place(const RECT& cell);
@@ -37,8 +38,9 @@ class PropTreeEditor {
     [[nodiscard]] std::optional<std::wstring> EditedText() const;
 
   private:
-    static LRESULT CALLBACK EditorProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    LRESULT OnMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void OnDestroyed() {} // the tree goes, and its child with it
     [[nodiscard]] std::optional<PropTreeEditorKey> MeaningOf(WPARAM virtualKey) const;
     [[nodiscard]] bool IsDroppedDown() const;
     void FillChoices(HFONT font, const PropTreeItem& item) const;
@@ -46,10 +48,9 @@ class PropTreeEditor {
     void FitClosedList(int height) const;
     void MakeRoomForOpenList(const RECT& cell) const;
 
-    HWND m_window = nullptr;
+    CWindowHook m_hook;
     HFONT m_font = nullptr; // not owned
     PropItemKind m_kind = PropItemKind::Label;
-    WNDPROC m_previousProc = nullptr;
     RECT m_cell{};
     std::wstring m_shownText; // as the window reads when nobody has edited it
     KeyHandler m_onKey;
