@@ -7,10 +7,10 @@
 
 namespace bench {
 
-void Demand(HRESULT result, const char* what) {
-    if (FAILED(result)) {
+void Demand(HRESULT hr, const char* what) {
+    if (FAILED(hr)) {
         char text[128];
-        std::snprintf(text, sizeof(text), "%s failed: 0x%08x", what, static_cast<unsigned>(result));
+        std::snprintf(text, sizeof(text), "%s failed: 0x%08x", what, static_cast<unsigned>(hr));
         throw std::runtime_error(text);
     }
 }

@@ -42,6 +42,6 @@ class MuxerSetup {
 };
 
 // std::runtime_error with that text when the result says failure.
-void Demand(HRESULT result, const char* what);
+void Demand(HRESULT hr, const char* what);
 
 } // namespace bench

@@ -63,11 +63,11 @@ void CheckPlace(const std::wstring& path) {
     }
 }
 
-std::string DescribeFileError(std::wstring_view path, HRESULT result) {
+std::string DescribeFileError(std::wstring_view path, HRESULT hr) {
     if (HasTooLongName(path)) {
         return "the name is too long (at most " + std::to_string(kMaxNameChars) + " characters)";
     }
-    return DescribeResult(result);
+    return DescribeResult(hr);
 }
 
 } // namespace mkvmux

@@ -17,6 +17,6 @@ void CheckInput(const std::wstring& path);
 void CheckPlace(const std::wstring& path);
 
 // Why a file could not be opened; the system calls a name that is too long "not found".
-[[nodiscard]] std::string DescribeFileError(std::wstring_view path, HRESULT result);
+[[nodiscard]] std::string DescribeFileError(std::wstring_view path, HRESULT hr);
 
 } // namespace mkvmux

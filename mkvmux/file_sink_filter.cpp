@@ -1,5 +1,7 @@
 #include "mkvmux/file_sink_filter.h"
 
+#include <mutex>
+
 #include "mkvmux/failure.h"
 #include "mkvmux/text.h"
 
@@ -97,7 +99,7 @@ CBasePin* CFileSinkFilter::GetPin(int index) {
 
 // The graph expects EC_COMPLETE of a running renderer; an end that comes earlier waits for Run.
 void CFileSinkFilter::OnEndOfStream() {
-    const CAutoLock lock(&m_lock);
+    const std::lock_guard lock(m_lock);
     m_endOfStream = true;
     if (m_State == State_Running) {
         NotifyComplete();
@@ -105,7 +107,7 @@ void CFileSinkFilter::OnEndOfStream() {
 }
 
 STDMETHODIMP CFileSinkFilter::Run(REFERENCE_TIME start) noexcept {
-    const CAutoLock lock(&m_lock);
+    const std::lock_guard lock(m_lock);
     const bool wasRunning = m_State == State_Running;
     const HRESULT hr = CBaseFilter::Run(start);
     if (SUCCEEDED(hr) && !wasRunning && m_endOfStream) {
@@ -115,7 +117,7 @@ STDMETHODIMP CFileSinkFilter::Run(REFERENCE_TIME start) noexcept {
 }
 
 STDMETHODIMP CFileSinkFilter::Stop() noexcept {
-    const CAutoLock lock(&m_lock);
+    const std::lock_guard lock(m_lock);
     m_endOfStream = false;
     return CBaseFilter::Stop();
 }

@@ -212,12 +212,12 @@ STDMETHODIMP CFileStream::Clone(IStream** stream) noexcept {
 }
 
 // Keeps and reports the first failure; no lock is held, since the handler may do what it likes.
-HRESULT CFileStream::Report(HRESULT result) {
+HRESULT CFileStream::Report(HRESULT hr) {
     HRESULT none = S_OK;
-    if (FAILED(result) && m_firstFailure.compare_exchange_strong(none, result) && m_onFailure) {
-        m_onFailure(result);
+    if (FAILED(hr) && m_firstFailure.compare_exchange_strong(none, hr) && m_onFailure) {
+        m_onFailure(hr);
     }
-    return result;
+    return hr;
 }
 
 } // namespace mkvmux

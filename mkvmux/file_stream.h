@@ -56,7 +56,7 @@ class CFileStream : public CUnknown, public IStream {
     HRESULT WriteAll(const BYTE* data, ULONG size, ULONG& written);
     HRESULT MovePosition(INT64 move, DWORD origin);
     HRESULT FileSize(UINT64& size) const;
-    HRESULT Report(HRESULT result);
+    HRESULT Report(HRESULT hr);
 
     win::CriticalSection m_lock; // guards the file and the position
     win::FileHandle m_file;

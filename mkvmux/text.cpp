@@ -29,19 +29,19 @@ std::wstring OnOneLine(std::wstring text) {
 
 // DirectShow keeps its messages to itself; the system does not know them. Its library is not imported: a program's
 // imports are looked for beside the program first. Once loaded it stays.
-DWORD DirectShowMessage(HRESULT result, WCHAR* buffer, DWORD chars) {
+DWORD DirectShowMessage(HRESULT hr, WCHAR* buffer, DWORD chars) {
     static const auto s_getText =
         win::EntryPoint<decltype(&AMGetErrorTextW)>(win::LoadSystemLibrary(L"quartz.dll"), "AMGetErrorTextW");
-    return s_getText == nullptr ? 0 : s_getText(result, buffer, chars);
+    return s_getText == nullptr ? 0 : s_getText(hr, buffer, chars);
 }
 
-std::wstring SystemMessage(HRESULT result) {
+std::wstring SystemMessage(HRESULT hr) {
     std::array<WCHAR, kMaxMessageChars> buffer{};
     const auto chars = static_cast<DWORD>(buffer.size());
-    DWORD length = HRESULT_FACILITY(result) == FACILITY_ITF ? DirectShowMessage(result, buffer.data(), chars) : 0;
+    DWORD length = HRESULT_FACILITY(hr) == FACILITY_ITF ? DirectShowMessage(hr, buffer.data(), chars) : 0;
     if (length == 0) {
         length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                                static_cast<DWORD>(result), 0, buffer.data(), chars, nullptr);
+                                static_cast<DWORD>(hr), 0, buffer.data(), chars, nullptr);
     }
     return OnOneLine(std::wstring(buffer.data(), length));
 }
@@ -78,10 +78,10 @@ std::string Shown(std::wstring_view text) {
     return source::Printable(Utf8FromWide(text));
 }
 
-std::string DescribeResult(HRESULT result) {
+std::string DescribeResult(HRESULT hr) {
     std::array<char, sizeof("0x00000000")> code{};
-    std::snprintf(code.data(), code.size(), "0x%08lX", static_cast<unsigned long>(result));
-    const std::wstring message = SystemMessage(result);
+    std::snprintf(code.data(), code.size(), "0x%08lX", static_cast<unsigned long>(hr));
+    const std::wstring message = SystemMessage(hr);
     return message.empty() ? std::string("error ") + code.data() : Utf8FromWide(message) + " (" + code.data() + ")";
 }
 

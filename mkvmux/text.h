@@ -18,7 +18,7 @@ namespace mkvmux {
 [[nodiscard]] std::string Shown(std::wstring_view text);
 
 // What the system says about a result, on one line and without a final full stop: "File not found (0x80070002)".
-[[nodiscard]] std::string DescribeResult(HRESULT result);
+[[nodiscard]] std::string DescribeResult(HRESULT hr);
 
 // Of the system's call on this thread that has just failed: negative, whatever it left as its error.
 [[nodiscard]] HRESULT LastResult();

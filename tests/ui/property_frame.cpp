@@ -66,8 +66,8 @@ class PropertyFrame::PageKeeper final : public IClassFactory {
     ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
-        const HRESULT result = m_real->CreateInstance(outer, IID_IPropertyPage, m_page.PutVoid());
-        return SUCCEEDED(result) ? m_page->QueryInterface(iid, object) : result;
+        const HRESULT hr = m_real->CreateInstance(outer, IID_IPropertyPage, m_page.PutVoid());
+        return SUCCEEDED(hr) ? m_page->QueryInterface(iid, object) : hr;
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
