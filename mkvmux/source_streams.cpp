@@ -8,6 +8,7 @@
 #include "mkvmux/failure.h"
 #include "mkvmux/file_checks.h"
 #include "mkvmux/graph_walk.h"
+#include "mkvmux/huge_chunks.h"
 #include "mkvmux/language_choice.h"
 #include "mkvmux/splitter_check.h"
 #include "mkvmux/text.h"
@@ -111,6 +112,10 @@ std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
             return OpenWith(*kind, std::move(opened), path);
         }
     }
+    const OwnSource& avi = OwnAviSource();
+    if (HasHugeChunk(path) && SUCCEEDED(avi.open(path, m_options, opened))) {
+        return OpenWith(avi, std::move(opened), path);
+    }
     std::vector<SourceStream> streams = OpenWithSystem(path);
     if (const std::string contradiction = ContradictionOf(content, streams); !contradiction.empty()) {
         throw Failure(Utf8FromWide(path) + ": " + contradiction);
@@ -118,7 +123,6 @@ std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
     if (const std::string doubt = DurationDoubtOf(streams, path); !doubt.empty()) {
         m_warnings.push_back(Utf8FromWide(path) + ": " + doubt);
     }
-    const OwnSource& avi = OwnAviSource();
     if (std::all_of(streams.begin(), streams.end(), CanBeStreamed) || FAILED(avi.open(path, m_options, opened))) {
         return streams;
     }

@@ -190,8 +190,8 @@ def many_indexes(chunks=80_000, indexes=80_000):
     return avi(chunk(b"00dc", b"x") * chunks, chunk(b"idx1", b"01wb" + bytes(12)) * indexes)
 
 
-def write_huge_avi(path, size):
-    """One chunk of that many bytes, of which nearly all are a hole in the file."""
+def write_huge_avi(path, size, is_there=True):
+    """One chunk that says so many bytes; those are a hole in the file, or are not there at all."""
     content = bytearray(avi(chunk(b"00dc", b"good") + chunk(b"00dc", b"")))
     at = content.rindex(b"00dc")
     movie = content.rindex(b"movi")
@@ -200,7 +200,8 @@ def write_huge_avi(path, size):
     content[4:8] = struct.pack("<I", min(at + size, 0xFFFFFFFF))
     with open(path, "wb") as file:
         file.write(content[:at + 8])
-        file.truncate(at + 8 + size)
+        if is_there:
+            file.truncate(at + 8 + size)
 
 
 # ---- text

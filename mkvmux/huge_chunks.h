@@ -1,0 +1,17 @@
+// HugeChunks: AVI files that would have the system's splitter take gigabytes for a single chunk.
+#pragma once
+
+#include <string>
+
+#include "sources/base/byte_source.h"
+
+namespace mkvmux {
+
+// Whether the bytes are an AVI file with a chunk of media that is, or claims to be, larger than any packet that is
+// taken for sound. A splitter makes room for a chunk before it looks at it; our own reader tells the damage and goes
+// on. Only the heads of the chunks are looked at.
+[[nodiscard]] bool HasHugeChunk(const source::ByteSource& bytes);
+// False for a file that cannot be opened, too.
+[[nodiscard]] bool HasHugeChunk(const std::wstring& path);
+
+} // namespace mkvmux
