@@ -3,6 +3,7 @@
 
 #include "tests/mux/mux_test_fixture.h"
 #include "tests/support/fake_allocator.h"
+#include "win/com_apartment.h"
 
 namespace {
 
@@ -178,16 +179,8 @@ TEST_F(BaseMuxOutputTest, WithoutThePlatformsPassThroughSeekingIsNotOffered) {
     EXPECT_FALSE(seeking);
 }
 #else
-class ComApartment {
-  public:
-    ComApartment() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
-    ~ComApartment() { CoUninitialize(); }
-    ComApartment(const ComApartment&) = delete;
-    ComApartment& operator=(const ComApartment&) = delete;
-};
-
 TEST_F(BaseMuxOutputTest, PassesSeekingAndPositionOnThroughOneObjectOfThePin) {
-    const ComApartment apartment;
+    const win::ComApartment apartment(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     {
         win::ComPtr<IMediaSeeking> seeking;
         win::ComPtr<IMediaPosition> position;
