@@ -22,8 +22,8 @@ MkvPacket PacketOf(const Load& load, UINT64 packet, size_t input) {
 
 void RegisterTracks(CMkvWriter& writer, const Load& load) {
     for (size_t i = 0; i < load.inputs; ++i) {
-        const CTrackSettingsRow row(static_cast<int>(i));
-        writer.registerTrack(load.type.Get(), row.get());
+        const records::CTrackSettingsRow row(static_cast<int>(i));
+        writer.registerTrack(load.type.Get(), row.Get());
     }
 }
 

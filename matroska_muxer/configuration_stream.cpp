@@ -36,7 +36,7 @@ void WriteAttachment(FieldWriter& out, const MuxAttachment& attachment) {
     out.Write(attachment.uid);
 }
 
-CTrackSettingsRow ReadRow(FieldReader& in) {
+records::CTrackSettingsRow ReadRow(FieldReader& in) {
     TrackSettings row{};
     row.bEnabled = in.Read<BYTE>();
     row.bDefault = in.Read<BYTE>();
@@ -47,7 +47,7 @@ CTrackSettingsRow ReadRow(FieldReader& in) {
     const win::Bstr name = in.ReadText(UINT64{in.Read<UINT32>()} * sizeof(WCHAR));
     row.language = language.Get();
     row.name = name.Get();
-    return CTrackSettingsRow(row);
+    return records::CTrackSettingsRow(row);
 }
 
 // A length of 0 leaves the string unset.
@@ -76,13 +76,13 @@ void ReadAttachment(FieldReader& in, CMkvWriter& writer) {
 
 } // namespace
 
-HRESULT WriteConfiguration(IStream& stream, const CTrackSettingsTable& settings, const CMkvWriter& writer) {
+HRESULT WriteConfiguration(IStream& stream, const records::CTrackSettingsTable& settings, const CMkvWriter& writer) {
     try {
         FieldWriter out(stream);
-        const std::vector<CTrackSettingsRow> rows = settings.All();
+        const std::vector<records::CTrackSettingsRow> rows = settings.All();
         out.Write(static_cast<UINT64>(rows.size()));
-        for (const CTrackSettingsRow& row : rows) {
-            WriteRow(out, row.get());
+        for (const records::CTrackSettingsRow& row : rows) {
+            WriteRow(out, row.Get());
         }
         out.Write(writer.outputFormat());
         const size_t attachments = writer.attachmentCount(); // the list only grows
@@ -96,7 +96,7 @@ HRESULT WriteConfiguration(IStream& stream, const CTrackSettingsTable& settings,
     }
 }
 
-HRESULT ReadConfiguration(IStream& stream, CTrackSettingsTable& settings, CMkvWriter& writer) {
+HRESULT ReadConfiguration(IStream& stream, records::CTrackSettingsTable& settings, CMkvWriter& writer) {
     try {
         FieldReader in(stream);
         settings.Clear();

@@ -5,13 +5,13 @@
 // Errors: the stream's, HRESULT_FROM_WIN32(ERROR_HANDLE_EOF) when it ends early; std::bad_alloc.
 #pragma once
 
-#include "matroska_muxer/track_settings_table.h"
+#include "records/track_settings_table.h"
 #include "mkv/mkv_writer.h"
 #include "win/platform.h"
 
-[[nodiscard]] HRESULT WriteConfiguration(IStream& stream, const CTrackSettingsTable& settings,
+[[nodiscard]] HRESULT WriteConfiguration(IStream& stream, const records::CTrackSettingsTable& settings,
                                          const CMkvWriter& writer);
 
 // Replaces the rows, sets the document type and adds the attachments. Rows that were read before an error stay. A
 // length is believed only as far as its bytes arrive.
-[[nodiscard]] HRESULT ReadConfiguration(IStream& stream, CTrackSettingsTable& settings, CMkvWriter& writer);
+[[nodiscard]] HRESULT ReadConfiguration(IStream& stream, records::CTrackSettingsTable& settings, CMkvWriter& writer);

@@ -113,8 +113,8 @@ void CMatroskaMuxer::RegisterTracks() {
     int index = 0;
     for (const auto& pin : m_inputPins) {
         if (pin->Stream() != nullptr) {
-            const CTrackSettingsRow row = m_settings.At(index).value_or(CTrackSettingsRow(index));
-            m_writer.registerTrack(pin->CurrentMediaType(), row.get());
+            const records::CTrackSettingsRow row = m_settings.At(index).value_or(records::CTrackSettingsRow(index));
+            m_writer.registerTrack(pin->CurrentMediaType(), row.Get());
         }
         ++index;
     }

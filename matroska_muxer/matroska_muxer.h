@@ -9,7 +9,7 @@
 #include <qrx_mkvmuxer.h>
 
 #include "dshow/persist_stream.h"
-#include "matroska_muxer/track_settings_table.h"
+#include "records/track_settings_table.h"
 #include "mkv/mkv_io.h"
 #include "mkv/mkv_writer.h"
 #include "mux/base_mux.h"
@@ -55,7 +55,7 @@ class CMatroskaMuxer final : public CBaseMux,
     STDMETHODIMP Unadvise(IUnknown* sink) noexcept override;
 
     // The settings of the tracks: one row for each of the first 100 inputs.
-    [[nodiscard]] CTrackSettingsTable& Settings() { return m_settings; }
+    [[nodiscard]] records::CTrackSettingsTable& Settings() { return m_settings; }
     [[nodiscard]] CMkvWriter& Writer() { return m_writer; }
 
     // CPersistStream
@@ -89,5 +89,5 @@ class CMatroskaMuxer final : public CBaseMux,
     CCritSec m_writerLock; // guards m_io and m_writer
     CMkvIO m_io;
     CMkvWriter m_writer;
-    CTrackSettingsTable m_settings;
+    records::CTrackSettingsTable m_settings;
 };

@@ -58,12 +58,12 @@ HRESULT CMatroskaMuxer::SetTrackInfo(const TrackSettings* record) {
     if (!m_settings.Has(record->index)) {
         return E_INVALIDARG; // before the strings are read: such a record may hold anything
     }
-    switch (m_settings.Replace(record->index, CTrackSettingsRow(*record))) {
-    case CTrackSettingsTable::Replaced::Changed:
+    switch (m_settings.Replace(record->index, records::CTrackSettingsRow(*record))) {
+    case records::CTrackSettingsTable::Replaced::Changed:
         return SetDirty(TRUE);
-    case CTrackSettingsTable::Replaced::SameAsBefore:
+    case records::CTrackSettingsTable::Replaced::SameAsBefore:
         return S_OK;
-    case CTrackSettingsTable::Replaced::OutsideTheTable:
+    case records::CTrackSettingsTable::Replaced::OutsideTheTable:
         break;
     }
     return E_INVALIDARG;
@@ -85,7 +85,7 @@ HRESULT CMatroskaMuxer::GetTrackInfo(TrackSettings* record) {
     if (!row) {
         return E_INVALIDARG;
     }
-    row->copyTo(*record);
+    row->CopyTo(*record);
     if (majorType) {
         CMediaType type;
         type.SetType(&*majorType);

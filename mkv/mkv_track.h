@@ -8,7 +8,7 @@
 
 struct MkvTrack {
     CMediaType type;
-    CTrackSettingsRow settings;
+    records::CTrackSettingsRow settings;
 };
 
 using MkvTrackList = std::vector<MkvTrack>; // the track number is the position, from 1

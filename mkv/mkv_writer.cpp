@@ -26,7 +26,7 @@ int CMkvWriter::getTrackType(const AM_MEDIA_TYPE& type) {
 }
 
 void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings) {
-    m_tracks.push_back({CMediaType(type), CTrackSettingsRow(settings)});
+    m_tracks.push_back({CMediaType(type), records::CTrackSettingsRow(settings)});
 }
 
 void CMkvWriter::setOutputFormat(UINT32 format) {
@@ -41,7 +41,7 @@ void CMkvWriter::Open(CMkvIO* io) {
     m_io = io;
     writeMatroskaHead();
     m_file->writeTracks(m_tracks);
-    m_file->writeAttachments(m_attachments.all());
+    m_file->writeAttachments(m_attachments.All());
     m_file->startFirstCluster();
 }
 

@@ -31,10 +31,10 @@ class CMkvWriter {
     void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings);
 
     // Attachments stay for all files to come. False, and no effect, for 2 GiB of data or more.
-    bool addAttachment(const MuxAttachment& attachment) { return m_attachments.add(attachment); }
-    [[nodiscard]] size_t attachmentCount() const { return m_attachments.count(); }
+    bool addAttachment(const MuxAttachment& attachment) { return m_attachments.Add(attachment); }
+    [[nodiscard]] size_t attachmentCount() const { return m_attachments.Count(); }
     // Null beyond the end.
-    [[nodiscard]] const MuxAttachment* attachment(size_t i) const { return m_attachments.at(i); }
+    [[nodiscard]] const MuxAttachment* attachment(size_t i) const { return m_attachments.At(i); }
 
     // Other values are ignored.
     void setOutputFormat(UINT32 format);
@@ -62,7 +62,7 @@ class CMkvWriter {
     CMkvIO* m_io = nullptr;
     std::atomic<UINT32> m_outputFormat{kMatroskaFormat};
     std::atomic<double> m_durationNs{0.0};
-    CAttachmentList m_attachments;
+    records::CAttachmentList m_attachments;
     MkvTrackList m_tracks;
     std::unique_ptr<CMatroskaFile> m_file; // the last, since it uses the tracks
 };

@@ -10,7 +10,6 @@
 #include "mkv/element_values.h"
 #include "mkv/writer_errors.h"
 #include "records/language_lookup.h"
-#include "records/language_table.h"
 
 namespace mkv {
 
@@ -26,13 +25,8 @@ UINT64 RandomTrackUid() {
 
 } // namespace
 
-std::string LanguageCodeOf(const TrackSettings& settings) {
-    const UINT32 index = FindLanguage(settings.language);
-    return index == kNoLanguageIndex ? std::string() : languageRows()[index].code;
-}
-
 void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvTrack& track) {
-    const TrackSettings& settings = track.settings.get();
+    const TrackSettings& settings = track.settings.Get();
     // Forced goes with default: the row has one switch for both.
     const UINT64 isDefault = settings.bDefault != 0 ? 1 : 0;
 
@@ -45,7 +39,7 @@ void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvT
         throw kUnsupportedCodecError;
     }
     SetChild<libmatroska::KaxCodecID>(entry, codecId);
-    SetChild<libmatroska::KaxTrackLanguage>(entry, LanguageCodeOf(settings));
+    SetChild<libmatroska::KaxTrackLanguage>(entry, records::LanguageCodeOf(settings.language));
     SetChild<libmatroska::KaxTrackFlagDefault>(entry, isDefault);
     SetChild<libmatroska::KaxTrackFlagForced>(entry, isDefault);
     if (SysStringLen(settings.name) > 0) {

@@ -25,7 +25,7 @@ std::wstring Lower(std::wstring_view text) {
 }
 
 // "chi/zho" has two codes of three letters.
-bool HasCode(const LanguageRow& row, std::wstring_view code) {
+bool HasCode(const records::LanguageRow& row, std::wstring_view code) {
     constexpr size_t kCodeChars = 3;
     const std::wstring codes = Widen(row.code);
     return code == Widen(row.twoLetterCode) ||
@@ -34,7 +34,7 @@ bool HasCode(const LanguageRow& row, std::wstring_view code) {
 
 template <typename Matches>
 std::optional<std::wstring> FirstRow(Matches matches) {
-    const std::span<const LanguageRow> rows = languageRows();
+    const std::span<const records::LanguageRow> rows = records::LanguageRows();
     const auto row = std::find_if(rows.begin(), rows.end(), matches);
     return row == rows.end() ? std::nullopt : std::optional(Widen(row->name));
 }
@@ -72,14 +72,14 @@ std::optional<std::wstring> FindLanguage(std::wstring_view text) {
         return {};
     }
     // A name as it stands comes first: "Ga" is a language, "ga" the code of another one.
-    if (auto exact = FirstRow([&](const LanguageRow& row) { return Widen(row.name) == text; })) {
+    if (auto exact = FirstRow([&](const records::LanguageRow& row) { return Widen(row.name) == text; })) {
         return exact;
     }
     const std::wstring lower = Lower(text);
-    if (auto byCode = FirstRow([&](const LanguageRow& row) { return HasCode(row, lower); })) {
+    if (auto byCode = FirstRow([&](const records::LanguageRow& row) { return HasCode(row, lower); })) {
         return byCode;
     }
-    return FirstRow([&](const LanguageRow& row) { return Lower(Widen(row.name)) == lower; });
+    return FirstRow([&](const records::LanguageRow& row) { return Lower(Widen(row.name)) == lower; });
 }
 
 std::vector<std::wstring> NearestLanguages(std::wstring_view text) {
@@ -88,7 +88,7 @@ std::vector<std::wstring> NearestLanguages(std::wstring_view text) {
     const size_t tolerance = std::clamp(text.size() / kCharsPerMistake, size_t{1}, kMaxMistakes);
     const std::wstring lower = Lower(text.substr(0, MAX_PATH));
     std::vector<std::pair<size_t, std::wstring>> found;
-    for (const LanguageRow& row : languageRows()) {
+    for (const records::LanguageRow& row : records::LanguageRows()) {
         std::wstring name = Widen(row.name);
         const bool isListed = !found.empty() && found.back().second == name; // a name can have several rows
         if (const size_t distance = Distance(lower, Lower(name)); distance <= tolerance && !isListed) {
@@ -108,7 +108,7 @@ std::vector<std::wstring> NearestLanguages(std::wstring_view text) {
 std::string ListLanguages() {
     constexpr size_t kCodeColumnChars = 9;
     std::string list;
-    for (const LanguageRow& row : languageRows()) {
+    for (const records::LanguageRow& row : records::LanguageRows()) {
         std::string code = row.code;
         code.resize(std::max(code.size(), kCodeColumnChars), ' ');
         list += code + Utf8FromWide(Widen(row.name)) + "\n";

@@ -10,8 +10,9 @@ namespace {
 
 // The row's name as it reads in the thread's code page; nothing when the muxer takes that for another language.
 std::optional<std::wstring> SpellingOfRow(UINT32 index) {
-    std::wstring spelling = mkv::ShownLanguageName(index);
-    return CodeWrittenFor(spelling) == languageRows()[index].code ? std::optional(std::move(spelling)) : std::nullopt;
+    std::wstring spelling = records::ShownLanguageName(index);
+    return CodeWrittenFor(spelling) == records::LanguageRows()[index].code ? std::optional(std::move(spelling))
+                                                                           : std::nullopt;
 }
 
 } // namespace
@@ -26,8 +27,7 @@ std::optional<std::wstring> SpellingForMuxer(std::wstring_view name) {
 }
 
 std::string CodeWrittenFor(std::wstring_view spelling) {
-    const UINT32 index = mkv::FindLanguage(std::wstring(spelling).c_str());
-    return index == kNoLanguageIndex ? std::string() : languageRows()[index].code;
+    return records::LanguageCodeOf(std::wstring(spelling).c_str());
 }
 
 } // namespace mkvmux

@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+namespace records {
+
 namespace {
 
 // Binary elements of this length and above are refused by the library's readers.
@@ -9,32 +11,34 @@ constexpr UINT32 kTooManyAttachmentBytes = 0x7fffffff;
 
 } // namespace
 
-bool CAttachmentList::add(const MuxAttachment& attachment) {
+bool CAttachmentList::Add(const MuxAttachment& attachment) {
     if (attachment.data != nullptr && attachment.dataSize >= kTooManyAttachmentBytes) {
         return false;
     }
-    auto copy = std::make_unique<const CMuxAttachmentCopy>(attachment);
-    const std::lock_guard guard(m_lock);
+    auto copy = std::make_unique<const CAttachment>(attachment);
+    const std::lock_guard lock(m_lock);
     m_copies.push_back(std::move(copy));
     return true;
 }
 
-size_t CAttachmentList::count() const {
-    const std::lock_guard guard(m_lock);
+size_t CAttachmentList::Count() const {
+    const std::lock_guard lock(m_lock);
     return m_copies.size();
 }
 
-const MuxAttachment* CAttachmentList::at(size_t i) const {
-    const std::lock_guard guard(m_lock);
-    return i < m_copies.size() ? &m_copies[i]->get() : nullptr;
+const MuxAttachment* CAttachmentList::At(size_t i) const {
+    const std::lock_guard lock(m_lock);
+    return i < m_copies.size() ? &m_copies[i]->Get() : nullptr;
 }
 
-std::vector<const MuxAttachment*> CAttachmentList::all() const {
-    const std::lock_guard guard(m_lock);
+std::vector<const MuxAttachment*> CAttachmentList::All() const {
+    const std::lock_guard lock(m_lock);
     std::vector<const MuxAttachment*> records;
     records.reserve(m_copies.size());
     for (const auto& copy : m_copies) {
-        records.push_back(&copy->get());
+        records.push_back(&copy->Get());
     }
     return records;
 }
+
+} // namespace records

@@ -7,19 +7,23 @@
 #include <memory>
 #include <vector>
 
-#include "records/mux_attachment_copy.h"
+#include "records/attachment.h"
 #include "win/critical_section.h"
+
+namespace records {
 
 class CAttachmentList {
   public:
     // Appends a deep copy. False, and nothing is appended, for data too long to be read back.
-    bool add(const MuxAttachment& attachment);
-    [[nodiscard]] size_t count() const;
+    bool Add(const MuxAttachment& attachment);
+    [[nodiscard]] size_t Count() const;
     // Null beyond the end.
-    [[nodiscard]] const MuxAttachment* at(size_t i) const;
-    [[nodiscard]] std::vector<const MuxAttachment*> all() const;
+    [[nodiscard]] const MuxAttachment* At(size_t i) const;
+    [[nodiscard]] std::vector<const MuxAttachment*> All() const;
 
   private:
     mutable win::CriticalSection m_lock; // guards m_copies
-    std::vector<std::unique_ptr<const CMuxAttachmentCopy>> m_copies;
+    std::vector<std::unique_ptr<const CAttachment>> m_copies;
 };
+
+} // namespace records

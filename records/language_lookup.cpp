@@ -2,7 +2,7 @@
 
 #include "records/language_table.h"
 
-namespace mkv {
+namespace records {
 
 namespace {
 
@@ -51,4 +51,9 @@ UINT32 FindLanguage(const WCHAR* text) {
     return index != kNoLanguageIndex ? index : FindShownName(text);
 }
 
-} // namespace mkv
+std::string LanguageCodeOf(const WCHAR* text) {
+    const UINT32 index = FindLanguage(text);
+    return index == kNoLanguageIndex ? std::string() : LanguageRows()[index].code;
+}
+
+} // namespace records

@@ -7,7 +7,7 @@
 
 #include "win/platform.h"
 
-namespace mkv {
+namespace records {
 
 // The name of that row as it reads in the code page, right or not: lists show it so.
 [[nodiscard]] std::basic_string<WCHAR> ShownLanguageName(UINT32 index);
@@ -16,4 +16,7 @@ namespace mkv {
 // bytes of a name; then the row whose shown name the text is. kNoLanguageIndex for any other text, and for none (null).
 [[nodiscard]] UINT32 FindLanguage(const WCHAR* text);
 
-} // namespace mkv
+// The code of the row that the text finds, as the table has it; empty for a language that is not found.
+[[nodiscard]] std::string LanguageCodeOf(const WCHAR* text);
+
+} // namespace records

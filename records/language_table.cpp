@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr LanguageRow kRows[] = {
+constexpr records::LanguageRow kRows[] = {
 #include "records/language_rows.inc"
 };
 
@@ -14,25 +14,25 @@ static_assert(std::size(kRows) == 566);
 
 } // namespace
 
-std::span<const LanguageRow> languageRows() noexcept {
+std::span<const records::LanguageRow> records::LanguageRows() noexcept {
     return kRows;
 }
 
 const char* languageCodeByName(const char* name) noexcept {
     const UINT32 index = languageIndexByName(name);
-    return index == kNoLanguageIndex ? "" : kRows[index].code;
+    return index == records::kNoLanguageIndex ? "" : kRows[index].code;
 }
 
 UINT32 languageIndexByName(const char* name) noexcept {
     if (name == nullptr) {
-        return kNoLanguageIndex;
+        return records::kNoLanguageIndex;
     }
     for (UINT32 index = 0; index < languageCount(); ++index) {
         if (std::strcmp(kRows[index].name, name) == 0) {
             return index;
         }
     }
-    return kNoLanguageIndex;
+    return records::kNoLanguageIndex;
 }
 
 const char* languageNameByIndex(UINT32 index) noexcept {

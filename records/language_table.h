@@ -9,6 +9,8 @@
 
 #include "win/platform.h"
 
+namespace records {
+
 // The answer for a name that is not in the table.
 inline constexpr UINT32 kNoLanguageIndex = 0xFFFFFFFF;
 
@@ -21,7 +23,9 @@ struct LanguageRow {
 };
 
 // Alphabetical by name, without regard to case.
-[[nodiscard]] std::span<const LanguageRow> languageRows() noexcept;
+[[nodiscard]] std::span<const LanguageRow> LanguageRows() noexcept;
+
+} // namespace records
 
 // Names are compared byte by byte, and the first equal row wins.
 // The code as the table has it, both halves of a pair included; the empty string when no row has the name.

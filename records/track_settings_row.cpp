@@ -2,26 +2,33 @@
 
 #include <utility>
 
+namespace records {
+
 namespace {
 
 constexpr INT32 kUnknownTrackType = -1;
+
+bool AreEqual(BSTR left, BSTR right) {
+    const WideStringView leftText(left, SysStringLen(left));
+    return (left == nullptr) == (right == nullptr) && leftText == WideStringView(right, SysStringLen(right));
+}
 
 } // namespace
 
 CTrackSettingsRow::CTrackSettingsRow(INT32 index)
     : m_settings{index, 1, 0, 0, nullptr, nullptr, kUnknownTrackType}, m_language(WideStringView(OLESTR("English"))),
       m_name(WideStringView(OLESTR(""))) {
-    adoptStrings();
+    AdoptStrings();
 }
 
 CTrackSettingsRow::CTrackSettingsRow(const TrackSettings& settings)
     : m_settings(settings), m_language(win::Bstr::CopyOf(settings.language)), m_name(win::Bstr::CopyOf(settings.name)) {
-    adoptStrings();
+    AdoptStrings();
 }
 
 CTrackSettingsRow::CTrackSettingsRow(CTrackSettingsRow&& other) noexcept
     : m_settings(other.m_settings), m_language(std::move(other.m_language)), m_name(std::move(other.m_name)) {
-    other.adoptStrings();
+    other.AdoptStrings();
 }
 
 CTrackSettingsRow& CTrackSettingsRow::operator=(CTrackSettingsRow other) noexcept {
@@ -31,7 +38,15 @@ CTrackSettingsRow& CTrackSettingsRow::operator=(CTrackSettingsRow other) noexcep
     return *this;
 }
 
-void CTrackSettingsRow::copyTo(TrackSettings& settings) const {
+bool CTrackSettingsRow::operator==(const CTrackSettingsRow& other) const {
+    const TrackSettings& left = m_settings;
+    const TrackSettings& right = other.m_settings;
+    return left.index == right.index && left.bEnabled == right.bEnabled && left.bDefault == right.bDefault &&
+           left.bReserved == right.bReserved && left.trackType == right.trackType &&
+           AreEqual(left.language, right.language) && AreEqual(left.name, right.name);
+}
+
+void CTrackSettingsRow::CopyTo(TrackSettings& settings) const {
     win::Bstr language(m_language);
     win::Bstr name(m_name);
     SysFreeString(settings.language);
@@ -41,7 +56,9 @@ void CTrackSettingsRow::copyTo(TrackSettings& settings) const {
     settings.name = name.Detach();
 }
 
-void CTrackSettingsRow::adoptStrings() noexcept {
+void CTrackSettingsRow::AdoptStrings() noexcept {
     m_settings.language = m_language.Get();
     m_settings.name = m_name.Get();
 }
+
+} // namespace records

@@ -6,6 +6,8 @@
 
 #include "win/bstr.h"
 
+namespace records {
+
 class CTrackSettingsRow {
   public:
     // The defaults of the row for that input: enabled, not default, language "English", no name, type unknown.
@@ -18,14 +20,18 @@ class CTrackSettingsRow {
     CTrackSettingsRow& operator=(CTrackSettingsRow other) noexcept;
 
     // The record; its strings live as long as the row.
-    [[nodiscard]] const TrackSettings& get() const { return m_settings; }
+    [[nodiscard]] const TrackSettings& Get() const { return m_settings; }
+    // All fields equal. No string and an empty one differ: both come back as they were given.
+    [[nodiscard]] bool operator==(const CTrackSettingsRow& other) const;
     // Replaces the caller's record, whose old strings are freed; the new ones are the caller's.
-    void copyTo(TrackSettings& settings) const;
+    void CopyTo(TrackSettings& settings) const;
 
   private:
-    void adoptStrings() noexcept;
+    void AdoptStrings() noexcept;
 
     TrackSettings m_settings;
     win::Bstr m_language; // m_settings points at the strings of these two
     win::Bstr m_name;
 };
+
+} // namespace records

@@ -7,11 +7,11 @@ std::vector<std::wstring> LanguageNames() {
     std::vector<std::wstring> names;
     names.reserve(languageCount());
     for (UINT32 index = 0; index < languageCount(); ++index) {
-        names.push_back(mkv::ShownLanguageName(index));
+        names.push_back(records::ShownLanguageName(index));
     }
     return names;
 }
 
 UINT32 LanguagePosition(const std::wstring& name) {
-    return mkv::FindLanguage(name.c_str());
+    return records::FindLanguage(name.c_str());
 }

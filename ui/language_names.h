@@ -10,5 +10,5 @@
 
 // Every name, in the table's order; the thread's ANSI code page tells how to read the table.
 [[nodiscard]] std::vector<std::wstring> LanguageNames();
-// The position of the name in that list; kNoLanguageIndex for one that is not there.
+// The position of the name in that list; records::kNoLanguageIndex for one that is not there.
 [[nodiscard]] UINT32 LanguagePosition(const std::wstring& name);

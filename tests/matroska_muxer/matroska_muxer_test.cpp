@@ -177,13 +177,13 @@ TEST(MatroskaMuxer, ItsRowsBeginWithTheirDefaults) {
     for (INT32 i = 0; i < 100; ++i) {
         const auto row = rig.Muxer().Settings().At(i);
         ASSERT_TRUE(row);
-        EXPECT_EQ(i, row->get().index);
-        EXPECT_EQ(1, row->get().bEnabled);
-        EXPECT_EQ(0, row->get().bDefault);
-        EXPECT_EQ(0, row->get().bReserved);
-        EXPECT_EQ(WideString(OLESTR("English")), row->get().language);
-        EXPECT_EQ(WideString(), row->get().name);
-        EXPECT_EQ(-1, row->get().trackType);
+        EXPECT_EQ(i, row->Get().index);
+        EXPECT_EQ(1, row->Get().bEnabled);
+        EXPECT_EQ(0, row->Get().bDefault);
+        EXPECT_EQ(0, row->Get().bReserved);
+        EXPECT_EQ(WideString(OLESTR("English")), row->Get().language);
+        EXPECT_EQ(WideString(), row->Get().name);
+        EXPECT_EQ(-1, row->Get().trackType);
     }
     EXPECT_FALSE(rig.Muxer().Settings().At(100));
     EXPECT_FALSE(rig.Muxer().Settings().At(-1));

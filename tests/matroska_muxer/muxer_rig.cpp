@@ -60,8 +60,8 @@ HRESULT MuxerRig::ConnectInput(const MediaTypeValue& type) {
 }
 
 void MuxerRig::SetRow(const TrackSettings& row) {
-    EXPECT_NE(CTrackSettingsTable::Replaced::OutsideTheTable,
-              m_muxer->Settings().Replace(row.index, CTrackSettingsRow(row)));
+    EXPECT_NE(records::CTrackSettingsTable::Replaced::OutsideTheTable,
+              m_muxer->Settings().Replace(row.index, records::CTrackSettingsRow(row)));
 }
 
 HRESULT MuxerRig::Deliver(size_t input, INT64 startMs, INT64 durationMs, bool syncPoint) {

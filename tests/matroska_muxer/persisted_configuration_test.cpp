@@ -72,7 +72,7 @@ class PersistedConfiguration : public ::testing::Test {
         stream.SetBytes(bytes);
         return m_persist->Load(&stream);
     }
-    [[nodiscard]] CTrackSettingsTable& Rows() const { return m_rig.Muxer().Settings(); }
+    [[nodiscard]] records::CTrackSettingsTable& Rows() const { return m_rig.Muxer().Settings(); }
     [[nodiscard]] CMkvWriter& Writer() const { return m_rig.Muxer().Writer(); }
 
     MuxerRig m_rig;
@@ -105,10 +105,10 @@ TEST_F(PersistedConfiguration, AConfiguredFilterSavesWhatWasLoadedByteForByte) {
 TEST_F(PersistedConfiguration, LoadingThreeRowsLeavesExactlyThree) {
     ASSERT_EQ(S_OK, LoadBytes(Configured()));
     ASSERT_EQ(3u, Rows().Count());
-    EXPECT_EQ(WideString(OLESTR("French")), Rows().At(0)->get().language);
-    EXPECT_EQ(9, Rows().At(1)->get().index);
-    EXPECT_EQ(17, Rows().At(1)->get().trackType);
-    EXPECT_EQ(7, Rows().At(1)->get().bReserved);
+    EXPECT_EQ(WideString(OLESTR("French")), Rows().At(0)->Get().language);
+    EXPECT_EQ(9, Rows().At(1)->Get().index);
+    EXPECT_EQ(17, Rows().At(1)->Get().trackType);
+    EXPECT_EQ(7, Rows().At(1)->Get().bReserved);
     EXPECT_EQ(1u, Writer().outputFormat());
     for (int i = 0; i < 4; ++i) {
         ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
@@ -244,7 +244,7 @@ TEST_F(PersistedConfiguration, SupplementaryCharactersComeBack) {
     const Bytes saved = Saved();
     m_rig.SetRow({0, 1, 0, 0, nullptr, nullptr, -1});
     ASSERT_EQ(S_OK, LoadBytes(saved));
-    EXPECT_EQ(text, Rows().At(0)->get().name);
+    EXPECT_EQ(text, Rows().At(0)->Get().name);
 }
 
 } // namespace

@@ -125,7 +125,7 @@ TEST_F(FileHeadTest, AfterAnAbandonedOpenTheWriterWritesTheNextFile) {
     Register(test_support::WaveType(SubtypeFromWaveTag(0x0161)));
     EXPECT_EQ(ThrownByOpen(), mkv::kUnsupportedCodecError);
     m_writer.abandon();
-    m_writer.registerTrack(PcmType().Get(), Row().get());
+    m_writer.registerTrack(PcmType().Get(), Row().Get());
     Open();
     Write(0, 0, 10 * kMs);
     ASSERT_EQ(File().tracks.size(), 1u);

@@ -230,7 +230,7 @@ TEST_F(FileLayoutTest, AbandoningAnOpenFileWritesNothing) {
 TEST_F(FileLayoutTest, DestroyingAnOpenWriterLeaksNothing) {
     CMkvWriter writer;
     m_io.setStream(&m_stream);
-    writer.registerTrack(CinepakType().Get(), Row().get());
+    writer.registerTrack(CinepakType().Get(), Row().Get());
     writer.Open(&m_io);
     const BYTE data[] = {1, 2, 3};
     writer.WritePacket({0, 400000, data, 3, true, 0, false});

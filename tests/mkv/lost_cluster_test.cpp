@@ -48,7 +48,7 @@ class LostClusterTest : public testing::Test {
   protected:
     LostClusterTest() {
         m_tracks.push_back({CMediaType(test_support::VideoInfoType(SubtypeFromFourCC('c', 'v', 'i', 'd')).Get()),
-                            CTrackSettingsRow(0)});
+                            records::CTrackSettingsRow(0)});
     }
 
     static MkvPacket Packet(INT64 ms) {

@@ -11,7 +11,7 @@ using test_support::EbmlElement;
 class TrackEntryTest : public WriterTest {
   protected:
     // The language of the only track's entry as it stands in the file; none when the element is left out.
-    std::optional<std::string> LanguageWrittenFor(const CTrackSettingsRow& row) {
+    std::optional<std::string> LanguageWrittenFor(const records::CTrackSettingsRow& row) {
         Register(PcmType(), row);
         Open();
         Finish();
@@ -66,7 +66,7 @@ TEST_F(TrackEntryTest, LanguageNotInTheTableIsWrittenEmpty) {
 }
 
 TEST_F(TrackEntryTest, AbsentLanguageIsWrittenEmpty) {
-    EXPECT_EQ(LanguageWrittenFor(CTrackSettingsRow(TrackSettings{})), "");
+    EXPECT_EQ(LanguageWrittenFor(records::CTrackSettingsRow(TrackSettings{})), "");
 }
 
 TEST_F(TrackEntryTest, LanguageOutsideTheAnsiCodePageIsWrittenEmpty) {
@@ -99,10 +99,10 @@ TEST_F(TrackEntryTest, ForcedGoesWithDefault) {
 }
 
 TEST_F(TrackEntryTest, TheReservedFlagIsNotRead) {
-    const CTrackSettingsRow row = Row();
-    TrackSettings settings = row.get();
+    const records::CTrackSettingsRow row = Row();
+    TrackSettings settings = row.Get();
     settings.bReserved = 1;
-    Register(PcmType(), CTrackSettingsRow(settings));
+    Register(PcmType(), records::CTrackSettingsRow(settings));
     Open();
     EXPECT_EQ(File().tracks.at(0).flagForced, std::nullopt);
 }
@@ -110,7 +110,7 @@ TEST_F(TrackEntryTest, TheReservedFlagIsNotRead) {
 TEST_F(TrackEntryTest, NameIsWrittenOnlyWhenThereIsOne) {
     Register(PcmType(), Row(OLESTR("English"), OLESTR("Director's comments")));
     Register(PcmType(), Row(OLESTR("English"), OLESTR("")));
-    Register(PcmType(), CTrackSettingsRow(TrackSettings{}));
+    Register(PcmType(), records::CTrackSettingsRow(TrackSettings{}));
     Open();
     EXPECT_EQ(File().tracks.at(0).name, "Director's comments");
     EXPECT_EQ(File().tracks.at(1).name, std::nullopt);
@@ -147,7 +147,7 @@ TEST_F(TrackEntryTest, ElementsWithTheFormatsDefaultsAreLeftOut) {
 TEST_F(TrackEntryTest, RowAndTypeAreCopied) {
     {
         auto type = PcmType();
-        CTrackSettingsRow row = Row(OLESTR("French"), OLESTR("first"));
+        records::CTrackSettingsRow row = Row(OLESTR("French"), OLESTR("first"));
         Register(type, row);
         type.SetFormat({});
         row = Row(OLESTR("German"), OLESTR("second"));

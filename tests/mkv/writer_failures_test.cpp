@@ -17,9 +17,9 @@ class WriterFailuresTest : public WriterTest {
     void WriteScenario() {
         static char s_mimeType[] = "text/plain";
         static BYTE s_data[] = {'h', 'i'};
-        m_writer.registerTrack(CinepakType().Get(), Row().get());
-        m_writer.registerTrack(PcmType().Get(), Row().get());
-        m_writer.registerTrack(Utf8Type().Get(), Row().get());
+        m_writer.registerTrack(CinepakType().Get(), Row().Get());
+        m_writer.registerTrack(PcmType().Get(), Row().Get());
+        m_writer.registerTrack(Utf8Type().Get(), Row().Get());
         if (m_writer.attachmentCount() == 0) {
             const win::Bstr name{WideStringView(OLESTR("note.txt"))};
             m_writer.addAttachment({name.Get(), nullptr, s_mimeType, sizeof(s_data), s_data, 5});
@@ -169,7 +169,7 @@ TEST_F(WriterFailuresTest, AnExceptionOfAPatchIsSwallowed) {
 }
 
 TEST_F(WriterFailuresTest, AnOutputWithoutAStreamCannotBeOpened) {
-    m_writer.registerTrack(CinepakType().Get(), Row().get());
+    m_writer.registerTrack(CinepakType().Get(), Row().Get());
     EXPECT_THROW(m_writer.Open(&m_io), std::runtime_error); // the library misses its bytes
     m_writer.abandon();
     EXPECT_FALSE(m_writer.isOpen());

@@ -4,10 +4,10 @@
 
 using test_support::MediaTypeValue;
 
-CTrackSettingsRow WriterTest::Row(const WCHAR* language, const WCHAR* name, BYTE isDefault) {
+records::CTrackSettingsRow WriterTest::Row(const WCHAR* language, const WCHAR* name, BYTE isDefault) {
     const win::Bstr languageText{WideStringView(language)};
     const win::Bstr nameText{WideStringView(name)};
-    return CTrackSettingsRow(TrackSettings{0, 1, isDefault, 0, languageText.Get(), nameText.Get(), -1});
+    return records::CTrackSettingsRow(TrackSettings{0, 1, isDefault, 0, languageText.Get(), nameText.Get(), -1});
 }
 
 MediaTypeValue WriterTest::CinepakType() {
@@ -22,8 +22,8 @@ MediaTypeValue WriterTest::Utf8Type() {
     return test_support::SubtitleType(mediasubtype::kUtf8);
 }
 
-UINT32 WriterTest::Register(const MediaTypeValue& type, const CTrackSettingsRow& row) {
-    m_writer.registerTrack(type.Get(), row.get());
+UINT32 WriterTest::Register(const MediaTypeValue& type, const records::CTrackSettingsRow& row) {
+    m_writer.registerTrack(type.Get(), row.Get());
     return m_tracks++;
 }
 

@@ -21,14 +21,14 @@ class WriterTest : public testing::Test {
     static constexpr INT64 kMs = 10000; // in the 100 ns units of packets
 
     // The row of an input: language "English", no name, not default, unless said otherwise.
-    static CTrackSettingsRow Row(const WCHAR* language = OLESTR("English"), const WCHAR* name = OLESTR(""),
+    static records::CTrackSettingsRow Row(const WCHAR* language = OLESTR("English"), const WCHAR* name = OLESTR(""),
                                  BYTE isDefault = 0);
     static test_support::MediaTypeValue CinepakType();
     static test_support::MediaTypeValue PcmType();
     static test_support::MediaTypeValue Utf8Type();
 
     // The index of the track registered.
-    UINT32 Register(const test_support::MediaTypeValue& type, const CTrackSettingsRow& row = Row());
+    UINT32 Register(const test_support::MediaTypeValue& type, const records::CTrackSettingsRow& row = Row());
     UINT32 RegisterVideo() { return Register(CinepakType()); }
     UINT32 RegisterAudio() { return Register(PcmType()); }
     UINT32 RegisterSubtitle() { return Register(Utf8Type()); }

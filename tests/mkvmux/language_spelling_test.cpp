@@ -33,7 +33,7 @@ class LanguageSpellingTest : public testing::Test {
     // The names whose language would not be written as the list has it.
     static std::vector<std::string> Lost() {
         std::vector<std::string> lost;
-        for (const LanguageRow& row : languageRows()) {
+        for (const records::LanguageRow& row : records::LanguageRows()) {
             const auto spelling = SpellingForMuxer(WideFromCodePage(kListCodePage, row.name));
             if (!spelling || CodeWrittenFor(*spelling) != languageCodeByName(row.name)) {
                 lost.emplace_back(Utf8FromWide(WideFromCodePage(kListCodePage, row.name)));
@@ -74,8 +74,8 @@ TEST_F(LanguageSpellingTest, ANameThatNoTextGivesIsSpeltAsListsShowIt) {
     UseLocale(kKorean, 949);
     const auto spelling = SpellingForMuxer(L"Proven\u00e7al, Old (to 1500)");
     ASSERT_TRUE(spelling);
-    EXPECT_EQ(*spelling, mkv::ShownLanguageName(languageIndexByName("Proven\xE7"
-                                                                    "al, Old (to 1500)")));
+    EXPECT_EQ(*spelling, records::ShownLanguageName(languageIndexByName("Proven\xE7"
+                                                                        "al, Old (to 1500)")));
     EXPECT_EQ(CodeWrittenFor(*spelling), "pro");
 }
 

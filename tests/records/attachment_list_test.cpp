@@ -17,15 +17,15 @@ class AttachmentListTest : public testing::Test {
     win::Bstr m_description{WideStringView(OLESTR("the cover"))};
     char m_mimeType[10] = "image/png";
     std::vector<BYTE> m_data{1, 2, 3};
-    CAttachmentList m_list;
+    records::CAttachmentList m_list;
 };
 
 TEST_F(AttachmentListTest, KeepsDeepCopies) {
-    ASSERT_TRUE(m_list.add(Record()));
+    ASSERT_TRUE(m_list.Add(Record()));
     m_mimeType[0] = 'X';
     m_data.assign(3, 9);
-    ASSERT_EQ(m_list.count(), 1u);
-    const MuxAttachment* const kept = m_list.at(0);
+    ASSERT_EQ(m_list.Count(), 1u);
+    const MuxAttachment* const kept = m_list.At(0);
     ASSERT_NE(kept, nullptr);
     EXPECT_NE(kept->fileName, m_fileName.Get());
     EXPECT_TRUE(WideStringView(kept->fileName) == OLESTR("cover.png"));
@@ -36,16 +36,16 @@ TEST_F(AttachmentListTest, KeepsDeepCopies) {
 }
 
 TEST_F(AttachmentListTest, IndexBeyondTheEndGivesNull) {
-    EXPECT_EQ(m_list.at(0), nullptr);
-    m_list.add(Record());
-    EXPECT_NE(m_list.at(0), nullptr);
-    EXPECT_EQ(m_list.at(1), nullptr);
-    EXPECT_EQ(m_list.at(static_cast<size_t>(-1)), nullptr);
+    EXPECT_EQ(m_list.At(0), nullptr);
+    m_list.Add(Record());
+    EXPECT_NE(m_list.At(0), nullptr);
+    EXPECT_EQ(m_list.At(1), nullptr);
+    EXPECT_EQ(m_list.At(static_cast<size_t>(-1)), nullptr);
 }
 
 TEST_F(AttachmentListTest, EveryFieldMayBeAbsent) {
-    ASSERT_TRUE(m_list.add(MuxAttachment{}));
-    const MuxAttachment& kept = *m_list.at(0);
+    ASSERT_TRUE(m_list.Add(MuxAttachment{}));
+    const MuxAttachment& kept = *m_list.At(0);
     EXPECT_EQ(kept.fileName, nullptr);
     EXPECT_EQ(kept.description, nullptr);
     EXPECT_EQ(kept.mimeType, nullptr);
@@ -58,8 +58,8 @@ TEST_F(AttachmentListTest, ALengthWithoutDataCountsAsNoDataWhateverItIs) {
     MuxAttachment record{};
     for (const UINT32 size : {1u, 1000u, 0x7ffffffeu, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
         record.dataSize = size;
-        ASSERT_TRUE(m_list.add(record)) << size;
-        const MuxAttachment& kept = *m_list.at(m_list.count() - 1);
+        ASSERT_TRUE(m_list.Add(record)) << size;
+        const MuxAttachment& kept = *m_list.At(m_list.Count() - 1);
         EXPECT_EQ(kept.data, nullptr);
         EXPECT_EQ(kept.dataSize, 0u);
     }
@@ -69,8 +69,8 @@ TEST_F(AttachmentListTest, EmptyFieldsAreThereAndNullOnesAreNot) {
     const win::Bstr nothing{WideStringView()};
     char noMimeType[] = "";
     BYTE notRead = 7;
-    ASSERT_TRUE(m_list.add({nothing.Get(), nothing.Get(), noMimeType, 0, &notRead, 0}));
-    const MuxAttachment& kept = *m_list.at(0);
+    ASSERT_TRUE(m_list.Add({nothing.Get(), nothing.Get(), noMimeType, 0, &notRead, 0}));
+    const MuxAttachment& kept = *m_list.At(0);
     ASSERT_NE(kept.fileName, nullptr);
     EXPECT_EQ(SysStringLen(kept.fileName), 0u);
     ASSERT_NE(kept.description, nullptr);
@@ -86,20 +86,20 @@ TEST_F(AttachmentListTest, TwoGibibytesOrMoreAreRefusedUnread) {
     MuxAttachment record = Record();
     for (const UINT32 size : {0x7fffffffu, 0x80000000u, 0xffffffffu}) {
         record.dataSize = size;
-        EXPECT_FALSE(m_list.add(record)) << size;
+        EXPECT_FALSE(m_list.Add(record)) << size;
     }
-    EXPECT_EQ(m_list.count(), 0u);
+    EXPECT_EQ(m_list.Count(), 0u);
 }
 
 TEST_F(AttachmentListTest, RecordsStayWhereTheyAre) {
-    m_list.add(Record());
-    const MuxAttachment* const first = m_list.at(0);
+    m_list.Add(Record());
+    const MuxAttachment* const first = m_list.At(0);
     for (int i = 0; i < 100; ++i) {
-        m_list.add(Record());
+        m_list.Add(Record());
     }
-    EXPECT_EQ(m_list.at(0), first);
-    EXPECT_EQ(m_list.all().size(), 101u);
-    EXPECT_EQ(m_list.all().front(), first);
+    EXPECT_EQ(m_list.At(0), first);
+    EXPECT_EQ(m_list.All().size(), 101u);
+    EXPECT_EQ(m_list.All().front(), first);
 }
 
 } // namespace

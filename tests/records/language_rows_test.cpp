@@ -12,6 +12,10 @@
 
 namespace {
 
+using records::kNoLanguageIndex;
+using records::LanguageRow;
+using records::LanguageRows;
+
 constexpr UINT32 kRowCount = 566;
 
 bool IsLower(char letter) {
@@ -45,7 +49,7 @@ std::vector<std::string> Split(std::string_view joined) {
 
 std::vector<LanguageRow> RowsNamed(std::string_view name) {
     std::vector<LanguageRow> found;
-    std::ranges::copy_if(languageRows(), std::back_inserter(found),
+    std::ranges::copy_if(LanguageRows(), std::back_inserter(found),
                          [&](const LanguageRow& row) { return row.name == name; });
     return found;
 }
@@ -59,7 +63,7 @@ LanguageRow RowOf(std::string_view name) {
 
 std::vector<std::string> NamesWithCode(std::string_view code) {
     std::vector<std::string> names;
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         if (row.code == code) {
             names.emplace_back(row.name);
         }
@@ -73,25 +77,25 @@ using Names = std::vector<std::string>;
 
 TEST(LanguageRows, Has566Rows) {
     EXPECT_EQ(languageCount(), kRowCount);
-    EXPECT_EQ(languageRows().size(), kRowCount);
+    EXPECT_EQ(LanguageRows().size(), kRowCount);
 }
 
 TEST(LanguageRows, Has487DistinctCodes) {
     std::set<std::string> codes;
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         codes.insert(row.code);
     }
     EXPECT_EQ(codes.size(), 487u);
 }
 
 TEST(LanguageRows, Has221RowsWithATwoLetterCode) {
-    const auto rows = languageRows();
+    const auto rows = LanguageRows();
     EXPECT_EQ(std::ranges::count_if(rows, [](const LanguageRow& row) { return row.twoLetterCode[0] != '\0'; }), 221);
 }
 
 TEST(LanguageRows, Has21PairRowsIn18Pairs) {
     std::multiset<std::string> pairs;
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         if (std::string_view(row.code).find('/') != std::string_view::npos) {
             pairs.insert(row.code);
         }
@@ -106,7 +110,7 @@ TEST(LanguageRows, Has21PairRowsIn18Pairs) {
 // Order.
 
 TEST(LanguageRows, RowsAreInAlphabeticalOrderWithoutRegardToCase) {
-    const auto rows = languageRows();
+    const auto rows = LanguageRows();
     for (size_t index = 1; index < rows.size(); ++index) {
         EXPECT_LE(WithoutCase(rows[index - 1].name), WithoutCase(rows[index].name));
     }
@@ -119,11 +123,11 @@ TEST(LanguageRows, TlhInganHolStandsAmongTheNamesWithT) {
 }
 
 TEST(LanguageRows, FirstRowIsAbkhazianAndLastIsZuni) {
-    const LanguageRow& first = languageRows().front();
+    const LanguageRow& first = LanguageRows().front();
     EXPECT_STREQ(first.name, "Abkhazian");
     EXPECT_STREQ(first.code, "abk");
     EXPECT_STREQ(first.twoLetterCode, "ab");
-    const LanguageRow& last = languageRows().back();
+    const LanguageRow& last = LanguageRows().back();
     EXPECT_STREQ(last.name, "Zuni");
     EXPECT_STREQ(last.code, "zun");
     EXPECT_STREQ(last.twoLetterCode, "");
@@ -177,7 +181,7 @@ TEST(LanguageRows, FrenchAndGermanHaveARowForEachOfTheirTwoCodes) {
 
 TEST(LanguageRows, OnlyFrenchAndGermanHaveTwoRowsOfOneName) {
     std::multiset<std::string> names;
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         names.insert(row.name);
     }
     std::set<std::string> doubled;
@@ -196,7 +200,7 @@ TEST(LanguageRows, HasTheSpecialCodes) {
 // The make-up of every row.
 
 TEST(LanguageRows, EveryRowIsNamedAsOneOfItsEnglishNames) {
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         const Names names = Split(row.englishNames);
         const bool listed = std::ranges::find(names, row.name) != names.end();
         // The registration authority sorts this one in under a turned name as well.
@@ -205,19 +209,19 @@ TEST(LanguageRows, EveryRowIsNamedAsOneOfItsEnglishNames) {
 }
 
 TEST(LanguageRows, EveryEnglishNameHasARowOfItsOwn) {
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         for (const std::string& name : Split(row.englishNames)) {
             const UINT32 index = languageIndexByName(name.c_str());
             ASSERT_NE(index, kNoLanguageIndex) << name;
-            EXPECT_STREQ(languageRows()[index].englishNames, row.englishNames);
-            EXPECT_STREQ(languageRows()[index].frenchNames, row.frenchNames);
-            EXPECT_STREQ(languageRows()[index].twoLetterCode, row.twoLetterCode);
+            EXPECT_STREQ(LanguageRows()[index].englishNames, row.englishNames);
+            EXPECT_STREQ(LanguageRows()[index].frenchNames, row.frenchNames);
+            EXPECT_STREQ(LanguageRows()[index].twoLetterCode, row.twoLetterCode);
         }
     }
 }
 
 TEST(LanguageRows, EveryCodeHasTheFormOfItsColumn) {
-    for (const LanguageRow& row : languageRows()) {
+    for (const LanguageRow& row : LanguageRows()) {
         const std::string_view code = row.code;
         // The one range, which a user's own languages take their codes from.
         EXPECT_TRUE(IsCode(code, 3) || IsPair(code) || code == "qaa-qtz") << row.name;

@@ -7,6 +7,10 @@
 
 namespace {
 
+using records::kNoLanguageIndex;
+using records::LanguageRow;
+using records::LanguageRows;
+
 // Edge cases.
 
 TEST(LanguageTable, EnglishYieldsEngAndLowerCaseEnglishYieldsNothing) {
@@ -22,9 +26,9 @@ TEST(LanguageTable, FlemishYieldsThePairOfDutchAndCastilianTheCodeOfSpanish) {
 TEST(LanguageTable, IndexOfFrenchIsTheFirstOfItsTwoRows) {
     const UINT32 index = languageIndexByName("French");
     ASSERT_LT(index + 1, languageCount());
-    EXPECT_STREQ(languageRows()[index].code, "fre");
+    EXPECT_STREQ(LanguageRows()[index].code, "fre");
     EXPECT_STREQ(languageNameByIndex(index + 1), "French");
-    EXPECT_STREQ(languageRows()[index + 1].code, "fra");
+    EXPECT_STREQ(LanguageRows()[index + 1].code, "fra");
     ASSERT_GT(index, 0u);
     EXPECT_STRNE(languageNameByIndex(index - 1), "French");
 }
@@ -76,12 +80,12 @@ TEST(LanguageTable, FrenchAndGermanYieldTheirBibliographicCodes) {
 
 TEST(LanguageTable, EveryNameIsFoundAtItsFirstRow) {
     for (UINT32 index = 0; index < languageCount(); ++index) {
-        const LanguageRow& row = languageRows()[index];
-        const bool second = index > 0 && std::string_view(row.name) == languageRows()[index - 1].name;
+        const LanguageRow& row = LanguageRows()[index];
+        const bool second = index > 0 && std::string_view(row.name) == LanguageRows()[index - 1].name;
         const UINT32 expected = second ? index - 1 : index;
         EXPECT_STREQ(languageNameByIndex(index), row.name);
         EXPECT_EQ(languageIndexByName(row.name), expected) << row.name;
-        EXPECT_STREQ(languageCodeByName(row.name), languageRows()[expected].code) << row.name;
+        EXPECT_STREQ(languageCodeByName(row.name), LanguageRows()[expected].code) << row.name;
     }
 }
 

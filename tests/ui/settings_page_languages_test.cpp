@@ -3,7 +3,7 @@
 
 #include <qrx_mkvmuxer.h>
 
-#include "mkv/track_entry_builder.h"
+#include "records/language_lookup.h"
 #include "records/language_table.h"
 #include "tests/support/matroska_layout.h"
 #include "tests/ui/muxer_under_test.h"
@@ -72,7 +72,7 @@ TEST_P(SettingsPageLanguagesTest, EveryRowOfTheListLeadsTheFilterToItsCode) {
         const win::Bstr language(names[row]);
         TrackSettings settings{};
         settings.language = language.Get();
-        EXPECT_EQ(languageCodeByName(languageNameByIndex(row)), mkv::LanguageCodeOf(settings)) << "row " << row;
+        EXPECT_EQ(languageCodeByName(languageNameByIndex(row)), records::LanguageCodeOf(settings.language)) << "row " << row;
         EXPECT_EQ(languageIndexByName(languageNameByIndex(row)), LanguagePosition(names[row])) << "row " << row;
     }
 }

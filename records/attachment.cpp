@@ -1,6 +1,8 @@
-#include "records/mux_attachment_copy.h"
+#include "records/attachment.h"
 
-CMuxAttachmentCopy::CMuxAttachmentCopy(const MuxAttachment& attachment)
+namespace records {
+
+CAttachment::CAttachment(const MuxAttachment& attachment)
     : m_fileName(win::Bstr::CopyOf(attachment.fileName)),
       m_description(win::Bstr::CopyOf(attachment.description)), m_record{} {
     if (attachment.mimeType != nullptr) {
@@ -19,3 +21,5 @@ CMuxAttachmentCopy::CMuxAttachmentCopy(const MuxAttachment& attachment)
     }
     m_record.uid = attachment.uid;
 }
+
+} // namespace records

@@ -1,5 +1,5 @@
-// CMuxAttachmentCopy: a MuxAttachment record that owns its strings and bytes; copies are deep.
-// Units: bytes. Owner: itself. Threads: as a value. Errors: std::bad_alloc.
+// CAttachment: a MuxAttachment record that owns its strings and bytes.
+// Units: bytes. Owner: itself. Threads: never changes. Errors: std::bad_alloc.
 #pragma once
 
 #include <optional>
@@ -10,17 +10,19 @@
 
 #include "win/bstr.h"
 
-class CMuxAttachmentCopy {
+namespace records {
+
+class CAttachment {
   public:
     // What is given stays its holder's. A field is there when it is not null, even an empty one; a data size without
     // data counts as no data.
-    explicit CMuxAttachmentCopy(const MuxAttachment& attachment);
-    CMuxAttachmentCopy(const CMuxAttachmentCopy& other) : CMuxAttachmentCopy(other.m_record) {}
-    CMuxAttachmentCopy& operator=(const CMuxAttachmentCopy&) = delete;
-    ~CMuxAttachmentCopy() = default;
+    explicit CAttachment(const MuxAttachment& attachment);
+    CAttachment(const CAttachment&) = delete;
+    CAttachment& operator=(const CAttachment&) = delete;
+    ~CAttachment() = default;
 
     // The record; what it points at lives as long as this object.
-    [[nodiscard]] const MuxAttachment& get() const { return m_record; }
+    [[nodiscard]] const MuxAttachment& Get() const { return m_record; }
 
   private:
     win::Bstr m_fileName;
@@ -30,3 +32,5 @@ class CMuxAttachmentCopy {
     BYTE m_noBytes = 0; // what data of no bytes points at
     MuxAttachment m_record;
 };
+
+} // namespace records

@@ -1,23 +1,9 @@
-#include "matroska_muxer/track_settings_table.h"
+#include "records/track_settings_table.h"
 
 #include <mutex>
 #include <utility>
 
-namespace {
-
-// No string and an empty one differ: both come back as they were given.
-bool AreEqual(BSTR left, BSTR right) {
-    const WideStringView leftText(left, SysStringLen(left));
-    return (left == nullptr) == (right == nullptr) && leftText == WideStringView(right, SysStringLen(right));
-}
-
-bool AreEqual(const TrackSettings& left, const TrackSettings& right) {
-    return left.index == right.index && left.bEnabled == right.bEnabled && left.bDefault == right.bDefault &&
-           left.bReserved == right.bReserved && left.trackType == right.trackType &&
-           AreEqual(left.language, right.language) && AreEqual(left.name, right.name);
-}
-
-} // namespace
+namespace records {
 
 CTrackSettingsTable::CTrackSettingsTable() {
     m_rows.reserve(kDefaultRows);
@@ -55,7 +41,7 @@ CTrackSettingsTable::Replaced CTrackSettingsTable::Replace(INT32 index, CTrackSe
         return Replaced::OutsideTheTable;
     }
     CTrackSettingsRow& current = m_rows[static_cast<size_t>(index)];
-    const bool same = AreEqual(current.get(), row.get());
+    const bool same = current == row;
     current = std::move(row);
     return same ? Replaced::SameAsBefore : Replaced::Changed;
 }
@@ -72,5 +58,7 @@ void CTrackSettingsTable::Append(CTrackSettingsRow row) {
 
 bool CTrackSettingsTable::IsEnabled(INT32 index) const {
     const std::lock_guard lock(m_lock);
-    return !IsInside(index) || m_rows[static_cast<size_t>(index)].get().bEnabled != 0;
+    return !IsInside(index) || m_rows[static_cast<size_t>(index)].Get().bEnabled != 0;
 }
+
+} // namespace records

@@ -9,6 +9,8 @@
 #include "records/track_settings_row.h"
 #include "win/critical_section.h"
 
+namespace records {
+
 class CTrackSettingsTable {
   public:
     static constexpr INT32 kDefaultRows = 100;
@@ -36,3 +38,5 @@ class CTrackSettingsTable {
     mutable win::CriticalSection m_lock; // guards m_rows
     std::vector<CTrackSettingsRow> m_rows;
 };
+
+} // namespace records
