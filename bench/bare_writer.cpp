@@ -9,8 +9,8 @@ namespace bench {
 
 namespace {
 
-MkvPacket PacketOf(const Load& load, UINT64 packet, size_t input) {
-    MkvPacket out;
+mkv::Packet PacketOf(const Load& load, UINT64 packet, size_t input) {
+    mkv::Packet out;
     out.start = load.StartOf(packet);
     out.stop = out.start + load.packetTicks;
     out.data = load.payload.data();

@@ -161,7 +161,7 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
 }
 
 HRESULT CMatroskaMuxer::WriteToWriter(const CMuxInterPacket& packet) {
-    MkvPacket out;
+    mkv::Packet out;
     out.start = packet.start;
     out.stop = packet.stop;
     out.data = packet.data.get();

@@ -11,6 +11,8 @@
 #include "mkv/debug_trace.h"
 #include "mkv/writer_errors.h"
 
+namespace mkv {
+
 namespace {
 
 constexpr size_t kTraceBufferChars = 200;
@@ -18,17 +20,17 @@ constexpr size_t kTraceBufferChars = 200;
 constexpr UINT32 kMaxFrameBytes = 0x7ffffffe - 5;
 
 void TraceFrame(UINT32 stream, const BlockTimes& times) {
-    if (!mkv::IsDebugTraceOn()) {
+    if (!IsDebugTraceOn()) {
         return;
     }
     char text[kTraceBufferChars];
     std::snprintf(text, sizeof(text), "addFrameToCurrentCluster: %d time: %" PRIu64 " duration: %" PRIu64,
                   static_cast<int>(stream), static_cast<uint64_t>(times.timeNs),
                   static_cast<uint64_t>(times.durationNs));
-    mkv::DebugTrace(text);
+    DebugTrace(text);
 }
 
-std::vector<BYTE> PayloadOf(const MkvPacket& packet, const AM_MEDIA_TYPE& type) {
+std::vector<BYTE> PayloadOf(const Packet& packet, const AM_MEDIA_TYPE& type) {
     if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
         return {};
     }
@@ -36,8 +38,8 @@ std::vector<BYTE> PayloadOf(const MkvPacket& packet, const AM_MEDIA_TYPE& type) 
 }
 
 // Only video has blocks that depend on others.
-bool IsKeyframe(const MkvPacket& packet, const AM_MEDIA_TYPE& type) {
-    return mkv::TrackTypeOf(type) != media::kTrackTypeVideo || packet.syncPoint;
+bool IsKeyframe(const Packet& packet, const AM_MEDIA_TYPE& type) {
+    return TrackTypeOf(type) != media::kTrackTypeVideo || packet.syncPoint;
 }
 
 } // namespace
@@ -49,7 +51,7 @@ CClusterWriter::~CClusterWriter() {
     m_cues.forgetPending();
 }
 
-void CClusterWriter::setTracks(const MkvTrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries,
+void CClusterWriter::setTracks(const TrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries,
                                INT32 cueTrack) {
     m_tracks = &tracks;
     m_entries = std::move(entries);
@@ -67,14 +69,13 @@ void CClusterWriter::flushCluster() {
     }
     try {
         const UINT64 start = m_io.getFilePointer();
-        const UINT64 size = cluster->render(m_io, m_cues);
+        cluster->render(m_io, m_cues);
         m_io.flush();
         if (m_io.takeLost()) {
             m_cues.dropRendered();
             m_io.moveTo(start); // the next one takes its place
             return;
         }
-        m_writtenBytes += size;
         m_cues.keepRendered();
     } catch (...) {
         m_io.discard();
@@ -83,9 +84,9 @@ void CClusterWriter::flushCluster() {
     }
 }
 
-std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const MkvPacket& packet) {
+std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const Packet& packet) {
     if (m_tracks == nullptr || packet.stream >= m_tracks->size()) {
-        throw mkv::kTrackOutOfRangeError;
+        throw kTrackOutOfRangeError;
     }
     const AM_MEDIA_TYPE& type = (*m_tracks)[packet.stream].type;
     const bool keyframe = IsKeyframe(packet, type);
@@ -105,9 +106,9 @@ std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const MkvPacket& 
 // A block whose offset would not fit opens one at its own start instead.
 void CClusterWriter::makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes) {
     bool opens = !m_cluster || (cueKeyframe && times.timeNs != 0) ||
-                 mkv::ExceedsCluster(times.endNs, m_cluster->startNs(), m_cluster->payloadBytes() + payloadBytes);
+                 ExceedsCluster(times.endNs, m_cluster->startNs(), m_cluster->payloadBytes() + payloadBytes);
     UINT64 clusterNs = opens ? times.endNs : m_cluster->startNs();
-    if (!mkv::FitsBlockOffset(times.timeNs, clusterNs)) {
+    if (!FitsBlockOffset(times.timeNs, clusterNs)) {
         opens = true;
         clusterNs = times.timeNs;
     }
@@ -117,23 +118,19 @@ void CClusterWriter::makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 
     }
 }
 
-void CClusterWriter::addBlock(const MkvPacket& packet, const BlockTimes& times, bool keyframe,
-                              std::vector<BYTE> payload) {
+void CClusterWriter::addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload) {
     const auto size = payload.size();
     const std::span<BYTE> frame(m_cluster->frames().append(std::move(payload)), size);
     const auto& entry = *m_entries[packet.stream];
     const auto& blob = packet.blockGroup ? m_cluster->addBlockGroup(entry, times, frame)
                                          : m_cluster->addSimpleBlock(entry, times.timeNs, frame, keyframe);
     if (packet.blockGroup || (keyframe && isCueTrack(packet.stream))) {
-        addCuePoint(blob, times.timeNs);
+        m_cues.AddBlockBlob(blob);
     }
-}
-
-void CClusterWriter::addCuePoint(const libmatroska::KaxBlockBlob& blob, UINT64 timeNs) {
-    m_cues.AddBlockBlob(blob);
-    m_lastCueTimeNs = timeNs;
 }
 
 bool CClusterWriter::isCueTrack(UINT32 stream) const {
     return m_cueTrack != kNoCueTrack && stream == static_cast<UINT32>(m_cueTrack);
 }
+
+} // namespace mkv

@@ -11,10 +11,11 @@
 
 #include "mkv/gathering_io.h"
 #include "mkv/mkv_cues.h"
-#include "mkv/mkv_packet.h"
-#include "mkv/mkv_track.h"
 #include "mkv/open_cluster.h"
 #include "mkv/time_shifter.h"
+#include "mkv/writer_input.h"
+
+namespace mkv {
 
 inline constexpr INT32 kNoCueTrack = -1;
 
@@ -26,7 +27,7 @@ class CClusterWriter {
     CClusterWriter& operator=(const CClusterWriter&) = delete;
 
     // The entries of the tracks, in their order; the track whose keyframes begin clusters and are cue points.
-    void setTracks(const MkvTrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries, INT32 cueTrack);
+    void setTracks(const TrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries, INT32 cueTrack);
     [[nodiscard]] size_t trackEntryCount() const { return m_entries.size(); }
 
     void startCluster(UINT64 timeNs);
@@ -34,26 +35,22 @@ class CClusterWriter {
     // leaves neither size nor cue points.
     void flushCluster();
     // The end time of the block written; none when the packet left no payload.
-    std::optional<UINT64> addFrameToCurrentCluster(const MkvPacket& packet);
-
-    [[nodiscard]] UINT64 writtenBytes() const { return m_writtenBytes; }
-    [[nodiscard]] UINT64 lastCueTimeNs() const { return m_lastCueTimeNs; }
+    std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet);
 
   private:
     void makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes);
-    void addBlock(const MkvPacket& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload);
-    void addCuePoint(const libmatroska::KaxBlockBlob& blob, UINT64 timeNs);
+    void addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload);
     [[nodiscard]] bool isCueTrack(UINT32 stream) const;
 
     CGatheringIO& m_io;
     const libmatroska::KaxSegment& m_segment;
     CMkvCues& m_cues;
-    const MkvTrackList* m_tracks = nullptr;
+    const TrackList* m_tracks = nullptr;
     std::vector<libmatroska::KaxTrackEntry*> m_entries; // owned by the segment
     INT32 m_cueTrack = kNoCueTrack;
 
     std::unique_ptr<COpenCluster> m_cluster;
     CTimeShifter m_shifter;
-    UINT64 m_writtenBytes = 0;
-    UINT64 m_lastCueTimeNs = 0;
 };
+
+} // namespace mkv

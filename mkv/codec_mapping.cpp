@@ -6,6 +6,7 @@
 
 #include "media/codec_description.h"
 #include "media/track_type.h"
+#include "mkv/element_values.h"
 #include "mkv/writer_errors.h"
 
 namespace mkv {
@@ -13,11 +14,6 @@ namespace mkv {
 namespace {
 
 using libebml::EbmlMaster;
-
-template <typename Element, typename Value>
-void SetChild(EbmlMaster& parent, Value value) {
-    libebml::GetChild<Element>(parent).SetValue(value);
-}
 
 void ApplyVideo(EbmlMaster& video, const media::VideoDescription& description) {
     SetChild<libmatroska::KaxVideoPixelWidth>(video, description.pixelWidth);

@@ -7,6 +7,8 @@
 
 #include <ebml/IOCallback.h>
 
+namespace mkv {
+
 class CFileOutput : public libebml::IOCallback {
   public:
     // Whether all bytes of the last write arrived.
@@ -16,3 +18,5 @@ class CFileOutput : public libebml::IOCallback {
     // Takes away what lies behind the end of the file, where the output can.
     virtual void cutOffAt(uint64 /*end*/) {}
 };
+
+} // namespace mkv

@@ -8,6 +8,8 @@
 
 #include "win/platform.h"
 
+namespace mkv {
+
 class CFrameStore {
   public:
     // Copies the bytes; the result is the copy.
@@ -28,3 +30,5 @@ class CFrameStore {
     std::vector<std::vector<BYTE>> m_frames;
     UINT64 m_totalBytes = 0;
 };
+
+} // namespace mkv

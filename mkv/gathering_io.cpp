@@ -5,6 +5,8 @@
 
 #include "mkv/writer_errors.h"
 
+namespace mkv {
+
 namespace {
 
 // One write of a stream takes a 32-bit size; far above it a cluster is split rather than truncated.
@@ -36,6 +38,7 @@ void CGatheringIO::flush() {
 // False leaves the target anywhere, and the start where it was.
 bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
     learnStart();
+    const uint64 place = m_start;
     bringTarget();
     m_where = Target::Elsewhere;
     for (size_t done = 0; done < bytes.size();) {
@@ -46,6 +49,7 @@ bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
         }
         done += size;
     }
+    m_skippedBytes += m_start - place;
     m_start += bytes.size();
     m_where = Target::AtStart;
     return true;
@@ -133,3 +137,5 @@ uint64 CGatheringIO::getFilePointer() {
     learnStart();
     return m_start + m_gathered.size();
 }
+
+} // namespace mkv

@@ -13,6 +13,8 @@
 #include "mkv/file_output.h"
 #include "win/platform.h"
 
+namespace mkv {
+
 // Bytes that a write did not bring to the output; empty when they are still where they lay.
 struct LostBytes {
     uint64 position = 0;
@@ -35,6 +37,8 @@ class CGatheringIO : public libebml::IOCallback {
     void overwriteTail(std::span<const BYTE> bytes);
     // What the last failed write lost; none when all arrived since the last call.
     [[nodiscard]] std::optional<LostBytes> takeLost();
+    // How far behind its place the target stood when bytes had to go to it unsought, all such gaps together.
+    [[nodiscard]] uint64 skippedBytes() const { return m_skippedBytes; }
     // False once the target failed so often that nothing is known of where the bytes went.
     [[nodiscard]] bool isPositionSure() const { return m_isSure; }
 
@@ -57,6 +61,9 @@ class CGatheringIO : public libebml::IOCallback {
     std::vector<BYTE> m_gathered;
     uint64 m_start = 0;               // where the first byte gathered goes
     Target m_where = Target::Unknown; // where the target stands, by what is known; Unknown: nor is m_start
+    uint64 m_skippedBytes = 0;        // may be less than none: it wraps around
     bool m_isSure = true;
     std::optional<LostBytes> m_lost;
 };
+
+} // namespace mkv

@@ -10,32 +10,33 @@
 #include <matroska/KaxInfo.h>
 
 #include "media/track_type.h"
-#include "mkv/attachment_writer.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
 #include "mkv/segment_info.h"
 #include "mkv/track_entry_builder.h"
 
+namespace mkv {
+
 namespace {
 
 constexpr UINT64 kDocTypeVersion = 2;
 constexpr UINT64 kPlaceholderDataBytes = 300;
 constexpr int kPatchTries = 2;
-constexpr std::array<BYTE, mkv::kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
+constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
 
 } // namespace
 
 CMatroskaFile::CMatroskaFile(CFileOutput& io) : m_io(io), m_gathering(io), m_clusters(m_gathering, m_segment, m_cues) {
-    m_cues.SetGlobalTimecodeScale(mkv::kTimecodeScaleNs);
+    m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
 
 void CMatroskaFile::writeHead(const char* docType) {
     m_gathering.moveTo(0);
     libebml::EbmlHead head;
-    mkv::SetChild<libebml::EDocType>(head, std::string(docType));
-    mkv::SetChild<libebml::EDocTypeVersion>(head, kDocTypeVersion);
-    mkv::SetChild<libebml::EDocTypeReadVersion>(head, kDocTypeVersion);
+    SetChild<libebml::EDocType>(head, std::string(docType));
+    SetChild<libebml::EDocTypeVersion>(head, kDocTypeVersion);
+    SetChild<libebml::EDocTypeReadVersion>(head, kDocTypeVersion);
     head.Render(m_gathering, true);
     writeSegmentHead();
     writePlaceholder(m_seekHeadPlace);
@@ -55,8 +56,9 @@ void CMatroskaFile::flushHeadPart() {
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
 void CMatroskaFile::writeSegmentHead() {
-    m_sizes.head = m_segment.WriteHead(m_gathering, mkv::kSegmentSizeFieldBytes);
+    m_segment.WriteHead(m_gathering, kSegmentSizeFieldBytes);
     m_gathering.overwriteTail(kUnknownSize);
+    m_dataStart = m_gathering.getFilePointer();
 }
 
 void CMatroskaFile::writePlaceholder(libebml::EbmlVoid& placeholder) {
@@ -64,69 +66,65 @@ void CMatroskaFile::writePlaceholder(libebml::EbmlVoid& placeholder) {
     placeholder.Render(m_gathering);
 }
 
-void CMatroskaFile::writeTracks(const MkvTrackList& tracks) {
+void CMatroskaFile::writeTracks(const TrackList& tracks) {
     std::srand(static_cast<unsigned>(std::time(nullptr))); // for the track UIDs
     auto& element = libebml::GetChild<libmatroska::KaxTracks>(m_segment);
     std::vector<libmatroska::KaxTrackEntry*> entries;
     INT32 cueTrack = kNoCueTrack;
-    for (const MkvTrack& track : tracks) {
+    for (const Track& track : tracks) {
         auto& entry = entries.empty() ? libebml::GetChild<libmatroska::KaxTrackEntry>(element)
                                       : libebml::GetNextChild(element, *entries.back());
         entries.push_back(&entry);
-        mkv::FillTrackEntry(entry, entries.size(), track);
-        if (mkv::TrackTypeOf(track.type) == media::kTrackTypeVideo) {
+        FillTrackEntry(entry, entries.size(), track);
+        if (TrackTypeOf(track.type) == media::kTrackTypeVideo) {
             cueTrack = static_cast<INT32>(entries.size()) - 1; // the last video track wins
         }
     }
-    m_sizes.tracks = element.Render(m_gathering, false);
+    const UINT64 size = element.Render(m_gathering, false);
     flushHeadPart();
-    if (m_sizes.tracks > 0) { // without tracks there is no element either
+    if (size > 0) { // without tracks there is no element either
         m_seekHead.IndexThis(element, m_segment);
     }
     m_clusters.setTracks(tracks, std::move(entries), cueTrack);
 }
 
-void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& records) {
-    if (records.empty()) {
-        return;
-    }
-    CAttachmentWriter attachments(records);
+// Forced, since the library otherwise insists on mandatory children that were left out on purpose.
+void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
     const UINT64 start = m_gathering.getFilePointer();
-    const UINT64 size = attachments.render(m_gathering);
+    element.Render(m_gathering, false, false, true);
     m_gathering.flush();
     if (m_gathering.takeLost()) {
-        m_gathering.moveTo(start); // the clusters take their place
+        m_gathering.moveTo(start); // what comes next takes its place
         return;
     }
-    m_sizes.attachments = size;
-    m_seekHead.IndexThis(attachments.element(), m_segment);
+    m_seekHead.IndexThis(element, m_segment);
 }
 
 void CMatroskaFile::finalise(double durationNs) {
     m_clusters.flushCluster();
-    m_sizes.clusters = m_clusters.writtenBytes();
     libmatroska::KaxInfo info;
-    mkv::WriteSegmentInfo(info, durationNs);
+    WriteSegmentInfo(info, durationNs);
     if (!m_gathering.isPositionSure()) {
         return; // patches could hit anything
     }
     m_end = m_gathering.getFilePointer();
     try {
-        patch(info);
+        patch(info, m_dataStart + m_gathering.skippedBytes());
     } catch (...) { // whatever was written so far stays, and can be read
         m_gathering.discard();
     }
     m_io.cutOffAt(m_end);
 }
 
-void CMatroskaFile::patch(libmatroska::KaxInfo& info) {
+// The data's start tells the Segment's size: all between it and the end belongs to the Segment.
+void CMatroskaFile::patch(libmatroska::KaxInfo& info, UINT64 dataStart) {
     writeLostHeadParts();
-    if (fillPlace(m_infoPlace, info, true, m_sizes.infoPlace)) {
+    if (fillPlace(m_infoPlace, info, true)) {
         m_seekHead.IndexThis(info, m_segment);
     }
     writeCues();
-    static_cast<void>(fillPlace(m_seekHeadPlace, m_seekHead, false, m_sizes.seekHeadPlace));
-    overwriteSegmentSize();
+    (void)fillPlace(m_seekHeadPlace, m_seekHead, false);
+    overwriteSegmentSize(m_end - dataStart);
 }
 
 void CMatroskaFile::writeLostHeadParts() {
@@ -135,18 +133,15 @@ void CMatroskaFile::writeLostHeadParts() {
         m_gathering.write(part.bytes.data(), part.bytes.size());
         m_gathering.flush();
     }
-    static_cast<void>(m_gathering.takeLost());
+    (void)m_gathering.takeLost();
     m_gathering.moveTo(m_end);
 }
 
 // False when the element does not fit or was lost; the place then stays as it is, and is as long.
-bool CMatroskaFile::fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults,
-                              UINT64& placeBytes) {
+bool CMatroskaFile::fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults) {
     UINT64 replaced = INVALID_FILEPOS_T;
     const bool arrived = arrives([&] { replaced = place.ReplaceWith(element, m_gathering, true, withDefaults); });
-    const bool fits = replaced != INVALID_FILEPOS_T;
-    placeBytes = fits ? replaced : place.ElementSize();
-    return fits && arrived;
+    return arrived && replaced != INVALID_FILEPOS_T;
 }
 
 void CMatroskaFile::writeCues() {
@@ -154,11 +149,10 @@ void CMatroskaFile::writeCues() {
         return;
     }
     m_cues.restorePoints();
-    if (arrives([this] { m_sizes.cues = m_cues.Render(m_gathering, false); })) {
-        m_end += m_sizes.cues;
+    UINT64 size = 0;
+    if (arrives([&] { size = m_cues.Render(m_gathering, false); })) {
+        m_end += size;
         m_seekHead.IndexThis(m_cues, m_segment);
-    } else {
-        m_sizes.cues = 0;
     }
 }
 
@@ -176,9 +170,10 @@ bool CMatroskaFile::arrives(const std::function<void()>& write) {
 }
 
 // The library would accept a size that the field cannot hold, and write a wrong one.
-void CMatroskaFile::overwriteSegmentSize() {
-    const UINT64 dataBytes = m_sizes.dataSize(m_segment.HeadSize());
-    if (mkv::FitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
-        static_cast<void>(arrives([this] { m_segment.OverwriteHead(m_gathering); }));
+void CMatroskaFile::overwriteSegmentSize(UINT64 dataBytes) {
+    if (FitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
+        (void)arrives([this] { m_segment.OverwriteHead(m_gathering); });
     }
 }
+
+} // namespace mkv

@@ -15,8 +15,18 @@
 #include "mkv/cluster_writer.h"
 #include "mkv/gathering_io.h"
 #include "mkv/mkv_cues.h"
-#include "mkv/mkv_track.h"
-#include "mkv/segment_sizes.h"
+#include "mkv/writer_input.h"
+
+namespace mkv {
+
+// The Segment's size field is this long, so that it can be overwritten in place.
+inline constexpr int kSegmentSizeFieldBytes = 5;
+// All ones in it mean an unknown size.
+inline constexpr UINT64 kMaxSegmentDataBytes = (UINT64{1} << (7 * kSegmentSizeFieldBytes)) - 2;
+
+[[nodiscard]] constexpr bool FitsSegmentSizeField(UINT64 dataBytes) {
+    return dataBytes <= kMaxSegmentDataBytes;
+}
 
 class CMatroskaFile {
   public:
@@ -25,10 +35,11 @@ class CMatroskaFile {
     CMatroskaFile& operator=(const CMatroskaFile&) = delete;
     ~CMatroskaFile() = default;
 
-    // The four steps of opening, in this order. The tracks outlive the file. It begins at the output's start.
+    // The steps of opening, in this order. The tracks outlive the file. It begins at the output's start.
     void writeHead(const char* docType);
-    void writeTracks(const MkvTrackList& tracks);
-    void writeAttachments(const std::vector<const MuxAttachment*>& records);
+    void writeTracks(const TrackList& tracks);
+    // A further element of the Segment's own level, such as the attachments; it is not kept.
+    void writeElement(libebml::EbmlMaster& element);
     void startFirstCluster() { m_clusters.startCluster(0); }
 
     [[nodiscard]] CClusterWriter& clusters() { return m_clusters; }
@@ -41,23 +52,24 @@ class CMatroskaFile {
     void writeSegmentHead();
     void writePlaceholder(libebml::EbmlVoid& placeholder);
     void flushHeadPart();
-    void patch(libmatroska::KaxInfo& info);
+    void patch(libmatroska::KaxInfo& info, UINT64 dataStart);
     void writeLostHeadParts();
     [[nodiscard]] bool arrives(const std::function<void()>& write);
-    [[nodiscard]] bool fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults,
-                                 UINT64& placeBytes);
+    [[nodiscard]] bool fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults);
     void writeCues();
-    void overwriteSegmentSize();
+    void overwriteSegmentSize(UINT64 dataBytes);
 
     CFileOutput& m_io;
     CGatheringIO m_gathering;
     std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
+    UINT64 m_dataStart = 0;                 // of the Segment, behind its head
     UINT64 m_end = 0;                       // of the file, without what is patched
     libmatroska::KaxSegment m_segment;
     libmatroska::KaxSeekHead m_seekHead;
     libebml::EbmlVoid m_seekHeadPlace;
     libebml::EbmlVoid m_infoPlace;
     CMkvCues m_cues;
-    SegmentSizes m_sizes;
     CClusterWriter m_clusters; // the last, since it uses the others until its end
 };
+
+} // namespace mkv

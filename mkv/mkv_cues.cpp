@@ -2,6 +2,10 @@
 
 #include <utility>
 
+#include "mkv/element_values.h"
+
+namespace mkv {
+
 namespace {
 
 using libmatroska::KaxCueClusterPosition;
@@ -9,11 +13,6 @@ using libmatroska::KaxCuePoint;
 using libmatroska::KaxCueTime;
 using libmatroska::KaxCueTrack;
 using libmatroska::KaxCueTrackPositions;
-
-template <typename Element>
-void Set(libebml::EbmlMaster& parent, UINT64 value) {
-    static_cast<libebml::EbmlUInteger&>(libebml::GetChild<Element>(parent)) = value;
-}
 
 template <typename Element>
 UINT64 Get(libebml::EbmlMaster& parent) {
@@ -45,9 +44,11 @@ void CMkvCues::restorePoints() {
     const std::vector<Point> points = std::exchange(m_points, {});
     for (const Point& kept : points) {
         auto& point = libebml::AddNewChild<KaxCuePoint>(*this);
-        Set<KaxCueTime>(point, kept.time);
+        SetChild<KaxCueTime>(point, kept.time);
         auto& positions = libebml::AddNewChild<KaxCueTrackPositions>(point);
-        Set<KaxCueTrack>(positions, kept.track);
-        Set<KaxCueClusterPosition>(positions, kept.clusterPosition);
+        SetChild<KaxCueTrack>(positions, kept.track);
+        SetChild<KaxCueClusterPosition>(positions, kept.clusterPosition);
     }
 }
+
+} // namespace mkv

@@ -11,6 +11,8 @@
 
 #include "win/platform.h"
 
+namespace mkv {
+
 class CMkvCues : public libmatroska::KaxCues {
   public:
     // Forgets the announced blocks without a position; they may be gone already.
@@ -34,3 +36,5 @@ class CMkvCues : public libmatroska::KaxCues {
 
     std::vector<Point> m_points;
 };
+
+} // namespace mkv

@@ -83,7 +83,7 @@ void CMkvIO::cutOffAt(uint64 end) {
     if (size && *size > end) {
         ULARGE_INTEGER newSize{};
         newSize.QuadPart = end;
-        static_cast<void>(m_stream->SetSize(newSize));
+        (void)m_stream->SetSize(newSize);
     }
 }
 

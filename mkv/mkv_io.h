@@ -9,7 +9,7 @@
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-class CMkvIO : public CFileOutput {
+class CMkvIO : public mkv::CFileOutput {
   public:
     CMkvIO() = default;
     CMkvIO(const CMkvIO&) = delete;

@@ -1,6 +1,7 @@
 #include "mkv/mkv_writer.h"
 
 #include "log/logger.h"
+#include "mkv/attachments_element.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/debug_trace.h"
 #include "mkv/writer_errors.h"
@@ -10,7 +11,7 @@ namespace {
 constexpr const char* kMatroskaDocType = "matroska";
 constexpr const char* kWebMDocType = "webm";
 
-void LogPacket(const MkvPacket& packet) {
+void LogPacket(const mkv::Packet& packet) {
     if (!g_Logger.IsEnabled()) {
         return;
     }
@@ -41,7 +42,10 @@ void CMkvWriter::Open(CMkvIO* io) {
     m_io = io;
     writeMatroskaHead();
     m_file->writeTracks(m_tracks);
-    m_file->writeAttachments(m_attachments.All());
+    if (const auto attachments = m_attachments.All(); !attachments.empty()) {
+        mkv::CAttachmentsElement element(attachments);
+        m_file->writeElement(element);
+    }
     m_file->startFirstCluster();
 }
 
@@ -49,11 +53,11 @@ void CMkvWriter::writeMatroskaHead() {
     if (m_io == nullptr) {
         throw mkv::kNoOutputError;
     }
-    m_file = std::make_unique<CMatroskaFile>(*m_io);
+    m_file = std::make_unique<mkv::CMatroskaFile>(*m_io);
     m_file->writeHead(m_outputFormat == kWebMFormat ? kWebMDocType : kMatroskaDocType);
 }
 
-void CMkvWriter::WritePacket(const MkvPacket& packet) {
+void CMkvWriter::WritePacket(const mkv::Packet& packet) {
     LogPacket(packet);
     if (!m_file || packet.stream >= m_file->clusters().trackEntryCount()) {
         return;

@@ -10,8 +10,7 @@
 
 #include "mkv/matroska_file.h"
 #include "mkv/mkv_io.h"
-#include "mkv/mkv_packet.h"
-#include "mkv/mkv_track.h"
+#include "mkv/writer_input.h"
 #include "records/attachment_list.h"
 
 class CMkvWriter {
@@ -43,7 +42,7 @@ class CMkvWriter {
     // Writes the head of the file; what was written stays there when it throws.
     void Open(CMkvIO* io);
     // A packet of a stream that is no track is dropped.
-    void WritePacket(const MkvPacket& packet);
+    void WritePacket(const mkv::Packet& packet);
     // Finalises the file; once it has begun to patch the head it swallows every exception.
     void Close();
     // Forgets the output.
@@ -63,6 +62,6 @@ class CMkvWriter {
     std::atomic<UINT32> m_outputFormat{kMatroskaFormat};
     std::atomic<double> m_durationNs{0.0};
     records::CAttachmentList m_attachments;
-    MkvTrackList m_tracks;
-    std::unique_ptr<CMatroskaFile> m_file; // the last, since it uses the tracks
+    mkv::TrackList m_tracks;
+    std::unique_ptr<mkv::CMatroskaFile> m_file; // the last, since it uses the tracks
 };

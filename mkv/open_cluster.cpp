@@ -4,6 +4,8 @@
 
 #include "mkv/cluster_rule.h"
 
+namespace mkv {
+
 namespace {
 
 using libmatroska::DataBuffer;
@@ -17,7 +19,7 @@ std::unique_ptr<DataBuffer> WrapFrame(std::span<BYTE> frame) {
 
 COpenCluster::COpenCluster(const libmatroska::KaxSegment& segment, UINT64 startNs) : m_startNs(startNs) {
     m_cluster.SetParent(segment);
-    m_cluster.InitTimecode(startNs / mkv::kTimecodeScaleNs, mkv::kTimecodeScaleNs);
+    m_cluster.InitTimecode(startNs / kTimecodeScaleNs, kTimecodeScaleNs);
 }
 
 COpenCluster::~COpenCluster() {
@@ -31,7 +33,7 @@ const libmatroska::KaxBlockBlob& COpenCluster::addSimpleBlock(const libmatroska:
     auto buffer = WrapFrame(frame);
     auto& blob = addBlob(libmatroska::BLOCK_BLOB_ALWAYS_SIMPLE);
     blob.AddFrameAuto(track, timeNs, *buffer, libmatroska::LACING_AUTO);
-    static_cast<void>(buffer.release()); // the block's now
+    (void)buffer.release(); // the block's now
     static_cast<libmatroska::KaxSimpleBlock&>(blob).SetKeyframe(keyframe);
     m_cluster.AddBlockBlob(&blob);
     return blob;
@@ -44,15 +46,15 @@ const libmatroska::KaxBlockBlob& COpenCluster::addBlockGroup(const libmatroska::
     auto group = std::make_unique<libmatroska::KaxBlockGroup>();
     group->SetParent(m_cluster);
     group->AddFrame(track, times.timeNs, *buffer, libmatroska::LACING_AUTO);
-    static_cast<void>(buffer.release()); // the block's now
+    (void)buffer.release(); // the block's now
     group->SetBlockDuration(times.durationNs);
     blob.SetBlockGroup(*group.release()); // the blob's now
     m_cluster.AddBlockBlob(&blob);
     return blob;
 }
 
-UINT64 COpenCluster::render(libebml::IOCallback& io, CMkvCues& cues) {
-    return m_cluster.Render(io, cues, false);
+void COpenCluster::render(libebml::IOCallback& io, CMkvCues& cues) {
+    m_cluster.Render(io, cues, false);
 }
 
 libmatroska::KaxBlockBlob& COpenCluster::addBlob(libmatroska::BlockBlobType type) {
@@ -60,3 +62,5 @@ libmatroska::KaxBlockBlob& COpenCluster::addBlob(libmatroska::BlockBlobType type
     blob.SetParent(m_cluster);
     return blob;
 }
+
+} // namespace mkv

@@ -14,6 +14,8 @@
 #include "mkv/mkv_cues.h"
 #include "mkv/time_shifter.h"
 
+namespace mkv {
+
 class COpenCluster {
   public:
     COpenCluster(const libmatroska::KaxSegment& segment, UINT64 startNs);
@@ -30,8 +32,7 @@ class COpenCluster {
                                                     std::span<BYTE> frame, bool keyframe);
     const libmatroska::KaxBlockBlob& addBlockGroup(const libmatroska::KaxTrackEntry& track, const BlockTimes& times,
                                                    std::span<BYTE> frame);
-    // The bytes written.
-    [[nodiscard]] UINT64 render(libebml::IOCallback& io, CMkvCues& cues);
+    void render(libebml::IOCallback& io, CMkvCues& cues);
 
   private:
     libmatroska::KaxBlockBlob& addBlob(libmatroska::BlockBlobType type);
@@ -41,3 +42,5 @@ class COpenCluster {
     std::vector<std::unique_ptr<libmatroska::KaxBlockBlob>> m_blobs;
     CFrameStore m_frames;
 };
+
+} // namespace mkv

@@ -4,15 +4,17 @@
 
 #include "dshow/ref_time.h"
 
+namespace mkv {
+
 namespace {
 
-UINT64 Magnitude(INT64 negative) {
+UINT64 Magnitude(REFERENCE_TIME negative) {
     return UINT64{0} - static_cast<UINT64>(negative);
 }
 
 } // namespace
 
-BlockTimes CTimeShifter::toBlockTimes(UINT32 track, INT64 start, INT64 stop) {
+BlockTimes CTimeShifter::toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop) {
     const UINT64 offset = m_offsets.try_emplace(track, start < 0 ? Magnitude(start) : 0).first->second;
     start = AddSaturated(start, offset);
     stop = AddSaturated(stop, offset);
@@ -26,3 +28,5 @@ BlockTimes CTimeShifter::toBlockTimes(UINT32 track, INT64 start, INT64 stop) {
     times.durationNs = times.endNs - times.timeNs;
     return times;
 }
+
+} // namespace mkv

@@ -8,6 +8,10 @@
 
 #include "win/platform.h"
 
+namespace mkv {
+
+inline constexpr INT64 kNsPerReferenceTime = 100;
+
 struct BlockTimes {
     UINT64 timeNs = 0;
     UINT64 durationNs = 0; // 0 when the packet stops before it starts
@@ -17,8 +21,10 @@ struct BlockTimes {
 class CTimeShifter {
   public:
     // The first call for a track fixes that track's offset.
-    [[nodiscard]] BlockTimes toBlockTimes(UINT32 track, INT64 start, INT64 stop);
+    [[nodiscard]] BlockTimes toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop);
 
   private:
     std::map<UINT32, UINT64> m_offsets; // in units of 100 ns
 };
+
+} // namespace mkv

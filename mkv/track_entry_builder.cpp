@@ -25,7 +25,7 @@ UINT64 RandomTrackUid() {
 
 } // namespace
 
-void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvTrack& track) {
+void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
     const TrackSettings& settings = track.settings.Get();
     // Forced goes with default: the row has one switch for both.
     const UINT64 isDefault = settings.bDefault != 0 ? 1 : 0;

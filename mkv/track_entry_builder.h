@@ -3,11 +3,11 @@
 
 #include <matroska/KaxTracks.h>
 
-#include "mkv/mkv_track.h"
+#include "mkv/writer_input.h"
 
 namespace mkv {
 
 // Fills the entry; number counts from 1. Throws kUnsupportedTypeError, kUnsupportedCodecError.
-void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const MkvTrack& track);
+void FillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
 
 } // namespace mkv

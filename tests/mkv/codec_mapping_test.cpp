@@ -168,7 +168,7 @@ TEST(CodecMappingTest, AnyOtherMajorTypeThrowsItsText) {
     for (const GUID& major : {GUID_NULL, MEDIATYPE_Stream, MEDIATYPE_Midi}) {
         type->majortype = major;
         try {
-            static_cast<void>(mkv::TrackTypeOf(type.Get()));
+            (void)mkv::TrackTypeOf(type.Get());
             ADD_FAILURE() << "nothing was thrown";
         } catch (const char* error) {
             EXPECT_STREQ(error, "CMkvWriter::getTrackType unsupported type");

@@ -83,7 +83,7 @@ TEST_F(FileHeadTest, TheFinishedHeadDiffersOnlyInTheSizeAndTheTwoPlaces) {
     Open();
     const Bytes opened = m_stream.Bytes();
     Write(0, 0, 40 * kMs);
-    static_cast<void>(File());
+    (void)File();
     const Bytes finished = m_stream.Bytes();
     EXPECT_EQ(Part(finished, 0, 44), Part(opened, 0, 44));
     EXPECT_EQ(Part(finished, 655, opened.size() - 655), Part(opened, 655, opened.size() - 655));
@@ -145,7 +145,7 @@ TEST_F(FileHeadTest, TrackTypesByMajorType) {
     EXPECT_EQ(CMkvWriter::getTrackType(test_support::TextType().Get()), 17);
     EXPECT_EQ(CMkvWriter::getTrackType(Utf8Type().Get()), 17);
     const test_support::MediaTypeValue stream(MEDIATYPE_Stream, GUID_NULL, GUID_NULL);
-    EXPECT_THROW(static_cast<void>(CMkvWriter::getTrackType(stream.Get())), const char*);
+    EXPECT_THROW((void)CMkvWriter::getTrackType(stream.Get()), const char*);
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 namespace {
 
 TEST(FrameStoreTest, CopiesStayWhereTheyAreWhileOthersAreAdded) {
-    CFrameStore store;
+    mkv::CFrameStore store;
     std::vector<BYTE> frame{1, 2, 3};
     const BYTE* const first = store.append(std::span<const BYTE>(frame));
     EXPECT_NE(first, frame.data());
@@ -21,7 +21,7 @@ TEST(FrameStoreTest, CopiesStayWhereTheyAreWhileOthersAreAdded) {
 }
 
 TEST(FrameStoreTest, TakesOverBytesWithoutAnotherCopy) {
-    CFrameStore store;
+    mkv::CFrameStore store;
     std::vector<BYTE> frame{1, 2, 3};
     const BYTE* const bytes = frame.data();
     EXPECT_EQ(store.append(std::move(frame)), bytes);
@@ -29,7 +29,7 @@ TEST(FrameStoreTest, TakesOverBytesWithoutAnotherCopy) {
 }
 
 TEST(FrameStoreTest, ResetFreesEverything) {
-    CFrameStore store;
+    mkv::CFrameStore store;
     store.append(std::vector<BYTE>(100));
     store.reset();
     EXPECT_EQ(store.totalBytes(), 0u);

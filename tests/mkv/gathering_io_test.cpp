@@ -24,7 +24,7 @@ class GatheringIOTest : public testing::Test {
 
     MemoryStream m_stream;
     CMkvIO m_io;
-    CGatheringIO m_gathering{m_io};
+    mkv::CGatheringIO m_gathering{m_io};
 };
 
 TEST_F(GatheringIOTest, ManyPiecesLeaveInOneWriteAtTheSamePosition) {
@@ -57,7 +57,7 @@ TEST_F(GatheringIOTest, FilePointerCountsWhatWasGathered) {
 TEST_F(GatheringIOTest, AsksTheStreamForItsPositionOnceAndCountsFromThere) {
     for (int piece = 0; piece < 100; ++piece) {
         m_gathering.write("x", 1);
-        static_cast<void>(m_gathering.getFilePointer());
+        (void)m_gathering.getFilePointer();
     }
     m_gathering.flush();
     m_gathering.write("y", 1);
@@ -125,6 +125,7 @@ TEST_F(GatheringIOTest, ASeekThatFailsOnceIsMadeAgain) {
     m_gathering.write("a", 1);
     m_gathering.flush();
     EXPECT_EQ(Text(), "0a23");
+    EXPECT_EQ(m_gathering.skippedBytes(), 0u);
     EXPECT_TRUE(m_gathering.isPositionSure());
 }
 
@@ -137,6 +138,7 @@ TEST_F(GatheringIOTest, AStreamThatDoesNotSeekIsBelievedWhereItStands) {
     m_gathering.flush();
     EXPECT_EQ(Text(), "0123a");
     EXPECT_EQ(m_gathering.getFilePointer(), 5u);
+    EXPECT_EQ(m_gathering.skippedBytes(), 3u);
     EXPECT_TRUE(m_gathering.isPositionSure());
 }
 

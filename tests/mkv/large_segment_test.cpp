@@ -5,13 +5,13 @@
 #include <map>
 #include <memory>
 
+#include "mkv/attachments_element.h"
 #include "mkv/matroska_file.h"
-#include "mkv/segment_sizes.h"
 
 namespace {
 
 // Positions as a file has them, and the bytes of short writes.
-class SparseOutput : public CFileOutput {
+class SparseOutput : public mkv::CFileOutput {
   public:
     uint32 read(void*, size_t) override { return 0; }
     void setFilePointer(int64 offset, libebml::seek_mode mode) override {
@@ -64,11 +64,12 @@ class LargeSegmentTest : public testing::Test {
             pointers.push_back(records.back().get());
             attachedBytes -= size;
         }
-        const MkvTrackList noTracks;
-        CMatroskaFile file(m_output);
+        const mkv::TrackList noTracks;
+        mkv::CMatroskaFile file(m_output);
         file.writeHead("matroska");
         file.writeTracks(noTracks);
-        file.writeAttachments(pointers);
+        mkv::CAttachmentsElement attachments(pointers);
+        file.writeElement(attachments);
         file.startFirstCluster();
         file.finalise(0.0);
         auto head = m_output.lastWriteAt(kSegmentOffset);
@@ -89,6 +90,14 @@ class LargeSegmentTest : public testing::Test {
 
 constexpr std::array<BYTE, 9> kUnknownSizeHead{0x18, 0x53, 0x80, 0x67, 0x0f, 0xff, 0xff, 0xff, 0xff};
 constexpr std::array<BYTE, 9> kGreatestSizeHead{0x18, 0x53, 0x80, 0x67, 0x0f, 0xff, 0xff, 0xff, 0xfe};
+
+TEST(SegmentSizeTest, SizesAboveTheFiveByteFieldAreRefused) {
+    EXPECT_EQ(mkv::kMaxSegmentDataBytes, 34359738366u);
+    EXPECT_TRUE(mkv::FitsSegmentSizeField(0));
+    EXPECT_TRUE(mkv::FitsSegmentSizeField(34359738366u));
+    EXPECT_FALSE(mkv::FitsSegmentSizeField(34359738367u)); // all ones: unknown
+    EXPECT_FALSE(mkv::FitsSegmentSizeField(34359738368u));
+}
 
 TEST_F(LargeSegmentTest, TheSizeFieldIsFilledUpToItsGreatestValueAndLeftUnknownAboveIt) {
     ASSERT_NE(m_data, nullptr);

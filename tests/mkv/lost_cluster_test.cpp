@@ -10,7 +10,7 @@
 namespace {
 
 // An output that throws at its nth call, as no stream does, but a library underneath might.
-class ThrowingOutput : public CFileOutput {
+class ThrowingOutput : public mkv::CFileOutput {
   public:
     explicit ThrowingOutput(int callsUntil) : m_callsUntil(callsUntil) {}
     uint32 read(void*, size_t) override { return 0; }
@@ -51,12 +51,12 @@ class LostClusterTest : public testing::Test {
                             records::CTrackSettingsRow(0)});
     }
 
-    static MkvPacket Packet(INT64 ms) {
+    static mkv::Packet Packet(INT64 ms) {
         static const BYTE s_payload[] = {1, 2, 3};
         return {ms * 10000, (ms + 40) * 10000, s_payload, sizeof(s_payload), true, 0, false};
     }
 
-    MkvTrackList m_tracks;
+    mkv::TrackList m_tracks;
 };
 
 // The seek to the file's start and one write for each of the two gathered parts of the head; a cluster takes one write.
@@ -64,53 +64,52 @@ constexpr int kCallsOfTheHead = 3;
 
 TEST_F(LostClusterTest, IsDroppedNeverRenderedAgainAndTheNextPacketOpensAnother) {
     ThrowingOutput output(kCallsOfTheHead + 1);
-    CMatroskaFile file(output);
+    mkv::CMatroskaFile file(output);
     file.writeHead("matroska");
     file.writeTracks(m_tracks);
     file.startFirstCluster();
     const auto headBytes = output.writtenBytes();
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
-    EXPECT_THROW(static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(40))), std::runtime_error);
-    EXPECT_EQ(file.clusters().writtenBytes(), 0u);
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(80)));
+    (void)file.clusters().addFrameToCurrentCluster(Packet(0));
+    EXPECT_THROW((void)file.clusters().addFrameToCurrentCluster(Packet(40)), std::runtime_error);
+    EXPECT_EQ(output.writtenBytes(), headBytes);
+    (void)file.clusters().addFrameToCurrentCluster(Packet(80));
     file.clusters().flushCluster();
-    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
+    const auto clusterEnd = output.writtenBytes();
+    EXPECT_GT(clusterEnd, headBytes);
     file.clusters().flushCluster(); // there is none any more
-    EXPECT_EQ(output.writtenBytes() - headBytes, file.clusters().writtenBytes());
+    EXPECT_EQ(output.writtenBytes(), clusterEnd);
 }
 
 TEST_F(LostClusterTest, AFailureInTheLastClusterReachesTheCallerAndClosingAgainFinalises) {
     ThrowingOutput output(kCallsOfTheHead + 1);
-    CMatroskaFile file(output);
+    mkv::CMatroskaFile file(output);
     file.writeHead("matroska");
     file.writeTracks(m_tracks);
     file.startFirstCluster();
-    static_cast<void>(file.clusters().addFrameToCurrentCluster(Packet(0)));
+    (void)file.clusters().addFrameToCurrentCluster(Packet(0));
     EXPECT_THROW(file.finalise(0.0), std::runtime_error);
     EXPECT_NO_THROW(file.finalise(0.0));
 }
 
 TEST_F(LostClusterTest, ALostClustersCuePointsAreForgotten) {
     ThrowingOutput output(4); // the look at the position, the head, a cluster, and the one that fails
-    CGatheringIO gathering(output);
+    mkv::CGatheringIO gathering(output);
     libmatroska::KaxSegment segment;
     segment.WriteHead(gathering, 5);
     gathering.flush();
-    CMkvCues cues;
+    mkv::CMkvCues cues;
     cues.SetGlobalTimecodeScale(1000000);
     libmatroska::KaxTrackEntry entry;
     entry.SetGlobalTimecodeScale(1000000);
     libebml::GetChild<libmatroska::KaxTrackNumber>(entry).SetValue(1);
-    CClusterWriter clusters(gathering, segment, cues);
+    mkv::CClusterWriter clusters(gathering, segment, cues);
     clusters.setTracks(m_tracks, {&entry}, 0);
     clusters.startCluster(0);
-    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(0)));
+    (void)clusters.addFrameToCurrentCluster(Packet(0));
     clusters.flushCluster();
     EXPECT_EQ(cues.pointCount(), 1u);
     EXPECT_EQ(cues.ListSize(), 0u) << "a recording of hours keeps numbers, not elements";
-    EXPECT_EQ(clusters.lastCueTimeNs(), 0u);
-    static_cast<void>(clusters.addFrameToCurrentCluster(Packet(40)));
-    EXPECT_EQ(clusters.lastCueTimeNs(), 40000000u);
+    (void)clusters.addFrameToCurrentCluster(Packet(40));
     EXPECT_THROW(clusters.flushCluster(), std::runtime_error);
     EXPECT_EQ(cues.pointCount(), 1u);
     cues.restorePoints();

@@ -119,6 +119,24 @@ TEST_F(WriterFailuresTest, ASeekThatFailsInTheFinalisationLeavesTheFileAsARecord
     EXPECT_EQ(m_writer.duration(), 400e6);
 }
 
+TEST_F(WriterFailuresTest, BytesThatNoClusterTookAreNoPartOfTheSegmentsSize) {
+    constexpr ULONG kStrayBytes = 5;
+    RegisterVideo();
+    Open();
+    Write(0, 0, 40 * kMs, true);
+    m_stream.AnswerNextWrite(S_OK, kStrayBytes);
+    Write(0, 40 * kMs, 80 * kMs, true); // the cluster of the first frame is lost
+    m_stream.ClearCalls();
+    m_stream.FailNth(StreamOperation::Seek, 1, STG_E_SEEKERROR); // back to where it began
+    m_stream.FailNth(StreamOperation::Seek, 2, STG_E_SEEKERROR);
+    Write(0, 80 * kMs, 120 * kMs, true); // that of the second goes behind what there is of it
+    Finish();
+    const auto layout = Snapshot();
+    ASSERT_NE(layout.Segment(), nullptr);
+    EXPECT_FALSE(layout.Segment()->unknownSize);
+    EXPECT_EQ(layout.Segment()->End(), layout.file.size() - kStrayBytes);
+}
+
 // An output whose writes throw from some moment on, as memory that runs out makes them.
 class ThrowingIO : public CMkvIO {
   public:

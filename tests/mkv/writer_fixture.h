@@ -22,7 +22,7 @@ class WriterTest : public testing::Test {
 
     // The row of an input: language "English", no name, not default, unless said otherwise.
     static records::CTrackSettingsRow Row(const WCHAR* language = OLESTR("English"), const WCHAR* name = OLESTR(""),
-                                 BYTE isDefault = 0);
+                                          BYTE isDefault = 0);
     static test_support::MediaTypeValue CinepakType();
     static test_support::MediaTypeValue PcmType();
     static test_support::MediaTypeValue Utf8Type();

@@ -75,14 +75,14 @@ TEST(ClusterWriterTest, APacketBeyondTheTrackListThrows) {
     test_support::MemoryStream stream;
     CMkvIO io;
     io.setStream(&stream);
-    CGatheringIO gathering(io);
+    mkv::CGatheringIO gathering(io);
     libmatroska::KaxSegment segment;
-    CMkvCues cues;
-    CClusterWriter clusters(gathering, segment, cues);
-    const MkvTrackList noTracks;
-    clusters.setTracks(noTracks, {}, kNoCueTrack);
+    mkv::CMkvCues cues;
+    mkv::CClusterWriter clusters(gathering, segment, cues);
+    const mkv::TrackList noTracks;
+    clusters.setTracks(noTracks, {}, mkv::kNoCueTrack);
     try {
-        static_cast<void>(clusters.addFrameToCurrentCluster({}));
+        (void)clusters.addFrameToCurrentCluster({});
         ADD_FAILURE() << "nothing was thrown";
     } catch (const char* text) {
         EXPECT_STREQ(text, "CMkvWriter::getTrackType trackNum out of range");

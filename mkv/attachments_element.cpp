@@ -1,4 +1,4 @@
-#include "mkv/attachment_writer.h"
+#include "mkv/attachments_element.h"
 
 #include <algorithm>
 #include <memory>
@@ -8,25 +8,27 @@
 
 #include "mkv/element_values.h"
 
+namespace mkv {
+
 namespace {
 
 using libmatroska::KaxAttached;
 
 void FillAttached(KaxAttached& attached, const MuxAttachment& record) {
     if (record.description != nullptr) {
-        mkv::SetTextChild<libmatroska::KaxFileDescription>(attached, record.description);
+        SetTextChild<libmatroska::KaxFileDescription>(attached, record.description);
     }
     if (record.fileName != nullptr) {
-        mkv::SetTextChild<libmatroska::KaxFileName>(attached, record.fileName);
+        SetTextChild<libmatroska::KaxFileName>(attached, record.fileName);
     }
     if (record.mimeType != nullptr) {
-        mkv::SetChild<libmatroska::KaxMimeType>(attached, std::string(record.mimeType));
+        SetChild<libmatroska::KaxMimeType>(attached, std::string(record.mimeType));
     }
     if (record.data != nullptr) {
         libebml::GetChild<libmatroska::KaxFileData>(attached).SetBuffer(record.data, record.dataSize);
     }
     if (record.uid != 0) {
-        mkv::SetChild<libmatroska::KaxFileUID>(attached, record.uid);
+        SetChild<libmatroska::KaxFileUID>(attached, record.uid);
     }
 }
 
@@ -41,10 +43,10 @@ void RemoveChildrenWithoutValue(KaxAttached& attached) {
 
 } // namespace
 
-CAttachmentWriter::CAttachmentWriter(const std::vector<const MuxAttachment*>& records) {
+CAttachmentsElement::CAttachmentsElement(const std::vector<const MuxAttachment*>& records) {
     try {
         for (const MuxAttachment* record : records) {
-            auto& attached = libebml::AddNewChild<KaxAttached>(m_attachments);
+            auto& attached = libebml::AddNewChild<KaxAttached>(*this);
             FillAttached(attached, *record);
             RemoveChildrenWithoutValue(attached);
         }
@@ -54,21 +56,18 @@ CAttachmentWriter::CAttachmentWriter(const std::vector<const MuxAttachment*>& re
     }
 }
 
-CAttachmentWriter::~CAttachmentWriter() {
+CAttachmentsElement::~CAttachmentsElement() {
     returnBorrowedData();
 }
 
-UINT64 CAttachmentWriter::render(libebml::IOCallback& io) {
-    // Forced, since the library otherwise insists on the children that were left out.
-    return m_attachments.Render(io, false, false, true);
-}
-
 // The elements would free the bytes that they were lent.
-void CAttachmentWriter::returnBorrowedData() noexcept {
-    for (libebml::EbmlElement* attached : m_attachments.GetElementList()) {
+void CAttachmentsElement::returnBorrowedData() noexcept {
+    for (libebml::EbmlElement* attached : GetElementList()) {
         auto* const data = libebml::FindChild<libmatroska::KaxFileData>(static_cast<KaxAttached&>(*attached));
         if (data != nullptr) {
             data->SetBuffer(nullptr, 0);
         }
     }
 }
+
+} // namespace mkv

@@ -1,0 +1,30 @@
+// What a file is made of, as the writer is given it: its tracks and their packets.
+#pragma once
+
+#include <vector>
+
+#include "dshow/media_type.h"
+#include "records/track_settings_row.h"
+
+namespace mkv {
+
+// An input that becomes a track: its media type and its settings row, both copies.
+struct Track {
+    CMediaType type;
+    records::CTrackSettingsRow settings;
+};
+
+using TrackList = std::vector<Track>; // the track number is the position, from 1
+
+// One media packet; the bytes stay the caller's.
+struct Packet {
+    REFERENCE_TIME start = 0; // in units of 100 ns, as is stop; equal to it when the sample had no stop time
+    REFERENCE_TIME stop = 0;
+    const BYTE* data = nullptr;
+    UINT32 size = 0; // bytes
+    bool syncPoint = false;
+    UINT32 stream = 0;       // the track, from 0, in the order of registration
+    bool blockGroup = false; // written with its duration, and always a cue point
+};
+
+} // namespace mkv
