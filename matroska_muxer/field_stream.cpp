@@ -15,14 +15,14 @@ void FieldWriter::WriteBytes(const void* bytes, ULONG size) {
     if (size == 0) {
         return;
     }
-    if (const HRESULT result = WriteExactly(&m_stream, bytes, size); FAILED(result)) {
-        throw StreamFailure{result};
+    if (const HRESULT hr = WriteExactly(&m_stream, bytes, size); FAILED(hr)) {
+        throw StreamFailure{hr};
     }
 }
 
 void FieldReader::ReadInto(void* buffer, ULONG size) {
-    if (const HRESULT result = ReadExactly(&m_stream, buffer, size); FAILED(result)) {
-        throw StreamFailure{result};
+    if (const HRESULT hr = ReadExactly(&m_stream, buffer, size); FAILED(hr)) {
+        throw StreamFailure{hr};
     }
 }
 

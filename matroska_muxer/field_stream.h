@@ -1,7 +1,7 @@
 // FieldReader and FieldWriter: single fields on a stream, in the platform's own little-endian order.
 //
 // Units: bytes unless named. Owner: the stream stays the caller's. Threads: one.
-// Errors: throws the failing HRESULT, which the one caller of a whole configuration catches.
+// Errors: throws the failing HRESULT, which the caller of a whole configuration catches.
 #pragma once
 
 #include <type_traits>
@@ -12,7 +12,7 @@
 
 // An HRESULT on its way out of nested reads and writes.
 struct StreamFailure {
-    HRESULT result;
+    HRESULT hr;
 };
 
 class FieldWriter {

@@ -3,10 +3,14 @@
 #include <memory>
 #include <new>
 
+#include "dshow/com_guard.h"
 #include "log/logger.h"
+#include "matroska_muxer/muxer_parameters.h"
 #include "matroska_muxer/stream_kind.h"
 #include "matroska_muxer/writer_guard.h"
 #include "media/input_types.h"
+#include "mkv/mkv_io.h"
+#include "mkv/mkv_writer.h"
 #include "mux/base_mux_output_pin.h"
 
 CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
@@ -14,12 +18,14 @@ CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
 }
 
 CMatroskaMuxer::CMatroskaMuxer(LPUNKNOWN outer, HRESULT* result)
-    : CBaseMux(OLESTR("CMatroskaMuxer"), outer, CLSID_MatroskaMuxer), CPersistStream(GetOwner(), result) {
-    HRESULT pinResult = S_OK;
-    m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &pinResult, OLESTR("Out"));
+    : CBaseMux(OLESTR("CMatroskaMuxer"), outer, CLSID_MatroskaMuxer), CPersistStream(GetOwner(), result),
+      m_io(std::make_unique<CMkvIO>()), m_writer(std::make_unique<CMkvWriter>()),
+      m_parameters(std::make_unique<CMuxerParameters>(*m_writer, Inputs())) {
+    HRESULT pinHr = S_OK;
+    m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &pinHr, OLESTR("Out"));
     AddInputPin();
-    if (result != nullptr && FAILED(pinResult)) {
-        *result = pinResult;
+    if (result != nullptr && FAILED(pinHr)) {
+        *result = pinHr;
     }
 }
 
@@ -63,12 +69,38 @@ HRESULT CMatroskaMuxer::GetClassID(CLSID* clsid) noexcept {
     return CBaseMux::GetClassID(clsid);
 }
 
+HRESULT CMatroskaMuxer::SetValue(const GUID* key, const VARIANT* value) noexcept {
+    if (key == nullptr || value == nullptr) {
+        return E_POINTER;
+    }
+    return ComGuard([&] {
+        bool changed = false;
+        const HRESULT hr = m_parameters->Set(*key, *value, changed);
+        return changed ? SetDirty(TRUE) : hr;
+    });
+}
+
+HRESULT CMatroskaMuxer::GetValue(const GUID* key, VARIANT* value) noexcept {
+    if (key == nullptr || value == nullptr) {
+        return E_POINTER;
+    }
+    return ComGuard([&] { return m_parameters->Get(*key, *value); });
+}
+
+HRESULT CMatroskaMuxer::WriteToStream(IStream* stream) {
+    return m_parameters->Save(*stream);
+}
+
+HRESULT CMatroskaMuxer::ReadFromStream(IStream* stream) {
+    return m_parameters->Load(*stream);
+}
+
 int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
     if (pin == nullptr) {
         return kMuxFailed;
     }
-    HRESULT result = S_OK;
-    *pin = new (std::nothrow) CBaseMuxInputPin(OLESTR("InPin"), this, &m_filterLock, &result, name); // the caller's
+    HRESULT hr = S_OK;
+    *pin = new (std::nothrow) CBaseMuxInputPin(OLESTR("InPin"), this, &m_filterLock, &hr, name); // the caller's
     return *pin == nullptr ? kMuxFailed : kMuxOk;
 }
 
@@ -81,7 +113,7 @@ MuxStreamKind CMatroskaMuxer::GetStreamKind(const CMediaType* type) {
 }
 
 bool CMatroskaMuxer::IsInputActive(int index) {
-    return CBaseMux::IsInputActive(index) && m_settings.IsEnabled(index);
+    return CBaseMux::IsInputActive(index) && m_parameters->Rows().IsEnabled(index);
 }
 
 HRESULT CMatroskaMuxer::OnStartStreaming() {
@@ -90,20 +122,20 @@ HRESULT CMatroskaMuxer::OnStartStreaming() {
     if (!m_downstream) {
         return kMuxFailedResult; // runs on without a file
     }
-    m_writer.detach();
-    m_io.releaseStream();
-    const HRESULT result = GuardWriter(OLESTR("OnStartStreaming"), [this] { return OpenWriter(); });
-    if (FAILED(result)) {
-        m_writer.abandon();
-        m_io.releaseStream();
+    m_writer->detach();
+    m_io->releaseStream();
+    const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] { return OpenWriter(); });
+    if (FAILED(hr)) {
+        m_writer->abandon();
+        m_io->releaseStream();
     }
-    return result;
+    return hr;
 }
 
 HRESULT CMatroskaMuxer::OpenWriter() {
     RegisterTracks();
-    m_io.setStream(m_downstream.Get());
-    m_writer.Open(&m_io);
+    m_io->setStream(m_downstream.Get());
+    m_writer->Open(m_io.get());
     return S_OK;
 }
 
@@ -113,8 +145,9 @@ void CMatroskaMuxer::RegisterTracks() {
     int index = 0;
     for (const auto& pin : m_inputPins) {
         if (pin->Stream() != nullptr) {
-            const records::CTrackSettingsRow row = m_settings.At(index).value_or(records::CTrackSettingsRow(index));
-            m_writer.registerTrack(pin->CurrentMediaType(), row.Get());
+            const records::CTrackSettingsRow row =
+                m_parameters->Rows().At(index).value_or(records::CTrackSettingsRow(index));
+            m_writer->registerTrack(pin->CurrentMediaType(), row.Get());
         }
         ++index;
     }
@@ -123,7 +156,7 @@ void CMatroskaMuxer::RegisterTracks() {
 HRESULT CMatroskaMuxer::OnStopStreaming() {
     const CAutoLock lock(&m_writerLock);
     g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n");
-    if (m_writer.isOpen()) {
+    if (m_writer->isOpen()) {
         CloseWriter();
     }
     CBaseMux::OnStopStreaming();
@@ -131,30 +164,30 @@ HRESULT CMatroskaMuxer::OnStopStreaming() {
 }
 
 void CMatroskaMuxer::CloseWriter() {
-    const HRESULT result = GuardWriter(OLESTR("OnStopStreaming"), [this] {
-        m_writer.Close();
+    const HRESULT hr = GuardWriter(OLESTR("OnStopStreaming"), [this] {
+        m_writer->Close();
         return S_OK;
     });
-    if (FAILED(result)) {
-        m_writer.abandon();
+    if (FAILED(hr)) {
+        m_writer->abandon();
     }
-    m_io.releaseStream();
-    m_writer.detach();
+    m_io->releaseStream();
+    m_writer->detach();
 }
 
 int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {
     const CAutoLock lock(&m_writerLock);
     CMuxInterStream* const stream = pin->Stream();
-    if (const HRESULT written = m_io.lastWriteResult(); written != S_OK && stream != nullptr) {
+    if (const HRESULT written = m_io->lastWriteResult(); written != S_OK && stream != nullptr) {
         stream->SetStreamResult(written);
     }
     if (media::IsTextOrSubtitle(pin->CurrentMediaType())) {
         packet->muxerFlag = kBlockGroupFlag;
     }
-    if (m_writer.isOpen()) {
-        const HRESULT result = GuardWriter(OLESTR("ProcessPacket"), [&] { return WriteToWriter(*packet); });
-        if (FAILED(result) && stream != nullptr) {
-            stream->SetStreamResult(result);
+    if (m_writer->isOpen()) {
+        const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] { return WriteToWriter(*packet); });
+        if (FAILED(hr) && stream != nullptr) {
+            stream->SetStreamResult(hr);
         }
     }
     return kMuxOk;
@@ -169,6 +202,6 @@ HRESULT CMatroskaMuxer::WriteToWriter(const CMuxInterPacket& packet) {
     out.syncPoint = packet.syncPoint;
     out.stream = static_cast<UINT32>(packet.streamIndex);
     out.blockGroup = packet.muxerFlag == kBlockGroupFlag;
-    m_writer.WritePacket(out);
+    m_writer->WritePacket(out);
     return S_OK;
 }

@@ -6,17 +6,19 @@
 // Errors: HRESULTs; what the writer throws is logged and becomes one.
 #pragma once
 
-#include <qrx_mkvmuxer.h>
+#include <memory>
 
 #include "dshow/persist_stream.h"
-#include "records/track_settings_table.h"
-#include "mkv/mkv_io.h"
-#include "mkv/mkv_writer.h"
+#include "matroska_muxer/module_config_base.h"
 #include "mux/base_mux.h"
+
+class CMkvIO;
+class CMkvWriter;
+class CMuxerParameters;
 
 class CMatroskaMuxer final : public CBaseMux,
                              public ISpecifyPropertyPages,
-                             public IModuleConfig,
+                             public CModuleConfigBase,
                              public CPersistStream {
   public:
     // For the class factory. The status of the output pin's creation goes to *result.
@@ -43,20 +45,6 @@ class CMatroskaMuxer final : public CBaseMux,
     // IModuleConfig. A null record or variant is E_POINTER.
     STDMETHODIMP SetValue(const GUID* key, const VARIANT* value) noexcept override;
     STDMETHODIMP GetValue(const GUID* key, VARIANT* value) noexcept override;
-    STDMETHODIMP DescribeValue(const GUID* key, IUnknown** description) noexcept override;
-    STDMETHODIMP IsSupported(const GUID* key) noexcept override;
-    STDMETHODIMP SetDefaults() noexcept override;
-    STDMETHODIMP EnumValues(LONG* count, GUID** keys) noexcept override;
-    STDMETHODIMP CommitChanges() noexcept override;
-    STDMETHODIMP DeclineChanges() noexcept override;
-    STDMETHODIMP SaveToRegistry(HKEY root, BSTR path) noexcept override;
-    STDMETHODIMP LoadFromRegistry(HKEY root, BSTR path) noexcept override;
-    STDMETHODIMP Advise(IUnknown* sink) noexcept override;
-    STDMETHODIMP Unadvise(IUnknown* sink) noexcept override;
-
-    // The settings of the tracks: one row for each of the first 100 inputs.
-    [[nodiscard]] records::CTrackSettingsTable& Settings() { return m_settings; }
-    [[nodiscard]] CMkvWriter& Writer() { return m_writer; }
 
     // CPersistStream
     HRESULT WriteToStream(IStream* stream) override;
@@ -80,14 +68,8 @@ class CMatroskaMuxer final : public CBaseMux,
     HRESULT WriteToWriter(const CMuxInterPacket& packet);
     void CloseWriter();
 
-    HRESULT SetTrackInfo(const TrackSettings* record);
-    HRESULT GetTrackInfo(TrackSettings* record);
-    HRESULT SetDocType(UINT32 docType);
-    HRESULT AddAttachment(const MuxAttachment* record);
-    static HRESULT SetLogDirectory(BSTR directory);
-
-    CCritSec m_writerLock; // guards m_io and m_writer
-    CMkvIO m_io;
-    CMkvWriter m_writer;
-    records::CTrackSettingsTable m_settings;
+    CCritSec m_writerLock; // guards what the next two point at
+    const std::unique_ptr<CMkvIO> m_io;
+    const std::unique_ptr<CMkvWriter> m_writer;
+    const std::unique_ptr<CMuxerParameters> m_parameters;
 };

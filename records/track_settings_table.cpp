@@ -5,16 +5,17 @@
 
 namespace records {
 
+namespace {
+
+constexpr INT32 kDefaultRows = 100;
+
+} // namespace
+
 CTrackSettingsTable::CTrackSettingsTable() {
     m_rows.reserve(kDefaultRows);
     for (INT32 index = 0; index < kDefaultRows; ++index) {
         m_rows.emplace_back(index);
     }
-}
-
-size_t CTrackSettingsTable::Count() const {
-    const std::lock_guard lock(m_lock);
-    return m_rows.size();
 }
 
 bool CTrackSettingsTable::Has(INT32 index) const {

@@ -13,11 +13,8 @@ namespace records {
 
 class CTrackSettingsTable {
   public:
-    static constexpr INT32 kDefaultRows = 100;
-
     CTrackSettingsTable();
 
-    [[nodiscard]] size_t Count() const;
     [[nodiscard]] bool Has(INT32 index) const;
     // The row at that position; none outside the table.
     [[nodiscard]] std::optional<CTrackSettingsRow> At(INT32 index) const;

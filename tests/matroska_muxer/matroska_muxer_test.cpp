@@ -173,9 +173,9 @@ TEST(MatroskaMuxer, The101stInputHasNoRowAndIsWrittenAllTheSame) {
 
 TEST(MatroskaMuxer, ItsRowsBeginWithTheirDefaults) {
     MuxerRig rig;
-    ASSERT_EQ(100u, rig.Muxer().Settings().Count());
+    ASSERT_EQ(100u, rig.RowCount());
     for (INT32 i = 0; i < 100; ++i) {
-        const auto row = rig.Muxer().Settings().At(i);
+        const auto row = rig.Row(i);
         ASSERT_TRUE(row);
         EXPECT_EQ(i, row->Get().index);
         EXPECT_EQ(1, row->Get().bEnabled);
@@ -185,8 +185,8 @@ TEST(MatroskaMuxer, ItsRowsBeginWithTheirDefaults) {
         EXPECT_EQ(WideString(), row->Get().name);
         EXPECT_EQ(-1, row->Get().trackType);
     }
-    EXPECT_FALSE(rig.Muxer().Settings().At(100));
-    EXPECT_FALSE(rig.Muxer().Settings().At(-1));
+    EXPECT_FALSE(rig.Row(100));
+    EXPECT_FALSE(rig.Row(-1));
 }
 
 TEST(MatroskaMuxer, RowsReachTheirTracks) {
@@ -304,13 +304,13 @@ TEST(MatroskaMuxer, AfterARefusedStartAnotherRunWritesAWholeFile) {
 
 // What an upstream filter hears once the worker has met the failure; a cluster is written every 32 samples.
 HRESULT DeliverUntilRefused(MuxerRig& rig) {
-    HRESULT result = S_OK;
+    HRESULT hr = S_OK;
     const auto deadline = std::chrono::steady_clock::now() + kWatchdog;
-    for (INT64 i = 0; result == S_OK && std::chrono::steady_clock::now() < deadline; ++i) {
-        result = rig.Deliver(0, i * 1000, 1000);
+    for (INT64 i = 0; hr == S_OK && std::chrono::steady_clock::now() < deadline; ++i) {
+        hr = rig.Deliver(0, i * 1000, 1000);
         Sleep(1); // the worker is not far behind
     }
-    return result;
+    return hr;
 }
 
 TEST(MatroskaMuxer, AFailedWriteReachesTheUpstreamFilterAndMuxingGoesOn) {

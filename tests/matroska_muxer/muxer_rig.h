@@ -5,9 +5,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "matroska_muxer/matroska_muxer.h"
+#include "records/track_settings_row.h"
 #include "tests/support/fake_graph.h"
 #include "tests/support/fake_sink_pin.h"
 #include "tests/support/fake_upstream_pin.h"
@@ -24,6 +26,7 @@ class MuxerRig {
 
     [[nodiscard]] IBaseFilter* Filter() const { return m_filter.Get(); }
     [[nodiscard]] CMatroskaMuxer& Muxer() const { return *m_muxer; }
+    [[nodiscard]] IModuleConfig* Config() const { return m_config.Get(); }
     [[nodiscard]] test_support::FakeSinkPin& Sink() { return m_sink; }
     [[nodiscard]] test_support::FakeGraph& Graph() { return m_graph; }
     // The n-th source that was plugged in.
@@ -32,8 +35,13 @@ class MuxerRig {
     HRESULT ConnectOutput();
     // Plugs a source of that type into the free input.
     HRESULT ConnectInput(const test_support::MediaTypeValue& type);
-    // Sets one row of the tracks' settings.
+
+    // The parameters, as applications set and get them.
     void SetRow(const TrackSettings& row);
+    // None where the filter has no row.
+    [[nodiscard]] std::optional<records::CTrackSettingsRow> Row(INT32 index) const;
+    [[nodiscard]] size_t RowCount() const;
+    [[nodiscard]] ULONG DocType() const;
 
     HRESULT Pause() { return m_filter->Pause(); }
     HRESULT Stop() { return m_filter->Stop(); }
@@ -51,6 +59,7 @@ class MuxerRig {
     test_support::FakeSinkPin m_sink;
     std::vector<std::unique_ptr<test_support::FakeUpstreamPin>> m_inputs;
     win::ComPtr<IBaseFilter> m_filter;
+    win::ComPtr<IModuleConfig> m_config;
     CMatroskaMuxer* m_muxer = nullptr; // behind m_filter
     LONG m_objectsBefore;
     std::vector<BYTE> m_file;

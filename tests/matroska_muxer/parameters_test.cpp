@@ -42,11 +42,6 @@ class Parameters : public ::testing::Test {
         V_BYREF(&value) = const_cast<MuxAttachment*>(&attachment);
         return m_config->SetValue(&MKVMUX_Attachment, &value);
     }
-    [[nodiscard]] ULONG DocType() {
-        VARIANT value{};
-        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_DocType, &value));
-        return V_UI4(&value);
-    }
     HRESULT SetLogDirectory(BSTR directory) {
         VARIANT value{};
         V_BSTR(&value) = directory;
@@ -117,8 +112,8 @@ TEST_F(Parameters, ARowOutOfRangeIsAnInvalidArgumentAndChangesNothing) {
         EXPECT_EQ(E_INVALIDARG, GetRow(read.row));
         EXPECT_EQ(index, read.row.index);
     }
-    EXPECT_EQ(100u, m_rig.Muxer().Settings().Count());
-    EXPECT_TRUE(m_rig.Muxer().Settings().IsEnabled(99));
+    EXPECT_EQ(100u, m_rig.RowCount());
+    EXPECT_EQ(1, m_rig.Row(99)->Get().bEnabled);
 }
 
 TEST_F(Parameters, ARowOutOfRangeIsRefusedBeforeItsStringsAreRead) {
@@ -144,15 +139,15 @@ TEST_F(Parameters, TheTrackTypeIsThatOfTheConnectedPin) {
 }
 
 TEST_F(Parameters, DocumentTypesOfTwoAndMoreAreAcceptedAndIgnored) {
-    EXPECT_EQ(0u, DocType());
+    EXPECT_EQ(0u, m_rig.DocType());
     EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 1));
-    EXPECT_EQ(1u, DocType());
+    EXPECT_EQ(1u, m_rig.DocType());
     for (const ULONG value : {ULONG{2}, ULONG{3}, ULONG{0x80000000}, ULONG{0xffffffff}}) {
         EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, value));
-        EXPECT_EQ(1u, DocType());
+        EXPECT_EQ(1u, m_rig.DocType());
     }
     EXPECT_EQ(S_OK, SetNumber(MKVMUX_DocType, 0));
-    EXPECT_EQ(0u, DocType());
+    EXPECT_EQ(0u, m_rig.DocType());
 }
 
 TEST_F(Parameters, TheDocumentTypeAndTheRowsAreReadWhenStreamingStarts) {
@@ -238,7 +233,7 @@ TEST_F(Parameters, TheVariantsTypeTagIsNeitherCheckedNorSet) {
     V_VT(&value) = VT_EMPTY;
     V_UI4(&value) = 1;
     EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_DocType, &value));
-    EXPECT_EQ(1u, DocType());
+    EXPECT_EQ(1u, m_rig.DocType());
 }
 
 TEST_F(Parameters, UnknownAndOneWayKeysFail) {
@@ -299,7 +294,8 @@ TEST_F(Parameters, AttachmentsReachTheFileAndStayForTheNextOne) {
         const std::vector<BYTE> payload = {1, 2, 3, 4, 5};
         EXPECT_NE(file.end(), std::search(file.begin(), file.end(), payload.begin(), payload.end()));
     }
-    EXPECT_EQ(2u, m_rig.Muxer().Writer().attachmentCount());
+    const MatroskaLayout layout = m_rig.Layout();
+    EXPECT_EQ(2u, layout.Segment()->Child(ebml_id::kAttachments)->Children(ebml_id::kAttachedFile).size());
 }
 
 // The leak checker of the Linux lane watches the copies; the address checker, that none is freed twice.

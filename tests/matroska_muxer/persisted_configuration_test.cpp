@@ -72,24 +72,24 @@ class PersistedConfiguration : public ::testing::Test {
         stream.SetBytes(bytes);
         return m_persist->Load(&stream);
     }
-    [[nodiscard]] records::CTrackSettingsTable& Rows() const { return m_rig.Muxer().Settings(); }
-    [[nodiscard]] CMkvWriter& Writer() const { return m_rig.Muxer().Writer(); }
 
     MuxerRig m_rig;
     win::ComPtr<IPersistStream> m_persist;
 };
 
-// Three rows, webm, two attachments.
-Bytes Configured() {
+// Three rows, webm, and twice as many attachments as it was loaded times: one with all its fields, one with none.
+Bytes Configured(UINT32 timesLoaded = 1) {
     Golden golden;
     golden.Header().Number(3, 8);
     golden.Row(0, 1, 1, 0, -1, "French", "main");
     golden.Row(9, 0, 0, 7, 17, "", ""); // an index is kept as it was stored
     golden.Row(2, 1, 0, 0, 2, "German", "x");
-    golden.Number(1, 4).Number(2, 4);
-    golden.Number(6, 4).Text("a.b").Number(4, 4).Text("de").Number(10, 4).Raw("text/plain").Number(3, 4).Raw("xyz");
-    golden.Number(0x0123456789abcdefULL, 8);
-    golden.Number(0, 4).Number(0, 4).Number(0, 4).Number(0, 4).Number(2, 8);
+    golden.Number(1, 4).Number(2 * timesLoaded, 4);
+    for (UINT32 i = 0; i < timesLoaded; ++i) {
+        golden.Number(6, 4).Text("a.b").Number(4, 4).Text("de").Number(10, 4).Raw("text/plain").Number(3, 4).Raw("xyz");
+        golden.Number(0x0123456789abcdefULL, 8);
+        golden.Number(0, 4).Number(0, 4).Number(0, 4).Number(0, 4).Number(2, 8);
+    }
     return golden.Get();
 }
 
@@ -104,12 +104,12 @@ TEST_F(PersistedConfiguration, AConfiguredFilterSavesWhatWasLoadedByteForByte) {
 
 TEST_F(PersistedConfiguration, LoadingThreeRowsLeavesExactlyThree) {
     ASSERT_EQ(S_OK, LoadBytes(Configured()));
-    ASSERT_EQ(3u, Rows().Count());
-    EXPECT_EQ(WideString(OLESTR("French")), Rows().At(0)->Get().language);
-    EXPECT_EQ(9, Rows().At(1)->Get().index);
-    EXPECT_EQ(17, Rows().At(1)->Get().trackType);
-    EXPECT_EQ(7, Rows().At(1)->Get().bReserved);
-    EXPECT_EQ(1u, Writer().outputFormat());
+    ASSERT_EQ(3u, m_rig.RowCount());
+    EXPECT_EQ(WideString(OLESTR("French")), m_rig.Row(0)->Get().language);
+    EXPECT_EQ(9, m_rig.Row(1)->Get().index);
+    EXPECT_EQ(17, m_rig.Row(1)->Get().trackType);
+    EXPECT_EQ(7, m_rig.Row(1)->Get().bReserved);
+    EXPECT_EQ(1u, m_rig.DocType());
     for (int i = 0; i < 4; ++i) {
         ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
     }
@@ -121,24 +121,37 @@ TEST_F(PersistedConfiguration, LoadingThreeRowsLeavesExactlyThree) {
 TEST_F(PersistedConfiguration, LoadingReplacesTheRowsAndAddsTheAttachments) {
     ASSERT_EQ(S_OK, LoadBytes(Configured()));
     ASSERT_EQ(S_OK, LoadBytes(Configured()));
-    EXPECT_EQ(3u, Rows().Count());
-    ASSERT_EQ(4u, Writer().attachmentCount());
-    const MuxAttachment& first = *Writer().attachment(2);
-    EXPECT_EQ(WideString(OLESTR("a.b")), first.fileName);
-    EXPECT_EQ(WideString(OLESTR("de")), first.description);
-    EXPECT_STREQ("text/plain", first.mimeType);
-    EXPECT_EQ(Bytes({'x', 'y', 'z'}), Bytes(first.data, first.data + first.dataSize));
-    EXPECT_EQ(0x0123456789abcdefULL, first.uid);
-    const MuxAttachment& second = *Writer().attachment(3);
-    EXPECT_EQ(nullptr, second.fileName);
-    EXPECT_EQ(nullptr, second.mimeType);
-    EXPECT_EQ(0u, second.dataSize);
+    EXPECT_EQ(3u, m_rig.RowCount());
+    EXPECT_EQ(Configured(2), Saved());
+}
+
+TEST_F(PersistedConfiguration, LoadedAttachmentsReachTheFileAndUnsetFieldsAreLeftOut) {
+    namespace id = test_support::ebml_id;
+    ASSERT_EQ(S_OK, LoadBytes(Configured()));
+    ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
+    ASSERT_EQ(S_OK, m_rig.ConnectOutput());
+    ASSERT_EQ(S_OK, m_rig.Pause());
+    ASSERT_EQ(S_OK, m_rig.Stop());
+    const MatroskaLayout layout = m_rig.Layout();
+    const EbmlElement* const attachments = layout.Segment()->Child(id::kAttachments);
+    ASSERT_NE(nullptr, attachments);
+    const auto attached = attachments->Children(id::kAttachedFile);
+    ASSERT_EQ(2u, attached.size());
+    const EbmlElement& first = *attached[0];
+    EXPECT_EQ("a.b", TextOf(layout.file, *first.Child(id::kFileName)));
+    EXPECT_EQ("de", TextOf(layout.file, *first.Child(id::kFileDescription)));
+    EXPECT_EQ("text/plain", TextOf(layout.file, *first.Child(id::kFileMimeType)));
+    EXPECT_EQ("xyz", TextOf(layout.file, *first.Child(id::kFileData)));
+    EXPECT_EQ(0x0123456789abcdefULL, UnsignedOf(layout.file, *first.Child(id::kFileUid)));
+    const EbmlElement& second = *attached[1];
+    ASSERT_EQ(1u, second.children.size());
+    EXPECT_EQ(2u, UnsignedOf(layout.file, *second.Child(id::kFileUid)));
 }
 
 TEST_F(PersistedConfiguration, AnUnknownDocumentTypeLeavesTheOldOne) {
     ASSERT_EQ(S_OK, LoadBytes(Golden().Header().Number(0, 8).Number(1, 4).Number(0, 4).Get()));
     ASSERT_EQ(S_OK, LoadBytes(Golden().Header().Number(0, 8).Number(2, 4).Number(0, 4).Get()));
-    EXPECT_EQ(1u, Writer().outputFormat());
+    EXPECT_EQ(1u, m_rig.DocType());
 }
 
 TEST_F(PersistedConfiguration, SizeMaxIsThatOfTheHeaderAndTheClassIsTheFilters) {
@@ -167,7 +180,7 @@ TEST_F(PersistedConfiguration, CutAtEveryByteIsAnErrorThatKeepsWhatWasReadAndThe
         EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_HANDLE_EOF),
                   LoadBytes(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length))));
     }
-    EXPECT_LE(Rows().Count(), 3u);
+    EXPECT_LE(m_rig.RowCount(), 3u);
     ASSERT_EQ(S_OK, m_rig.ConnectInput(WaveType(mediasubtype::kPcm)));
     ASSERT_EQ(S_OK, m_rig.ConnectOutput());
     EXPECT_EQ(S_OK, m_rig.Pause());
@@ -178,7 +191,7 @@ TEST_F(PersistedConfiguration, ATruncatedRowLeavesTheRowsBeforeIt) {
     const Bytes whole = FreshFilter();
     const size_t twoRows = 24 + 8 + 2 * (11 + 4 + 14 + 4) + 5;
     EXPECT_TRUE(FAILED(LoadBytes(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(twoRows)))));
-    EXPECT_EQ(2u, Rows().Count());
+    EXPECT_EQ(2u, m_rig.RowCount());
 }
 
 TEST_F(PersistedConfiguration, EveryFailingReadAndWriteIsReturned) {
@@ -227,7 +240,7 @@ TEST_F(PersistedConfiguration, RandomBytesAreAnErrorOrAConfigurationNeverACrash)
         LoadBytes(bytes);
     }
     ASSERT_EQ(S_OK, LoadBytes(FreshFilter()));
-    EXPECT_EQ(100u, Rows().Count());
+    EXPECT_EQ(100u, m_rig.RowCount());
 }
 
 TEST_F(PersistedConfiguration, NullStreamsAreRefused) {
@@ -244,7 +257,7 @@ TEST_F(PersistedConfiguration, SupplementaryCharactersComeBack) {
     const Bytes saved = Saved();
     m_rig.SetRow({0, 1, 0, 0, nullptr, nullptr, -1});
     ASSERT_EQ(S_OK, LoadBytes(saved));
-    EXPECT_EQ(text, Rows().At(0)->Get().name);
+    EXPECT_EQ(text, m_rig.Row(0)->Get().name);
 }
 
 } // namespace

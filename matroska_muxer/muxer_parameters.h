@@ -1,0 +1,43 @@
+// CMuxerParameters: the parameters of the filter: a table says of each how it is set, got and saved.
+//
+// Owner: the filter; what the parameters reach outlives it. Threads: any. None takes the filter lock or the writer
+// lock: the stream that is written to may ask for them on the worker, which Stop joins.
+// Errors: HRESULTs; std::bad_alloc.
+#pragma once
+
+#include "records/track_settings_table.h"
+#include "win/platform.h"
+
+class CMkvWriter;
+class ConnectedInputs;
+
+// What the parameters reach. Of the writer only what any thread may ask: document type, attachments, duration.
+struct ParameterTargets {
+    records::CTrackSettingsTable& rows;
+    CMkvWriter& writer;
+    const ConnectedInputs& inputs;
+};
+
+class CMuxerParameters {
+  public:
+    CMuxerParameters(CMkvWriter& writer, const ConnectedInputs& inputs);
+    CMuxerParameters(const CMuxerParameters&) = delete;
+    CMuxerParameters& operator=(const CMuxerParameters&) = delete;
+
+    // E_FAIL for a key that is unknown, cannot be set, or cannot be got. Tells whether what is saved has changed.
+    [[nodiscard]] HRESULT Set(const GUID& key, const VARIANT& value, bool& changed);
+    // Only the key's own field of the value is written, its type tag is not.
+    [[nodiscard]] HRESULT Get(const GUID& key, VARIANT& value) const;
+
+    // The saved parameters as bytes, the body behind the version header of the filter's persisted stream.
+    [[nodiscard]] HRESULT Save(IStream& stream) const;
+    // Replaces the rows, sets the document type and adds the attachments. Rows that were read before an error stay.
+    [[nodiscard]] HRESULT Load(IStream& stream);
+
+    // One for each of the first 100 inputs.
+    [[nodiscard]] const records::CTrackSettingsTable& Rows() const { return m_rows; }
+
+  private:
+    records::CTrackSettingsTable m_rows;
+    const ParameterTargets m_targets;
+};
