@@ -11,7 +11,7 @@ constexpr UINT64 kPieceBytes = 1048576; // 1 MiB
 
 } // namespace
 
-void FieldWriter::WriteBytes(const void* bytes, ULONG size) {
+void CFieldWriter::WriteBytes(const void* bytes, ULONG size) {
     if (size == 0) {
         return;
     }
@@ -20,13 +20,13 @@ void FieldWriter::WriteBytes(const void* bytes, ULONG size) {
     }
 }
 
-void FieldReader::ReadInto(void* buffer, ULONG size) {
+void CFieldReader::ReadInto(void* buffer, ULONG size) {
     if (const HRESULT hr = ReadExactly(&m_stream, buffer, size); FAILED(hr)) {
         throw StreamFailure{hr};
     }
 }
 
-std::vector<BYTE> FieldReader::ReadBytes(UINT64 size) {
+std::vector<BYTE> CFieldReader::ReadBytes(UINT64 size) {
     std::vector<BYTE> bytes;
     while (bytes.size() < size) {
         const auto piece = static_cast<ULONG>(std::min<UINT64>(kPieceBytes, size - bytes.size()));
@@ -37,7 +37,7 @@ std::vector<BYTE> FieldReader::ReadBytes(UINT64 size) {
     return bytes;
 }
 
-win::Bstr FieldReader::ReadText(UINT64 bytes) {
+win::Bstr CFieldReader::ReadText(UINT64 bytes) {
     const std::vector<BYTE> raw = ReadBytes(bytes);
     WideString text(raw.size() / sizeof(WCHAR), WCHAR{});
     if (!text.empty()) {

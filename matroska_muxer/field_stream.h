@@ -1,4 +1,4 @@
-// FieldReader and FieldWriter: single fields on a stream, in the platform's own little-endian order.
+// CFieldReader and CFieldWriter: single fields on a stream, in the platform's own little-endian order.
 //
 // Units: bytes unless named. Owner: the stream stays the caller's. Threads: one.
 // Errors: throws the failing HRESULT, which the caller of a whole configuration catches.
@@ -15,9 +15,9 @@ struct StreamFailure {
     HRESULT hr;
 };
 
-class FieldWriter {
+class CFieldWriter {
   public:
-    explicit FieldWriter(IStream& stream) : m_stream(stream) {}
+    explicit CFieldWriter(IStream& stream) : m_stream(stream) {}
 
     template <typename Number>
     void Write(Number value) {
@@ -31,9 +31,9 @@ class FieldWriter {
     IStream& m_stream;
 };
 
-class FieldReader {
+class CFieldReader {
   public:
-    explicit FieldReader(IStream& stream) : m_stream(stream) {}
+    explicit CFieldReader(IStream& stream) : m_stream(stream) {}
 
     template <typename Number>
     [[nodiscard]] Number Read() {

@@ -6,6 +6,7 @@
 #include <qrx_mkvmuxer.h>
 
 #include "dshow/media_type.h"
+#include "dshow/ref_time.h"
 #include "log/logger.h"
 #include "matroska_muxer/field_stream.h"
 #include "matroska_muxer/record_fields.h"
@@ -50,7 +51,7 @@ HRESULT GetTrackInfo(const ParameterTargets& targets, VARIANT& value) {
     return S_OK;
 }
 
-void WriteRows(const ParameterTargets& targets, FieldWriter& out) {
+void WriteRows(const ParameterTargets& targets, CFieldWriter& out) {
     const auto rows = targets.rows.All();
     out.Write(static_cast<UINT64>(rows.size()));
     for (const records::CTrackSettingsRow& row : rows) {
@@ -58,7 +59,7 @@ void WriteRows(const ParameterTargets& targets, FieldWriter& out) {
     }
 }
 
-void ReadRows(const ParameterTargets& targets, FieldReader& in) {
+void ReadRows(const ParameterTargets& targets, CFieldReader& in) {
     targets.rows.Clear();
     for (auto rows = in.Read<UINT64>(); rows > 0; --rows) {
         targets.rows.Append(ReadRow(in));
@@ -79,11 +80,11 @@ HRESULT GetDocType(const ParameterTargets& targets, VARIANT& value) {
     return S_OK;
 }
 
-void WriteDocType(const ParameterTargets& targets, FieldWriter& out) {
+void WriteDocType(const ParameterTargets& targets, CFieldWriter& out) {
     out.Write(targets.writer.outputFormat());
 }
 
-void ReadDocType(const ParameterTargets& targets, FieldReader& in) {
+void ReadDocType(const ParameterTargets& targets, CFieldReader& in) {
     targets.writer.setOutputFormat(in.Read<UINT32>());
 }
 
@@ -98,7 +99,7 @@ HRESULT AddAttachment(const ParameterTargets& targets, const VARIANT& value, boo
     return changed ? S_OK : E_INVALIDARG;
 }
 
-void WriteAttachments(const ParameterTargets& targets, FieldWriter& out) {
+void WriteAttachments(const ParameterTargets& targets, CFieldWriter& out) {
     const size_t count = targets.writer.attachmentCount(); // the list only grows
     out.Write(static_cast<UINT32>(count));
     for (size_t i = 0; i < count; ++i) {
@@ -106,7 +107,7 @@ void WriteAttachments(const ParameterTargets& targets, FieldWriter& out) {
     }
 }
 
-void ReadAttachments(const ParameterTargets& targets, FieldReader& in) {
+void ReadAttachments(const ParameterTargets& targets, CFieldReader& in) {
     for (auto count = in.Read<UINT32>(); count > 0; --count) {
         ReadAttachment(in, targets.writer);
     }
@@ -127,7 +128,7 @@ HRESULT SetLogDirectory(const ParameterTargets& /*targets*/, const VARIANT& valu
 }
 
 HRESULT GetPosition(const ParameterTargets& targets, VARIANT& value) {
-    V_I8(&value) = static_cast<REFERENCE_TIME>(targets.writer.duration() / double{mkv::kNsPerReferenceTime});
+    V_I8(&value) = static_cast<REFERENCE_TIME>(targets.writer.duration() / double{kNsPerReferenceTime});
     return S_OK;
 }
 
@@ -140,8 +141,8 @@ HRESULT GetInputCount(const ParameterTargets& targets, VARIANT& value) {
 
 // How a parameter is written into a configuration and read from it.
 struct Saved {
-    void (*write)(const ParameterTargets& targets, FieldWriter& out);
-    void (*read)(const ParameterTargets& targets, FieldReader& in);
+    void (*write)(const ParameterTargets& targets, CFieldWriter& out);
+    void (*read)(const ParameterTargets& targets, CFieldReader& in);
 };
 
 struct Parameter {
@@ -191,7 +192,7 @@ HRESULT OnEverySaved(Body body) {
 
 } // namespace
 
-CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const ConnectedInputs& inputs)
+CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs)
     : m_targets{m_rows, writer, inputs} {}
 
 HRESULT CMuxerParameters::Set(const GUID& key, const VARIANT& value, bool& changed) {
@@ -206,11 +207,11 @@ HRESULT CMuxerParameters::Get(const GUID& key, VARIANT& value) const {
 }
 
 HRESULT CMuxerParameters::Save(IStream& stream) const {
-    FieldWriter out(stream);
+    CFieldWriter out(stream);
     return OnEverySaved([&](const Saved& saved) { saved.write(m_targets, out); });
 }
 
 HRESULT CMuxerParameters::Load(IStream& stream) {
-    FieldReader in(stream);
+    CFieldReader in(stream);
     return OnEverySaved([&](const Saved& saved) { saved.read(m_targets, in); });
 }

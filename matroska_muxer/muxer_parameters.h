@@ -9,18 +9,18 @@
 #include "win/platform.h"
 
 class CMkvWriter;
-class ConnectedInputs;
+class CConnectedInputs;
 
 // What the parameters reach. Of the writer only what any thread may ask: document type, attachments, duration.
 struct ParameterTargets {
     records::CTrackSettingsTable& rows;
     CMkvWriter& writer;
-    const ConnectedInputs& inputs;
+    const CConnectedInputs& inputs;
 };
 
 class CMuxerParameters {
   public:
-    CMuxerParameters(CMkvWriter& writer, const ConnectedInputs& inputs);
+    CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs);
     CMuxerParameters(const CMuxerParameters&) = delete;
     CMuxerParameters& operator=(const CMuxerParameters&) = delete;
 

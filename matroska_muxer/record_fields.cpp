@@ -6,30 +6,30 @@
 
 namespace {
 
-void WriteText(FieldWriter& out, BSTR text) {
+void WriteText(CFieldWriter& out, BSTR text) {
     const UINT length = SysStringLen(text); // code units
     out.Write(static_cast<UINT32>(length));
     out.WriteBytes(text, length * static_cast<ULONG>(sizeof(WCHAR)));
 }
 
-win::Bstr ReadText(FieldReader& in) {
+win::Bstr ReadText(CFieldReader& in) {
     return in.ReadText(UINT64{in.Read<UINT32>()} * sizeof(WCHAR));
 }
 
-void WriteSized(FieldWriter& out, const void* bytes, UINT32 size) {
+void WriteSized(CFieldWriter& out, const void* bytes, UINT32 size) {
     out.Write(size);
     out.WriteBytes(bytes, size);
 }
 
 // A length of 0 leaves the string unset.
-win::Bstr ReadSizedText(FieldReader& in) {
+win::Bstr ReadSizedText(CFieldReader& in) {
     const auto bytes = in.Read<UINT32>();
     return bytes == 0 ? win::Bstr() : in.ReadText(bytes);
 }
 
 } // namespace
 
-void WriteRow(FieldWriter& out, const TrackSettings& row) {
+void WriteRow(CFieldWriter& out, const TrackSettings& row) {
     out.Write(row.bEnabled);
     out.Write(row.bDefault);
     out.Write(row.bReserved);
@@ -39,7 +39,7 @@ void WriteRow(FieldWriter& out, const TrackSettings& row) {
     WriteText(out, row.name);
 }
 
-records::CTrackSettingsRow ReadRow(FieldReader& in) {
+records::CTrackSettingsRow ReadRow(CFieldReader& in) {
     TrackSettings row{};
     row.bEnabled = in.Read<BYTE>();
     row.bDefault = in.Read<BYTE>();
@@ -53,7 +53,7 @@ records::CTrackSettingsRow ReadRow(FieldReader& in) {
     return records::CTrackSettingsRow(row);
 }
 
-void WriteAttachment(FieldWriter& out, const MuxAttachment& attachment) {
+void WriteAttachment(CFieldWriter& out, const MuxAttachment& attachment) {
     WriteSized(out, attachment.fileName, SysStringByteLen(attachment.fileName));
     WriteSized(out, attachment.description, SysStringByteLen(attachment.description));
     const size_t mimeLength = attachment.mimeType == nullptr ? 0 : std::strlen(attachment.mimeType);
@@ -62,7 +62,7 @@ void WriteAttachment(FieldWriter& out, const MuxAttachment& attachment) {
     out.Write(attachment.uid);
 }
 
-void ReadAttachment(FieldReader& in, CMkvWriter& writer) {
+void ReadAttachment(CFieldReader& in, CMkvWriter& writer) {
     MuxAttachment record{};
     const win::Bstr fileName = ReadSizedText(in);
     const win::Bstr description = ReadSizedText(in);

@@ -13,9 +13,9 @@
 
 class CMkvWriter;
 
-void WriteRow(FieldWriter& out, const TrackSettings& row);
-[[nodiscard]] records::CTrackSettingsRow ReadRow(FieldReader& in);
+void WriteRow(CFieldWriter& out, const TrackSettings& row);
+[[nodiscard]] records::CTrackSettingsRow ReadRow(CFieldReader& in);
 
-void WriteAttachment(FieldWriter& out, const MuxAttachment& attachment);
+void WriteAttachment(CFieldWriter& out, const MuxAttachment& attachment);
 // Hands it to the writer, which copies it.
-void ReadAttachment(FieldReader& in, CMkvWriter& writer);
+void ReadAttachment(CFieldReader& in, CMkvWriter& writer);

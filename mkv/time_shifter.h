@@ -10,8 +10,6 @@
 
 namespace mkv {
 
-inline constexpr INT64 kNsPerReferenceTime = 100;
-
 struct BlockTimes {
     UINT64 timeNs = 0;
     UINT64 durationNs = 0; // 0 when the packet stops before it starts

@@ -36,7 +36,7 @@ ALLOWED = {
 # Headers from outside that only some folders may use.
 ONLY_IN = {
     r"(ebml|matroska)/": {"mkv", "sources/matroska"},
-    r"(windows|winnt|guiddef|objbase|dshow|strmif)\.h$": {"win", "include", "dshow", "examples"},
+    r"(windows|winnt|guiddef|objbase|dshow|strmif)\.h$": {"win", "include", "dshow", "ui", "examples"},
     r"msxml": {"settings"},
     r"(CLI|nlohmann)/": {"mkvmux"},
     r"zlib\.h$": {"sources/matroska"},

@@ -28,7 +28,7 @@ WITHOUT_PREFIX = re.compile(r"(C[A-Z]\w*|I[A-Z]\w*|.*Failure)$")
 CLASS = re.compile(r"^(?:template <.*> )?class (?:\w+\(.*\) |QRX_\w+(?:\(.*?\))? )?(\w+)(?: final)?(?: : .*)? \{")
 
 # Sources that stand without a header of their own: programs, tables, and the parts of large base classes.
-WITHOUT_HEADER = re.compile(r"(dshow/.*|module/.*|.*/main|.*/guids)\.cpp$")
+WITHOUT_HEADER = re.compile(r"(dshow/.*|module/.*|.*/main|.*/guids|.*/identifiers)\.cpp$")
 
 
 def files_of(root, folders, *suffixes):

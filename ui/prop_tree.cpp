@@ -63,7 +63,7 @@ bool CPropTree::CreateTree(HWND parent, const RECT& area) {
 
 // What is no text grows with the resolution as the text and the header do.
 void CPropTree::SetRowGeometry() const {
-    const WindowDc dc(TreeWindow(), Font());
+    const CWindowDc dc(TreeWindow(), Font());
     m_tree.Ask(TVM_SETITEMHEIGHT, static_cast<WPARAM>(dc.Measure(kTallText).cy + dc.Scale(kRowPaddingAt96)), 0);
     m_tree.Ask(TVM_SETINDENT, static_cast<WPARAM>(dc.Scale(kIndentAt96)), 0);
 }

@@ -81,6 +81,6 @@ class CPropTree {
     CWindowHook m_tree; // the window and the procedure that it had before ours
     CPropTreeHeader m_header;
     std::map<HTREEITEM, PropTreeItem> m_items;
-    PropTreeEditor m_editor;
+    CPropTreeEditor m_editor;
     HTREEITEM m_editedItem = nullptr; // the selected item, with an open editor unless it is a label
 };

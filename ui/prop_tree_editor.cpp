@@ -33,7 +33,7 @@ std::wstring FirstChars(std::wstring text) {
 
 } // namespace
 
-void PropTreeEditor::Open(HWND tree, HFONT font, const PropTreeItem& item) {
+void CPropTreeEditor::Open(HWND tree, HFONT font, const PropTreeItem& item) {
     Close();
     if (item.kind == PropItemKind::Label) {
         return;
@@ -48,7 +48,7 @@ void PropTreeEditor::Open(HWND tree, HFONT font, const PropTreeItem& item) {
         return;
     }
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    m_hook.Set<&PropTreeEditor::m_hook, &PropTreeEditor::OnMessage, &PropTreeEditor::OnDestroyed>(window, *this);
+    m_hook.Set<&CPropTreeEditor::m_hook, &CPropTreeEditor::OnMessage, &CPropTreeEditor::OnDestroyed>(window, *this);
     if (isList) {
         FillChoices(font, item);
     } else {
@@ -57,15 +57,15 @@ void PropTreeEditor::Open(HWND tree, HFONT font, const PropTreeItem& item) {
     Show(item);
 }
 
-void PropTreeEditor::Close() {
+void CPropTreeEditor::Close() {
     if (const HWND window = Window()) {
         m_hook.Release();
         DestroyWindow(window);
     }
 }
 
-void PropTreeEditor::FillChoices(HFONT font, const PropTreeItem& item) const {
-    const WindowDc dc(Window(), font);
+void CPropTreeEditor::FillChoices(HFONT font, const PropTreeItem& item) const {
+    const CWindowDc dc(Window(), font);
     LONG widest = 0;
     SendMessageW(Window(), WM_SETREDRAW, FALSE, 0);
     for (const std::wstring& choice : item.choices) {
@@ -79,7 +79,7 @@ void PropTreeEditor::FillChoices(HFONT font, const PropTreeItem& item) const {
     SendMessageW(Window(), CB_SETMINVISIBLE, kMaxVisibleChoices, 0); // themed lists count rows; others do not know it
 }
 
-void PropTreeEditor::Show(const PropTreeItem& item) {
+void CPropTreeEditor::Show(const PropTreeItem& item) {
     if (Window() == nullptr) {
         return;
     }
@@ -92,12 +92,12 @@ void PropTreeEditor::Show(const PropTreeItem& item) {
     m_shownText = TextOf(Window());
 }
 
-std::optional<std::wstring> PropTreeEditor::EditedText() const {
+std::optional<std::wstring> CPropTreeEditor::EditedText() const {
     std::wstring text = Window() != nullptr ? TextOf(Window()) : m_shownText;
     return text == m_shownText ? std::nullopt : std::optional(FirstChars(std::move(text)));
 }
 
-void PropTreeEditor::Place(const RECT& cell) {
+void CPropTreeEditor::Place(const RECT& cell) {
     if (Window() == nullptr || EqualRect(&cell, &m_cell)) {
         return;
     }
@@ -117,7 +117,7 @@ void PropTreeEditor::Place(const RECT& cell) {
 }
 
 // Of the whole rows that can be seen at once, in their frame.
-int PropTreeEditor::OpenListHeight() const {
+int CPropTreeEditor::OpenListHeight() const {
     const auto rowHeight = static_cast<int>(SendMessageW(Window(), CB_GETITEMHEIGHT, 0, 0));
     const auto choices = static_cast<int>(SendMessageW(Window(), CB_GETCOUNT, 0, 0));
     return std::clamp(choices, 1, kMaxVisibleChoices) * rowHeight + 2 * GetSystemMetrics(SM_CYBORDER);
@@ -126,7 +126,7 @@ int PropTreeEditor::OpenListHeight() const {
 // A drop-down list is sized with its open list in the height, which gets what the closed one leaves. How high the
 // closed one is at that moment is the system's affair: it can be fitted to the cell only afterwards, and the open list
 // keeps its height then.
-void PropTreeEditor::MakeRoomForOpenList(const RECT& cell) const {
+void CPropTreeEditor::MakeRoomForOpenList(const RECT& cell) const {
     RECT closed{};
     GetWindowRect(Window(), &closed);
     MoveWindow(Window(), cell.left, cell.top, cell.right - cell.left, closed.bottom - closed.top + OpenListHeight(),
@@ -134,7 +134,7 @@ void PropTreeEditor::MakeRoomForOpenList(const RECT& cell) const {
 }
 
 // The closed height follows from that of the text field, with a frame around it that differs between systems.
-void PropTreeEditor::FitClosedList(int height) const {
+void CPropTreeEditor::FitClosedList(int height) const {
     constexpr int kAttempts = 3;
     auto field = static_cast<int>(SendMessageW(Window(), CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
@@ -149,11 +149,11 @@ void PropTreeEditor::FitClosedList(int height) const {
     }
 }
 
-bool PropTreeEditor::IsDroppedDown() const {
+bool CPropTreeEditor::IsDroppedDown() const {
     return m_kind == PropItemKind::List && SendMessageW(Window(), CB_GETDROPPEDSTATE, 0, 0) != FALSE;
 }
 
-std::optional<PropTreeEditorKey> PropTreeEditor::MeaningOf(WPARAM virtualKey) const {
+std::optional<PropTreeEditorKey> CPropTreeEditor::MeaningOf(WPARAM virtualKey) const {
     switch (virtualKey) {
     case VK_RETURN:
         return PropTreeEditorKey::TakeOver;
@@ -172,7 +172,7 @@ std::optional<PropTreeEditorKey> PropTreeEditor::MeaningOf(WPARAM virtualKey) co
     }
 }
 
-LRESULT PropTreeEditor::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CPropTreeEditor::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_GETDLGCODE:
         // Enter and Escape are for the edit, not for the frame's buttons.
@@ -203,7 +203,7 @@ LRESULT PropTreeEditor::Answer(HWND window, UINT message, WPARAM wParam, LPARAM 
     return m_hook.Ask(message, wParam, lParam);
 }
 
-LRESULT PropTreeEditor::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CPropTreeEditor::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     (void)ComGuard([&] {
         result = Answer(window, message, wParam, lParam);

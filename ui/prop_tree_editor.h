@@ -1,4 +1,4 @@
-// PropTreeEditor: the in-place editor of a property tree: an edit box for a text, a drop-down list for choices.
+// CPropTreeEditor: the in-place editor of a property tree: an edit box for a text, a drop-down list for choices.
 //
 // Units: pixels of the tree's client area. Owner: CPropTree; the window is a child of the tree. Threads: the tree's.
 // Errors: a window that cannot be created leaves no editor.
@@ -14,15 +14,15 @@
 // What the user asks for with a key while the editor has the focus.
 enum class PropTreeEditorKey { TakeOver, GiveUp, NextItem, PreviousItem, NextControl, PreviousControl };
 
-class PropTreeEditor {
+class CPropTreeEditor {
   public:
     // The handler may close the editor, or open it again.
     using KeyHandler = std::function<void(PropTreeEditorKey)>;
 
-    explicit PropTreeEditor(KeyHandler onKey) : m_onKey(std::move(onKey)) {}
-    ~PropTreeEditor() { Close(); }
-    PropTreeEditor(const PropTreeEditor&) = delete;
-    PropTreeEditor& operator=(const PropTreeEditor&) = delete;
+    explicit CPropTreeEditor(KeyHandler onKey) : m_onKey(std::move(onKey)) {}
+    ~CPropTreeEditor() { Close(); }
+    CPropTreeEditor(const CPropTreeEditor&) = delete;
+    CPropTreeEditor& operator=(const CPropTreeEditor&) = delete;
 
     // Nothing for a label.
     void Open(HWND tree, HFONT font, const PropTreeItem& item);

@@ -23,7 +23,7 @@ void InsertColumn(HWND header, int index, const WCHAR* title, int width) {
 }
 
 int HeightOf(HWND header) {
-    return WindowDc(header, nullptr).Scale(kHeaderHeightAt96);
+    return CWindowDc(header, nullptr).Scale(kHeaderHeightAt96);
 }
 
 } // namespace
@@ -74,7 +74,7 @@ void CPropTreeHeader::Resize(const RECT& area) {
 // The value column takes what the name column leaves.
 void CPropTreeHeader::SetNameWidth(int width) {
     const int whole = Width();
-    const int least = std::min(whole / 2, WindowDc(Window(), nullptr).Scale(kMinColumnWidthAt96));
+    const int least = std::min(whole / 2, CWindowDc(Window(), nullptr).Scale(kMinColumnWidthAt96));
     m_nameWidth = std::clamp(width, least, whole - least);
     HDITEMW column{};
     column.mask = HDI_WIDTH;

@@ -22,7 +22,7 @@ class CPropTreePainter {
     void Paint(const PropTreeItem& item, const RECT& cell) const;
 
   private:
-    const WindowDc m_screen;
+    const CWindowDc m_screen;
     const HDC m_dc;
     const int m_state;
     RECT m_client{};

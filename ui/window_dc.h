@@ -1,4 +1,4 @@
-// WindowDc: a window's device context with a font selected, for the life of the object.
+// CWindowDc: a window's device context with a font selected, for the life of the object.
 //
 // Units: pixels. Owner: itself; the font stays its owner's. Threads: the window's.
 // Errors: a window that is gone measures as nothing and draws nothing.
@@ -8,19 +8,19 @@
 
 #include "win/platform.h"
 
-class WindowDc {
+class CWindowDc {
   public:
-    WindowDc(HWND window, HFONT font) : m_window(window), m_dc(GetDC(window)) {
+    CWindowDc(HWND window, HFONT font) : m_window(window), m_dc(GetDC(window)) {
         m_previousFont = font != nullptr ? SelectObject(m_dc, font) : nullptr;
     }
-    ~WindowDc() {
+    ~CWindowDc() {
         if (m_previousFont != nullptr) {
             SelectObject(m_dc, m_previousFont);
         }
         ReleaseDC(m_window, m_dc);
     }
-    WindowDc(const WindowDc&) = delete;
-    WindowDc& operator=(const WindowDc&) = delete;
+    CWindowDc(const CWindowDc&) = delete;
+    CWindowDc& operator=(const CWindowDc&) = delete;
 
     [[nodiscard]] HDC Get() const { return m_dc; }
     [[nodiscard]] SIZE Measure(const std::wstring& text) const {

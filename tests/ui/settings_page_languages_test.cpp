@@ -72,7 +72,8 @@ TEST_P(SettingsPageLanguagesTest, EveryRowOfTheListLeadsTheFilterToItsCode) {
         const win::Bstr language(names[row]);
         TrackSettings settings{};
         settings.language = language.Get();
-        EXPECT_EQ(languageCodeByName(languageNameByIndex(row)), records::LanguageCodeOf(settings.language)) << "row " << row;
+        EXPECT_EQ(languageCodeByName(languageNameByIndex(row)), records::LanguageCodeOf(settings.language))
+            << "row " << row;
         EXPECT_EQ(languageIndexByName(languageNameByIndex(row)), LanguagePosition(names[row])) << "row " << row;
     }
 }
