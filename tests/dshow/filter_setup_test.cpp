@@ -72,18 +72,18 @@ TEST_F(FilterSetupTest, FilterIsRegisteredWithMeritAndPins) {
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, TRUE), S_OK);
     EXPECT_EQ(mapper.registered, 1);
     EXPECT_EQ(mapper.unregistered, 0);
-    mapper.result = E_ACCESSDENIED;
+    mapper.hr = E_ACCESSDENIED;
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, TRUE), E_ACCESSDENIED);
-    mapper.result = kFileNotFound;
+    mapper.hr = kFileNotFound;
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, TRUE), kFileNotFound);
 }
 
 TEST_F(FilterSetupTest, FilterThatIsNotThereCountsAsRemoved) {
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, FALSE), S_OK);
     EXPECT_EQ(mapper.unregistered, 1);
-    mapper.result = kFileNotFound;
+    mapper.hr = kFileNotFound;
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, FALSE), S_OK);
-    mapper.result = E_ACCESSDENIED;
+    mapper.hr = E_ACCESSDENIED;
     EXPECT_EQ(AMovieSetupRegisterFilter2(&kFilterSetup, &mapper, FALSE), E_ACCESSDENIED);
     EXPECT_EQ(mapper.registered, 0);
 }

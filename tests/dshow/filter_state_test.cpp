@@ -154,7 +154,7 @@ TEST_F(FilterStateTest, StreamTimeCountsFromRun) {
     EXPECT_EQ(filter->StreamTime(time), S_OK);
     EXPECT_EQ(time, 250'000);
     EXPECT_EQ(time.Millisecs(), 25);
-    clock.result = E_FAIL;
+    clock.hr = E_FAIL;
     EXPECT_EQ(filter->StreamTime(time), E_FAIL);
     ASSERT_EQ(filter->SetSyncSource(nullptr), S_OK);
     EXPECT_EQ(clock.References(), 0);

@@ -88,7 +88,7 @@ TEST_F(PosPassThruTest, ObjectThatCannotBeBoundIsReleased) {
     const native::ScopedClass offered(CLSID_SeekingPassThru, [&](IUnknown*, REFIID iid, void** object) {
         return passThru.QueryInterface(iid, object);
     });
-    passThru.result = E_ACCESSDENIED;
+    passThru.hr = E_ACCESSDENIED;
     IUnknown* object = static_cast<IPin*>(&input);
     EXPECT_EQ(CreatePosPassThru(nullptr, FALSE, &input, &object), E_ACCESSDENIED);
     EXPECT_EQ(object, nullptr);

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "sources/text/subtitle_file.h"
+#include "sources/text/ass_parser.h"
 #include "sources/text/subtitle_reader.h"
 #include "tests/sources/hostile_inputs/input_cost.h"
 
