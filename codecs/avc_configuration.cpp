@@ -8,11 +8,13 @@ namespace codecs {
 
 namespace {
 
+// The oddities below are deliberate: who keeps recordings compares their records byte for byte, and these bytes must
+// stay those of the files that exist.
 constexpr uint8_t kConfigurationVersion = 1;
-// Deliberately not taken from the SPS.
+// Not taken from the SPS.
 constexpr uint8_t kProfileCompatibility = 0;
 // Samples carry 4-byte lengths whatever the media type says. The reserved bits around this field and around the
-// count of SPS are deliberately 0.
+// count of SPS are 0.
 constexpr uint8_t kLengthSizeMinusOne = kSampleLengthSizeBytes - 1;
 constexpr size_t kHeadBytes = 6;            // up to and with the count of SPS
 constexpr size_t kFixedRecordSizeBytes = 7; // and the count of PPS

@@ -1,4 +1,5 @@
-// Bytes that somebody else keeps: what all readers of this folder take.
+// Bytes that somebody else keeps: what all readers of this folder take. They know bytes and nothing of files, media
+// types or the platform.
 #pragma once
 
 #include <cstddef>

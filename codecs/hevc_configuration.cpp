@@ -18,10 +18,13 @@ constexpr size_t kMaxUnitLengthBytes = 65535;
 
 constexpr uint8_t kArrayCompleteness = 0x80;
 
-// Deliberately 0 and not 1.
+// The oddities below are deliberate: who keeps recordings compares their records byte for byte, and these bytes must
+// stay those of the files that exist.
+
+// 0 and not 1.
 constexpr uint8_t kHevcConfigurationVersion = 0;
 constexpr uint8_t kUnknownParallelism = 0xfc;
-// Deliberately no more of the 48 flags.
+// No more of the 48 flags.
 constexpr unsigned kWrittenConstraintFlags = 14;
 constexpr unsigned kConstraintFlags = 48;
 
@@ -86,7 +89,7 @@ void AppendHead(Record& record, const HevcSps& sps, size_t arrays) {
     AppendBigEndian(record, arrays, 1);
 }
 
-// Deliberately one array for each unit, also for several of one type.
+// One array for each unit, also for several of one type.
 void AppendArray(Record& record, const NALUnit& unit) {
     record.push_back(kArrayCompleteness | unit.HevcType());
     AppendBigEndian(record, 1, 2);

@@ -1,4 +1,6 @@
 // The hypothetical reference decoder parameters inside the VUI of an H.265 parameter set (ITU-T H.265, E.2.2).
+//
+// Errors: a damaged part invalidates the reader.
 #pragma once
 
 #include <array>

@@ -1,4 +1,6 @@
 // The short-term reference picture sets of an H.265 sequence parameter set (ITU-T H.265, 7.3.7 and 7.4.8).
+//
+// Errors: a damaged set invalidates the reader.
 #pragma once
 
 #include "codecs/bitstream_reader.h"

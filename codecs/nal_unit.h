@@ -1,6 +1,6 @@
 // NALUnit: one network abstraction layer unit of an H.264 or H.265 stream, found in a buffer.
 //
-// Owner: a view; the buffer's holder keeps the bytes.
+// Units: bytes. Owner: a view; the buffer's holder keeps the bytes. Errors: none are reported.
 #pragma once
 
 #include <optional>
@@ -61,8 +61,9 @@ class NALUnit {
     [[nodiscard]] uint8_t AvcType() const { return Header() & 0x1f; }
     [[nodiscard]] uint8_t AvcRefIdc() const { return Header() >> 5 & 3; } // 0: no picture refers to this one
     [[nodiscard]] uint8_t HevcType() const { return Header() >> 1 & 0x3f; }
-    // Of the enhancement layer, 0 for the base, and of the temporal sub-layer; 0 for a unit without a whole header.
+    // 0 is the base layer; 0 for a unit without a whole header.
     [[nodiscard]] uint8_t HevcLayerId() const;
+    // 0 is the lowest sub-layer; 0 for a unit without a whole header, 255 for a value that the standard forbids.
     [[nodiscard]] uint8_t HevcTemporalId() const;
 
   private:
