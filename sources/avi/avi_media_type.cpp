@@ -1,9 +1,9 @@
 #include "sources/avi/avi_media_type.h"
 
 #include <cstring>
-#include <new>
+#include <optional>
+#include <utility>
 
-#include "dshow/media_subtypes.h"
 #include "media/format_builder.h"
 
 namespace avi {
@@ -12,58 +12,32 @@ namespace {
 
 constexpr DWORD kVideoType = 0x73646976;          // 'vids'
 constexpr DWORD kAudioType = 0x73647561;          // 'auds'
-constexpr size_t kPcmFormatBytes = 16;            // the oldest form, without cbSize
 constexpr DWORD kMaxPictureSeconds = 1000 * 3600; // longer ones are damage
 
-// A format block of that length, all zero.
-BYTE* NewFormat(CMediaType& type, size_t length) {
-    BYTE* const block = type.AllocFormatBuffer(static_cast<ULONG>(length));
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    std::memset(block, 0, length);
-    return block;
-}
-
+// The picture's header and all that follows it (palette, codec data) end the block.
 CMediaType VideoType(const AviStream& stream) {
     BITMAPINFOHEADER bitmap;
     if (stream.format.size() < sizeof(bitmap)) {
         return {};
     }
     std::memcpy(&bitmap, stream.format.data(), sizeof(bitmap));
-    CMediaType type(&MEDIATYPE_Video);
-    type.subtype = media::SubtypeOf(bitmap);
-    type.formattype = FORMAT_VideoInfo;
-    type.bTemporalCompression = !media::IsUncompressed(bitmap);
-    type.SetVariableSize();
-    VIDEOINFOHEADER info{};
+    media::Picture picture;
     if (stream.rate > 0 && stream.scale / stream.rate <= kMaxPictureSeconds) {
-        info.AvgTimePerFrame = kSecond * stream.scale / stream.rate;
+        picture.frameDuration = kSecond * stream.scale / stream.rate;
     }
-    // The picture's header and all that follows it (palette, codec data) end the block.
-    constexpr size_t kBitmapOffset = offsetof(VIDEOINFOHEADER, bmiHeader);
-    BYTE* const block = NewFormat(type, kBitmapOffset + stream.format.size());
-    std::memcpy(block, &info, kBitmapOffset);
-    std::memcpy(block + kBitmapOffset, stream.format.data(), stream.format.size());
+    const media::ByteView extra = media::ByteView(stream.format).subspan(sizeof(bitmap));
+    CMediaType type = media::VideoInfoType(media::SubtypeOf(bitmap), picture, bitmap, extra);
+    type.SetTemporalCompression(media::IsUncompressed(bitmap) ? FALSE : TRUE);
     return type;
 }
 
 CMediaType AudioType(const AviStream& stream) {
-    if (stream.format.size() < kPcmFormatBytes) {
+    std::optional<CMediaType> type = media::WholeWaveType(stream.format);
+    if (!type) {
         return {};
     }
-    const size_t length = std::max(stream.format.size(), sizeof(WAVEFORMATEX));
-    CMediaType type(&MEDIATYPE_Audio);
-    BYTE* const block = NewFormat(type, length);
-    std::memcpy(block, stream.format.data(), stream.format.size());
-    WAVEFORMATEX wave;
-    std::memcpy(&wave, block, sizeof(wave));
-    type.subtype = SubtypeFromWaveTag(wave.wFormatTag);
-    type.formattype = FORMAT_WaveFormatEx;
-    if (stream.sampleSize > 0) {
-        type.SetSampleSize(stream.sampleSize);
-    }
-    return type;
+    type->SetSampleSize(stream.sampleSize > 0 ? stream.sampleSize : 1); // as a new media type says where nothing does
+    return std::move(*type);
 }
 
 } // namespace
