@@ -9,11 +9,10 @@
 #include <vector>
 
 #include "media/track_facts.h"
+#include "media/track_type.h"
 #include "sources/matroska/ebml_reader.h"
 
 namespace matroska {
-
-enum class TrackType : UINT64 { Video = 1, Audio = 2, Subtitle = 17 };
 
 // A step that turned the track's data into what is stored.
 struct ContentEncoding {
@@ -37,7 +36,7 @@ struct Track : media::TrackFacts {
     bool hasAlpha = false;    // in additions to its blocks
     std::vector<ContentEncoding> encodings;
 
-    [[nodiscard]] bool Is(TrackType which) const { return type == static_cast<UINT64>(which); }
+    [[nodiscard]] bool IsSubtitle() const { return type == UINT64{media::kTrackTypeSubtitle}; }
 };
 
 // Where the attachment's bytes lie; they are read when they are wanted.

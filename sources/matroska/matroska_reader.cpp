@@ -82,7 +82,7 @@ void MatroskaReader::AddStream(Track& track) {
     description.properties = {true, track.name, track.language, track.isDefault, track.isForced, track.isEnabled};
     m_streams.push_back(std::move(description));
     m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track)});
-    m_queue.AddStream(track.Is(TrackType::Subtitle), track.defaultDurationNs);
+    m_queue.AddStream(track.IsSubtitle(), track.defaultDurationNs);
 }
 
 // Only blocks of the first clusters can lie below zero.
