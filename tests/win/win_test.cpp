@@ -8,7 +8,6 @@
 #include "win/critical_section.h"
 #include "win/handle.h"
 #include "win/module_version.h"
-#include "win/temporary_file.h"
 #include "win/wide_string.h"
 
 namespace {
@@ -138,13 +137,6 @@ TEST(LockGuard, HoldsTheLockAsLongAsItLives) {
 TEST(WideString, DecimalKeepsTheSignAndTheWholeRange) {
     EXPECT_EQ(WideString(OLESTR("-9223372036854775808")), ToWideDecimal(INT64{-9223372036854775807LL - 1}));
     EXPECT_EQ(WideString(OLESTR("4294967295")), ToWideDecimal(UINT32{4294967295U}));
-}
-
-TEST(TemporaryFile, LiesInTheFolderOfTheOneThatItStandsInFor) {
-    EXPECT_EQ(win::FolderOf(L"name"), L"");
-    EXPECT_EQ(win::FolderOf(L"C:name"), L"C:"); // the current folder of that drive
-    EXPECT_EQ(win::FolderOf(L"C:\\name"), L"C:\\");
-    EXPECT_EQ(win::FolderOf(L"up/to\\this/name"), L"up/to\\this/");
 }
 
 TEST(ModuleVersion, IsEmptyForAProgramWithoutVersionResource) {
