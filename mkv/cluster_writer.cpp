@@ -68,12 +68,12 @@ void CClusterWriter::flushCluster() {
         return;
     }
     try {
-        const UINT64 start = m_io.getFilePointer();
+        const CGatheringIO::Place place = m_io.place();
         cluster->render(m_io, m_cues);
         m_io.flush();
         if (m_io.takeLost()) {
             m_cues.dropRendered();
-            m_io.moveTo(start); // the next one takes its place
+            m_io.returnTo(place); // the next one takes its place
             return;
         }
         m_cues.keepRendered();

@@ -28,6 +28,12 @@ void CGatheringIO::moveTo(uint64 position) {
     }
 }
 
+// What was skipped behind the place is written over, too.
+void CGatheringIO::returnTo(const Place& place) {
+    moveTo(place.position);
+    m_skippedBytes = place.skippedBytes;
+}
+
 void CGatheringIO::flush() {
     if (!m_gathered.empty() && !writeThrough(m_gathered)) {
         m_lost = LostBytes{m_start, std::exchange(m_gathered, {})};
@@ -38,7 +44,7 @@ void CGatheringIO::flush() {
 // False leaves the target anywhere, and the start where it was.
 bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
     learnStart();
-    const uint64 place = m_start;
+    const uint64 wanted = m_start;
     bringTarget();
     m_where = Target::Elsewhere;
     for (size_t done = 0; done < bytes.size();) {
@@ -49,7 +55,7 @@ bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
         }
         done += size;
     }
-    m_skippedBytes += m_start - place;
+    m_skippedBytes += m_start - wanted;
     m_start += bytes.size();
     m_where = Target::AtStart;
     return true;

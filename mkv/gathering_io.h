@@ -29,6 +29,13 @@ class CGatheringIO : public libebml::IOCallback {
 
     // The next byte goes there; the target is asked to when there is one.
     void moveTo(uint64 position);
+    // Where the next byte goes, to come back to when what follows is lost.
+    struct Place {
+        uint64 position;
+        uint64 skippedBytes;
+    };
+    [[nodiscard]] Place place() { return {getFilePointer(), m_skippedBytes}; }
+    void returnTo(const Place& place);
     // Writes what was gathered to the target.
     void flush();
     // Forgets it.

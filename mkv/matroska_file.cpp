@@ -90,11 +90,11 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
 
 // Forced, since the library otherwise insists on mandatory children that were left out on purpose.
 void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
-    const UINT64 start = m_gathering.getFilePointer();
+    const CGatheringIO::Place place = m_gathering.place();
     element.Render(m_gathering, false, false, true);
     m_gathering.flush();
     if (m_gathering.takeLost()) {
-        m_gathering.moveTo(start); // what comes next takes its place
+        m_gathering.returnTo(place); // what comes next takes its place
         return;
     }
     m_seekHead.IndexThis(element, m_segment);

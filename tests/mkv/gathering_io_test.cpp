@@ -142,6 +142,23 @@ TEST_F(GatheringIOTest, AStreamThatDoesNotSeekIsBelievedWhereItStands) {
     EXPECT_TRUE(m_gathering.isPositionSure());
 }
 
+TEST_F(GatheringIOTest, ReturningToAPlaceForgetsWhatWasSkippedBehindIt) {
+    m_io.write("0123", 4);
+    m_gathering.moveTo(1);
+    const auto place = m_gathering.place();
+    EXPECT_EQ(place.position, 1u);
+    m_stream.FailNth(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_stream.FailNth(StreamOperation::Seek, 2, E_NOTIMPL);
+    m_gathering.write("a", 1);
+    m_gathering.flush();
+    EXPECT_EQ(m_gathering.skippedBytes(), 3u);
+    m_gathering.returnTo(place);
+    m_gathering.write("b", 1);
+    m_gathering.flush();
+    EXPECT_EQ(Text(), "0b23a");
+    EXPECT_EQ(m_gathering.skippedBytes(), 0u);
+}
+
 TEST_F(GatheringIOTest, AStreamThatNeitherSeeksNorTellsGetsItsBytesAndNoPositionIsSure) {
     m_gathering.moveTo(0);
     m_stream.FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
