@@ -100,6 +100,7 @@ class CBasePin : public CUnknown, public IPin, public IQualityControl {
 
   private:
     HRESULT CheckCanConnect() const;
+    HRESULT TakePeer(IPin* peer, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
     HRESULT OfferConnection(IPin* pReceivePin, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
     HRESULT AcceptConnection(IPin* pConnector, const CMediaType* pmt) QRX_REQUIRES(m_pLock);
     void AbandonConnection() QRX_REQUIRES(m_pLock);

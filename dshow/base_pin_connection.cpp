@@ -122,8 +122,9 @@ HRESULT CBasePin::AttemptConnection(IPin* pReceivePin, const CMediaType* pmt) {
     return hr;
 }
 
-HRESULT CBasePin::OfferConnection(IPin* pReceivePin, const CMediaType* pmt) {
-    HRESULT hr = CheckConnect(pReceivePin);
+// Ours alone: the peer is not told yet, or has asked.
+HRESULT CBasePin::TakePeer(IPin* peer, const CMediaType* pmt) {
+    HRESULT hr = CheckConnect(peer);
     if (FAILED(hr)) {
         return hr;
     }
@@ -131,8 +132,12 @@ HRESULT CBasePin::OfferConnection(IPin* pReceivePin, const CMediaType* pmt) {
     if (hr != S_OK) {
         return TypeRefusal(hr);
     }
-    m_Connected = pReceivePin;
-    hr = SetMediaType(pmt);
+    m_Connected = peer;
+    return SetMediaType(pmt);
+}
+
+HRESULT CBasePin::OfferConnection(IPin* pReceivePin, const CMediaType* pmt) {
+    HRESULT hr = TakePeer(pReceivePin, pmt);
     if (FAILED(hr)) {
         return hr;
     }
@@ -168,16 +173,7 @@ HRESULT CBasePin::ReceiveConnection(IPin* pConnector, const AM_MEDIA_TYPE* pmt) 
 }
 
 HRESULT CBasePin::AcceptConnection(IPin* pConnector, const CMediaType* pmt) {
-    HRESULT hr = CheckConnect(pConnector);
-    if (FAILED(hr)) {
-        return hr;
-    }
-    hr = CheckMediaType(pmt);
-    if (hr != S_OK) {
-        return TypeRefusal(hr);
-    }
-    m_Connected = pConnector;
-    hr = SetMediaType(pmt);
+    const HRESULT hr = TakePeer(pConnector, pmt);
     return FAILED(hr) ? hr : CompleteConnect(pConnector);
 }
 

@@ -7,61 +7,13 @@
 #include "dshow/com_guard.h"
 
 CEnumMediaTypes::CEnumMediaTypes(CBasePin* pPin, const CEnumMediaTypes* pEnumMediaTypes)
-    : m_pPin(pPin), m_pinReference(pPin) {
+    : CEnumerator(IID_IEnumMediaTypes), m_pPin(pPin), m_pinReference(pPin) {
     if (pEnumMediaTypes == nullptr) {
         m_Version = m_pPin->GetMediaTypeVersion();
         return;
     }
     m_Position = pEnumMediaTypes->m_Position;
     m_Version = pEnumMediaTypes->m_Version;
-}
-
-HRESULT CEnumMediaTypes::QueryInterface(REFIID riid, void** ppv) noexcept {
-    if (ppv == nullptr) {
-        return E_POINTER;
-    }
-    *ppv = nullptr;
-    return riid == IID_IUnknown || riid == IID_IEnumMediaTypes ? GetInterface(this, ppv) : E_NOINTERFACE;
-}
-
-ULONG CEnumMediaTypes::AddRef() noexcept {
-    return static_cast<ULONG>(++m_cRef);
-}
-
-ULONG CEnumMediaTypes::Release() noexcept {
-    const LONG left = --m_cRef;
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
-}
-
-HRESULT CEnumMediaTypes::Next(ULONG cMediaTypes, AM_MEDIA_TYPE** ppMediaTypes, ULONG* pcFetched) noexcept {
-    if (pcFetched != nullptr) {
-        *pcFetched = 0;
-    }
-    if (ppMediaTypes == nullptr) {
-        return E_POINTER;
-    }
-    if (pcFetched == nullptr && cMediaTypes > 1) {
-        return E_INVALIDARG; // the caller could not know how many there are
-    }
-    if (cMediaTypes > 0) {
-        *ppMediaTypes = nullptr;
-    }
-    ULONG fetched = 0;
-    const HRESULT hr = ComGuard([&] { return Fetch(cMediaTypes, ppMediaTypes, &fetched); });
-    if (FAILED(hr)) {
-        for (ULONG i = 0; i < fetched; ++i) {
-            DeleteMediaType(ppMediaTypes[i]);
-            ppMediaTypes[i] = nullptr;
-        }
-        return hr;
-    }
-    if (pcFetched != nullptr) {
-        *pcFetched = fetched;
-    }
-    return fetched == cMediaTypes ? S_OK : S_FALSE;
 }
 
 HRESULT CEnumMediaTypes::Fetch(ULONG count, AM_MEDIA_TYPE** ppMediaTypes, ULONG* fetched) {
@@ -86,6 +38,10 @@ HRESULT CEnumMediaTypes::Fetch(ULONG count, AM_MEDIA_TYPE** ppMediaTypes, ULONG*
         ++*fetched;
     }
     return S_OK;
+}
+
+void CEnumMediaTypes::Free(AM_MEDIA_TYPE* item) {
+    DeleteMediaType(item);
 }
 
 HRESULT CEnumMediaTypes::Skip(ULONG cMediaTypes) noexcept {

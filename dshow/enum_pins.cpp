@@ -6,7 +6,7 @@
 #include "dshow/com_guard.h"
 
 CEnumPins::CEnumPins(CBaseFilter* pFilter, const CEnumPins* pEnumPins)
-    : m_pFilter(pFilter), m_filterReference(pFilter) {
+    : CEnumerator(IID_IEnumPins), m_pFilter(pFilter), m_filterReference(pFilter) {
     if (pEnumPins == nullptr) {
         Refresh();
         return;
@@ -14,54 +14,6 @@ CEnumPins::CEnumPins(CBaseFilter* pFilter, const CEnumPins* pEnumPins)
     m_Position = pEnumPins->m_Position;
     m_PinCount = pEnumPins->m_PinCount;
     m_Version = pEnumPins->m_Version;
-}
-
-HRESULT CEnumPins::QueryInterface(REFIID riid, void** ppv) noexcept {
-    if (ppv == nullptr) {
-        return E_POINTER;
-    }
-    *ppv = nullptr;
-    return riid == IID_IUnknown || riid == IID_IEnumPins ? GetInterface(this, ppv) : E_NOINTERFACE;
-}
-
-ULONG CEnumPins::AddRef() noexcept {
-    return static_cast<ULONG>(++m_cRef);
-}
-
-ULONG CEnumPins::Release() noexcept {
-    const LONG left = --m_cRef;
-    if (left == 0) {
-        delete this;
-    }
-    return static_cast<ULONG>(left);
-}
-
-HRESULT CEnumPins::Next(ULONG cPins, IPin** ppPins, ULONG* pcFetched) noexcept {
-    if (pcFetched != nullptr) {
-        *pcFetched = 0;
-    }
-    if (ppPins == nullptr) {
-        return E_POINTER;
-    }
-    if (pcFetched == nullptr && cPins > 1) {
-        return E_INVALIDARG; // the caller could not know how many there are
-    }
-    if (cPins > 0) {
-        *ppPins = nullptr;
-    }
-    ULONG fetched = 0;
-    const HRESULT hr = ComGuard([&] { return Fetch(cPins, ppPins, &fetched); });
-    if (FAILED(hr)) {
-        for (ULONG i = 0; i < fetched; ++i) {
-            ppPins[i]->Release();
-            ppPins[i] = nullptr;
-        }
-        return hr;
-    }
-    if (pcFetched != nullptr) {
-        *pcFetched = fetched;
-    }
-    return fetched == cPins ? S_OK : S_FALSE;
 }
 
 HRESULT CEnumPins::Fetch(ULONG count, IPin** ppPins, ULONG* fetched) {
@@ -79,6 +31,10 @@ HRESULT CEnumPins::Fetch(ULONG count, IPin** ppPins, ULONG* fetched) {
         ++*fetched;
     }
     return S_OK;
+}
+
+void CEnumPins::Free(IPin* item) {
+    item->Release();
 }
 
 HRESULT CEnumPins::Skip(ULONG cPins) noexcept {

@@ -4,26 +4,17 @@
 // Errors: VFW_E_ENUM_OUT_OF_SYNC once the filter's pins have changed, until Reset.
 #pragma once
 
-#include <atomic>
-
 #include "dshow/base_filter.h"
+#include "dshow/enumerator.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
-class CEnumPins final : public IEnumPins {
+class CEnumPins final : public CEnumerator<IEnumPins, IPin> {
   public:
     // Begins at the first pin, or where pEnumPins stands.
     CEnumPins(CBaseFilter* pFilter, const CEnumPins* pEnumPins);
-    CEnumPins(const CEnumPins&) = delete;
-    CEnumPins& operator=(const CEnumPins&) = delete;
-    virtual ~CEnumPins() = default;
 
-    // IUnknown
-    STDMETHODIMP QueryInterface(REFIID riid, void** ppv) noexcept override;
-    STDMETHODIMP_(ULONG) AddRef() noexcept override;
-    STDMETHODIMP_(ULONG) Release() noexcept override;
     // IEnumPins
-    STDMETHODIMP Next(ULONG cPins, IPin** ppPins, ULONG* pcFetched) noexcept override;
     STDMETHODIMP Skip(ULONG cPins) noexcept override;
     STDMETHODIMP Reset() noexcept override;
     STDMETHODIMP Clone(IEnumPins** ppEnum) noexcept override;
@@ -31,10 +22,10 @@ class CEnumPins final : public IEnumPins {
   private:
     [[nodiscard]] bool IsOutOfSync() const;
     [[nodiscard]] ULONG Remaining() const;
-    HRESULT Fetch(ULONG count, IPin** ppPins, ULONG* fetched);
+    HRESULT Fetch(ULONG count, IPin** ppPins, ULONG* fetched) override;
+    void Free(IPin* item) override;
     void Refresh();
 
-    std::atomic<LONG> m_cRef{1};
     CBaseFilter* m_pFilter; // held by m_filterReference
     win::ComPtr<IBaseFilter> m_filterReference;
     int m_Position = 0;

@@ -117,24 +117,14 @@ void CMediaType::ResetFormatBuffer() {
 }
 
 BYTE* CMediaType::AllocFormatBuffer(ULONG length) {
-    if (length == 0) {
-        ResetFormatBuffer();
-        return nullptr;
-    }
-    if (length == cbFormat) {
-        return pbFormat;
-    }
-    auto* const block = static_cast<BYTE*>(CoTaskMemAlloc(length));
-    if (block == nullptr) {
-        return nullptr;
-    }
-    ResetFormatBuffer();
-    cbFormat = length;
-    pbFormat = block;
-    return block;
+    return ResizeFormatBuffer(length, 0);
 }
 
 BYTE* CMediaType::ReallocFormatBuffer(ULONG length) {
+    return ResizeFormatBuffer(length, std::min(cbFormat, length));
+}
+
+BYTE* CMediaType::ResizeFormatBuffer(ULONG length, ULONG kept) {
     if (length == 0) {
         ResetFormatBuffer();
         return nullptr;
@@ -146,8 +136,8 @@ BYTE* CMediaType::ReallocFormatBuffer(ULONG length) {
     if (block == nullptr) {
         return nullptr;
     }
-    if (cbFormat != 0) {
-        std::memcpy(block, pbFormat, std::min(cbFormat, length));
+    if (kept != 0) {
+        std::memcpy(block, pbFormat, kept);
     }
     ResetFormatBuffer();
     cbFormat = length;

@@ -59,4 +59,7 @@ class CMediaType : public AM_MEDIA_TYPE {
     // GUID_NULL in the partial type's major type, subtype or format type matches anything.
     BOOL MatchesPartial(const CMediaType* ppartial) const;
     BOOL IsPartiallySpecified() const { return majortype == GUID_NULL || formattype == GUID_NULL; }
+
+  private:
+    BYTE* ResizeFormatBuffer(ULONG length, ULONG kept);
 };
