@@ -64,7 +64,6 @@ std::unique_ptr<CMuxInterPacket> CMuxInterStream::TakeFront() {
 }
 
 void CMuxInterStream::Suspend() {
-    AssertLocked();
     m_suspended = true;
     m_interleaved = false;
 }

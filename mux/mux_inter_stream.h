@@ -41,7 +41,7 @@ class CMuxInterStream {
     [[nodiscard]] bool IsActive() const { return m_active; }
     [[nodiscard]] bool IsWritable() const { return m_writable.IsSet(); }
 
-    // ---- Under the interleaver's lock from here on ----
+    // ---- Under the interleaver's lock from here on, which whatever touches the packets asserts ----
 
     void Append(std::unique_ptr<CMuxInterPacket> packet);
     // None when the queue is empty or has come to its end: an end-of-stream packet is never handed out.
@@ -69,10 +69,7 @@ class CMuxInterStream {
     // A stall breaker stops the waiting for this stream; its next packet brings it back.
     void Suspend();
     // Waits for the stream again although nothing was queued; it stays marked as suspended.
-    void WaitAgain() {
-        AssertLocked();
-        m_interleaved = true;
-    }
+    void WaitAgain() { m_interleaved = true; }
 
     // Where the stream's producers sleep until it is writable.
     win::ConditionVariable& Producers() { return m_producers; }

@@ -64,7 +64,7 @@ class CMuxInterleaver {
     int TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
     bool SleepUntil(UINT64 deadline) QRX_REQUIRES(m_lock);
 
-    // Also guards the streams' queues and flags, which assert it.
+    // Also guards the streams' queues and flags; the queues assert it.
     mutable win::CriticalSection m_lock;
     // The list itself changes only while no producer and no worker runs.
     std::vector<std::unique_ptr<CMuxInterStream>> m_streams QRX_GUARDED_BY(m_lock);
