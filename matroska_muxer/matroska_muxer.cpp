@@ -124,7 +124,10 @@ HRESULT CMatroskaMuxer::OnStartStreaming() {
     }
     m_writer->detach();
     m_io->releaseStream();
-    const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] { return OpenWriter(); });
+    const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] {
+        m_writerLock.AssertHeld();
+        return OpenWriter();
+    });
     if (FAILED(hr)) {
         m_writer->abandon();
         m_io->releaseStream();
@@ -165,6 +168,7 @@ HRESULT CMatroskaMuxer::OnStopStreaming() {
 
 void CMatroskaMuxer::CloseWriter() {
     const HRESULT hr = GuardWriter(OLESTR("OnStopStreaming"), [this] {
+        m_writerLock.AssertHeld();
         m_writer->Close();
         return S_OK;
     });
@@ -185,7 +189,10 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
         packet->muxerFlag = kBlockGroupFlag;
     }
     if (m_writer->isOpen()) {
-        const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] { return WriteToWriter(*packet); });
+        const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] {
+            m_writerLock.AssertHeld();
+            return WriteToWriter(*packet);
+        });
         if (FAILED(hr) && stream != nullptr) {
             stream->SetStreamResult(hr);
         }

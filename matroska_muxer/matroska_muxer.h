@@ -63,13 +63,13 @@ class CMatroskaMuxer final : public CBaseMux,
     // The value of a packet's muxer flag that asks for a block group.
     static constexpr BYTE kBlockGroupFlag = 1;
 
-    HRESULT OpenWriter();
-    void RegisterTracks();
-    HRESULT WriteToWriter(const CMuxInterPacket& packet);
-    void CloseWriter();
+    HRESULT OpenWriter() QRX_REQUIRES(m_writerLock);
+    void RegisterTracks() QRX_REQUIRES(m_writerLock);
+    HRESULT WriteToWriter(const CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
+    void CloseWriter() QRX_REQUIRES(m_writerLock);
 
-    CCritSec m_writerLock; // guards what the next two point at
-    const std::unique_ptr<CMkvIO> m_io;
-    const std::unique_ptr<CMkvWriter> m_writer;
+    CCritSec m_writerLock;
+    const std::unique_ptr<CMkvIO> m_io QRX_PT_GUARDED_BY(m_writerLock);
+    const std::unique_ptr<CMkvWriter> m_writer QRX_PT_GUARDED_BY(m_writerLock);
     const std::unique_ptr<CMuxerParameters> m_parameters;
 };

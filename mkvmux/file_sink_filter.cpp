@@ -99,7 +99,7 @@ CBasePin* CFileSinkFilter::GetPin(int index) {
 
 // The graph expects EC_COMPLETE of a running renderer; an end that comes earlier waits for Run.
 void CFileSinkFilter::OnEndOfStream() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_endOfStream = true;
     if (m_State == State_Running) {
         NotifyComplete();
@@ -107,7 +107,7 @@ void CFileSinkFilter::OnEndOfStream() {
 }
 
 STDMETHODIMP CFileSinkFilter::Run(REFERENCE_TIME start) noexcept {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     const bool wasRunning = m_State == State_Running;
     const HRESULT hr = CBaseFilter::Run(start);
     if (SUCCEEDED(hr) && !wasRunning && m_endOfStream) {
@@ -117,7 +117,7 @@ STDMETHODIMP CFileSinkFilter::Run(REFERENCE_TIME start) noexcept {
 }
 
 STDMETHODIMP CFileSinkFilter::Stop() noexcept {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_endOfStream = false;
     return CBaseFilter::Stop();
 }

@@ -64,11 +64,11 @@ class CFileSinkFilter : public CBaseFilter, public IFileSinkFilter, public IAMFi
 
   private:
     CFileSinkFilter(LPUNKNOWN outer, HRESULT* phr);
-    void NotifyComplete();
+    void NotifyComplete() QRX_REQUIRES(m_lock);
 
     CCritSec m_lock;
     CFileSinkPin m_pin;
-    bool m_endOfStream = false; // guarded by m_lock, as is the filter's state
+    bool m_endOfStream QRX_GUARDED_BY(m_lock) = false; // as is the filter's state
 };
 
 } // namespace mkvmux

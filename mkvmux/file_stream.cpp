@@ -31,7 +31,7 @@ HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
 }
 
 void CFileStream::Take(win::FileHandle file, const std::wstring& path) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_file = std::move(file);
     m_path = path;
     m_position = 0;
@@ -51,7 +51,7 @@ STDMETHODIMP CFileStream::Read(void* buffer, ULONG size, ULONG* read) noexcept {
     if (buffer == nullptr) {
         return STG_E_INVALIDPOINTER;
     }
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     OVERLAPPED at = AtPosition(m_position);
     DWORD got = 0;
     if (ReadFile(m_file.Get(), buffer, size, &got, &at) == FALSE && GetLastError() != ERROR_HANDLE_EOF) {
@@ -74,7 +74,7 @@ STDMETHODIMP CFileStream::Write(const void* data, ULONG size, ULONG* written) no
     ULONG done = 0;
     HRESULT hr = S_OK;
     {
-        const std::lock_guard lock(m_lock);
+        const win::LockGuard lock(m_lock);
         hr = WriteAll(static_cast<const BYTE*>(data), size, done);
     }
     if (written != nullptr) {
@@ -104,7 +104,7 @@ HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
 STDMETHODIMP CFileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) noexcept {
     HRESULT hr = S_OK;
     {
-        const std::lock_guard lock(m_lock);
+        const win::LockGuard lock(m_lock);
         hr = MovePosition(move.QuadPart, origin);
         if (position != nullptr) {
             position->QuadPart = m_position;
@@ -146,7 +146,7 @@ HRESULT CFileStream::FileSize(UINT64& size) const {
 STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
     HRESULT hr = S_OK;
     {
-        const std::lock_guard lock(m_lock);
+        const win::LockGuard lock(m_lock);
         LARGE_INTEGER end{};
         end.QuadPart = static_cast<LONGLONG>(size.QuadPart);
         // The handle's own pointer is used here alone; reads and writes carry their position.
@@ -158,7 +158,7 @@ STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
 }
 
 STDMETHODIMP CFileStream::Commit(DWORD) noexcept {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return Report(FlushFileBuffers(m_file.Get()) == FALSE ? LastResult() : S_OK);
 }
 
@@ -167,7 +167,7 @@ STDMETHODIMP CFileStream::Stat(STATSTG* statistics, DWORD flags) noexcept {
         return STG_E_INVALIDPOINTER;
     }
     *statistics = {};
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     UINT64 size = 0;
     if (const HRESULT hr = FileSize(size); FAILED(hr)) {
         return hr;

@@ -53,15 +53,15 @@ class CFileStream : public CUnknown, public IStream {
     STDMETHODIMP Clone(IStream** stream) noexcept override;
 
   private:
-    HRESULT WriteAll(const BYTE* data, ULONG size, ULONG& written);
-    HRESULT MovePosition(INT64 move, DWORD origin);
+    HRESULT WriteAll(const BYTE* data, ULONG size, ULONG& written) QRX_REQUIRES(m_lock);
+    HRESULT MovePosition(INT64 move, DWORD origin) QRX_REQUIRES(m_lock);
     HRESULT FileSize(UINT64& size) const;
     HRESULT Report(HRESULT hr);
 
-    win::CriticalSection m_lock; // guards the file and the position
+    win::CriticalSection m_lock;
     win::FileHandle m_file;
     std::wstring m_path;
-    UINT64 m_position = 0;
+    UINT64 m_position QRX_GUARDED_BY(m_lock) = 0;
     std::atomic<UINT64> m_writtenEnd{0};
     std::atomic<HRESULT> m_firstFailure{S_OK};
     FailureHandler m_onFailure;

@@ -16,23 +16,23 @@ bool CAttachmentList::Add(const MuxAttachment& attachment) {
         return false;
     }
     auto copy = std::make_unique<const CAttachment>(attachment);
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_copies.push_back(std::move(copy));
     return true;
 }
 
 size_t CAttachmentList::Count() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return m_copies.size();
 }
 
 const MuxAttachment* CAttachmentList::At(size_t i) const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return i < m_copies.size() ? &m_copies[i]->Get() : nullptr;
 }
 
 std::vector<const MuxAttachment*> CAttachmentList::All() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     std::vector<const MuxAttachment*> records;
     records.reserve(m_copies.size());
     for (const auto& copy : m_copies) {

@@ -22,8 +22,8 @@ class CAttachmentList {
     [[nodiscard]] std::vector<const MuxAttachment*> All() const;
 
   private:
-    mutable win::CriticalSection m_lock; // guards m_copies
-    std::vector<std::unique_ptr<const CAttachment>> m_copies;
+    mutable win::CriticalSection m_lock;
+    std::vector<std::unique_ptr<const CAttachment>> m_copies QRX_GUARDED_BY(m_lock);
 };
 
 } // namespace records

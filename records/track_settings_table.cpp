@@ -19,12 +19,12 @@ CTrackSettingsTable::CTrackSettingsTable() {
 }
 
 bool CTrackSettingsTable::Has(INT32 index) const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return IsInside(index);
 }
 
 std::optional<CTrackSettingsRow> CTrackSettingsTable::At(INT32 index) const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     if (!IsInside(index)) {
         return std::nullopt;
     }
@@ -32,12 +32,12 @@ std::optional<CTrackSettingsRow> CTrackSettingsTable::At(INT32 index) const {
 }
 
 std::vector<CTrackSettingsRow> CTrackSettingsTable::All() const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return m_rows;
 }
 
 CTrackSettingsTable::Replaced CTrackSettingsTable::Replace(INT32 index, CTrackSettingsRow row) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     if (!IsInside(index)) {
         return Replaced::OutsideTheTable;
     }
@@ -48,17 +48,17 @@ CTrackSettingsTable::Replaced CTrackSettingsTable::Replace(INT32 index, CTrackSe
 }
 
 void CTrackSettingsTable::Clear() {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_rows.clear();
 }
 
 void CTrackSettingsTable::Append(CTrackSettingsRow row) {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     m_rows.push_back(std::move(row));
 }
 
 bool CTrackSettingsTable::IsEnabled(INT32 index) const {
-    const std::lock_guard lock(m_lock);
+    const win::LockGuard lock(m_lock);
     return !IsInside(index) || m_rows[static_cast<size_t>(index)].Get().bEnabled != 0;
 }
 

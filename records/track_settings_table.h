@@ -30,10 +30,12 @@ class CTrackSettingsTable {
     [[nodiscard]] bool IsEnabled(INT32 index) const;
 
   private:
-    [[nodiscard]] bool IsInside(INT32 index) const { return index >= 0 && static_cast<size_t>(index) < m_rows.size(); }
+    [[nodiscard]] bool IsInside(INT32 index) const QRX_REQUIRES(m_lock) {
+        return index >= 0 && static_cast<size_t>(index) < m_rows.size();
+    }
 
-    mutable win::CriticalSection m_lock; // guards m_rows
-    std::vector<CTrackSettingsRow> m_rows;
+    mutable win::CriticalSection m_lock;
+    std::vector<CTrackSettingsRow> m_rows QRX_GUARDED_BY(m_lock);
 };
 
 } // namespace records

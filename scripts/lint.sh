@@ -12,7 +12,7 @@ verb_format() {
 # since clang-tidy looks at every declaration of every header that a source includes.
 tidy_one() {
   clang-tidy --quiet -p "$BUILD/lint" \
-    --extra-arg=--target=x86_64-w64-mingw32 \
+    --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-Wthread-safety \
     --extra-arg=-isystem/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include/c++ \
     --extra-arg=-isystem/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include/c++/x86_64-w64-mingw32 \
     "$1" 2>/dev/null
