@@ -7,6 +7,7 @@
 #include "mkvmux/language_spelling.h"
 #include "mkvmux/text.h"
 #include "records/language_table.h"
+#include "win/code_page_text.h"
 
 namespace mkvmux {
 
@@ -15,7 +16,7 @@ namespace {
 constexpr size_t kMaxSuggestions = 3;
 
 std::wstring Widen(std::string_view text) {
-    return WideFromCodePage(kListCodePage, text);
+    return win::WideFromNarrow(kListCodePage, text);
 }
 
 std::wstring Lower(std::wstring_view text) {

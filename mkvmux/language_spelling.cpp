@@ -3,6 +3,7 @@
 #include "mkvmux/text.h"
 #include "records/language_lookup.h"
 #include "records/language_table.h"
+#include "win/code_page_text.h"
 
 namespace mkvmux {
 
@@ -19,7 +20,7 @@ std::optional<std::wstring> SpellingOfRow(UINT32 index) {
 
 std::optional<std::wstring> SpellingForMuxer(std::wstring_view name) {
     for (UINT32 index = 0; index < languageCount(); ++index) {
-        if (WideFromCodePage(kListCodePage, languageNameByIndex(index)) == name) {
+        if (win::WideFromNarrow(kListCodePage, languageNameByIndex(index)) == name) {
             return SpellingOfRow(index);
         }
     }

@@ -48,32 +48,6 @@ std::wstring SystemMessage(HRESULT hr) {
 
 } // namespace
 
-std::string Utf8FromWide(std::wstring_view text) {
-    if (text.empty()) {
-        return {};
-    }
-    const int wideLength = static_cast<int>(text.size());
-    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), wideLength, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), wideLength, utf8.data(), length, nullptr, nullptr);
-    return utf8;
-}
-
-std::wstring WideFromUtf8(std::string_view text) {
-    return WideFromCodePage(CP_UTF8, text);
-}
-
-std::wstring WideFromCodePage(UINT codePage, std::string_view text) {
-    if (text.empty()) {
-        return {};
-    }
-    const int narrowLength = static_cast<int>(text.size());
-    const int length = MultiByteToWideChar(codePage, 0, text.data(), narrowLength, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(codePage, 0, text.data(), narrowLength, wide.data(), length);
-    return wide;
-}
-
 std::string Shown(std::wstring_view text) {
     return source::Printable(Utf8FromWide(text));
 }

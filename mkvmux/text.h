@@ -4,14 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "win/platform.h"
+#include "win/utf8_text.h"
 
 namespace mkvmux {
 
-// Unpaired surrogates, which file names may hold, become U+FFFD.
-[[nodiscard]] std::string Utf8FromWide(std::wstring_view text);
-[[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
-[[nodiscard]] std::wstring WideFromCodePage(UINT codePage, std::string_view text);
+using win::Utf8FromWide;
+using win::WideFromUtf8;
 
 // A text that an input brought, fit for a line of a console and for what reads the tool's output: UTF-8 without control
 // characters. A long one ends in dots.

@@ -5,12 +5,12 @@
 
 #include <string>
 
-#include "win/platform.h"
+#include "win/wide_string.h"
 
 namespace records {
 
 // The name of that row as it reads in the code page, right or not: lists show it so.
-[[nodiscard]] std::basic_string<WCHAR> ShownLanguageName(UINT32 index);
+[[nodiscard]] WideString ShownLanguageName(UINT32 index);
 
 // The first row whose name is what the code page makes of the text. A code page of two bytes may have no text for the
 // bytes of a name; then the row whose shown name the text is. kNoLanguageIndex for any other text, and for none (null).

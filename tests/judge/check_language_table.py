@@ -12,7 +12,7 @@ import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-ROWS = ROOT / "mkv" / "language_rows.inc"
+ROWS = ROOT / "records" / "language_rows.inc"
 WITNESS = pathlib.Path("/usr/share/iso-codes/json/iso_639-2.json")
 
 # The table follows the list that the registration authority publishes sorted by English name; iso-codes follows

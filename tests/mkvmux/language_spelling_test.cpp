@@ -9,6 +9,7 @@
 #include "mkvmux/text.h"
 #include "records/language_lookup.h"
 #include "records/language_table.h"
+#include "win/code_page_text.h"
 
 namespace mkvmux {
 namespace {
@@ -34,9 +35,9 @@ class LanguageSpellingTest : public testing::Test {
     static std::vector<std::string> Lost() {
         std::vector<std::string> lost;
         for (const records::LanguageRow& row : records::LanguageRows()) {
-            const auto spelling = SpellingForMuxer(WideFromCodePage(kListCodePage, row.name));
+            const auto spelling = SpellingForMuxer(win::WideFromNarrow(kListCodePage, row.name));
             if (!spelling || CodeWrittenFor(*spelling) != languageCodeByName(row.name)) {
-                lost.emplace_back(Utf8FromWide(WideFromCodePage(kListCodePage, row.name)));
+                lost.emplace_back(Utf8FromWide(win::WideFromNarrow(kListCodePage, row.name)));
             }
         }
         return lost;
