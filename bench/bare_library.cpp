@@ -10,13 +10,12 @@
 
 #include "bench/baselines.h"
 #include "bench/stopwatch.h"
+#include "dshow/ref_time.h"
 #include "mkv/cluster_rule.h"
 
 namespace bench {
 
 namespace {
-
-constexpr UINT64 kNsPerTick = 100;
 
 // Copies what is rendered into a buffer, from whose start each cluster is written again.
 class BufferOutput final : public libebml::IOCallback {
@@ -105,8 +104,8 @@ double BareLibrarySeconds(const Load& load) {
     const Stopwatch watch;
     auto cluster = std::make_unique<BareCluster>(segment, 0);
     for (UINT64 packet = 0; packet < load.packetsPerInput; ++packet) {
-        const UINT64 timeNs = static_cast<UINT64>(load.StartOf(packet)) * kNsPerTick;
-        const UINT64 endNs = timeNs + static_cast<UINT64>(load.packetTicks) * kNsPerTick;
+        const UINT64 timeNs = static_cast<UINT64>(load.StartOf(packet)) * UINT64{kNsPerReferenceTime};
+        const UINT64 endNs = timeNs + static_cast<UINT64>(load.packetTicks) * UINT64{kNsPerReferenceTime};
         for (size_t input = 0; input < load.inputs; ++input) {
             const bool keyframe = video && input == 0 && packet > 0 && load.IsKeyframe(packet);
             if (keyframe || !cluster->Takes(endNs, payload.size())) {

@@ -4,13 +4,13 @@
 #include <random>
 
 #include "dshow/media_subtypes.h"
+#include "dshow/ref_time.h"
 #include "tests/support/media_types.h"
 
 namespace bench {
 
 namespace {
 
-constexpr INT64 kTicksPerMs = 10000; // of 100 ns
 constexpr size_t kSmallPacketBytes = 400;
 constexpr size_t kLargePacketBytes = 65536;
 constexpr INT64 kAudioPacketMs = 10;
@@ -57,7 +57,7 @@ Load SmallAudio(size_t inputs, UINT64 packetsPerInput) {
     load.payload = NoiseOf(kSmallPacketBytes);
     load.inputs = inputs;
     load.packetsPerInput = packetsPerInput;
-    load.packetTicks = kAudioPacketMs * kTicksPerMs;
+    load.packetTicks = kAudioPacketMs * kReferenceTimesPerMs;
     return load;
 }
 
@@ -68,7 +68,7 @@ Load LargeVideo(size_t inputs, UINT64 packetsPerInput) {
     load.payload = NoiseOf(kLargePacketBytes);
     load.inputs = inputs;
     load.packetsPerInput = packetsPerInput;
-    load.packetTicks = kVideoFrameMs * kTicksPerMs;
+    load.packetTicks = kVideoFrameMs * kReferenceTimesPerMs;
     load.keyframeEvery = kFramesPerKeyframe;
     return load;
 }

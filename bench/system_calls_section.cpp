@@ -8,13 +8,14 @@
 #include "bench/system_calls.h"
 #include "bench/table.h"
 #include "bench/uncounted_section.h"
+#include "dshow/ref_time.h"
 
 namespace bench {
 
 namespace {
 
-constexpr INT64 kTicksPerMs = 10000;                    // of 100 ns
-constexpr INT64 kClusterGapTicks = 40000 * kTicksPerMs; // longer than a cluster may be: the next packet ends it
+constexpr INT64 kClusterGapTicks =
+    40000 * kReferenceTimesPerMs; // longer than a cluster may be: the next packet ends it
 constexpr DWORD kWorkerFallsAsleepMs = 5;
 constexpr DWORD kWorkerEmptiesQueueMs = 1000;
 constexpr size_t kManyInputs = 8;
@@ -39,7 +40,7 @@ void AddRow(Table& table, const std::string& phase, UINT64 packets, const System
 // One audio input, whose packets are so short that a phase lies within one cluster.
 Load PhaseLoad() {
     Load load = SmallAudio(1, 0);
-    load.packetTicks = kTicksPerMs / 10;
+    load.packetTicks = kReferenceTimesPerMs / 10;
     return load;
 }
 

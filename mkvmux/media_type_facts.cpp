@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "dshow/media_subtypes.h"
+#include "dshow/ref_time.h"
 #include "media/format_block.h"
 #include "mkvmux/text.h"
 
@@ -40,7 +41,7 @@ std::string SubtypeText(const GUID& subtype) {
 }
 
 PictureFacts PictureOf(const BITMAPINFOHEADER& bitmap, REFERENCE_TIME frameDuration) {
-    const double rate = frameDuration > 0 ? kReferenceTimesPerSecond / static_cast<double>(frameDuration) : 0;
+    const double rate = frameDuration > 0 ? double{kReferenceTimesPerSecond} / static_cast<double>(frameDuration) : 0;
     return {static_cast<long>(bitmap.biWidth), static_cast<long>(bitmap.biHeight), rate};
 }
 

@@ -8,8 +8,6 @@
 
 namespace mkvmux {
 
-inline constexpr double kReferenceTimesPerSecond = 1e7;
-
 struct PictureFacts {
     long width = 0;             // pixels
     long height = 0;            // pixels; negative for a picture stored top down

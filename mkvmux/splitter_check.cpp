@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "dshow/ref_time.h"
 #include "media/format_block.h"
 #include "mkvmux/media_type_facts.h"
 #include "mkvmux/media_type_text.h"
@@ -85,7 +86,7 @@ std::string DoubtOf(const AM_MEDIA_TYPE& sound, REFERENCE_TIME duration, UINT64 
     const auto wave = WaveOf(sound);
     const auto rates = wave ? RatesOf(*wave) : std::nullopt;
     const double size = static_cast<double>(fileBytes);
-    const double seconds = static_cast<double>(duration) / kReferenceTimesPerSecond;
+    const double seconds = static_cast<double>(duration) / double{kReferenceTimesPerSecond};
     if (!rates || duration <= 0 ||
         (size <= kTolerance * seconds * rates->most + kSlackBytes &&
          seconds * rates->least <= kTolerance * size + kSlackBytes)) {

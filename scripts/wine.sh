@@ -18,9 +18,6 @@ need_wine_prefix() {
     "$WINE" wineboot -i >"$BUILD/wineboot.log" 2>&1 || die "wineboot failed; see $BUILD/wineboot.log"
     touch "$WINEPREFIX/.ready"
   fi
-  # One server for many short programs: it leaves by itself a minute after the last one.
-  [ -x "$WINESERVER" ] && "$WINESERVER" -p60 >/dev/null 2>&1
-  return 0
 }
 
 # windows_path PATH: the path as a Windows program under Wine sees it (drive Z: is the whole file system).

@@ -3,11 +3,13 @@
 #include <charconv>
 #include <cmath>
 
+#include "dshow/ref_time.h"
+
 namespace annexb {
 
 namespace {
 
-constexpr UINT64 kSecond = 10'000'000; // in units of 100 ns
+constexpr UINT64 kSecond{kReferenceTimesPerSecond};
 constexpr double kLeastRate = 0.001;
 constexpr double kGreatestRate = 10'000;
 constexpr double kNtscFactor = 1.001;

@@ -13,7 +13,6 @@
 
 namespace avi {
 
-inline constexpr REFERENCE_TIME kSecond = 10'000'000; // in units of 100 ns
 
 struct AviStream {
     DWORD type = 0; // 'vids', 'auds', …

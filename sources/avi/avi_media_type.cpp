@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "dshow/ref_time.h"
 #include "media/format_builder.h"
 
 namespace avi {
@@ -23,7 +24,7 @@ CMediaType VideoType(const AviStream& stream) {
     std::memcpy(&bitmap, stream.format.data(), sizeof(bitmap));
     media::Picture picture;
     if (stream.rate > 0 && stream.scale / stream.rate <= kMaxPictureSeconds) {
-        picture.frameDuration = kSecond * stream.scale / stream.rate;
+        picture.frameDuration = kReferenceTimesPerSecond * stream.scale / stream.rate;
     }
     const media::ByteView extra = media::ByteView(stream.format).subspan(sizeof(bitmap));
     CMediaType type = media::VideoInfoType(media::SubtypeOf(bitmap), picture, bitmap, extra);

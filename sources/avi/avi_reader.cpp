@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "dshow/ref_time.h"
 #include "sources/avi/avi_media_type.h"
 
 namespace avi {
@@ -21,7 +22,8 @@ REFERENCE_TIME TimeOf(const AviStream& stream, UINT64 unit) {
     if (stream.rate == 0 || stream.scale == 0) {
         return 0;
     }
-    constexpr UINT64 kMaxSeconds = source::kMaxTime / kSecond;
+    constexpr UINT64 kSecond{kReferenceTimesPerSecond};
+    constexpr UINT64 kMaxSeconds = source::kMaxTime / kReferenceTimesPerSecond;
     const UINT64 ticks = unit * stream.scale;
     if (unit > UINT64_MAX / stream.scale || ticks / stream.rate > kMaxSeconds) {
         return source::kMaxTime + 1;

@@ -1,9 +1,12 @@
-"""Nothing that the kernel places at random is in the way of what Wine needs at fixed addresses."""
+"""A program under Wine always starts: nothing that the kernel places at random is in the way of what Wine needs at fixed
+addresses, and no server ends meanwhile."""
 
 import fcntl
 import os
+from pathlib import Path
 
 from whole_files.mkvmux_case import MkvmuxCase
+from whole_files.wine_process import wine_environment
 
 SHARED_DATA = 0x7FFE0000  # Wine's page of data that all programs share
 STARTS = 5
@@ -31,3 +34,17 @@ class HostStart(MkvmuxCase):
         self.assertEqual(len(begins), 1, f"the heap is placed at random: {[hex(begin) for begin in begins]}")
         distance = SHARED_DATA - begins.pop()
         self.assertFalse(0 <= distance < 16 << 20, f"the heap begins {distance} bytes below the shared data")
+
+    def test_the_server_outlasts_its_last_program(self):
+        self.assertEqual(self.mkvmux("--version").status, 0)
+        prefix = Path(wine_environment()["WINEPREFIX"]).stat()
+        directory = f"server-{prefix.st_dev:x}-{prefix.st_ino:x}"
+        servers = []
+        for process in Path("/proc").glob("[0-9]*"):
+            try:
+                if (process / "cwd").readlink().name == directory:
+                    servers.append((process / "cmdline").read_text(encoding="ascii").split("\0"))
+            except OSError:
+                pass  # it has ended, or is somebody else's
+        self.assertEqual(len(servers), 1, servers)
+        self.assertIn("-p600", servers[0])

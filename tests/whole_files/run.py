@@ -2,28 +2,14 @@
 """Runs whole-file tests: run.py DIRECTORY [NAME…]. The last line says "N passed, N failed"."""
 
 import argparse
-import os
-import subprocess
 import sys
 import unittest
 from pathlib import Path
 
 
-WINE_SERVER = "/usr/lib/wine/wineserver64"
-
-
-def keep_wine_server():
-    """One server for many short programs: it leaves by itself a minute after the last one."""
-    from whole_files.wine_process import wine_environment
-
-    if os.path.exists(WINE_SERVER):
-        subprocess.run([WINE_SERVER, "-p60"], env=wine_environment(), check=False, stderr=subprocess.DEVNULL)
-
-
 def main():
     sys.dont_write_bytecode = True
     sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
-    keep_wine_server()
     loader = unittest.TestLoader()
     parser = argparse.ArgumentParser()
     parser.add_argument("directory", type=Path)
