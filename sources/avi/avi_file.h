@@ -13,7 +13,6 @@
 
 namespace avi {
 
-
 struct AviStream {
     DWORD type = 0; // 'vids', 'auds', …
     DWORD scale = 0;
