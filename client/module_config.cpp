@@ -95,19 +95,30 @@ HRESULT ModuleConfig::Attach(const Attachment& attachment) const {
     return Set(MKVMUX_Attachment, ReferenceTo(&record));
 }
 
-HRESULT ModuleConfig::GetDocType(MuxDocType& docType) const {
+HRESULT ModuleConfig::GetNumber(const GUID& key, UINT32& number) const {
     VARIANT value = Tagged(VT_UI4);
-    const HRESULT hr = Get(MKVMUX_DocType, value);
+    const HRESULT hr = Get(key, value);
+    number = SUCCEEDED(hr) ? V_UI4(&value) : number;
+    return hr;
+}
+
+HRESULT ModuleConfig::SetNumber(const GUID& key, UINT32 number) const {
+    VARIANT value = Tagged(VT_UI4);
+    V_UI4(&value) = number;
+    return Set(key, value);
+}
+
+HRESULT ModuleConfig::GetDocType(MuxDocType& docType) const {
+    UINT32 number = 0;
+    const HRESULT hr = GetNumber(MKVMUX_DocType, number);
     if (SUCCEEDED(hr)) {
-        docType = V_UI4(&value) == MuxDocType_Webm ? MuxDocType_Webm : MuxDocType_Matroska;
+        docType = number == MuxDocType_Webm ? MuxDocType_Webm : MuxDocType_Matroska;
     }
     return hr;
 }
 
 HRESULT ModuleConfig::SetDocType(MuxDocType docType) const {
-    VARIANT value = Tagged(VT_UI4);
-    V_UI4(&value) = docType;
-    return Set(MKVMUX_DocType, value);
+    return SetNumber(MKVMUX_DocType, static_cast<UINT32>(docType));
 }
 
 HRESULT ModuleConfig::SetLogDirectory(WideStringView directory) const {

@@ -32,6 +32,9 @@ class ModuleConfig {
     [[nodiscard]] HRESULT GetTrack(INT32 index, TrackRow& row) const;
     [[nodiscard]] HRESULT SetTrack(const TrackRow& row) const;
     [[nodiscard]] HRESULT Attach(const Attachment& attachment) const;
+    // Of any key whose value is one UINT32.
+    [[nodiscard]] HRESULT GetNumber(const GUID& key, UINT32& number) const;
+    [[nodiscard]] HRESULT SetNumber(const GUID& key, UINT32 number) const;
     // What is not WebM counts as Matroska.
     [[nodiscard]] HRESULT GetDocType(MuxDocType& docType) const;
     [[nodiscard]] HRESULT SetDocType(MuxDocType docType) const;

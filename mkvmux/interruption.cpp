@@ -13,6 +13,7 @@ namespace {
 
 // The handler gets no context; the one Interruption of the program is found through this. The lock guards it and the
 // stage: whoever ends the program at once holds it until the process is gone, so that nobody says another word.
+// A mutex of the standard library, since it has no destructor: the handler may still come when the program ends.
 std::mutex g_lock;
 Interruption* g_current = nullptr;
 
