@@ -10,7 +10,8 @@ using Replaced = CTrackSettingsTable::Replaced;
 
 // The defaults of that row, switched off.
 CTrackSettingsRow DisabledRow(INT32 index) {
-    TrackSettings settings = CTrackSettingsRow(index).Get();
+    const CTrackSettingsRow defaults(index); // owns the strings
+    TrackSettings settings = defaults.Get();
     settings.bEnabled = 0;
     return CTrackSettingsRow(settings);
 }
