@@ -4,6 +4,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "sources/base/byte_source.h"
 #include "sources/base/opened_source.h"
