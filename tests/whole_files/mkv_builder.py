@@ -34,9 +34,9 @@ def track_number(number):
     return (number | 0x80).to_bytes(1, "big")
 
 
-def track_entry(number, kind, codec_id, private=b"", more=b""):
+def track_entry(number, kind, codec_id, private=b"", more=b"", uid=None):
     """kind: 1 video, 2 audio, 17 subtitles."""
-    content = unsigned(0xD7, number) + unsigned(0x73C5, number) + unsigned(0x83, kind) + text(0x86, codec_id)
+    content = unsigned(0xD7, number) + unsigned(0x73C5, number if uid is None else uid) + unsigned(0x83, kind) + text(0x86, codec_id)
     return element(0xAE, content + (element(0x63A2, private) if private else b"") + more)
 
 
