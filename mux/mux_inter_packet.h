@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "win/owned_bytes.h"
 #include "win/platform.h"
 
 class CMuxInterPacket {
@@ -18,7 +19,7 @@ class CMuxInterPacket {
 
     INT64 start = 0;
     INT64 stop = 0;
-    std::unique_ptr<BYTE[]> data; // may be null
+    win::OwnedBytes data; // may be null
     UINT32 size = 0;
     bool syncPoint = false;
     bool hasTime = false;
