@@ -1,5 +1,5 @@
-// OwnedBytes: bytes with an owner that may be handed on, and that go back where they came from: to a pool that uses them
-// again, or to the heap.
+// OwnedBytes: bytes with an owner that may be handed on, and that go back where they came from: to a pool that uses
+// them again, or to the heap.
 //
 // Owner: whoever holds it; a home outlives all that it gave. Threads: given back by any thread, one at a time.
 #pragma once
@@ -23,7 +23,8 @@ class ByteHome {
 class ByteReturn {
   public:
     ByteReturn() = default;
-    ByteReturn(std::default_delete<BYTE[]>) {} // NOLINT(google-explicit-constructor): so that a std::unique_ptr converts
+    ByteReturn(std::default_delete<BYTE[]>) {
+    } // NOLINT(google-explicit-constructor): so that a std::unique_ptr converts
     explicit ByteReturn(ByteHome& home) : m_home(&home) {}
 
     void operator()(BYTE* bytes) const noexcept {

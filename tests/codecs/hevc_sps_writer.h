@@ -2,11 +2,11 @@
 // taken. What it writes was read back once with ffmpeg's trace_headers filter, field by field.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
 #include "tests/codecs/bit_writer.h"
-#include <cstdint>
 
 namespace mkv_test {
 

@@ -42,6 +42,11 @@ FakeMediaSample& FakeMediaSample::WithClaimedLength(LONG bytes) {
     return *this;
 }
 
+FakeMediaSample& FakeMediaSample::WithClaimedSize(LONG bytes) {
+    m_claimedSize = bytes;
+    return *this;
+}
+
 FakeMediaSample& FakeMediaSample::WithPointerFailure(HRESULT result) {
     m_pointerResult = result;
     return *this;
@@ -69,7 +74,7 @@ HRESULT FakeMediaSample::GetPointer(BYTE** buffer) {
 }
 
 LONG FakeMediaSample::GetSize() {
-    return static_cast<LONG>(m_data.size());
+    return m_claimedSize;
 }
 
 HRESULT FakeMediaSample::GetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) {

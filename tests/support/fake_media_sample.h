@@ -23,8 +23,9 @@ class FakeMediaSample final : public IMediaSample {
     FakeMediaSample& WithPreroll(bool preroll = true);
     FakeMediaSample& WithDiscontinuity(bool discontinuity = true);
     FakeMediaSample& WithMediaTimes(INT64 start, INT64 stop);
-    // For samples that lie: a length other than the data's, a GetPointer that fails.
+    // For samples that lie: a length or a size other than the data's, a GetPointer that fails.
     FakeMediaSample& WithClaimedLength(LONG bytes);
+    FakeMediaSample& WithClaimedSize(LONG bytes);
     FakeMediaSample& WithPointerFailure(HRESULT result);
     [[nodiscard]] LONG References() const { return m_references.Count(); }
 
@@ -56,6 +57,7 @@ class FakeMediaSample final : public IMediaSample {
     ReferenceCount m_references{"a media sample"};
     std::vector<BYTE> m_data;
     LONG m_claimedLength = static_cast<LONG>(m_data.size());
+    LONG m_claimedSize = static_cast<LONG>(m_data.size());
     HRESULT m_pointerResult = S_OK;
     TimeKind m_timeKind = TimeKind::None;
     INT64 m_start = 0;

@@ -199,6 +199,7 @@ TEST_F(SourceFilter, ASampleThatIsSmallerThanItsAllocatorPromisesIsNotWrittenBey
     Start();
     ASSERT_TRUE(m_sink->Pin().WaitForEnd(60s));
     Stop();
+    EXPECT_FALSE(allocator.WroteBehindTheSize());
     EXPECT_EQ(m_sink->Pin().Samples().size(), 2u);
     EXPECT_EQ(m_opened.damage->load(), VFW_E_BUFFER_OVERFLOW);
     Close();

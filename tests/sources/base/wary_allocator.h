@@ -4,7 +4,9 @@
 #pragma once
 
 #include <atomic>
+#include <optional>
 
+#include "tests/support/fake_media_sample.h"
 #include "tests/support/reference_count.h"
 #include "win/com_ptr.h"
 
@@ -16,8 +18,10 @@ class WaryAllocator final : public IMemAllocator {
 
     // Larger buffers are refused.
     void RefuseAbove(LONG bytes) { m_most = bytes; }
-    // Larger buffers are promised, and have that size all the same.
-    void PromiseAbove(LONG bytes) { m_real = bytes; }
+    // Larger buffers are promised, but each sample has that size and says so; one at a time is handed out.
+    void PromiseAbove(LONG bytes);
+    // Whether anything was written behind the size that those samples have.
+    [[nodiscard]] bool WroteBehindTheSize();
     // Of all that was granted: buffers times their size.
     [[nodiscard]] LONGLONG LargestPool() const { return m_largestPool; }
 
@@ -31,9 +35,7 @@ class WaryAllocator final : public IMemAllocator {
     HRESULT STDMETHODCALLTYPE Commit() override { return m_inner->Commit(); }
     HRESULT STDMETHODCALLTYPE Decommit() override { return m_inner->Decommit(); }
     HRESULT STDMETHODCALLTYPE GetBuffer(IMediaSample** sample, REFERENCE_TIME* start, REFERENCE_TIME* stop,
-                                        DWORD flags) override {
-        return m_inner->GetBuffer(sample, start, stop, flags);
-    }
+                                        DWORD flags) override;
     HRESULT STDMETHODCALLTYPE ReleaseBuffer(IMediaSample* sample) override { return m_inner->ReleaseBuffer(sample); }
 
   private:
@@ -41,6 +43,7 @@ class WaryAllocator final : public IMemAllocator {
     win::ComPtr<IMemAllocator> m_inner;
     LONG m_most = MAXLONG;
     LONG m_real = MAXLONG;
+    std::optional<test_support::FakeMediaSample> m_narrowSample; // of m_real bytes, with more behind them
     std::atomic<LONGLONG> m_largestPool{0};
 };
 
