@@ -1,7 +1,6 @@
 #include "ui/prop_tree.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "dshow/com_guard.h"
 #include "ui/prop_tree_accessible.h"
@@ -93,7 +92,7 @@ HTREEITEM CPropTree::AddLabel(HTREEITEM parent, const std::wstring& label) {
     PropTreeItem item;
     item.parent = parent;
     item.label = label;
-    return Insert(std::move(item));
+    return m_rows.Add(std::move(item));
 }
 
 HTREEITEM CPropTree::AddBool(HTREEITEM parent, const std::wstring& label, bool value) {
@@ -108,7 +107,7 @@ HTREEITEM CPropTree::AddList(HTREEITEM parent, const std::wstring& label, const 
     item.label = label;
     item.choices = choices;
     item.selection = selection;
-    return Insert(std::move(item));
+    return m_rows.Add(std::move(item));
 }
 
 HTREEITEM CPropTree::AddText(HTREEITEM parent, const std::wstring& label, const std::wstring& text) {
@@ -117,40 +116,15 @@ HTREEITEM CPropTree::AddText(HTREEITEM parent, const std::wstring& label, const 
     item.parent = parent;
     item.label = label;
     item.text = text;
-    return Insert(std::move(item));
-}
-
-HTREEITEM CPropTree::Insert(PropTreeItem item) {
-    TVINSERTSTRUCTW row{};
-    row.hParent = item.parent;
-    row.hInsertAfter = TVI_LAST;
-    row.item.mask = TVIF_TEXT | TVIF_STATE;
-    row.item.state = TVIS_EXPANDED | (item.kind == PropItemKind::Label ? static_cast<UINT>(TVIS_BOLD) : 0);
-    row.item.stateMask = row.item.state;
-    row.item.pszText = item.label.data();
-    const auto handle =
-        win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&row)));
-    if (handle != nullptr) {
-        m_items[handle] = std::move(item);
-    }
-    return handle;
-}
-
-const PropTreeItem* CPropTree::GetItem(HTREEITEM item) const {
-    const auto found = m_items.find(item);
-    return found != m_items.end() ? &found->second : nullptr;
+    return m_rows.Add(std::move(item));
 }
 
 HTREEITEM CPropTree::GetFirstChild(HTREEITEM item) const {
-    return Neighbour(TVGN_CHILD, item);
+    return m_rows.Neighbour(TVGN_CHILD, item);
 }
 
 HTREEITEM CPropTree::GetNextSibling(HTREEITEM item) const {
-    return Neighbour(TVGN_NEXT, item);
-}
-
-HTREEITEM CPropTree::Neighbour(UINT relation, HTREEITEM item) const {
-    return win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+    return m_rows.Neighbour(TVGN_NEXT, item);
 }
 
 bool CPropTree::GetBool(const PropTreeItem& item) {
@@ -219,9 +193,10 @@ void CPropTree::AfterMessage(UINT message, WPARAM wParam, HTREEITEM clicked) {
 void CPropTree::PaintValues(HDC given) const {
     const CPropTreePainter painter(TreeWindow(), Font(), given);
     RECT cell{};
-    for (HTREEITEM item = Neighbour(TVGN_FIRSTVISIBLE, nullptr);
-         item != nullptr && ValueCell(item, cell) && painter.Shows(cell); item = Neighbour(TVGN_NEXTVISIBLE, item)) {
-        if (const PropTreeItem* const record = GetItem(item)) {
+    for (HTREEITEM item = m_rows.Neighbour(TVGN_FIRSTVISIBLE, nullptr);
+         item != nullptr && ValueCell(item, cell) && painter.Shows(cell);
+         item = m_rows.Neighbour(TVGN_NEXTVISIBLE, item)) {
+        if (const PropTreeItem* const record = m_rows.Find(item)) {
             painter.Paint(*record, cell);
         }
     }
@@ -229,11 +204,9 @@ void CPropTree::PaintValues(HDC given) const {
 
 bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
     RECT row{};
-    std::memcpy(&row, &item, sizeof(item)); // NOLINT(bugprone-sizeof-expression): TVM_GETITEMRECT reads it there
     RECT column{};
     RECT client{};
-    if (m_tree.Ask(TVM_GETITEMRECT, FALSE, reinterpret_cast<LPARAM>(&row)) == FALSE || !m_header.ValueColumn(column) ||
-        !GetClientRect(TreeWindow(), &client)) {
+    if (!m_rows.Rectangle(item, row) || !m_header.ValueColumn(column) || !GetClientRect(TreeWindow(), &client)) {
         return false;
     }
     // The header is wider than the rows by the scroll bar.
@@ -243,7 +216,7 @@ bool CPropTree::ValueCell(HTREEITEM item, RECT& cell) const {
 
 LRESULT CPropTree::TellAccessibleName(WPARAM child, LPARAM text) const {
     return SUCCEEDED(ComGuard([&] {
-        const auto name = AccessibleName(child);
+        const auto name = m_rows.AccessibleName(child);
         if (!name) {
             return E_INVALIDARG;
         }
@@ -252,23 +225,8 @@ LRESULT CPropTree::TellAccessibleName(WPARAM child, LPARAM text) const {
     }));
 }
 
-// Trees of the newer common controls number their items; the older ones give the handle, of which 32 bits travel.
-WPARAM CPropTree::AccessibleNumber(HTREEITEM item) const {
-    const auto number = static_cast<UINT>(m_tree.Ask(TVM_MAPHTREEITEMTOACCID, reinterpret_cast<WPARAM>(item), 0));
-    return number != 0 ? number : static_cast<UINT>(reinterpret_cast<UINT_PTR>(item));
-}
-
-std::optional<std::wstring> CPropTree::AccessibleName(WPARAM child) const {
-    for (const auto& [item, record] : m_items) {
-        if (AccessibleNumber(item) == static_cast<UINT>(child)) {
-            return record.kind == PropItemKind::Label ? record.label : record.label + L": " + ShownValueOf(record);
-        }
-    }
-    return {};
-}
-
 void CPropTree::FollowSelection() {
-    const HTREEITEM selected = Neighbour(TVGN_CARET, nullptr);
+    const HTREEITEM selected = m_rows.Neighbour(TVGN_CARET, nullptr);
     const HTREEITEM left = m_editedItem;
     if (selected == left) {
         return;
@@ -288,18 +246,18 @@ void CPropTree::StoreEdit(HTREEITEM item) {
     const auto text = m_editor.EditedText();
     const bool wasOpen = m_editor.IsOpen();
     m_editor.Close();
-    const auto record = m_items.find(item);
-    if (!wasOpen || !text || record == m_items.end() || !StoreText(record->second, *text)) {
+    if (!wasOpen || !text || !m_rows.Store(item, *text)) {
         return;
     }
-    NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, TreeWindow(), OBJID_CLIENT, static_cast<LONG>(AccessibleNumber(item)));
+    NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, TreeWindow(), OBJID_CLIENT,
+                   static_cast<LONG>(m_rows.AccessibleNumber(item)));
     NMHDR changed{};
     changed.hwndFrom = TreeWindow(); // code 0, and no control identifier
     SendMessageW(GetParent(TreeWindow()), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&changed));
 }
 
 void CPropTree::OpenEditor(HTREEITEM item) {
-    if (const PropTreeItem* const record = GetItem(item)) {
+    if (const PropTreeItem* const record = m_rows.Find(item)) {
         m_editor.Open(TreeWindow(), Font(), *record);
         PlaceEditor();
     }
@@ -316,11 +274,10 @@ void CPropTree::PlaceEditor() {
 }
 
 HTREEITEM CPropTree::ItemOfValueAt(LPARAM position) const {
-    TVHITTESTINFO hit{};
-    hit.pt = {static_cast<SHORT>(LOWORD(position)), static_cast<SHORT>(HIWORD(position))};
-    const auto item = win::FromMessageValue<HTREEITEM>(m_tree.Ask(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    const POINT point{static_cast<SHORT>(LOWORD(position)), static_cast<SHORT>(HIWORD(position))};
+    const HTREEITEM item = m_rows.At(point);
     RECT cell{};
-    return item != nullptr && ValueCell(item, cell) && hit.pt.x >= cell.left ? item : nullptr;
+    return item != nullptr && ValueCell(item, cell) && point.x >= cell.left ? item : nullptr;
 }
 
 void CPropTree::OnEditorKey(PropTreeEditorKey key) {
@@ -334,7 +291,7 @@ void CPropTree::OnEditorKey(PropTreeEditorKey key) {
         SetFocus(tree);
         break;
     case PropTreeEditorKey::GiveUp:
-        if (const PropTreeItem* const record = GetItem(m_editedItem)) {
+        if (const PropTreeItem* const record = m_rows.Find(m_editedItem)) {
             m_editor.Show(*record);
         }
         SetFocus(tree);
@@ -354,7 +311,7 @@ void CPropTree::OnEditorKey(PropTreeEditorKey key) {
 
 void CPropTree::SelectNeighbour(UINT relation) const {
     const HWND tree = TreeWindow();
-    const HTREEITEM item = Neighbour(relation, m_editedItem);
+    const HTREEITEM item = m_rows.Neighbour(relation, m_editedItem);
     if (item == nullptr) {
         return;
     }

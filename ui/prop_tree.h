@@ -5,12 +5,13 @@
 // Threads: that of the parent window. Errors: a null item for one that could not be added; std::bad_alloc.
 #pragma once
 
-#include <map>
-#include <optional>
+#include <string>
+#include <vector>
 
 #include "ui/prop_tree_editor.h"
 #include "ui/prop_tree_header.h"
 #include "ui/prop_tree_item.h"
+#include "ui/prop_tree_rows.h"
 #include "ui/window_hook.h"
 
 class CPropTree {
@@ -33,7 +34,7 @@ class CPropTree {
     HTREEITEM AddText(HTREEITEM parent, const std::wstring& label, const std::wstring& text);
 
     // Null for an unknown item. An edit that is still open is not in the record.
-    [[nodiscard]] const PropTreeItem* GetItem(HTREEITEM item) const;
+    [[nodiscard]] const PropTreeItem* GetItem(HTREEITEM item) const { return m_rows.Find(item); }
     [[nodiscard]] HTREEITEM GetFirstChild(HTREEITEM item) const;
     [[nodiscard]] HTREEITEM GetNextSibling(HTREEITEM item) const;
 
@@ -56,17 +57,12 @@ class CPropTree {
 
     bool CreateTree(HWND parent, const RECT& area);
     void SetRowGeometry() const;
-    HTREEITEM Insert(PropTreeItem item);
     [[nodiscard]] HFONT Font() const;
-    [[nodiscard]] HTREEITEM Neighbour(UINT relation, HTREEITEM item) const;
 
     // The item's row and the "Value" column; false for an item in a collapsed branch.
     [[nodiscard]] bool ValueCell(HTREEITEM item, RECT& cell) const;
     void PaintValues(HDC given) const;
 
-    // Of the item that accessibility knows by that number: its label and its value. None for another number.
-    [[nodiscard]] std::optional<std::wstring> AccessibleName(WPARAM child) const;
-    [[nodiscard]] WPARAM AccessibleNumber(HTREEITEM item) const;
     LRESULT TellAccessibleName(WPARAM child, LPARAM text) const;
 
     void FollowSelection();
@@ -79,8 +75,8 @@ class CPropTree {
     void LeaveForNextControl() const;
 
     CWindowHook m_tree; // the window and the procedure that it had before ours
+    CPropTreeRows m_rows{m_tree};
     CPropTreeHeader m_header;
-    std::map<HTREEITEM, PropTreeItem> m_items;
     CPropTreeEditor m_editor;
     HTREEITEM m_editedItem = nullptr; // the selected item, with an open editor unless it is a label
 };
