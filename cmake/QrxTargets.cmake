@@ -22,10 +22,10 @@ if(QRX_SANITIZE)
   target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
   target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
   target_compile_options(qrx_common INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -g1
+    -fsanitize=${QRX_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1
     # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
     -Wno-ignored-attributes)
-  target_link_options(qrx_common INTERFACE -fsanitize=address,undefined)
+  target_link_options(qrx_common INTERFACE -fsanitize=${QRX_SANITIZERS})
   if(QRX_FUZZ)
     # clang warns of other things than the compiler that the sources are written for.
     target_compile_options(qrx_common INTERFACE -fsanitize=fuzzer-no-link -Wno-error -w)

@@ -9,7 +9,8 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   mkvmux ARG…     run the command-line tool under Wine, with Linux paths
   example IN OUT COVER  run examples/mux_wave.cpp: a WAVE file with a cover into a Matroska file
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
-  sanitize        the same sources and tests on Linux under ASan, leak check and UBSan
+  sanitize        the same sources and tests on Linux under ASan, leak check and UBSan; sanitize thread: under
+                  ThreadSanitizer, what has threads
   fuzz [NAME] [N] the fuzzers, N seconds each
   bench [--quick] the benchmarks, printed as tables
   screenshots     pictures of the property pages, into docs/images

@@ -5,6 +5,10 @@ extern "C" const char* __asan_default_options() {
            "strict_init_order=1:detect_invalid_pointer_pairs=0:allocator_may_return_null=1";
 }
 
+extern "C" const char* __tsan_default_options() {
+    return "halt_on_error=1:second_deadlock_stack=1:detect_deadlocks=1";
+}
+
 extern "C" const char* __ubsan_default_options() {
     return "print_stacktrace=1:halt_on_error=1";
 }
