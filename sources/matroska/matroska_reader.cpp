@@ -173,15 +173,21 @@ std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload,
         m_lostFrames = m_lostFrames || !data;
         packets.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
     }
-    m_budget.Spend(stream.decoder.ChangesNothing() ? 0 : payload.size(), allowed - room);
+    m_budget.Spend(stream.KeepsFrames() ? 0 : payload.size(), allowed - room);
     return packets;
 }
 
 std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, codecs::ByteView frame,
                                                              size_t& room) const {
     std::optional<std::vector<BYTE>> data = stream.decoder.Decode(frame, room);
-    if (data && stream.avcLengthBytes != 0) {
-        data = codecs::WidenLengths(*data, stream.avcLengthBytes, source::kMaxPacketBytes);
+    if (!data || stream.avcLengthBytes == 0) {
+        return data;
+    }
+    // What widening adds counts as what decompression makes.
+    const size_t narrow = data->size();
+    data = codecs::WidenLengths(*data, stream.avcLengthBytes, std::min(source::kMaxPacketBytes, narrow + room));
+    if (data && data->size() > narrow) {
+        room -= data->size() - narrow;
     }
     return data;
 }

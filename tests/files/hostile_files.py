@@ -94,6 +94,14 @@ def one_layer_of_widened_zeros():
                            element(ENCODINGS, zlib_layer()))], [(0, block(1, 0, content))])
 
 
+def widened_zeros_of(frames, zeros, padding):
+    """Frames that become four times as large again behind one layer: far below every bound on a frame."""
+    frame = deflated(zeros) + bytes(padding)
+    content = bytes([frames - 1]) + frames * frame
+    return matroska([track(1, VIDEO, b"V_MPEG4/ISO/AVC", element(PRIVATE, AVC_OF_SHORT_LENGTHS),
+                           element(ENCODINGS, zlib_layer()))], [(0, block(1, 0, content, FIXED))])
+
+
 def laced_bomb(layers=3):
     """Four frames of one block."""
     frame = deflated(255 * MIB, layers)

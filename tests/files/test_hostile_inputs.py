@@ -47,6 +47,10 @@ class HostileInputs(MkvmuxCase):
                       self.check("layers.mkv", hostile_files.widened_zeros()).error_lines[0])
         self.check("one_layer.mkv", hostile_files.one_layer_of_widened_zeros())
 
+    def test_widening_counts_as_what_decompression_makes(self):
+        self.check("one_frame.mkv", hostile_files.widened_zeros_of(1, 31 << 20, 2048))
+        self.check("three_frames.mkv", hostile_files.widened_zeros_of(3, 20 << 20, 600))
+
     def test_frames_of_one_block(self):
         for layers in (1, 3):
             self.check(f"laced{layers}.mkv", hostile_files.laced_bomb(layers))
