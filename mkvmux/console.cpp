@@ -1,12 +1,14 @@
 #include "mkvmux/console.h"
 
 #include "mkvmux/text.h"
+#include "sources/base/printable.h"
 
 namespace mkvmux {
 
 namespace {
 
 constexpr int kDefaultColumns = 80;
+constexpr size_t kMaxLineChars = 32 * 1024; // a path has no more
 
 bool IsConsole(HANDLE handle) {
     DWORD mode = 0;
@@ -35,6 +37,11 @@ void Write(DWORD which, std::string_view text) {
     WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
 }
 
+// One line that commands no terminal, whatever an input, a configuration or a file of options holds.
+void WriteRemark(const char* kind, std::string_view text) {
+    Write(STD_ERROR_HANDLE, kind + source::Printable(text, kMaxLineChars) + "\n");
+}
+
 } // namespace
 
 void Console::Inform(std::string_view text) const {
@@ -49,11 +56,11 @@ void Console::Print(std::string_view text) {
 
 void Console::Warn(std::string_view text) {
     m_hasWarned = true;
-    Write(STD_ERROR_HANDLE, "mkvmux: warning: " + std::string(text) + "\n");
+    WriteRemark("mkvmux: warning: ", text);
 }
 
 void Console::Fail(std::string_view text) {
-    Write(STD_ERROR_HANDLE, "mkvmux: error: " + std::string(text) + "\n");
+    WriteRemark("mkvmux: error: ", text);
 }
 
 bool Console::IsTerminal() {

@@ -19,7 +19,7 @@ class Console {
     void Inform(std::string_view text) const;
     // What was asked for by an option (help, version, identification): never silent.
     static void Print(std::string_view text);
-    // One line each on standard error.
+    // One line each on standard error: what would break it or command the terminal is shown as a question mark.
     void Warn(std::string_view text);
     static void Fail(std::string_view text);
 

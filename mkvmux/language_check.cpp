@@ -21,7 +21,7 @@ std::wstring Respelt(size_t input, const std::wstring& language, MuxerSettings& 
 std::string DoubtAbout(const std::wstring& language) {
     const std::string code = CodeWrittenFor(language);
     if (code.empty()) {
-        return "the language '" + Utf8FromWide(language) + "' is not in the list and is written empty";
+        return "the language '" + Shown(language) + "' is not in the list and is written empty";
     }
     if (code.find('/') != std::string::npos) {
         return "the language is written as '" + code + "', which readers take for an unknown one";

@@ -1,5 +1,7 @@
 """The language of a track, by every name of the list, under the code pages of several countries."""
 
+import json
+
 from whole_files.mkvmux_case import MkvmuxCase, run_tool
 from whole_files.other_locale import environment_of
 
@@ -84,3 +86,22 @@ class Languages(MkvmuxCase):
         self.assertEqual((run.status, len(run.error_lines)), (1, 1), run)
         self.assertIn("warning: track 0: the language 'german' is not in the list", run.error_lines[0])
         self.assertEqual(self.written(), [""])
+
+    def test_a_language_of_a_configuration_forges_no_line_and_commands_no_terminal(self):
+        config = self.directory / "muxer.cfg"
+        self.mkvmux("-o", self.output, "--save-config", config, "--language", "0:German", self.source)
+        forged = config.read_bytes().replace("German".encode("utf-16-le"), "a\n\x1b[2J".encode("utf-16-le"))
+        config.write_bytes(forged)
+        run = self.mkvmux("-y", "-o", self.output, "--load-config", config, self.source)
+        self.assertEqual((run.status, len(run.error_lines)), (1, 1), run)
+        self.assertIn("the language 'a??[2J' is not in the list", run.error_lines[0])
+
+    def test_an_options_file_forges_no_line_and_commands_no_terminal(self):
+        for option in ("--language=0:a\x1b[2J", "--track-name=a\x1b[2J", "--output=-\x1b[2J", "--\x1b[2J"):
+            with self.subTest(option=option):
+                options = self.directory / "options"
+                options.write_text(json.dumps([option]))
+                run = self.mkvmux("-y", "-o", self.output, f"@{options}", self.source)
+                self.assertEqual(run.status, 2, run)
+                self.assertNotIn("\x1b", run.errors + run.output)
+                self.assertIn("?[2J", run.errors)
