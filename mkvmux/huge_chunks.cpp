@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t kChunkHeadBytes = 8; // identifier and size
 constexpr size_t kListHeadBytes = 12; // and the list's type
-// As many as our own reader takes; what is behind them nobody sees.
+// As many as our own reader takes. A file of more is taken for huge: nobody knows what the splitter finds behind them.
 constexpr int kMaxChunks = 8 << 20;
 
 struct ChunkHead {
@@ -29,9 +29,11 @@ struct ChunkHead {
     }
     // Of a stream: "00dc", "01wb".
     [[nodiscard]] bool IsMedia() const { return std::isdigit(bytes[0]) != 0 && std::isdigit(bytes[1]) != 0; }
-    // Whose contents are walked as if they stood beside it.
-    [[nodiscard]] bool IsOpened() const {
-        return Is(0, "RIFF") || (Is(0, "LIST") && (Is(kChunkHeadBytes, "movi") || Is(kChunkHeadBytes, "rec ")));
+    [[nodiscard]] bool IsList() const { return Is(0, "LIST"); }
+    [[nodiscard]] bool IsMovie() const { return IsList() && Is(kChunkHeadBytes, "movi"); }
+    // Whose contents are media by all that is known of the format.
+    [[nodiscard]] bool HoldsMedia() const {
+        return Is(0, "RIFF") || IsMovie() || (IsList() && Is(kChunkHeadBytes, "rec "));
     }
 };
 
@@ -60,22 +62,45 @@ class HeadReader {
     size_t m_held = 0;
 };
 
-} // namespace
+enum class Found { Nothing, UnknownList, HugeChunk };
 
-bool HasHugeChunk(const source::ByteSource& bytes) {
+// Chunk by chunk; what a list holds is walked as if it stood beside the list, whatever size the list says it has.
+Found Walk(const source::ByteSource& bytes, bool opensUnknownLists) {
     HeadReader reader(bytes);
     ChunkHead head;
-    if (!reader.Read(0, head) || !head.Is(0, "RIFF") || !head.Is(kChunkHeadBytes, "AVI ")) {
+    UINT64 position = 0;
+    bool isInMovie = false;
+    bool sawUnknownList = false;
+    for (int chunk = 0; reader.Read(position, head); ++chunk) {
+        if (chunk == kMaxChunks || (head.IsMedia() && head.Size() > source::kMaxPacketBytes)) {
+            return Found::HugeChunk;
+        }
+        isInMovie = isInMovie || head.IsMovie();
+        const bool isUnknown = isInMovie && head.IsList() && !head.HoldsMedia();
+        sawUnknownList = sawUnknownList || isUnknown;
+        const bool opens = head.HoldsMedia() || (isUnknown && opensUnknownLists);
+        position += opens ? kListHeadBytes : kChunkHeadBytes + head.Size() + head.Size() % 2;
+    }
+    return sawUnknownList ? Found::UnknownList : Found::Nothing;
+}
+
+bool IsAvi(const source::ByteSource& bytes) {
+    ChunkHead head;
+    return HeadReader(bytes).Read(0, head) && head.Is(0, "RIFF") && head.Is(kChunkHeadBytes, "AVI ");
+}
+
+} // namespace
+
+// A list of another kind may hold media or anything else: both ways are gone.
+bool HasHugeChunk(const source::ByteSource& bytes) {
+    if (!IsAvi(bytes)) {
         return false;
     }
-    UINT64 position = 0;
-    for (int chunk = 0; chunk < kMaxChunks && reader.Read(position, head); ++chunk) {
-        if (head.IsMedia() && head.Size() > source::kMaxPacketBytes) {
-            return true;
-        }
-        position += head.IsOpened() ? kListHeadBytes : kChunkHeadBytes + head.Size() + head.Size() % 2;
+    Found found = Walk(bytes, false);
+    if (found == Found::UnknownList) {
+        found = Walk(bytes, true);
     }
-    return false;
+    return found == Found::HugeChunk;
 }
 
 bool HasHugeChunk(const std::wstring& path) {

@@ -113,7 +113,12 @@ std::vector<SourceStream> SourceStreams::Open(const std::wstring& path) {
         }
     }
     const OwnSource& avi = OwnAviSource();
-    if (HasHugeChunk(path) && SUCCEEDED(avi.open(path, m_options, opened))) {
+    if (HasHugeChunk(path)) { // never for the system's splitter, which would make room for it
+        if (FAILED(avi.open(path, m_options, opened))) {
+            throw Failure(Utf8FromWide(path) +
+                          ": is a damaged AVI file: a chunk claims more than 128 MiB, and no stream "
+                          "is found");
+        }
         return OpenWith(avi, std::move(opened), path);
     }
     std::vector<SourceStream> streams = OpenWithSystem(path);

@@ -42,6 +42,29 @@ TEST(HugeChunksTest, WhatIsNoMediaIsNotCounted) {
     EXPECT_FALSE(IsHuge(std::string()));
 }
 
+// Nobody but the file itself says that a list of its own holds no media; and what it says of its size may be wrong.
+TEST(HugeChunksTest, ListsOfOtherKindsAreLookedIntoAndBehind) {
+    EXPECT_TRUE(IsHuge(AviFileOf(List("abcd", Claim("00dc", kMost + 1)))));
+    EXPECT_TRUE(IsHuge(AviFileOf(List("abcd", "no chunks at all") + Claim("00dc", kMost + 1))));
+    EXPECT_FALSE(IsHuge(AviFileOf(List("abcd", Chunk("00dc", "good")) + Chunk("00dc", "good"))));
+}
+
+TEST(HugeChunksTest, WhatAFileSaysOfItsOwnSizeIsNotBelieved) {
+    std::string file = AviFileOf(Claim("00dc", kMost + 1));
+    file.replace(4, 4, Dword(4));
+    EXPECT_TRUE(IsHuge(file));
+}
+
+TEST(HugeChunksTest, MoreChunksThanAnyRecordingHasCountAsHuge) {
+    std::string chunks;
+    for (int i = 0; i < 8 << 20; ++i) {
+        chunks += "JUNK";
+        chunks += Dword(0);
+    }
+    EXPECT_TRUE(IsHuge(AviFileOf(chunks)));
+    EXPECT_FALSE(IsHuge(AviFileOf(chunks.substr(800)))); // the head of the file has a few as well
+}
+
 // Across the ends of what is read at once.
 TEST(HugeChunksTest, HeadsAreFoundWhereverTheyLie) {
     for (size_t size = 3900; size < 4100; ++size) {
