@@ -139,8 +139,8 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
     DescribeProgram(app, version);
     // The help has them in this order.
     DescribeOutput(app, options, raw);
-    const TrackOptionParser tracks(app);
-    const AttachmentOptionParser attachments(app);
+    TrackOptionParser tracks(app); // what the parser is to fill, as raw is
+    AttachmentOptionParser attachments(app);
     DescribeRun(app, options, raw);
     try {
         options.optionsFiles = OptionsFilesOf(arguments);
