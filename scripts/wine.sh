@@ -18,6 +18,9 @@ need_wine_prefix() {
     "$WINE" wineboot -i >"$BUILD/wineboot.log" 2>&1 || die "wineboot failed; see $BUILD/wineboot.log"
     touch "$WINEPREFIX/.ready"
   fi
+  # The first program of a session starts Wine's own services, which keep the output that they inherit open for as long
+  # as the server stays: whoever reads what a program writes into a pipe would wait for them. So that program is this one.
+  "$WINE" cmd /c exit </dev/null >/dev/null 2>&1
 }
 
 # windows_path PATH: the path as a Windows program under Wine sees it (drive Z: is the whole file system).
