@@ -67,8 +67,9 @@ bool CPropTreeHeader::ValueColumn(RECT& column) const {
 void CPropTreeHeader::Resize(const RECT& area) {
     const int before = Width();
     const int width = area.right - area.left;
-    MoveWindow(Window(), area.left, area.top, width, Height(), TRUE);
-    SetNameWidth(before > 0 ? MulDiv(m_nameWidth, width, before) : width / 2);
+    const int nameWidth = before > 0 ? MulDiv(m_nameWidth, width, before) : width / 2;
+    MoveWindow(Window(), area.left, area.top, width, Height(), TRUE); // which fits the columns in as they are
+    SetNameWidth(nameWidth);
 }
 
 // The value column takes what the name column leaves.

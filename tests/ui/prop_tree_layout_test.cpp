@@ -174,6 +174,16 @@ TEST_F(PropTreeTest, BothColumnsFollowAResize) {
     EXPECT_EQ(Sides(Driver().ValueCellOf(m_name)), Sides(Driver().EditorArea()));
 }
 
+TEST_F(PropTreeTest, TheColumnsKeepTheirProportionWhenTheTreeIsMadeMuchNarrower) {
+    RECT area = m_host.PageArea();
+    area.right = area.left + (area.right - area.left) * 2 / 5;
+    m_tree->Resize(area);
+    PumpMessages();
+    RECT name{};
+    SendMessageW(Driver().Header(), HDM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&name));
+    EXPECT_NEAR((area.right - area.left) / 2, name.right, 1);
+}
+
 TEST_F(PropTreeTest, ALongListIsOpenedOverABoundedHeightAndScrolls) {
     Texts choices;
     for (int i = 0; i < 500; ++i) {
