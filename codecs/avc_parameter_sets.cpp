@@ -100,6 +100,9 @@ void ReadShape(BitstreamReader& reader, uint32_t chroma, AvcSps& sps) {
     }
     reader.ReadFlag(); // direct_8x8_inference_flag
     const uint32_t fieldFactor = sps.frameMbsOnly ? 1 : 2;
+    if (mapUnits * fieldFactor > kMaxMacroblocksOneWay) {
+        return; // no picture; and its height times an aspect ratio would not fit
+    }
     uint32_t height = mapUnits * kMacroblockPixels * fieldFactor;
     if (reader.ReadFlag()) {
         const uint32_t unitX = chroma == 1 || chroma == 2 ? 2 : 1;

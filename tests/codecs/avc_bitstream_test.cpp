@@ -57,6 +57,15 @@ TEST(AvcParameterSetsTest, ASequenceParameterSetTellsItsPictureAndItsCounting) {
     EXPECT_TRUE(sps->frameMbsOnly);
 }
 
+TEST(AvcParameterSetsTest, FieldsOfMoreLinesThanAFrameMayHaveGiveNoPicture) {
+    AvcSpsShape shape;
+    shape.frameMbsOnly = false;
+    shape.mapUnits = 2048;
+    EXPECT_EQ(ParseAvcSps(UnitOf(WriteAvcSps(shape)))->shape.height, 65536u - 16);
+    shape.mapUnits = 2049;
+    EXPECT_EQ(ParseAvcSps(UnitOf(WriteAvcSps(shape)))->shape.height, PictureShape{}.height);
+}
+
 TEST(AvcParameterSetsTest, OffsetsOfACycleAreSigned) {
     AvcSpsShape shape;
     shape.pocType = 1;

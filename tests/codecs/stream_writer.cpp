@@ -59,7 +59,8 @@ Bytes WriteAvcSps(const AvcSpsShape& shape) {
             SE(writer, offset);
         }
     }
-    writer.UE(4).Flag(false).UE(19).UE(shape.frameMbsOnly ? 14 : 7).Flag(shape.frameMbsOnly);
+    const uint32_t mapUnits = shape.mapUnits != 0 ? shape.mapUnits : (shape.frameMbsOnly ? 15 : 8);
+    writer.UE(4).Flag(false).UE(19).UE(mapUnits - 1).Flag(shape.frameMbsOnly);
     if (!shape.frameMbsOnly) {
         writer.Flag(false);
     }

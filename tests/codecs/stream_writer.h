@@ -19,6 +19,7 @@ struct AvcSpsShape {
     std::vector<int> cycle{}; // offsets for reference frames, type 1
     int offsetForNonRefPic = 0;
     bool frameMbsOnly = true;
+    uint32_t mapUnits = 0; // rows of macroblocks of a frame or field; 0: those of 240 lines
 };
 
 [[nodiscard]] Bytes WriteAvcSps(const AvcSpsShape& shape = {}); // 320x240, frame numbers and orders of four bits
