@@ -114,9 +114,9 @@ bool HasTooMuchPrivate(const TrackFacts& track) {
     return track.codecPrivate.size() > UINT16_MAX;
 }
 
+// What the track has of private data is of no use to this codec.
 std::optional<CMediaType> PlainWaveTypeOf(const CodecRow& row, const TrackFacts& track) {
-    return HasTooMuchPrivate(track) ? std::nullopt
-                                    : std::optional(WaveType(*row.subtype, WaveOf(track.audio, row), {}));
+    return WaveType(*row.subtype, WaveOf(track.audio, row), {});
 }
 
 std::optional<CMediaType> ExtraWaveTypeOf(const CodecRow& row, const TrackFacts& track) {

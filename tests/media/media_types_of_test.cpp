@@ -223,5 +223,12 @@ TEST(MediaTypesOf, SilentlyWrongNumbersStayWithinTheFieldsOfTheStructures) {
     EXPECT_EQ(Written(video).defaultDurationNs, 0u);
 }
 
+// Only what goes behind the block, and so has to have its length in it, can be too much.
+TEST(MediaTypesOf, PrivateDataThatACodecHasNoUseForIsNeverTooMuch) {
+    const std::vector<BYTE> large(70'000);
+    EXPECT_FALSE(MediaTypesOf(AudioTrackOf("A_AC3", large)).empty());
+    EXPECT_THAT(MediaTypesOf(AudioTrackOf("A_FLAC", large)), IsEmpty());
+}
+
 } // namespace
 } // namespace media
