@@ -221,9 +221,9 @@ INT_PTR CALLBACK CBasePropertyPage::DialogProc(HWND hwnd, UINT uMsg, WPARAM wPar
     }
     INT_PTR handled = FALSE;
     // An exception must not cross the system's frames; a message that failed counts as not handled.
-    (void)(ComGuard([&] {
+    (void)ComGuard([&] {
         handled = page->OnReceiveMessage(hwnd, uMsg, wParam, lParam);
         return S_OK;
-    }));
+    });
     return handled;
 }

@@ -1,7 +1,5 @@
 #include "records/attachment_list.h"
 
-#include <mutex>
-
 namespace records {
 
 namespace {

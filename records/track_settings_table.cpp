@@ -1,6 +1,5 @@
 #include "records/track_settings_table.h"
 
-#include <mutex>
 #include <utility>
 
 namespace records {

@@ -19,10 +19,8 @@ SPELLINGS = {
     r"\bHRESULT (?:result|res|ret|status) =": "HRESULT hr",
     r"#pragma GCC diagnostic": "a compiler option in cmake/QrxTargets.cmake",
 }
-# The published header is compiled by others, with their options.
-SPELLINGS_NOT_IN = ("include",)
 
-PREFIXED = ("dshow", "log", "mux", "mkv", "matroska_muxer", "ui")
+PREFIXED = ("dshow", "log", "records", "mux", "mkv", "matroska_muxer", "ui")
 # Names that are published without the prefix, and interfaces.
 WITHOUT_PREFIX = re.compile(r"(C[A-Z]\w*|I[A-Z]\w*|.*Failure)$")
 CLASS = re.compile(r"^(?:template <.*> )?class (?:\w+\(.*\) |QRX_\w+(?:\(.*?\))? )?(\w+)(?: final)?(?: : .*)? \{")

@@ -6,7 +6,7 @@
 namespace subtitles {
 
 void SubtitleFile::Add(SubtitleEvent event) {
-    constexpr size_t kMaxEvents = size_t{1024} * 1024;
+    constexpr size_t kMaxEvents = size_t{1024} * 1024; // a script of 64 MiB has half as many
     if (events.size() < kMaxEvents) {
         events.push_back(std::move(event));
     } else {

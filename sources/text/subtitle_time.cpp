@@ -78,6 +78,4 @@ std::optional<REFERENCE_TIME> ParseTime(std::string_view text) {
     return isNegative ? -time : time;
 }
 
-// A script of 64 MiB has half as many.
-
 } // namespace subtitles

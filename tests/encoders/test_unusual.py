@@ -4,7 +4,7 @@ import struct
 
 from whole_files.codec_case import CodecCase
 from whole_files.mkv_builder import (audio_fields, block_group, cluster, matroska, simple_block, stripped_headers,
-                         track_entry)
+                                     track_entry)
 from whole_files.mkvmux_case import make_input, picture, run_tool, sound
 
 ULTRAFAST = ("-preset", "ultrafast")
