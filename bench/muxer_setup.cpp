@@ -15,11 +15,14 @@ void Demand(HRESULT hr, const char* what) {
     }
 }
 
-MuxerSetup::MuxerSetup(const Load& load, IStream& stream) : m_sink(stream) {
+MuxerSetup::MuxerSetup(const Load& load, IStream& stream)
+    : MuxerSetup(std::vector<test_support::MediaTypeValue>(load.inputs, load.type), stream) {}
+
+MuxerSetup::MuxerSetup(const std::vector<test_support::MediaTypeValue>& types, IStream& stream) : m_sink(stream) {
     CreateMuxer();
     Demand(test_support::PinNamed(m_filter.Get(), OLESTR("Out"))->Connect(&m_sink, nullptr), "connecting the sink");
-    for (size_t i = 0; i < load.inputs; ++i) {
-        ConnectInput(load.type);
+    for (const auto& type : types) {
+        ConnectInput(type);
     }
 }
 

@@ -19,6 +19,8 @@ namespace bench {
 class MuxerSetup {
   public:
     MuxerSetup(const Load& load, IStream& stream);
+    // An input for each type.
+    MuxerSetup(const std::vector<test_support::MediaTypeValue>& types, IStream& stream);
     ~MuxerSetup();
     MuxerSetup(const MuxerSetup&) = delete;
     MuxerSetup& operator=(const MuxerSetup&) = delete;

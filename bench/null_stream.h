@@ -43,6 +43,8 @@ class NullStream : public IStream {
   protected:
     ~NullStream() = default; // deleted only as what it is
 
+    [[nodiscard]] UINT64 Position() const { return m_position; }
+
     // Before each write, on the writing thread.
     virtual void OnWrite() {}
 

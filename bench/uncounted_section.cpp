@@ -8,6 +8,19 @@ namespace bench {
 
 namespace {
 
+#ifdef QRX_NATIVE
+
+std::intptr_t& Depth() {
+    static thread_local std::intptr_t depth = 0;
+    return depth;
+}
+
+void SetDepth(std::intptr_t depth) {
+    Depth() = depth;
+}
+
+#else
+
 // A slot of the system's own: thread_local variables would take locks of the compiler's runtime.
 DWORD Slot() {
     static const DWORD slot = TlsAlloc();
@@ -21,6 +34,8 @@ std::intptr_t Depth() {
 void SetDepth(std::intptr_t depth) {
     TlsSetValue(Slot(), reinterpret_cast<void*>(depth));
 }
+
+#endif
 
 } // namespace
 

@@ -16,16 +16,18 @@ target_compile_options(qrx_common INTERFACE
   -Wall -Wextra -Wshadow -Wconversion -Wdelete-non-virtual-dtor -Werror)
 target_compile_definitions(qrx_common INTERFACE UNICODE _UNICODE NO_DSHOW_STRSAFE NOMINMAX)
 
-if(QRX_SANITIZE)
+if(NOT WIN32)
   # Wine's headers give the COM interfaces and the DirectShow structures on Linux; no Wine code is linked, the
   # few Win32 functions that the sources use come from tests/native.
   target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
   target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
-  target_compile_options(qrx_common INTERFACE
-    -fsanitize=${QRX_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1
-    # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
-    -Wno-ignored-attributes)
-  target_link_options(qrx_common INTERFACE -fsanitize=${QRX_SANITIZERS})
+  # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
+  target_compile_options(qrx_common INTERFACE -Wno-ignored-attributes)
+  if(QRX_SANITIZE)
+    target_compile_options(qrx_common INTERFACE
+      -fsanitize=${QRX_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
+    target_link_options(qrx_common INTERFACE -fsanitize=${QRX_SANITIZERS})
+  endif()
   if(QRX_FUZZ)
     # clang warns of other things than the compiler that the sources are written for.
     target_compile_options(qrx_common INTERFACE -fsanitize=fuzzer-no-link -Wno-error -w)
@@ -67,7 +69,7 @@ function(qrx_test name)
   set_target_properties(test_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
   target_precompile_headers(test_${name} REUSE_FROM qrx_test_precompiled)
   target_compile_options(test_${name} PRIVATE ${QRX_TEST_OPTIONS})
-  if(QRX_SANITIZE)
+  if(NOT WIN32)
     target_link_libraries(test_${name} PRIVATE native_win32)
     add_test(NAME ${name} COMMAND test_${name})
     # As ./dev test gives them to the Windows programs.

@@ -59,23 +59,32 @@ apply_debian_patches() {
   done || exit 1
 }
 
-# build_mkv_library NAME VERSION: builds and installs it as a static library for mingw.
+# build_mkv_library NAME VERSION SYSTEM [OPTION…]: builds and installs it as a static library for that system, mingw or
+# linux.
 build_mkv_library() {
-  local name=$1 version=$2 log="$DEPS/$1-build.log"
-  [ -f "$DEPS/mingw/.$name-$version" ] && return 0
+  local name=$1 version=$2 system=$3 log="$DEPS/$1-$3-build.log" folder="$DEPS/build-$1"
+  shift 3
+  [ -f "$DEPS/$system/.$name-$version" ] && return 0
   fetch_source "$name" "$version"
-  say "building $name $version for Windows"
+  say "building $name $version for $system"
+  [ "$system" = mingw ] || folder="$folder-$system"
   {
-    cmake -G Ninja -S "$DEPS/src/$name-$version" -B "$DEPS/build-$name" \
-      -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake" -DCMAKE_BUILD_TYPE=Release \
-      -DCMAKE_INSTALL_PREFIX="$DEPS/mingw" -DCMAKE_PREFIX_PATH="$DEPS/mingw" -DBUILD_SHARED_LIBS=OFF &&
-      cmake --build "$DEPS/build-$name" && cmake --install "$DEPS/build-$name"
+    cmake -G Ninja -S "$DEPS/src/$name-$version" -B "$folder" "$@" -DCMAKE_BUILD_TYPE=Release \
+      -DCMAKE_INSTALL_PREFIX="$DEPS/$system" -DCMAKE_PREFIX_PATH="$DEPS/$system" -DBUILD_SHARED_LIBS=OFF &&
+      cmake --build "$folder" && cmake --install "$folder"
   } >"$log" 2>&1 || die "$name does not build; see $log"
-  touch "$DEPS/mingw/.$name-$version"
+  touch "$DEPS/$system/.$name-$version"
 }
 
 need_mkv_libraries() {
   mkdir -p "$DEPS"
-  build_mkv_library libebml "$LIBEBML_VERSION"
-  build_mkv_library libmatroska "$LIBMATROSKA_VERSION"
+  build_mkv_library libebml "$LIBEBML_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
+  build_mkv_library libmatroska "$LIBMATROSKA_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
+}
+
+# The same releases for Linux: Debian's own packages keep the libraries' asserts, which would be measured too.
+need_native_mkv_libraries() {
+  mkdir -p "$DEPS"
+  build_mkv_library libebml "$LIBEBML_VERSION" linux
+  build_mkv_library libmatroska "$LIBMATROSKA_VERSION" linux
 }

@@ -1,0 +1,93 @@
+#include <cstdio>
+
+#include "bench/native/peers.h"
+#include "bench/native/rows.h"
+
+namespace bench {
+
+namespace {
+
+// The runs take turns, one more or less first in each round; a run before the first round makes the files.
+void Compare(const NativePlan& plan, Report& report, const std::string& row, const PacketLoad& load,
+             const std::vector<Peer>& peers, int rounds) {
+    report.Describe(row, "packets", load.Packets().size());
+    report.Describe(row, "bytes", load.Bytes());
+    for (const Peer& peer : peers) {
+        peer.write(load, plan.File(row, peer.name));
+    }
+    for (int round = 0; round < rounds; ++round) {
+        for (size_t i = 0; i < peers.size(); ++i) {
+            const Peer& peer = peers[(i + static_cast<size_t>(round)) % peers.size()];
+            report.Add(row, peer.name, Measure([&] { peer.write(load, plan.File(row, peer.name)); }));
+        }
+    }
+    for (const Peer& peer : peers) {
+        if (peer.write != kFloor.write && peer.write != kLibmatroska.write) {
+            report.Describe(row, "files", {});
+        }
+    }
+}
+
+} // namespace
+
+void MeasureFilm(const NativePlan& plan, Report& report) {
+    Compare(plan, report, "film", FilmLoad(), {kOurs, kLibavformat, kLibwebm, kLibmatroska, kFloor}, plan.Rounds());
+}
+
+void MeasureSmallPackets(const NativePlan& plan, Report& report) {
+    constexpr UINT32 kTracks = 4;
+    constexpr size_t kPackets = 400000;
+    constexpr size_t kBytes = 62;
+    Compare(plan, report, "small packets", OpusLoad(kTracks, kPackets, kBytes),
+            {kOurs, kLibavformat, kLibwebm, kLibmatroska, kFloor}, plan.Rounds());
+}
+
+void MeasurePacketSizes(const NativePlan& plan, Report& report) {
+    constexpr size_t kBytesOfRun = 160000000;
+    constexpr size_t kMostPackets = 200000;
+    for (const size_t bytes : {62U, 256U, 1024U, 4096U, 16384U, 65536U, 262144U}) {
+        const size_t packets = std::min(kMostPackets, kBytesOfRun / bytes) / (plan.quick ? 2 : 1);
+        Compare(plan, report, "size " + std::to_string(bytes), OpusLoad(1, packets, bytes),
+                {kOurs, kLibavformat, kFloor}, plan.quick ? 3 : 5);
+    }
+}
+
+void MeasureInputs(const NativePlan& plan, Report& report) {
+    constexpr size_t kPackets = 320000;
+    constexpr size_t kBytes = 62;
+    const UINT32 counts[] = {1, 8, 64};
+    std::vector<PacketLoad> loads;
+    for (const UINT32 count : counts) {
+        loads.push_back(OpusLoad(count, kPackets, kBytes));
+    }
+    report.Describe("inputs", "packets", kPackets);
+    for (int round = -1; round < plan.Rounds(); ++round) { // the first makes the files
+        for (size_t i = 0; i < loads.size(); ++i) {
+            for (const Peer& peer : {kOurs, kLibavformat}) {
+                const std::string run = std::string(peer.name) + " " + std::to_string(counts[i]);
+                const Usage usage = Measure([&] { peer.write(loads[i], plan.File("inputs", run)); });
+                if (round >= 0) {
+                    report.Add("inputs", run, usage);
+                }
+            }
+        }
+    }
+}
+
+void MeasureStartCodes(const NativePlan& plan, Report& report) {
+    const size_t packets = plan.quick ? 2000 : 4000;
+    const PacketLoad lengths = SlicedVideoLoad(packets, PacketLoad::Units::Lengths);
+    const PacketLoad startCodes = SlicedVideoLoad(packets, PacketLoad::Units::StartCodes);
+    report.Describe("start codes", "packets", packets);
+    report.Describe("start codes", "bytes", lengths.Bytes());
+    for (int round = -1; round < plan.Rounds(); ++round) {
+        const Usage plain = Measure([&] { kOurs.write(lengths, plan.File("start codes", "lengths")); });
+        const Usage rewritten = Measure([&] { kOurs.write(startCodes, plan.File("start codes", "start codes")); });
+        if (round >= 0) {
+            report.Add("start codes", "lengths", plain);
+            report.Add("start codes", "start codes", rewritten);
+        }
+    }
+}
+
+} // namespace bench
