@@ -17,10 +17,9 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
-    {"film", bench::MeasureFilm},
-    {"small", bench::MeasureSmallPackets},
-    {"inputs", bench::MeasureInputs},
-    {"startcodes", bench::MeasureStartCodes},
+    {"film", bench::MeasureFilm},         {"small", bench::MeasureSmallPackets},    {"inputs", bench::MeasureInputs},
+    {"sizes", bench::MeasurePacketSizes}, {"startcodes", bench::MeasureStartCodes}, {"lengths", bench::MeasureLengths},
+    {"filters", bench::MeasureFilters},   {"live", bench::MeasureLiveGraph},        {"queue", bench::MeasureFullQueue},
 };
 
 int Usage() {

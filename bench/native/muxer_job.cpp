@@ -11,26 +11,33 @@ namespace bench {
 
 namespace {
 
-std::vector<test_support::MediaTypeValue> TypesOf(const PacketLoad& load) {
-    std::vector<test_support::MediaTypeValue> types;
+MuxerJob::Types TypesOf(const PacketLoad& load) {
+    MuxerJob::Types types;
     for (const LoadTrack& track : load.Tracks()) {
         types.push_back(track.type);
     }
     return types;
 }
 
+PacketSource SourceOf(const PacketLoad& load) {
+    return [&load](size_t input, UINT64 packet) {
+        const auto& packets = load.PacketsOf(input);
+        return packet < packets.size() ? &packets[packet] : nullptr;
+    };
+}
+
 } // namespace
 
-MuxerJob::MuxerJob(const PacketLoad& load, IStream& stream) : m_load(load), m_setup(TypesOf(load), stream) {}
+MuxerJob::MuxerJob(const PacketLoad& load, IStream& stream) : MuxerJob(TypesOf(load), SourceOf(load), stream) {}
+
+MuxerJob::MuxerJob(const Types& types, PacketSource source, IStream& stream)
+    : m_inputs(types.size()), m_source(std::move(source)), m_setup(types, stream) {}
 
 void MuxerJob::Produce(size_t input) {
     auto& pin = m_setup.Input(input);
     ViewSample sample;
-    for (const LoadPacket& packet : m_load.PacketsOf(input)) {
-        if (m_before) {
-            m_before(packet);
-        }
-        sample.Show(packet);
+    for (UINT64 i = 0; const LoadPacket* const packet = m_source(input, i); ++i) {
+        sample.Show(*packet);
         if (pin.Deliver(sample) != S_OK) {
             throw std::runtime_error("Receive did not take a packet");
         }
@@ -42,7 +49,7 @@ void MuxerJob::Produce(size_t input) {
 
 void MuxerJob::Run() {
     m_setup.Pause();
-    std::vector<std::exception_ptr> failures(m_load.Tracks().size());
+    std::vector<std::exception_ptr> failures(m_inputs);
     {
         std::vector<std::jthread> threads;
         for (size_t i = 0; i < failures.size(); ++i) {

@@ -51,20 +51,6 @@ test_support::MediaTypeValue ByteStreamType() {
     return test_support::Mpeg2VideoType(mediasubtype::kH264AnnexB, {}, sets, kAvcHighProfile, kAvcLevel31);
 }
 
-LoadTrack TrackOf(LoadTrack::Kind kind) {
-    switch (kind) {
-    case LoadTrack::Kind::Avc:
-        return {kind, AvcType(), AvcConfiguration()};
-    case LoadTrack::Kind::Aac:
-        return {kind, test_support::WaveType(mediasubtype::kRawAac, {}, kStereo48k), kStereo48k};
-    case LoadTrack::Kind::Srt:
-        return {kind, test_support::SubtitleType(mediasubtype::kUtf8), {}};
-    case LoadTrack::Kind::Opus:
-        break;
-    }
-    return {kind, test_support::WaveType(mediasubtype::kOpus, {}, kOpusHead), kOpusHead};
-}
-
 // Looks like compressed data, is the same in every run, and holds no zero, so no start code either.
 void FillWithNoise(std::vector<BYTE>& bytes) {
     std::mt19937_64 noise; // NOLINT: the fixed seed is the point
@@ -89,6 +75,20 @@ void CutIntoUnits(BYTE* data, size_t size, PacketLoad::Units units) {
 }
 
 } // namespace
+
+LoadTrack TrackOf(LoadTrack::Kind kind) {
+    switch (kind) {
+    case LoadTrack::Kind::Avc:
+        return {kind, AvcType(), AvcConfiguration()};
+    case LoadTrack::Kind::Aac:
+        return {kind, test_support::WaveType(mediasubtype::kRawAac, {}, kStereo48k), kStereo48k};
+    case LoadTrack::Kind::Srt:
+        return {kind, test_support::SubtitleType(mediasubtype::kUtf8), {}};
+    case LoadTrack::Kind::Opus:
+        break;
+    }
+    return {kind, test_support::WaveType(mediasubtype::kOpus, {}, kOpusHead), kOpusHead};
+}
 
 UINT32 PacketLoad::AddTrack(LoadTrack::Kind kind) {
     m_tracks.push_back(TrackOf(kind));

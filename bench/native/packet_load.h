@@ -59,6 +59,9 @@ class PacketLoad {
     UINT64 m_byteCount = 0;
 };
 
+// The track that a muxer is told of.
+[[nodiscard]] LoadTrack TrackOf(LoadTrack::Kind kind);
+
 // A film: 555 MB in 41698 packets of H.264, AAC and SubRip.
 [[nodiscard]] PacketLoad FilmLoad();
 // Opus packets of 20 ms in so many tracks, so many in all.

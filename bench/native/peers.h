@@ -14,6 +14,7 @@ namespace bench {
 struct Peer {
     const char* name;
     void (*write)(const PacketLoad& load, const std::string& path);
+    bool finished; // the file has a head
 };
 
 void WriteWithOurs(const PacketLoad& load, const std::string& path);
@@ -26,10 +27,10 @@ void WriteWithLibmatroska(const PacketLoad& load, const std::string& path);
 // The floor: payloads and block heads gathered in one buffer of a cluster's size, written when it is full.
 void GatherAndWrite(const PacketLoad& load, const std::string& path);
 
-inline constexpr Peer kOurs{"ours", WriteWithOurs};
-inline constexpr Peer kLibavformat{"libavformat", WriteWithLibavformat};
-inline constexpr Peer kLibwebm{"libwebm", WriteWithLibwebm};
-inline constexpr Peer kLibmatroska{"libmatroska", WriteWithLibmatroska};
-inline constexpr Peer kFloor{"floor", GatherAndWrite};
+inline constexpr Peer kOurs{"ours", WriteWithOurs, true};
+inline constexpr Peer kLibavformat{"libavformat", WriteWithLibavformat, true};
+inline constexpr Peer kLibwebm{"libwebm", WriteWithLibwebm, true};
+inline constexpr Peer kLibmatroska{"libmatroska", WriteWithLibmatroska, false};
+inline constexpr Peer kFloor{"floor", GatherAndWrite, false};
 
 } // namespace bench
