@@ -3,6 +3,7 @@
 
 LIBEBML_VERSION=1.4.4
 LIBMATROSKA_VERSION=1.7.1
+LIBWEBM_VERSION=1.0.0.29 # only compared with
 DEPS="$BUILD/deps"
 
 # A private apt configuration that offers the sources of what this machine's own apt offers as binaries.

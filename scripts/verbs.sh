@@ -12,7 +12,8 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan; sanitize thread: under
                   ThreadSanitizer, what has threads
   fuzz [NAME] [N] the fuzzers, N seconds each
-  bench [--quick] the benchmarks, printed as tables
+  bench [--quick] [native|wine] [ROW…]
+                  the muxer beside others: native on Linux, wine whole jobs of the tool; printed as tables
   screenshots     pictures of the property pages, into docs/images
   lint            clang-format (check only) and clang-tidy
   format          clang-format, in place
@@ -29,10 +30,4 @@ verb_deps() {
   need_packages "${PACKAGES_BUILD[@]}"
   need_mkv_libraries
   need_wine_prefix
-}
-
-verb_bench() {
-  build_windows bench
-  need_wine_prefix
-  "$WINE" "$BUILD/windows/bin/bench_mux.exe" "$@"
 }

@@ -23,7 +23,7 @@ constexpr Row kRows[] = {
 };
 
 int Usage() {
-    std::fputs("usage: bench_native RESULT.json FOLDER [--quick] [ROW...]\nrows:", stderr);
+    std::fputs("usage: bench_native RESULT.json FOLDER [--quick] [--only MUXER] [ROW...]\nrows:", stderr);
     for (const Row& row : kRows) {
         std::fprintf(stderr, " %s", row.name);
     }
@@ -50,11 +50,13 @@ int main(int argc, char** argv) {
     if (argc < 3) {
         return Usage();
     }
-    bench::NativePlan plan{.folder = argv[2], .quick = false};
+    bench::NativePlan plan{.folder = argv[2], .quick = false, .only = {}};
     std::set<std::string> names;
     for (int i = 3; i < argc; ++i) {
         if (std::strcmp(argv[i], "--quick") == 0) {
             plan.quick = true;
+        } else if (std::strcmp(argv[i], "--only") == 0 && i + 1 < argc) {
+            plan.only = argv[++i];
         } else {
             names.insert(argv[i]);
         }

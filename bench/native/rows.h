@@ -11,6 +11,7 @@ namespace bench {
 struct NativePlan {
     std::string folder; // where files are written, and overwritten in place
     bool quick = false;
+    std::string only; // of the muxers that are compared; all when it is empty
     [[nodiscard]] int Rounds() const { return quick ? 3 : 7; }
     [[nodiscard]] std::string File(const std::string& row, const std::string& run) const {
         return folder + "/" + row + "-" + run + ".mkv";
