@@ -21,13 +21,13 @@ if(NOT WIN32)
   # few Win32 functions that the sources use come from tests/native.
   target_include_directories(qrx_common SYSTEM INTERFACE /usr/include/wine/wine/windows)
   target_compile_definitions(qrx_common INTERFACE WINE_UNICODE_CHAR16 QRX_NATIVE)
-  # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
-  target_compile_options(qrx_common INTERFACE -Wno-ignored-attributes)
   if(QRX_SANITIZE)
     target_compile_options(qrx_common INTERFACE
       -fsanitize=${QRX_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
     target_link_options(qrx_common INTERFACE -fsanitize=${QRX_SANITIZERS})
   endif()
+  # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
+  target_compile_options(qrx_common INTERFACE -Wno-ignored-attributes)
   if(QRX_FUZZ)
     # clang warns of other things than the compiler that the sources are written for.
     target_compile_options(qrx_common INTERFACE -fsanitize=fuzzer-no-link -Wno-error -w)
