@@ -200,7 +200,7 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
     return kMuxOk;
 }
 
-HRESULT CMatroskaMuxer::WriteToWriter(const CMuxInterPacket& packet) {
+HRESULT CMatroskaMuxer::WriteToWriter(CMuxInterPacket& packet) {
     mkv::Packet out;
     out.start = packet.start;
     out.stop = packet.stop;
@@ -209,6 +209,7 @@ HRESULT CMatroskaMuxer::WriteToWriter(const CMuxInterPacket& packet) {
     out.syncPoint = packet.syncPoint;
     out.stream = static_cast<UINT32>(packet.streamIndex);
     out.blockGroup = packet.muxerFlag == kBlockGroupFlag;
+    out.owned = &packet.data;
     m_writer->WritePacket(out);
     return S_OK;
 }

@@ -65,7 +65,7 @@ class CMatroskaMuxer final : public CBaseMux,
 
     HRESULT OpenWriter() QRX_REQUIRES(m_writerLock);
     void RegisterTracks() QRX_REQUIRES(m_writerLock);
-    HRESULT WriteToWriter(const CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
+    HRESULT WriteToWriter(CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
     void CloseWriter() QRX_REQUIRES(m_writerLock);
 
     CCritSec m_writerLock;

@@ -1,8 +1,8 @@
 #include "mkv/cluster_writer.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <utility>
 
 #include "media/payload_conversion.h"
 #include "media/track_type.h"
@@ -30,13 +30,6 @@ void TraceFrame(UINT32 stream, const BlockTimes& times) {
     DebugTrace(text);
 }
 
-std::vector<BYTE> PayloadOf(const Packet& packet, const AM_MEDIA_TYPE& type) {
-    if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
-        return {};
-    }
-    return media::ConvertPayload(type, {packet.data, packet.size});
-}
-
 // Only video has blocks that depend on others.
 bool IsKeyframe(const Packet& packet, const AM_MEDIA_TYPE& type) {
     return TrackTypeOf(type) != media::kTrackTypeVideo || packet.syncPoint;
@@ -47,67 +40,73 @@ bool IsKeyframe(const Packet& packet, const AM_MEDIA_TYPE& type) {
 CClusterWriter::CClusterWriter(CGatheringIO& io, const libmatroska::KaxSegment& segment, CMkvCues& cues)
     : m_io(io), m_segment(segment), m_cues(cues) {}
 
-CClusterWriter::~CClusterWriter() {
-    m_cues.forgetPending();
-}
-
-void CClusterWriter::setTracks(const TrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries,
+void CClusterWriter::setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
                                INT32 cueTrack) {
-    m_tracks = &tracks;
-    m_entries = std::move(entries);
+    m_tracks.clear();
+    for (size_t i = 0; i < std::min(tracks.size(), entries.size()); ++i) {
+        const AM_MEDIA_TYPE& type = tracks[i].type;
+        m_tracks.push_back({type, static_cast<UINT16>(entries[i]->TrackNumber()), media::NeedsAnnexBConversion(type)});
+    }
     m_cueTrack = cueTrack;
 }
 
 void CClusterWriter::startCluster(UINT64 timeNs) {
-    m_cluster = std::make_unique<COpenCluster>(m_segment, timeNs);
+    m_cluster.start(timeNs);
 }
 
 void CClusterWriter::flushCluster() {
-    const auto cluster = std::exchange(m_cluster, nullptr); // rendered once, whatever happens
-    if (!cluster) {
+    if (!m_cluster.isOpen()) {
         return;
     }
     try {
         const CGatheringIO::Place place = m_io.place();
-        cluster->render(m_io, m_cues);
-        m_io.flush();
+        m_cluster.write(m_io);
+        m_cluster.close();
         if (m_io.takeLost()) {
-            m_cues.dropRendered();
+            m_cues.dropAnnounced();
             m_io.returnTo(place); // the next one takes its place
             return;
         }
-        m_cues.keepRendered();
+        m_cues.keepAnnounced(m_segment.GetRelativePosition(place.position));
     } catch (...) {
+        m_cluster.close(); // written once, whatever happens
         m_io.discard();
-        m_cues.dropRendered();
+        m_cues.dropAnnounced();
         throw;
     }
 }
 
 std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const Packet& packet) {
-    if (m_tracks == nullptr || packet.stream >= m_tracks->size()) {
+    if (packet.stream >= m_tracks.size()) {
         throw kTrackOutOfRangeError;
     }
-    const AM_MEDIA_TYPE& type = (*m_tracks)[packet.stream].type;
-    const bool keyframe = IsKeyframe(packet, type);
+    const TrackFacts& track = m_tracks[packet.stream];
+    const bool keyframe = IsKeyframe(packet, track.type);
     const BlockTimes times = m_shifter.toBlockTimes(packet.stream, packet.start, packet.stop);
     TraceFrame(packet.stream, times);
-
-    auto payload = PayloadOf(packet, type);
-    if (payload.empty()) {
+    if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
         return std::nullopt;
     }
-    makeRoom(times, keyframe && isCueTrack(packet.stream), payload.size());
-    addBlock(packet, times, keyframe, std::move(payload));
+    std::vector<BYTE> converted;
+    FrameBytes frame{{packet.data, packet.size}, packet.owned};
+    if (track.hasStartCodes) {
+        converted = media::ConvertPayload(track.type, frame.bytes);
+        frame = {converted, nullptr};
+    }
+    if (frame.bytes.empty()) {
+        return std::nullopt;
+    }
+    makeRoom(times, keyframe && isCueTrack(packet.stream), frame.bytes.size());
+    addBlock(packet, times, keyframe, frame);
     return times.endNs;
 }
 
 // A new cluster takes the END time of the block that opens it, so that the block's own offset is minus its duration.
 // A block whose offset would not fit opens one at its own start instead.
 void CClusterWriter::makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes) {
-    bool opens = !m_cluster || (cueKeyframe && times.timeNs != 0) ||
-                 ExceedsCluster(times.endNs, m_cluster->startNs(), m_cluster->payloadBytes() + payloadBytes);
-    UINT64 clusterNs = opens ? times.endNs : m_cluster->startNs();
+    bool opens = !m_cluster.isOpen() || (cueKeyframe && times.timeNs != 0) ||
+                 ExceedsCluster(times.endNs, m_cluster.startNs(), m_cluster.payloadBytes() + payloadBytes);
+    UINT64 clusterNs = opens ? times.endNs : m_cluster.startNs();
     if (!FitsBlockOffset(times.timeNs, clusterNs)) {
         opens = true;
         clusterNs = times.timeNs;
@@ -118,14 +117,15 @@ void CClusterWriter::makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 
     }
 }
 
-void CClusterWriter::addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload) {
-    const auto size = payload.size();
-    const std::span<BYTE> frame(m_cluster->frames().append(std::move(payload)), size);
-    const auto& entry = *m_entries[packet.stream];
-    const auto& blob = packet.blockGroup ? m_cluster->addBlockGroup(entry, times, frame)
-                                         : m_cluster->addSimpleBlock(entry, times.timeNs, frame, keyframe);
+void CClusterWriter::addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, const FrameBytes& frame) {
+    const UINT16 number = m_tracks[packet.stream].number;
+    if (packet.blockGroup) {
+        m_cluster.addBlockGroup(number, times, frame);
+    } else {
+        m_cluster.addSimpleBlock(number, times.timeNs, frame, keyframe);
+    }
     if (packet.blockGroup || (keyframe && isCueTrack(packet.stream))) {
-        m_cues.AddBlockBlob(blob);
+        m_cues.announce(times.timeNs, number);
     }
 }
 

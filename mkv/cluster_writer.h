@@ -1,13 +1,15 @@
 // CClusterWriter: from packets to blocks in clusters: shifts the times, decides when a cluster ends, tells the cues.
-// Units: packets in 100 ns, all else in nanoseconds and bytes. Owner: the file being written; segment, cues, tracks
-// and entries outlive it. Threads: the writer's. Errors: kTrackOutOfRangeError, kUnsupportedTypeError, what the
+// Units: packets in 100 ns, all else in nanoseconds and bytes. Owner: the file being written; segment, cues and tracks
+// outlive it. Threads: the writer's. Errors: kTrackOutOfRangeError, kUnsupportedTypeError, what the
 // output throws, std::bad_alloc; the cluster that could not be written is dropped then, and the next packet opens
 // another.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <vector>
+
+#include <matroska/KaxSegment.h>
+#include <matroska/KaxTracks.h>
 
 #include "mkv/gathering_io.h"
 #include "mkv/mkv_cues.h"
@@ -22,13 +24,13 @@ inline constexpr INT32 kNoCueTrack = -1;
 class CClusterWriter {
   public:
     CClusterWriter(CGatheringIO& io, const libmatroska::KaxSegment& segment, CMkvCues& cues);
-    ~CClusterWriter();
+    ~CClusterWriter() = default;
     CClusterWriter(const CClusterWriter&) = delete;
     CClusterWriter& operator=(const CClusterWriter&) = delete;
 
     // The entries of the tracks, in their order; the track whose keyframes begin clusters and are cue points.
-    void setTracks(const TrackList& tracks, std::vector<libmatroska::KaxTrackEntry*> entries, INT32 cueTrack);
-    [[nodiscard]] size_t trackEntryCount() const { return m_entries.size(); }
+    void setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries, INT32 cueTrack);
+    [[nodiscard]] size_t trackEntryCount() const { return m_tracks.size(); }
 
     void startCluster(UINT64 timeNs);
     // Writes the current cluster, even one without blocks; nothing when there is none. One that a failed write lost
@@ -38,18 +40,24 @@ class CClusterWriter {
     std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet);
 
   private:
+    // What each packet needs of its track.
+    struct TrackFacts {
+        const AM_MEDIA_TYPE& type;
+        UINT16 number;
+        bool hasStartCodes;
+    };
+
     void makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes);
-    void addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, std::vector<BYTE> payload);
+    void addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, const FrameBytes& frame);
     [[nodiscard]] bool isCueTrack(UINT32 stream) const;
 
     CGatheringIO& m_io;
     const libmatroska::KaxSegment& m_segment;
     CMkvCues& m_cues;
-    const TrackList* m_tracks = nullptr;
-    std::vector<libmatroska::KaxTrackEntry*> m_entries; // owned by the segment
+    std::vector<TrackFacts> m_tracks;
     INT32 m_cueTrack = kNoCueTrack;
 
-    std::unique_ptr<COpenCluster> m_cluster;
+    COpenCluster m_cluster;
     CTimeShifter m_shifter;
 };
 

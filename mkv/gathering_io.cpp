@@ -35,29 +35,51 @@ void CGatheringIO::returnTo(const Place& place) {
 }
 
 void CGatheringIO::flush() {
-    if (!m_gathered.empty() && !writeThrough(m_gathered)) {
+    const std::span<const BYTE> gathered(m_gathered);
+    if (!gathered.empty() && !writeThrough({&gathered, 1})) {
         m_lost = LostBytes{m_start, std::exchange(m_gathered, {})};
     }
     discard();
 }
 
+void CGatheringIO::writeParts(Parts parts) {
+    flush();
+    if (parts.size() > 1 && !m_seeks) {
+        std::ranges::for_each(parts, [this](std::span<const BYTE> part) { gather(part); });
+        flush();
+    } else if (!writeThrough(parts)) {
+        m_lost = LostBytes{m_start, {}};
+    }
+}
+
 // False leaves the target anywhere, and the start where it was.
-bool CGatheringIO::writeThrough(std::span<const BYTE> bytes) {
+bool CGatheringIO::writeThrough(Parts parts) {
     learnStart();
     const uint64 wanted = m_start;
     bringTarget();
     m_where = Target::Elsewhere;
-    for (size_t done = 0; done < bytes.size();) {
-        const size_t size = std::min(bytes.size() - done, kMaxWriteBytes);
-        m_target.writeFully(bytes.data() + done, size);
+    uint64 written = 0;
+    for (const std::span<const BYTE> part : parts) {
+        if (!writePart(part)) {
+            return false;
+        }
+        written += part.size();
+    }
+    m_skippedBytes += m_start - wanted;
+    m_start += written;
+    m_where = Target::AtStart;
+    return true;
+}
+
+bool CGatheringIO::writePart(std::span<const BYTE> part) {
+    while (!part.empty()) {
+        const size_t size = std::min(part.size(), kMaxWriteBytes);
+        m_target.writeFully(part.data(), size);
         if (!m_target.isLastWriteWhole()) {
             return false;
         }
-        done += size;
+        part = part.subspan(size);
     }
-    m_skippedBytes += m_start - wanted;
-    m_start += bytes.size();
-    m_where = Target::AtStart;
     return true;
 }
 
@@ -82,11 +104,13 @@ bool CGatheringIO::seekTarget() {
     for (int i = 0; i < kSeekTries; ++i) {
         try {
             m_target.setFilePointer(static_cast<int64>(m_start));
+            m_seeks = true;
             return true;
         } catch (const char*) {
             continue;
         }
     }
+    m_seeks = false;
     return false;
 }
 
@@ -126,17 +150,18 @@ void CGatheringIO::setFilePointer(int64 offset, libebml::seek_mode mode) {
 size_t CGatheringIO::write(const void* buffer, size_t size) {
     const std::span<const BYTE> bytes(static_cast<const BYTE*>(buffer), size);
     if (size >= kUngatheredBytes) {
-        flush();
-        if (!writeThrough(bytes)) {
-            m_lost = LostBytes{m_start, {}};
-        }
-        return size;
+        writeParts({&bytes, 1});
+    } else {
+        gather(bytes);
     }
+    return size;
+}
+
+void CGatheringIO::gather(std::span<const BYTE> bytes) {
     if (m_gathered.empty()) {
         learnStart();
     }
     m_gathered.insert(m_gathered.end(), bytes.begin(), bytes.end());
-    return size;
 }
 
 uint64 CGatheringIO::getFilePointer() {

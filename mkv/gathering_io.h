@@ -38,6 +38,10 @@ class CGatheringIO : public libebml::IOCallback {
     void returnTo(const Place& place);
     // Writes what was gathered to the target.
     void flush();
+    // Writes what was gathered, and then these from where they lie, one after the other; all are lost when one is. They
+    // leave in one write to a target that does not seek, where nothing could take the place of the first of them.
+    using Parts = std::span<const std::span<const BYTE>>;
+    void writeParts(Parts parts);
     // Forgets it.
     void discard() noexcept;
     // Replaces the last bytes gathered.
@@ -62,7 +66,9 @@ class CGatheringIO : public libebml::IOCallback {
     void learnStart();
     void bringTarget();
     [[nodiscard]] bool seekTarget();
-    [[nodiscard]] bool writeThrough(std::span<const BYTE> bytes);
+    [[nodiscard]] bool writeThrough(Parts parts);
+    [[nodiscard]] bool writePart(std::span<const BYTE> part);
+    void gather(std::span<const BYTE> bytes);
 
     CFileOutput& m_target;
     std::vector<BYTE> m_gathered;
@@ -70,6 +76,7 @@ class CGatheringIO : public libebml::IOCallback {
     Target m_where = Target::Unknown; // where the target stands, by what is known; Unknown: nor is m_start
     uint64 m_skippedBytes = 0;        // may be less than none: it wraps around
     bool m_isSure = true;
+    bool m_seeks = true; // the target did when it was last asked to
     std::optional<LostBytes> m_lost;
 };
 

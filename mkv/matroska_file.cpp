@@ -85,7 +85,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
     if (size > 0) { // without tracks there is no element either
         m_seekHead.IndexThis(element, m_segment);
     }
-    m_clusters.setTracks(tracks, std::move(entries), cueTrack);
+    m_clusters.setTracks(tracks, entries, cueTrack);
 }
 
 // Forced, since the library otherwise insists on mandatory children that were left out on purpose.

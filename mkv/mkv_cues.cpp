@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "mkv/cluster_rule.h"
 #include "mkv/element_values.h"
 
 namespace mkv {
@@ -14,34 +15,22 @@ using libmatroska::KaxCueTime;
 using libmatroska::KaxCueTrack;
 using libmatroska::KaxCueTrackPositions;
 
-template <typename Element>
-UINT64 Get(libebml::EbmlMaster& parent) {
-    return static_cast<libebml::EbmlUInteger&>(libebml::GetChild<Element>(parent));
-}
-
 } // namespace
 
-void CMkvCues::keepRendered() {
-    for (libebml::EbmlElement* const element : GetElementList()) {
-        auto& point = static_cast<KaxCuePoint&>(*element); // the list holds nothing else
-        auto& positions = libebml::GetChild<KaxCueTrackPositions>(point);
-        m_points.push_back(
-            {Get<KaxCueTime>(point), Get<KaxCueClusterPosition>(positions), Get<KaxCueTrack>(positions)});
-    }
-    dropRendered();
+void CMkvCues::announce(UINT64 timeNs, UINT64 track) {
+    m_points.push_back({timeNs / kTimecodeScaleNs, 0, track});
 }
 
-void CMkvCues::dropRendered() noexcept {
-    forgetPending();
-    auto& elements = GetElementList();
-    while (!elements.empty()) {
-        delete elements.back(); // the list owns its elements through plain pointers
-        elements.pop_back();
+void CMkvCues::keepAnnounced(UINT64 clusterPosition) noexcept {
+    for (; m_keptPoints < m_points.size(); ++m_keptPoints) {
+        m_points[m_keptPoints].clusterPosition = clusterPosition;
     }
 }
 
 void CMkvCues::restorePoints() {
+    dropAnnounced();
     const std::vector<Point> points = std::exchange(m_points, {});
+    m_keptPoints = 0;
     for (const Point& kept : points) {
         auto& point = libebml::AddNewChild<KaxCuePoint>(*this);
         SetChild<KaxCueTime>(point, kept.time);

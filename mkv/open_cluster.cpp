@@ -1,66 +1,85 @@
 #include "mkv/open_cluster.h"
 
+#include <matroska/KaxBlock.h>
+#include <matroska/KaxBlockData.h>
+#include <matroska/KaxCluster.h>
 #include <matroska/KaxClusterData.h>
 
 #include "mkv/cluster_rule.h"
+#include "mkv/element_bytes.h"
 
 namespace mkv {
 
 namespace {
 
-using libmatroska::DataBuffer;
+constexpr UINT16 kFirstTwoByteTrack = 0x80;
+constexpr UINT16 kOneByteTrackMark = 0x80;
+constexpr UINT16 kTwoByteTrackMark = 0x4000;
+constexpr BYTE kKeyframeFlag = 0x80; // of simple blocks; all other flags stay clear: visible, kept, not laced
+constexpr size_t kOffsetBytes = 2;
 
-// The block that takes the buffer frees it, but not the bytes: those are the frame store's.
-std::unique_ptr<DataBuffer> WrapFrame(std::span<BYTE> frame) {
-    return std::make_unique<DataBuffer>(frame.data(), static_cast<UINT32>(frame.size()), nullptr, false);
+size_t TrackBytes(UINT16 track) {
+    return track < kFirstTwoByteTrack ? 1 : 2;
+}
+
+// What a block's data begin with: track, offset, flags.
+UINT64 BlockDataBytes(UINT16 track, const FrameBytes& frame) {
+    return TrackBytes(track) + kOffsetBytes + 1 + frame.bytes.size();
+}
+
+void AddBlockHead(CElementBytes& bytes, UINT16 track, INT16 offset, BYTE flags) {
+    const UINT16 mark = track < kFirstTwoByteTrack ? kOneByteTrackMark : kTwoByteTrackMark;
+    bytes.addBigEndian(static_cast<UINT64>(track | mark), TrackBytes(track));
+    bytes.addBigEndian(static_cast<UINT16>(offset), kOffsetBytes);
+    bytes.addBigEndian(flags, 1);
 }
 
 } // namespace
 
-COpenCluster::COpenCluster(const libmatroska::KaxSegment& segment, UINT64 startNs) : m_startNs(startNs) {
-    m_cluster.SetParent(segment);
-    m_cluster.InitTimecode(startNs / kTimecodeScaleNs, kTimecodeScaleNs);
+void COpenCluster::start(UINT64 startNs) noexcept {
+    close();
+    m_isOpen = true;
+    m_startNs = startNs;
 }
 
-COpenCluster::~COpenCluster() {
-    // The cluster would delete the blocks, which the blobs own; what it made itself is freed here.
-    const std::unique_ptr<libebml::EbmlElement> timecode(m_cluster.FindElt(EBML_INFO(libmatroska::KaxClusterTimecode)));
-    m_cluster.RemoveAll();
+void COpenCluster::close() noexcept {
+    m_blocks.reset();
+    m_isOpen = false;
 }
 
-const libmatroska::KaxBlockBlob& COpenCluster::addSimpleBlock(const libmatroska::KaxTrackEntry& track, UINT64 timeNs,
-                                                              std::span<BYTE> frame, bool keyframe) {
-    auto buffer = WrapFrame(frame);
-    auto& blob = addBlob(libmatroska::BLOCK_BLOB_ALWAYS_SIMPLE);
-    blob.AddFrameAuto(track, timeNs, *buffer, libmatroska::LACING_AUTO);
-    (void)buffer.release(); // the block's now
-    static_cast<libmatroska::KaxSimpleBlock&>(blob).SetKeyframe(keyframe);
-    m_cluster.AddBlockBlob(&blob);
-    return blob;
+void COpenCluster::addSimpleBlock(UINT16 track, UINT64 timeNs, const FrameBytes& frame, bool keyframe) {
+    CElementBytes head;
+    head.addHead(EBML_ID(libmatroska::KaxSimpleBlock), BlockDataBytes(track, frame));
+    AddBlockHead(head, track, offsetOf(timeNs), keyframe ? kKeyframeFlag : BYTE{0});
+    m_blocks.append(head.bytes(), frame, {});
 }
 
-const libmatroska::KaxBlockBlob& COpenCluster::addBlockGroup(const libmatroska::KaxTrackEntry& track,
-                                                             const BlockTimes& times, std::span<BYTE> frame) {
-    auto buffer = WrapFrame(frame);
-    auto& blob = addBlob(libmatroska::BLOCK_BLOB_NO_SIMPLE);
-    auto group = std::make_unique<libmatroska::KaxBlockGroup>();
-    group->SetParent(m_cluster);
-    group->AddFrame(track, times.timeNs, *buffer, libmatroska::LACING_AUTO);
-    (void)buffer.release(); // the block's now
-    group->SetBlockDuration(times.durationNs);
-    blob.SetBlockGroup(*group.release()); // the blob's now
-    m_cluster.AddBlockBlob(&blob);
-    return blob;
+void COpenCluster::addBlockGroup(UINT16 track, const BlockTimes& times, const FrameBytes& frame) {
+    const libebml::EbmlId& blockId = EBML_ID(libmatroska::KaxBlock);
+    const UINT64 dataBytes = BlockDataBytes(track, frame);
+    CElementBytes duration;
+    duration.addNumber(EBML_ID(libmatroska::KaxBlockDuration), times.durationNs / kTimecodeScaleNs);
+    CElementBytes head;
+    head.addHead(EBML_ID(libmatroska::KaxBlockGroup),
+                 CElementBytes::elementBytes(blockId, dataBytes) + duration.bytes().size());
+    head.addHead(blockId, dataBytes);
+    AddBlockHead(head, track, offsetOf(times.timeNs), 0);
+    m_blocks.append(head.bytes(), frame, duration.bytes());
 }
 
-void COpenCluster::render(libebml::IOCallback& io, CMkvCues& cues) {
-    m_cluster.Render(io, cues, false);
+void COpenCluster::write(CGatheringIO& io) {
+    CElementBytes time;
+    time.addNumber(EBML_ID(libmatroska::KaxClusterTimecode), m_startNs / kTimecodeScaleNs);
+    CElementBytes head;
+    head.addHead(EBML_ID(libmatroska::KaxCluster), time.bytes().size() + m_blocks.totalBytes());
+    head.addBytes(time.bytes());
+    io.writeParts(m_blocks.partsBehind(head.bytes()));
 }
 
-libmatroska::KaxBlockBlob& COpenCluster::addBlob(libmatroska::BlockBlobType type) {
-    auto& blob = *m_blobs.emplace_back(std::make_unique<libmatroska::KaxBlockBlob>(type));
-    blob.SetParent(m_cluster);
-    return blob;
+// From the cluster's time in whole milliseconds, truncated towards zero.
+INT16 COpenCluster::offsetOf(UINT64 timeNs) const {
+    const auto clusterTimeNs = static_cast<INT64>(m_startNs / kTimecodeScaleNs * kTimecodeScaleNs);
+    return static_cast<INT16>((static_cast<INT64>(timeNs) - clusterTimeNs) / INT64{kTimecodeScaleNs});
 }
 
 } // namespace mkv

@@ -1,46 +1,38 @@
-// COpenCluster: one cluster from its start until it is written: the libmatroska element, its blocks and their bytes.
-// Units: nanoseconds, bytes. Owner: the cluster writer. Threads: the writer's.
-// Errors: std::bad_alloc. It is rendered once at most, and destroyed afterwards whether that succeeded or not.
+// COpenCluster: the cluster that blocks are added to, rendered as libmatroska renders it, block by block as they come.
+// Units: nanoseconds, bytes. Owner: the cluster writer. Threads: the writer's. One is open at a time; its memory is
+// used again for the next one.
+// Errors: std::bad_alloc, nothing is added then; what the output throws.
 #pragma once
 
-#include <memory>
-#include <span>
-#include <vector>
-
-#include <matroska/KaxBlock.h>
-#include <matroska/KaxCluster.h>
-
-#include "mkv/frame_store.h"
-#include "mkv/mkv_cues.h"
+#include "mkv/cluster_bytes.h"
+#include "mkv/gathering_io.h"
 #include "mkv/time_shifter.h"
 
 namespace mkv {
 
 class COpenCluster {
   public:
-    COpenCluster(const libmatroska::KaxSegment& segment, UINT64 startNs);
-    ~COpenCluster();
-    COpenCluster(const COpenCluster&) = delete;
-    COpenCluster& operator=(const COpenCluster&) = delete;
+    // One that is open already is forgotten.
+    void start(UINT64 startNs) noexcept;
+    // Forgets it; what it took over goes back.
+    void close() noexcept;
 
+    [[nodiscard]] bool isOpen() const { return m_isOpen; }
     [[nodiscard]] UINT64 startNs() const { return m_startNs; }
-    [[nodiscard]] UINT64 payloadBytes() const { return m_frames.totalBytes(); }
-    [[nodiscard]] CFrameStore& frames() { return m_frames; }
+    [[nodiscard]] UINT64 payloadBytes() const { return m_blocks.payloadBytes(); }
 
-    // The frame lies in frames(). The result is what the cues are told of.
-    const libmatroska::KaxBlockBlob& addSimpleBlock(const libmatroska::KaxTrackEntry& track, UINT64 timeNs,
-                                                    std::span<BYTE> frame, bool keyframe);
-    const libmatroska::KaxBlockBlob& addBlockGroup(const libmatroska::KaxTrackEntry& track, const BlockTimes& times,
-                                                   std::span<BYTE> frame);
-    void render(libebml::IOCallback& io, CMkvCues& cues);
+    // The block's time is one that fits its 16-bit offset (FitsBlockOffset). The track is its number, from 1.
+    void addSimpleBlock(UINT16 track, UINT64 timeNs, const FrameBytes& frame, bool keyframe);
+    void addBlockGroup(UINT16 track, const BlockTimes& times, const FrameBytes& frame);
+    // The cluster as it is, in one write when no payload was taken over.
+    void write(CGatheringIO& io);
 
   private:
-    libmatroska::KaxBlockBlob& addBlob(libmatroska::BlockBlobType type);
+    [[nodiscard]] INT16 offsetOf(UINT64 timeNs) const;
 
-    const UINT64 m_startNs;
-    libmatroska::KaxCluster m_cluster;
-    std::vector<std::unique_ptr<libmatroska::KaxBlockBlob>> m_blobs;
-    CFrameStore m_frames;
+    bool m_isOpen = false;
+    UINT64 m_startNs = 0;
+    CClusterBytes m_blocks;
 };
 
 } // namespace mkv

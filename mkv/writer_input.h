@@ -5,6 +5,7 @@
 
 #include "dshow/media_type.h"
 #include "records/track_settings_row.h"
+#include "win/owned_bytes.h"
 
 namespace mkv {
 
@@ -16,7 +17,7 @@ struct Track {
 
 using TrackList = std::vector<Track>; // the track number is the position, from 1
 
-// One media packet; the bytes stay the caller's.
+// One media packet. The bytes stay the caller's, unless their owner is told.
 struct Packet {
     REFERENCE_TIME start = 0; // in units of 100 ns, as is stop; equal to it when the sample had no stop time
     REFERENCE_TIME stop = 0;
@@ -25,6 +26,8 @@ struct Packet {
     bool syncPoint = false;
     UINT32 stream = 0;       // the track, from 0, in the order of registration
     bool blockGroup = false; // written with its duration, and always a cue point
+    // Holds the bytes that data shows, which the writer may change, or take over and leave null.
+    win::OwnedBytes* owned = nullptr;
 };
 
 } // namespace mkv
