@@ -4,6 +4,8 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "codecs/unit_lengths.h"
@@ -16,5 +18,10 @@ inline constexpr size_t kStartCodeLengthBytes = kStartCode.size();
 
 // lengthSize: kParameterSetLengthSizeBytes or kSampleLengthSizeBytes. A unit whose length does not fit is left out.
 [[nodiscard]] std::vector<uint8_t> ConvertAnnexB(ByteView byteStream, size_t startCodeLength, size_t lengthSize);
+
+// The same in place, with lengths of kSampleLengthSizeBytes, for a stream below 4 GiB: what of it is left. A stream
+// without a start code in front of its first unit has no room for that one's length; it is left alone, and the answer
+// is none.
+[[nodiscard]] std::optional<std::span<uint8_t>> ReplaceStartCodes(std::span<uint8_t> byteStream);
 
 } // namespace codecs

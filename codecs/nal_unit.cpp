@@ -1,6 +1,11 @@
 #include "codecs/nal_unit.h"
 
 #include <algorithm>
+#include <bit>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace codecs {
 
@@ -11,6 +16,49 @@ constexpr size_t kMinStartCodeLength = 2;
 bool AllZero(ByteView bytes) {
     return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }
+
+#ifdef __SSE2__
+
+constexpr size_t kPlacesAtOnce = sizeof(__m128i);
+
+__m128i EqualTo(const uint8_t* bytes, uint8_t value) {
+    return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)),
+                          _mm_set1_epi8(static_cast<char>(value)));
+}
+
+// Of the places from there on, all bits of those that hold a 0, and a 1 behind so many zeros.
+__m128i Candidates(const uint8_t* place, size_t zeros) {
+    return _mm_and_si128(EqualTo(place, 0), EqualTo(place + zeros, 1));
+}
+
+// Goes on from place to place while whole runs of them are left, and stops at the first one that has a candidate.
+size_t SkipToCandidate(ByteView bytes, size_t from, size_t zeros) {
+    constexpr size_t kRuns = 4;
+    for (; bytes.size() - from >= kRuns * kPlacesAtOnce + zeros; from += kRuns * kPlacesAtOnce) {
+        const uint8_t* const place = bytes.data() + from;
+        const __m128i first = _mm_or_si128(Candidates(place, zeros), Candidates(place + kPlacesAtOnce, zeros));
+        const __m128i second =
+            _mm_or_si128(Candidates(place + 2 * kPlacesAtOnce, zeros), Candidates(place + 3 * kPlacesAtOnce, zeros));
+        if (_mm_movemask_epi8(_mm_or_si128(first, second)) != 0) {
+            break;
+        }
+    }
+    for (; bytes.size() - from >= kPlacesAtOnce + zeros; from += kPlacesAtOnce) {
+        const auto candidates = static_cast<unsigned>(_mm_movemask_epi8(Candidates(bytes.data() + from, zeros)));
+        if (candidates != 0) {
+            return from + static_cast<size_t>(std::countr_zero(candidates));
+        }
+    }
+    return from;
+}
+
+#else
+
+size_t SkipToCandidate(ByteView, size_t from, size_t) {
+    return from;
+}
+
+#endif
 
 } // namespace
 
@@ -62,12 +110,10 @@ std::optional<NALUnit> NALUnitScanner::Next() {
 
 size_t NALUnitScanner::FindStartCode(size_t from) const {
     const size_t zeros = m_startCodeLength - 1;
-    for (size_t last = from + zeros; last < m_buffer.size(); ++last) {
-        const auto begin = m_buffer.begin();
-        last = static_cast<size_t>(std::find(begin + static_cast<std::ptrdiff_t>(last), m_buffer.end(), uint8_t{1}) -
-                                   begin);
-        if (last < m_buffer.size() && AllZero(m_buffer.subspan(last - zeros, zeros))) {
-            return last - zeros;
+    for (; m_buffer.size() - from > zeros; ++from) {
+        from = SkipToCandidate(m_buffer, from, zeros);
+        if (m_buffer.size() - from > zeros && m_buffer[from + zeros] == 1 && AllZero(m_buffer.subspan(from, zeros))) {
+            return from;
         }
     }
     return m_buffer.size();

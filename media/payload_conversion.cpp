@@ -21,4 +21,8 @@ std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
     return {payload.begin(), payload.end()};
 }
 
+std::optional<std::span<BYTE>> ConvertAnnexBInPlace(std::span<BYTE> payload) {
+    return codecs::ReplaceStartCodes(payload);
+}
+
 } // namespace media

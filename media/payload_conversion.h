@@ -2,6 +2,8 @@
 // rewritten with 4-byte lengths; every other payload is kept as it came.
 #pragma once
 
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "media/format_block.h"
@@ -14,5 +16,9 @@ namespace media {
 
 // A copy of the payload, converted where the type needs it. Empty when nothing is left to be written.
 [[nodiscard]] std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, ByteView payload);
+
+// The same in place, for a type that needs it: what is left of the payload. None when that needs more room than there
+// is; the payload is as it was then.
+[[nodiscard]] std::optional<std::span<BYTE>> ConvertAnnexBInPlace(std::span<BYTE> payload);
 
 } // namespace media

@@ -30,6 +30,22 @@ void TraceFrame(UINT32 stream, const BlockTimes& times) {
     DebugTrace(text);
 }
 
+FrameBytes FrameOf(const Packet& packet) {
+    return {{packet.data, packet.size}, packet.owned};
+}
+
+// In place where the packet's bytes are ours, else in that room.
+FrameBytes ConvertedFrame(const Packet& packet, const AM_MEDIA_TYPE& type, std::vector<BYTE>& room) {
+    if (packet.owned != nullptr) {
+        BYTE* const bytes = packet.owned->get() + (packet.data - packet.owned->get());
+        if (const auto frame = media::ConvertAnnexBInPlace({bytes, packet.size})) {
+            return {*frame, packet.owned};
+        }
+    }
+    room = media::ConvertPayload(type, {packet.data, packet.size});
+    return {room, nullptr};
+}
+
 // Only video has blocks that depend on others.
 bool IsKeyframe(const Packet& packet, const AM_MEDIA_TYPE& type) {
     return TrackTypeOf(type) != media::kTrackTypeVideo || packet.syncPoint;
@@ -87,12 +103,8 @@ std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const Packet& pac
     if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
         return std::nullopt;
     }
-    std::vector<BYTE> converted;
-    FrameBytes frame{{packet.data, packet.size}, packet.owned};
-    if (track.hasStartCodes) {
-        converted = media::ConvertPayload(track.type, frame.bytes);
-        frame = {converted, nullptr};
-    }
+    std::vector<BYTE> room;
+    const FrameBytes frame = track.hasStartCodes ? ConvertedFrame(packet, track.type, room) : FrameOf(packet);
     if (frame.bytes.empty()) {
         return std::nullopt;
     }

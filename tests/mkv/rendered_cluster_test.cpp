@@ -202,8 +202,9 @@ TEST_F(RenderedClusterTest, EveryKindOfBlockAndFlag) {
 TEST_F(RenderedClusterTest, OffsetsOnBothSidesOfTheClustersTime) {
     constexpr UINT64 kStartNs = 100000 * kMs + kMs / 2;
     Cluster cluster{kStartNs, {}};
-    for (const INT64 ns : {INT64{0}, INT64{1}, INT64{499999}, INT64{500000}, INT64{999999}, INT64{1000000},
-                           INT64{1000001}, INT64{255000000}, INT64{256000000}, INT64{32767000000}, INT64{32767499999}}) {
+    for (const INT64 ns :
+         {INT64{0}, INT64{1}, INT64{499999}, INT64{500000}, INT64{999999}, INT64{1000000}, INT64{1000001},
+          INT64{255000000}, INT64{256000000}, INT64{32767000000}, INT64{32767499999}}) {
         for (const UINT64 timeNs : {kStartNs + static_cast<UINT64>(ns), kStartNs - static_cast<UINT64>(ns)}) {
             cluster.blocks.push_back({.times = Times(timeNs), .frame = {1}});
             cluster.blocks.push_back({.times = Times(timeNs), .frame = {1}, .isGroup = true, .isCuePoint = true});
