@@ -20,8 +20,8 @@ struct FrameBytes {
 
 class CClusterBytes {
   public:
-    // From here on a write of its own costs less than a copy.
-    static constexpr size_t kMinTakenOverBytes = size_t{16} << 10;
+    // From about here on a write of its own costs less than a copy, into a file of the system's as into memory.
+    static constexpr size_t kMinTakenOverBytes = size_t{32} << 10;
     static constexpr size_t kMaxHeadBytes = 32; // of the cluster
 
     // One block: what stands in front of its payload, the payload, what stands behind it. Copies all, or takes the

@@ -1,5 +1,5 @@
-// Start codes are searched many bytes at a time, and replaced in place. Both are compared with a search that looks at one
-// byte after the other.
+// Start codes are searched many bytes at a time, and replaced in place. Both are compared with a search that looks at
+// one byte after the other.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,11 +36,13 @@ std::vector<Bytes> UnitsPlainly(ByteView stream, size_t length) {
     std::vector<Bytes> units;
     size_t start = FindPlainly(stream, 0, length);
     const ByteView front = stream.first(start);
-    const bool isUnit = start == stream.size() || std::any_of(front.begin(), front.end(), [](uint8_t b) { return b != 0; });
+    const bool isUnit =
+        start == stream.size() || std::any_of(front.begin(), front.end(), [](uint8_t b) { return b != 0; });
     for (start = isUnit ? 0 : start + length; start < stream.size();) {
         const size_t end = FindPlainly(stream, start, length);
         if (end > start) {
-            units.emplace_back(stream.begin() + static_cast<ptrdiff_t>(start), stream.begin() + static_cast<ptrdiff_t>(end));
+            units.emplace_back(stream.begin() + static_cast<ptrdiff_t>(start),
+                               stream.begin() + static_cast<ptrdiff_t>(end));
         }
         start = end + length;
     }

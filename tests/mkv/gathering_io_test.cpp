@@ -189,6 +189,51 @@ TEST_F(GatheringIOTest, WhatFollowsALostWriteTakesItsPlace) {
     EXPECT_EQ(Text(), "abcd");
 }
 
+TEST_F(GatheringIOTest, PartsLeaveFromWhereTheyLieBehindWhatWasGathered) {
+    const std::array<BYTE, 2> first{'c', 'd'};
+    const std::array<BYTE, 1> second{'e'};
+    const std::array<std::span<const BYTE>, 2> parts{first, second};
+    m_gathering.moveTo(0);
+    m_gathering.write("ab", 2);
+    m_gathering.writeParts(parts);
+    EXPECT_EQ(Text(), "abcde");
+    EXPECT_EQ(m_gathering.getFilePointer(), 5u);
+    EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), 3u);
+    EXPECT_EQ(m_stream.Calls(StreamOperation::Seek).size(), 1u);
+}
+
+TEST_F(GatheringIOTest, PartsOfWhichOneIsLostAreLostTogether) {
+    const std::array<BYTE, 2> part{'x', 'y'};
+    const std::array<std::span<const BYTE>, 3> parts{part, part, part};
+    for (UINT64 n = 1; n <= parts.size(); ++n) {
+        m_gathering.moveTo(1);
+        m_stream.SetBytes({'a'});
+        m_stream.ClearCalls();
+        m_stream.FailNth(StreamOperation::Write, n, E_FAIL);
+        m_gathering.writeParts(parts);
+        const auto lost = m_gathering.takeLost();
+        ASSERT_TRUE(lost) << n;
+        EXPECT_EQ(lost->position, 1u) << n;
+        EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), n) << "none is written behind a lost one";
+        EXPECT_EQ(m_gathering.getFilePointer(), 1u) << n;
+        m_gathering.write("b", 1);
+        m_gathering.flush();
+        EXPECT_EQ(Text().substr(0, 2), "ab") << n;
+    }
+}
+
+TEST_F(GatheringIOTest, PartsLeaveInOneWriteWhereTheStreamDoesNotSeek) {
+    const std::array<BYTE, 2> part{'x', 'y'};
+    const std::array<std::span<const BYTE>, 2> parts{part, part};
+    m_gathering.moveTo(0);
+    m_stream.FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_gathering.write("ab", 2);
+    m_gathering.flush();
+    m_gathering.writeParts(parts);
+    EXPECT_EQ(Text(), "abxyxy");
+    EXPECT_EQ(m_stream.Calls(StreamOperation::Write).size(), 2u);
+}
+
 TEST_F(GatheringIOTest, ALongPieceLeavesFromWhereItLiesBehindWhatWasGathered) {
     const std::vector<BYTE> piece(size_t{8} << 20, 'x');
     m_gathering.moveTo(0);

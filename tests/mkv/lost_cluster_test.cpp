@@ -80,6 +80,32 @@ TEST_F(LostClusterTest, IsDroppedNeverRenderedAgainAndTheNextPacketOpensAnother)
     EXPECT_EQ(output.writtenBytes(), clusterEnd);
 }
 
+// A cluster with large payloads that it took over takes a write for each of them, and one for what stands in front.
+TEST_F(LostClusterTest, IsDroppedWhicheverOfItsWritesFails) {
+    constexpr int kPayloads = 3;
+    constexpr size_t kLarge = mkv::CClusterBytes::kMinTakenOverBytes;
+    for (int call = 1; call <= 2 * kPayloads; ++call) {
+        ThrowingOutput output(kCallsOfTheHead + call);
+        mkv::CMatroskaFile file(output);
+        file.writeHead("matroska");
+        file.writeTracks(m_tracks);
+        file.startFirstCluster();
+        for (INT64 i = 0; i < kPayloads; ++i) {
+            auto owner = win::OwnedBytes(std::make_unique<BYTE[]>(kLarge));
+            mkv::Packet packet{i * 10000, 0, owner.get(), kLarge, false, 0, false};
+            packet.owned = &owner;
+            (void)file.clusters().addFrameToCurrentCluster(packet);
+            EXPECT_EQ(owner, nullptr);
+        }
+        EXPECT_THROW((void)file.clusters().addFrameToCurrentCluster(Packet(40)), std::runtime_error) << call;
+        const auto lostBytes = output.writtenBytes();
+        (void)file.clusters().addFrameToCurrentCluster(Packet(80));
+        file.clusters().flushCluster();
+        EXPECT_GT(output.writtenBytes(), lostBytes) << call;
+        EXPECT_LT(output.writtenBytes(), lostBytes + 100) << call << ": the lost one is gone";
+    }
+}
+
 TEST_F(LostClusterTest, AFailureInTheLastClusterReachesTheCallerAndClosingAgainFinalises) {
     ThrowingOutput output(kCallsOfTheHead + 1);
     mkv::CMatroskaFile file(output);
