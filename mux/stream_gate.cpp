@@ -1,34 +1,31 @@
 #include "mux/stream_gate.h"
 
 void CStreamGate::Open(CMuxInterStream* stream) {
-    const win::LockGuard lock(m_lock);
-    m_stream = stream;
+    m_stream.store(stream);
 }
 
 void CStreamGate::Close() {
+    m_stream.store(nullptr);
     const win::LockGuard lock(m_lock);
-    m_stream = nullptr;
-    while (m_inside > 0) {
+    m_closing.store(true);
+    while (m_inside.load() > 0) {
         m_left.Sleep(m_lock, INFINITE);
     }
-}
-
-CMuxInterStream* CStreamGate::Stream() const {
-    const win::LockGuard lock(m_lock);
-    return m_stream;
+    m_closing.store(false);
 }
 
 CMuxInterStream* CStreamGate::Enter() {
-    const win::LockGuard lock(m_lock);
-    if (m_stream != nullptr) {
-        ++m_inside;
+    ++m_inside; // before the look, so that Close either waits for this thread or has hidden the stream from it
+    CMuxInterStream* const stream = m_stream.load();
+    if (stream == nullptr) {
+        Leave();
     }
-    return m_stream;
+    return stream;
 }
 
 void CStreamGate::Leave() {
-    const win::LockGuard lock(m_lock);
-    if (--m_inside == 0) {
+    if (--m_inside == 0 && m_closing.load()) {
+        const win::LockGuard lock(m_lock);
         m_left.WakeAll();
     }
 }

@@ -1,10 +1,14 @@
 // CStreamGate: lets an upstream thread use the input's stream, and keeps the stream alive until it has left again.
 //
 // Owner: the input pin; the stream is the interleaver's.
-// Threads: Pass on upstream threads; Open and Close by the filter's state changes, which first end every wait that a
-// thread inside may be in, so Close never waits long. Close must not be called from inside.
+// Threads: Pass on upstream threads, which take no lock unless Close waits for them; Open and Close by the filter's
+// state changes, which first end every wait that a thread inside may be in, so Close never waits long. Close must not
+// be called from inside.
 #pragma once
 
+#include <atomic>
+
+#include "mux/cache_line.h"
 #include "win/condition_variable.h"
 #include "win/critical_section.h"
 
@@ -35,14 +39,17 @@ class CStreamGate {
     // Returns when nobody is inside any more.
     void Close();
     // For threads that streaming outlives: the worker, the state changes.
-    [[nodiscard]] CMuxInterStream* Stream() const;
+    [[nodiscard]] CMuxInterStream* Stream() const { return m_stream.load(); }
 
   private:
     CMuxInterStream* Enter();
     void Leave();
 
-    mutable win::CriticalSection m_lock;
-    CMuxInterStream* m_stream QRX_GUARDED_BY(m_lock) = nullptr; // not owned; null while closed
-    int m_inside QRX_GUARDED_BY(m_lock) = 0;
+    // All sequentially consistent: of two threads that each write one and then read another, one sees the other's.
+    std::atomic<CMuxInterStream*> m_stream{nullptr}; // not owned; null while closed
+    std::atomic<bool> m_closing{false};              // somebody sleeps until the last one has left
+    win::CriticalSection m_lock;
     win::ConditionVariable m_left QRX_GUARDED_BY(m_lock);
+    // Written twice a sample, apart from what the worker reads.
+    alignas(kCacheLineBytes) std::atomic<int> m_inside{0};
 };
