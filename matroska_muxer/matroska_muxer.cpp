@@ -185,7 +185,8 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
     if (const HRESULT written = m_io->lastWriteResult(); written != S_OK && stream != nullptr) {
         stream->SetStreamResult(written);
     }
-    if (media::IsTextOrSubtitle(pin->CurrentMediaType())) {
+    // Text and subtitles: the kind was found out once, when streaming began.
+    if (stream != nullptr && stream->Kind() == MuxStreamKind::Subtitle) {
         packet->muxerFlag = kBlockGroupFlag;
     }
     if (m_writer->isOpen()) {
