@@ -40,7 +40,7 @@ HRESULT CBaseMuxInputPin::Inactive() {
         hr = S_OK; // samples are only read here, so whoever sends them need not say where they come from
     }
     if (SUCCEEDED(hr)) {
-        m_grouper.Clear();
+        DropHeldPackets();
     }
     return hr;
 }
@@ -81,7 +81,8 @@ HRESULT CBaseMuxInputPin::ReceiveSample(IMediaSample& sample) {
         interleaver.NewPacket(static_cast<INT32>(stream->Index()), packet) != kMuxOk) {
         return S_OK;
     }
-    ReadSample(sample, *packet);
+    ReadSample(sample, stream->Payloads(), *packet);
+    const win::LockGuard lock(m_groupLock);
     for (auto& ready : m_grouper.Add(std::move(packet), m_mt)) {
         if (ready->size > 0) {
             interleaver.AddPacket(std::move(ready));
@@ -106,13 +107,18 @@ CBaseMuxInputPin::RoomWait CBaseMuxInputPin::WaitForRoom(CMuxInterStream& stream
 }
 
 void CBaseMuxInputPin::AttachStream(CMuxInterStream* stream) {
-    m_grouper.Clear();
+    DropHeldPackets();
     m_gate.Open(stream);
 }
 
 void CBaseMuxInputPin::DetachStream() {
     m_gate.Close();
     // A sample that was inside when the pin became inactive may have left a packet behind.
+    DropHeldPackets();
+}
+
+void CBaseMuxInputPin::DropHeldPackets() {
+    const win::LockGuard lock(m_groupLock);
     m_grouper.Clear();
 }
 
@@ -146,20 +152,29 @@ bool CBaseMuxInputPin::WaitForRoomAtEnd(CMuxInterStream& stream) {
     return false;
 }
 
-// The held packets go as they are, unmerged; those without data are nothing to write.
 bool CBaseMuxInputPin::AddEndOfStream(CMuxInterStream& stream) {
     CMuxInterleaver& interleaver = m_mux->Interleaver();
-    for (auto& held : m_grouper.TakeAll()) {
-        if (held->size > 0 && interleaver.AddPacket(std::move(held)) != kMuxOk) {
-            return false;
-        }
+    if (!AddHeldPackets(interleaver)) {
+        return false;
     }
     std::unique_ptr<CMuxInterPacket> packet;
     if (interleaver.NewPacket(static_cast<INT32>(stream.Index()), packet) != kMuxOk) {
         return false;
     }
     packet->endOfStream = true;
+    const win::LockGuard lock(m_groupLock);
     return interleaver.AddPacket(std::move(packet)) == kMuxOk;
+}
+
+// They go as they are, unmerged; those without data are nothing to write.
+bool CBaseMuxInputPin::AddHeldPackets(CMuxInterleaver& interleaver) {
+    const win::LockGuard lock(m_groupLock);
+    for (auto& held : m_grouper.TakeAll()) {
+        if (held->size > 0 && interleaver.AddPacket(std::move(held)) != kMuxOk) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // Ends with the pin's identity; any stable number serves the log's reader.

@@ -12,6 +12,7 @@
 
 class CBaseMux;
 class CMuxInterStream;
+class CMuxInterleaver;
 
 class CBaseMuxInputPin : public CBaseInputPin {
   public:
@@ -51,10 +52,14 @@ class CBaseMuxInputPin : public CBaseInputPin {
     [[nodiscard]] RoomWait WaitForRoom(CMuxInterStream& stream);
     [[nodiscard]] bool WaitForRoomAtEnd(CMuxInterStream& stream);
     [[nodiscard]] bool AddEndOfStream(CMuxInterStream& stream);
+    [[nodiscard]] bool AddHeldPackets(CMuxInterleaver& interleaver);
+    void DropHeldPackets();
     void LogLine(const WCHAR* text) const;
 
     CBaseMux* const m_mux; // not owned: it owns this pin
     INT32 m_index = -1;    // its position in the filter's list
     CStreamGate m_gate;
-    CFrameGrouper m_grouper;
+    // The group lock. What it lets through is queued inside it, so that the stream has one producer at a time.
+    win::CriticalSection m_groupLock;
+    CFrameGrouper m_grouper QRX_GUARDED_BY(m_groupLock);
 };

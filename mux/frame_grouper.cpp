@@ -33,35 +33,40 @@ void Merge(CFrameGrouper::Packets& frame) {
 
 } // namespace
 
-CFrameGrouper::Packets CFrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type) {
-    const win::LockGuard lock(m_lock);
+CFrameGrouper::Packets&& CFrameGrouper::Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type) {
     m_audioClock.Stamp(*packet, type);
-    Packets ready;
+    m_ready.clear();
     if (packet->hasTime) {
-        ready = TakePending();
+        MovePendingToReady();
     }
-    const UINT64 memory = MemoryOf(*packet);
-    m_pending.push_back(std::move(packet));
-    m_pendingBytes += memory;
+    Hold(std::move(packet));
     if (m_pending.size() > 1 && m_pendingBytes > m_maxFrameBytes) {
-        return TakePending();
+        MovePendingToReady();
+    } else {
+        Merge(m_ready);
     }
-    Merge(ready);
-    return ready;
+    return std::move(m_ready);
 }
 
 CFrameGrouper::Packets CFrameGrouper::TakeAll() {
-    const win::LockGuard lock(m_lock);
-    return TakePending();
+    m_pendingBytes = 0;
+    return std::exchange(m_pending, {});
 }
 
 void CFrameGrouper::Clear() {
-    const win::LockGuard lock(m_lock);
-    TakePending();
+    (void)TakeAll();
+    (void)std::exchange(m_ready, {});
     m_audioClock.Reset();
 }
 
-CFrameGrouper::Packets CFrameGrouper::TakePending() {
+void CFrameGrouper::Hold(std::unique_ptr<CMuxInterPacket> packet) {
+    const UINT64 memory = MemoryOf(*packet);
+    m_pending.push_back(std::move(packet));
+    m_pendingBytes += memory;
+}
+
+// m_ready is empty; the two lists change places, so that neither is made anew for every packet.
+void CFrameGrouper::MovePendingToReady() {
     m_pendingBytes = 0;
-    return std::exchange(m_pending, {});
+    m_pending.swap(m_ready);
 }

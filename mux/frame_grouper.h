@@ -1,7 +1,7 @@
 // CFrameGrouper: puts the packets of one input together to frames: a timed packet and the untimed ones that follow it.
 //
 // Units: bytes. Owner: the input pin; it owns the packets of the frame that is still growing.
-// Threads: any; one lock, the pin's group lock, held while grouping and merging.
+// Threads: one at a time: the pin's group lock is held while grouping and merging.
 // Errors: std::bad_alloc; the frame that could not be merged is then gone, the growing one stays.
 #pragma once
 
@@ -10,7 +10,6 @@
 
 #include "mux/mux_inter_packet.h"
 #include "mux/untimed_audio_clock.h"
-#include "win/critical_section.h"
 #include "win/platform.h"
 
 class CFrameGrouper {
@@ -22,19 +21,21 @@ class CFrameGrouper {
 
     explicit CFrameGrouper(UINT64 maxFrameBytes = kMaxFrameBytes) : m_maxFrameBytes(maxFrameBytes) {}
 
-    // Returns what is ready to be queued: as a rule nothing, or the finished frame before as one packet.
-    [[nodiscard]] Packets Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type);
+    // What is ready to be queued: as a rule nothing, or the finished frame before as one packet. The caller takes the
+    // packets out of the list, which is the grouper's and used again by the next call.
+    [[nodiscard]] Packets&& Add(std::unique_ptr<CMuxInterPacket> packet, const AM_MEDIA_TYPE& type);
     // What is still held, unmerged.
     [[nodiscard]] Packets TakeAll();
     // Deletes what is held and sets the audio clock back to 0.
     void Clear();
 
   private:
-    Packets TakePending() QRX_REQUIRES(m_lock);
+    void Hold(std::unique_ptr<CMuxInterPacket> packet);
+    void MovePendingToReady();
 
     const UINT64 m_maxFrameBytes;
-    win::CriticalSection m_lock;
-    Packets m_pending QRX_GUARDED_BY(m_lock);
-    UINT64 m_pendingBytes QRX_GUARDED_BY(m_lock) = 0; // the packets' own memory included
-    CUntimedAudioClock m_audioClock QRX_GUARDED_BY(m_lock);
+    Packets m_pending;         // the frame that is growing
+    Packets m_ready;           // the last one that was given away
+    UINT64 m_pendingBytes = 0; // the packets' own memory included
+    CUntimedAudioClock m_audioClock;
 };

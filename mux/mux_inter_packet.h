@@ -17,6 +17,19 @@ class CMuxInterPacket {
     CMuxInterPacket(const CMuxInterPacket&) = delete;
     CMuxInterPacket& operator=(const CMuxInterPacket&) = delete;
 
+    // As it was when it was made, of no stream.
+    void Empty() {
+        data.reset();
+        start = 0;
+        stop = 0;
+        size = 0;
+        syncPoint = false;
+        hasTime = false;
+        streamIndex = -1;
+        endOfStream = false;
+        muxerFlag = 0;
+    }
+
     INT64 start = 0;
     INT64 stop = 0;
     win::OwnedBytes data; // may be null
@@ -26,4 +39,6 @@ class CMuxInterPacket {
     INT32 streamIndex = -1; // -1: not assigned yet
     bool endOfStream = false;
     BYTE muxerFlag = 0; // the concrete muxer's own
+
+    CMuxInterPacket* next = nullptr; // the pool's, while the packet lies there
 };

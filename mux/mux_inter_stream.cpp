@@ -1,5 +1,7 @@
 #include "mux/mux_inter_stream.h"
 
+#include <utility>
+
 namespace {
 
 constexpr UINT32 kVideoByteLimit = 104857600;  // 100 MiB
@@ -28,42 +30,47 @@ void CMuxInterStream::Attach(CBaseMuxInputPin* pin, MuxStreamKind kind, bool int
     m_pin = pin;
     m_kind = kind;
     m_byteLimit = ByteLimitOf(kind);
-    m_interleaved = interleaved;
+    m_interleaved.store(interleaved, std::memory_order_relaxed);
     m_active = true;
 }
 
+// All that belongs to the packet is there before the packet is.
 void CMuxInterStream::Append(std::unique_ptr<CMuxInterPacket> packet) {
-    AssertLocked();
-    const UINT32 size = packet->size;
-    const bool endOfStream = packet->endOfStream;
-    m_packets.push_back(std::move(packet));
-    m_endOfStreamSeen = m_endOfStreamSeen || endOfStream;
-    if (m_suspended) {
-        m_suspended = false;
-        m_interleaved = true;
+    m_queue.MakeRoom();
+    m_newestStart.store(packet->start, std::memory_order_release);
+    if (packet->endOfStream) {
+        m_endOfStreamSeen.store(true, std::memory_order_release);
     }
-    m_queuedBytes += size;
-    if (m_queuedBytes >= m_byteLimit) {
-        m_writable.Reset();
+    m_addedBytes.store(m_addedBytes.load(std::memory_order_relaxed) + packet->size, std::memory_order_release);
+    m_queue.Append(std::move(packet));
+}
+
+bool CMuxInterStream::HasRoom() {
+    const UINT64 added = m_addedBytes.load(std::memory_order_acquire);
+    if (added - m_takenBytesSeen.load(std::memory_order_relaxed) < m_byteLimit) {
+        return true;
     }
+    m_takenBytesSeen.store(m_takenBytes.load(std::memory_order_acquire), std::memory_order_relaxed);
+    return IsWritable();
 }
 
 std::unique_ptr<CMuxInterPacket> CMuxInterStream::TakeFront() {
-    AssertLocked();
-    if (IsEmpty() || HasEnded()) {
+    const CMuxInterPacket* const front = m_queue.Front();
+    if (front == nullptr || front->endOfStream) {
         return nullptr;
     }
-    auto packet = std::move(m_packets.front());
-    m_packets.pop_front();
-    m_queuedBytes -= packet->size;
-    if (!m_writable.IsSet() && m_queuedBytes < m_byteLimit) {
-        m_writable.Set();
-        m_producers.WakeAll();
+    if (m_suspended.load(std::memory_order_relaxed)) { // it has brought the stream back
+        m_suspended.store(false, std::memory_order_relaxed);
+        m_interleaved.store(true, std::memory_order_relaxed);
     }
+    auto packet = m_queue.TakeFront();
+    // Sequentially consistent, as the look at IsRoomAwaited that follows.
+    m_takenBytes.store(m_takenBytes.load(std::memory_order_relaxed) + packet->size, std::memory_order_seq_cst);
     return packet;
 }
 
+// A packet that arrives meanwhile has done so before or after, which comes to the same.
 void CMuxInterStream::Suspend() {
-    m_suspended = true;
-    m_interleaved = false;
+    m_suspended.store(true, std::memory_order_relaxed);
+    m_interleaved.store(false, std::memory_order_relaxed);
 }

@@ -1,25 +1,27 @@
 // CMuxInterStream: the queue of one active input between its pin and the worker, and what the interleaver knows of it.
 //
 // Units: bytes. Owner: the interleaver; the pin is not owned.
-// Threads: the queue and the waiting flags under the interleaver's lock; the result and the writable event from any
-// thread; the rest is set before streaming.
+// Threads: one producer at a time (the pin's group lock) and one consumer, the worker, each with methods of its own;
+// neither takes a lock. Any thread may ask for counts, flags and the result and give packets back; Attach comes before
+// streaming. Where one side sleeps is the interleaver's business.
 #pragma once
 
 #include <atomic>
-#include <deque>
 #include <memory>
 
-#include "mux/manual_reset_event.h"
+#include "mux/cache_line.h"
 #include "mux/mux_inter_packet.h"
 #include "mux/mux_stream_kind.h"
+#include "mux/packet_pool.h"
+#include "mux/packet_queue.h"
+#include "mux/payload_pool.h"
 #include "win/condition_variable.h"
 
 class CBaseMuxInputPin;
 
 class CMuxInterStream {
   public:
-    // lock: the interleaver's, which guards the queue and the waiting flags; none when one thread has the stream alone.
-    explicit CMuxInterStream(UINT32 index, const win::CriticalSection* lock = nullptr) : m_index(index), m_lock(lock) {}
+    explicit CMuxInterStream(UINT32 index) : m_index(index) {}
     virtual ~CMuxInterStream() = default;
     CMuxInterStream(const CMuxInterStream&) = delete;
     CMuxInterStream& operator=(const CMuxInterStream&) = delete;
@@ -39,60 +41,95 @@ class CMuxInterStream {
     [[nodiscard]] MuxStreamKind Kind() const { return m_kind; }
     [[nodiscard]] UINT32 ByteLimit() const { return m_byteLimit; }
     [[nodiscard]] bool IsActive() const { return m_active; }
-    [[nodiscard]] bool IsWritable() const { return m_writable.IsSet(); }
 
-    // ---- Under the interleaver's lock from here on, which whatever touches the packets asserts ----
+    // Where its packets and their payloads come from and go back to, on any thread.
+    [[nodiscard]] CPacketPool& Packets() { return m_packetPool; }
+    [[nodiscard]] CPayloadPool& Payloads() { return *m_payloadPool; }
+
+    // ---- The queue as any thread sees it; it may change at once ----
+
+    [[nodiscard]] size_t QueuedPackets() const { return m_queue.Count(); }
+    [[nodiscard]] bool IsEmpty() const { return m_queue.Count() == 0; }
+    // What was taken is read first, so that it is never more than what was added.
+    [[nodiscard]] UINT64 QueuedBytes() const {
+        const UINT64 taken = m_takenBytes.load(std::memory_order_seq_cst);
+        return m_addedBytes.load(std::memory_order_acquire) - taken;
+    }
+    [[nodiscard]] bool IsWritable() const { return QueuedBytes() < m_byteLimit; }
+    [[nodiscard]] bool SawEndOfStream() const { return m_endOfStreamSeen.load(std::memory_order_acquire); }
+    // Of the newest packet; there is one.
+    [[nodiscard]] INT64 NewestStart() const { return m_newestStart.load(std::memory_order_acquire); }
+
+    // A stream that was suspended is so until its next packet; the two say so before the worker has taken that one.
+    [[nodiscard]] bool IsInterleaved() const {
+        return m_interleaved.load(std::memory_order_relaxed) ||
+               (m_suspended.load(std::memory_order_relaxed) && !IsEmpty());
+    }
+    [[nodiscard]] bool IsSuspended() const { return m_suspended.load(std::memory_order_relaxed) && IsEmpty(); }
+    // No packet may be chosen before this stream has one. An end of stream is one, and stays.
+    [[nodiscard]] bool MustBeWaitedFor() const { return m_interleaved.load(std::memory_order_relaxed) && IsEmpty(); }
+
+    // ---- The producer's ----
 
     void Append(std::unique_ptr<CMuxInterPacket> packet);
+    // As IsWritable, but as a rule without a look at what the worker writes.
+    [[nodiscard]] bool HasRoom();
+
+    // ---- The worker's ----
+
     // None when the queue is empty or has come to its end: an end-of-stream packet is never handed out.
     [[nodiscard]] std::unique_ptr<CMuxInterPacket> TakeFront();
-
-    [[nodiscard]] size_t QueuedPackets() const { return m_packets.size(); }
-    [[nodiscard]] UINT64 QueuedBytes() const { return m_queuedBytes; }
-    [[nodiscard]] bool IsEmpty() const { return m_packets.empty(); }
+    [[nodiscard]] bool HasFront() { return m_queue.Front() != nullptr; }
     // All that the stream will ever give has been taken.
-    [[nodiscard]] bool HasEnded() const { return !IsEmpty() && m_packets.front()->endOfStream; }
-    [[nodiscard]] bool SawEndOfStream() const { return m_endOfStreamSeen; }
-    // No packet may be chosen before this stream has one.
-    [[nodiscard]] bool MustBeWaitedFor() const { return m_interleaved && IsEmpty() && !m_endOfStreamSeen; }
-    [[nodiscard]] INT64 OldestStart() const {
-        AssertLocked();
-        return m_packets.front()->start;
+    [[nodiscard]] bool HasEnded() {
+        const CMuxInterPacket* const front = m_queue.Front();
+        return front != nullptr && front->endOfStream;
     }
-    [[nodiscard]] INT64 NewestStart() const {
-        AssertLocked();
-        return m_packets.back()->start;
-    }
-
-    [[nodiscard]] bool IsInterleaved() const { return m_interleaved; }
-    [[nodiscard]] bool IsSuspended() const { return m_suspended; }
-    // A stall breaker stops the waiting for this stream; its next packet brings it back.
+    // Of the front; there is one.
+    [[nodiscard]] INT64 OldestStart() { return m_queue.Front()->start; }
+    // A stall breaker stops the waiting for this stream, which has nothing queued; its next packet brings it back.
     void Suspend();
     // Waits for the stream again although nothing was queued; it stays marked as suspended.
-    void WaitAgain() { m_interleaved = true; }
+    void WaitAgain() { m_interleaved.store(true, std::memory_order_relaxed); }
 
-    // Where the stream's producers sleep until it is writable.
+    // ---- For the interleaver, which changes all of it under its lock ----
+
+    // The worker sleeps until this stream has a packet. Whoever sets it looks for one once more before it sleeps, and
+    // whoever appends looks at it afterwards; both in one order that all threads see.
+    [[nodiscard]] bool IsAwaited() const { return m_awaited.load(std::memory_order_seq_cst); }
+    void SetAwaited(bool awaited) { m_awaited.store(awaited, std::memory_order_seq_cst); }
+    // The same for producers that sleep until there is room.
+    [[nodiscard]] bool IsRoomAwaited() const { return m_roomAwaited.load(std::memory_order_seq_cst); }
+    void SetRoomAwaited(bool awaited) { m_roomAwaited.store(awaited, std::memory_order_seq_cst); }
+    // Low enough that waking the producers is worth it: they find room for more than one packet.
+    [[nodiscard]] bool HasMuchRoom() const { return QueuedBytes() <= m_byteLimit / 2; }
+    // Where they sleep.
     win::ConditionVariable& Producers() { return m_producers; }
 
   private:
-    void AssertLocked() const {
-        if (m_lock != nullptr) {
-            m_lock->AssertHeld();
-        }
-    }
-
     const UINT32 m_index;
-    const win::CriticalSection* const m_lock; // not owned
-    CBaseMuxInputPin* m_pin = nullptr;        // not owned
+    CBaseMuxInputPin* m_pin = nullptr; // not owned
     MuxStreamKind m_kind = MuxStreamKind::Other;
     UINT32 m_byteLimit = ByteLimitOf(MuxStreamKind::Other);
     bool m_active = false;
-    bool m_interleaved = true;
-    bool m_suspended = false;
-    bool m_endOfStreamSeen = false;
-    std::deque<std::unique_ptr<CMuxInterPacket>> m_packets;
-    UINT64 m_queuedBytes = 0;
-    CManualResetEvent m_writable{true}; // set while m_queuedBytes is below m_byteLimit
-    win::ConditionVariable m_producers;
     std::atomic<HRESULT> m_result{S_OK};
+    std::atomic<bool> m_awaited{false};
+    std::atomic<bool> m_roomAwaited{false};
+    win::ConditionVariable m_producers;
+
+    [[maybe_unused]] CacheLineGap m_gap{};
+    std::atomic<UINT64> m_addedBytes{0}; // written by the producer from here on
+    std::atomic<UINT64> m_takenBytesSeen{0};
+    std::atomic<INT64> m_newestStart{0};
+    std::atomic<bool> m_endOfStreamSeen{false};
+
+    [[maybe_unused]] CacheLineGap m_otherGap{};
+    std::atomic<UINT64> m_takenBytes{0}; // written by the worker from here on
+    std::atomic<bool> m_interleaved{true};
+    std::atomic<bool> m_suspended{false}; // as the worker knows; see IsSuspended
+
+    [[maybe_unused]] CacheLineGap m_lastGap{};
+    CPacketPool m_packetPool;
+    const CPayloadPool::Handle m_payloadPool = CPayloadPool::Make();
+    CPacketQueue m_queue; // the last, so that what is queued goes before the pools
 };

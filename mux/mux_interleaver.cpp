@@ -3,14 +3,21 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace {
+
+// How long a producer that waits without limit sleeps at a time.
+constexpr DWORD kRoomSleepMs = 20;
+
+} // namespace
+
 CMuxInterStream* CMuxInterleaver::AddStream() {
-    const win::LockGuard lock(m_lock);
-    m_streams.push_back(std::make_unique<CMuxInterStream>(static_cast<UINT32>(m_streams.size()), &m_lock));
+    m_streams.push_back(std::make_unique<CMuxInterStream>(static_cast<UINT32>(m_streams.size())));
+    m_order.Add(*m_streams.back());
     return m_streams.back().get();
 }
 
 void CMuxInterleaver::ClearStreams() {
-    const win::LockGuard lock(m_lock);
+    m_order.Clear();
     m_streams.clear();
 }
 
@@ -35,11 +42,14 @@ void CMuxInterleaver::ResetStop() {
     m_stopEvent.Reset();
 }
 
+// ---- Producers --------------------------------------------------------------------------------------------------
+
 CMuxInterleaver::RoomWait CMuxInterleaver::WaitForRoom(CMuxInterStream& stream, DWORD timeoutMs) {
-    if (stream.IsWritable()) {
+    if (stream.HasRoom()) {
         return RoomWait::Writable;
     }
     const win::LockGuard lock(m_lock);
+    stream.SetRoomAwaited(true);
     if (!stream.IsWritable() && !m_stopEvent.IsSet()) {
         stream.Producers().Sleep(m_lock, timeoutMs);
     }
@@ -55,50 +65,131 @@ int CMuxInterleaver::NewPacket(INT32 streamIndex, std::unique_ptr<CMuxInterPacke
     if (stream == nullptr) {
         return kMuxFailed;
     }
-    while (WaitForRoom(*stream, INFINITE) == RoomWait::TimedOut) {
-        // Woken for nothing.
+    // Room alone does not always wake it (WakeProducers).
+    while (WaitForRoom(*stream, kRoomSleepMs) == RoomWait::TimedOut) {
     }
     if (m_stopEvent.IsSet()) {
         return kMuxFailed;
     }
-    packet = std::make_unique<CMuxInterPacket>(streamIndex);
+    packet = stream->Packets().Take(streamIndex);
     return kMuxOk;
 }
 
 int CMuxInterleaver::AddPacket(std::unique_ptr<CMuxInterPacket> packet) {
-    const win::LockGuard lock(m_lock);
     CMuxInterStream* const stream = packet == nullptr ? nullptr : StreamAt(packet->streamIndex);
     if (stream == nullptr) {
         return kMuxFailed;
     }
+    if (!m_dataEvent.IsSet()) {
+        m_dataEvent.Set();
+    }
     stream->Append(std::move(packet));
-    m_dataEvent.Set();
-    // The producer looks in the worker's place, which is woken only when it will find something.
-    CMuxInterStream* chosen = nullptr;
-    if (m_worker.HasSleepers() && Choose(chosen) != kMuxFailed) {
-        m_worker.WakeAll();
+    if (stream->IsAwaited()) {
+        WakeWorker(*stream);
     }
     return kMuxOk;
 }
 
+// While a stream is awaited and the lock is held, the worker sleeps.
+void CMuxInterleaver::WakeWorker(CMuxInterStream& stream) {
+    const win::LockGuard lock(m_lock);
+    if (!stream.IsAwaited()) {
+        return; // somebody else was here
+    }
+    stream.SetAwaited(false);
+    if (!AwaitAnother()) {
+        m_worker.WakeAll();
+    }
+}
+
+// The producer looks in the worker's place, which is woken only when it will find something. False when no stream is
+// empty that must be waited for.
+bool CMuxInterleaver::AwaitAnother() {
+    for (const auto& stream : m_streams) {
+        if (!stream->IsActive() || !stream->MustBeWaitedFor()) {
+            continue;
+        }
+        stream->SetAwaited(true);
+        if (stream->IsEmpty()) {
+            return true;
+        }
+        stream->SetAwaited(false);
+    }
+    return false;
+}
+
+// ---- The worker -------------------------------------------------------------------------------------------------
+
 int CMuxInterleaver::GetNextPacket(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs) {
     packet.reset();
+    int result = TakeNow(packet);
+    if (result == kMuxFailed) {
+        result = SleepAndTake(packet, timeoutMs);
+    }
+    if (result == kMuxOk) {
+        OfferRoom(*m_streams[static_cast<size_t>(packet->streamIndex)]);
+    }
+    return result;
+}
+
+int CMuxInterleaver::TakeNow(std::unique_ptr<CMuxInterPacket>& packet) {
+    if (m_stopEvent.IsSet()) {
+        return kMuxStopping;
+    }
+    const int result = m_dataEvent.IsSet() ? m_order.Choose() : kMuxFailed;
+    if (result == kMuxOk) {
+        packet = m_order.TakeChosen();
+    }
+    return result;
+}
+
+// A producer is woken when it is worth it, and otherwise before this thread sleeps; it looks itself now and then.
+void CMuxInterleaver::OfferRoom(CMuxInterStream& stream) {
+    if (stream.IsRoomAwaited() && stream.HasMuchRoom()) {
+        const win::LockGuard lock(m_lock);
+        WakeProducers(stream);
+    }
+}
+
+// Writes only what changes: the flags lie beside what producers read for every packet.
+template <typename IsWanted>
+void CMuxInterleaver::Await(IsWanted isWanted) {
+    for (const auto& stream : m_streams) {
+        if (const bool wanted = isWanted(*stream); stream->IsAwaited() != wanted) {
+            stream->SetAwaited(wanted);
+        }
+    }
+}
+
+int CMuxInterleaver::SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs) {
     const win::LockGuard lock(m_lock);
     const UINT64 deadline = m_clock.Now() + timeoutMs;
-    bool mustSleep = !m_dataEvent.IsSet();
     for (;;) {
-        const bool timedOut = mustSleep && !m_stopEvent.IsSet() && !SleepUntil(deadline);
-        if (m_stopEvent.IsSet()) {
-            return kMuxStopping;
-        }
-        if (timedOut || m_clock.Now() > deadline) {
-            return kMuxFailed;
-        }
-        const int result = m_dataEvent.IsSet() ? TakeEarliest(packet) : kMuxFailed;
+        const int result = TakeOrAwait(packet);
+        const bool inTime = result != kMuxFailed || SleepUntil(deadline);
+        Await([](const CMuxInterStream&) { return false; });
         if (result != kMuxFailed) {
             return result;
         }
-        mustSleep = true;
+        if (m_stopEvent.IsSet()) {
+            return kMuxStopping;
+        }
+        if (!inTime || m_clock.Now() > deadline) {
+            return kMuxFailed;
+        }
+    }
+}
+
+// Fails only when what is missing had been announced before it was looked for; nothing that is known announces all.
+int CMuxInterleaver::TakeOrAwait(std::unique_ptr<CMuxInterPacket>& packet) {
+    CMuxInterStream* awaited = m_order.Missing();
+    for (;;) {
+        Await([awaited](const CMuxInterStream& stream) { return awaited == nullptr || &stream == awaited; });
+        const int result = TakeNow(packet);
+        if (result != kMuxFailed || m_order.Missing() == awaited || awaited == nullptr) {
+            return result;
+        }
+        awaited = m_order.Missing();
     }
 }
 
@@ -108,51 +199,28 @@ bool CMuxInterleaver::SleepUntil(UINT64 deadline) {
     if (now >= deadline) {
         return false;
     }
+    for (const auto& stream : m_streams) {
+        if (stream->IsRoomAwaited() && stream->IsWritable()) {
+            WakeProducers(*stream);
+        }
+    }
     return m_worker.Sleep(m_lock, static_cast<DWORD>(deadline - now));
 }
 
-// kMuxOk and the stream whose front is next, kMuxAllEnded, or kMuxFailed while nothing may be chosen.
-int CMuxInterleaver::Choose(CMuxInterStream*& chosen) const {
-    chosen = nullptr;
-    bool mayChoose = true;
-    bool allEnded = true;
-    for (const auto& stream : m_streams) {
-        if (!stream->IsActive() || stream->HasEnded()) {
-            continue;
-        }
-        allEnded = false;
-        if (stream->MustBeWaitedFor()) {
-            mayChoose = false;
-        }
-        // Strictly earlier only, so that the lower index wins a tie.
-        if (!stream->IsEmpty() && (chosen == nullptr || stream->OldestStart() < chosen->OldestStart())) {
-            chosen = stream.get();
-        }
-    }
-    if (allEnded) {
-        return kMuxAllEnded;
-    }
-    return chosen != nullptr && mayChoose ? kMuxOk : kMuxFailed;
+void CMuxInterleaver::WakeProducers(CMuxInterStream& stream) {
+    stream.SetRoomAwaited(false);
+    stream.Producers().WakeAll();
 }
 
-int CMuxInterleaver::TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet) {
-    CMuxInterStream* chosen = nullptr;
-    const int result = Choose(chosen);
-    if (result == kMuxOk) {
-        packet = chosen->TakeFront();
-    }
-    return result;
-}
+// ---- The stall breakers -----------------------------------------------------------------------------------------
 
 bool CMuxInterleaver::IsVideoOrAudioQueueFull() const {
-    const win::LockGuard lock(m_lock);
     return std::any_of(m_streams.begin(), m_streams.end(), [](const auto& stream) {
         return stream->Kind() < MuxStreamKind::Subtitle && !stream->IsWritable();
     });
 }
 
 void CMuxInterleaver::SuspendEmptyStreams() {
-    const win::LockGuard lock(m_lock);
     for (const auto& stream : m_streams) {
         if (stream->IsInterleaved() && stream->IsEmpty()) {
             stream->Suspend();
@@ -161,7 +229,6 @@ void CMuxInterleaver::SuspendEmptyStreams() {
 }
 
 void CMuxInterleaver::ResumeSubtitles() {
-    const win::LockGuard lock(m_lock);
     for (const auto& stream : m_streams) {
         if (stream->Kind() == MuxStreamKind::Subtitle && stream->IsSuspended()) {
             stream->WaitAgain();
@@ -170,7 +237,6 @@ void CMuxInterleaver::ResumeSubtitles() {
 }
 
 UINT32 CMuxInterleaver::QueuedPacketCount() const {
-    const win::LockGuard lock(m_lock);
     UINT32 count = 0;
     for (const auto& stream : m_streams) {
         count += static_cast<UINT32>(stream->QueuedPackets());
@@ -179,7 +245,6 @@ UINT32 CMuxInterleaver::QueuedPacketCount() const {
 }
 
 INT64 CMuxInterleaver::NewestStart() const {
-    const win::LockGuard lock(m_lock);
     INT64 newest = INT64_MIN;
     bool any = false;
     for (const auto& stream : m_streams) {

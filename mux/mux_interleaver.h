@@ -1,14 +1,16 @@
 // CMuxInterleaver: merges the packets of all streams into one sequence ordered by start time.
 //
 // Units: milliseconds. Owner: the filter; it owns the streams, and the packets from AddPacket to GetNextPacket.
-// Threads: producers add, one worker takes; AddStream and ClearStreams only while neither runs.
-// Waiting: all flags change under the one lock, and whoever sleeps looks at them under it first, so no wake-up is lost.
-// The events' flags can also be read without it, so that nobody locks or calls the kernel for what already holds.
+// Threads: producers add, one a stream at a time; one worker takes, and alone calls what the stall breakers need;
+// AddStream and ClearStreams only while neither runs.
+// Waiting: packets flow without a lock. Who must sleep takes the lock, announces it (CMuxInterStream), looks once more
+// and sleeps; who changes what it sleeps for looks at the announcement afterwards, and takes the lock only to wake it.
 #pragma once
 
 #include <memory>
 #include <vector>
 
+#include "mux/front_order.h"
 #include "mux/manual_reset_event.h"
 #include "mux/mux_inter_packet.h"
 #include "mux/mux_inter_stream.h"
@@ -29,10 +31,9 @@ class CMuxInterleaver {
     // Owned by the interleaver until ClearStreams.
     CMuxInterStream* AddStream();
     void ClearStreams();
-    // Null outside the range. Neither takes the lock, on purpose: whoever adds, takes or waits finds a stream without
-    // contention, and the list stays as it is while any of them runs.
-    [[nodiscard]] CMuxInterStream* StreamAt(INT32 index) const QRX_NO_ANALYSIS;
-    [[nodiscard]] size_t StreamCount() const QRX_NO_ANALYSIS { return m_streams.size(); }
+    // Null outside the range.
+    [[nodiscard]] CMuxInterStream* StreamAt(INT32 index) const;
+    [[nodiscard]] size_t StreamCount() const { return m_streams.size(); }
 
     // Ends every wait until it is reset.
     void SetStop();
@@ -60,16 +61,24 @@ class CMuxInterleaver {
     [[nodiscard]] INT64 NewestStart() const;
 
   private:
-    int Choose(CMuxInterStream*& chosen) const QRX_REQUIRES(m_lock);
-    int TakeEarliest(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
+    int TakeNow(std::unique_ptr<CMuxInterPacket>& packet);
+    void OfferRoom(CMuxInterStream& stream) QRX_EXCLUDES(m_lock);
+    int SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs);
+    int TakeOrAwait(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
     bool SleepUntil(UINT64 deadline) QRX_REQUIRES(m_lock);
+    template <typename IsWanted>
+    void Await(IsWanted isWanted) QRX_REQUIRES(m_lock);
+    bool AwaitAnother() QRX_REQUIRES(m_lock);
+    void WakeWorker(CMuxInterStream& stream) QRX_EXCLUDES(m_lock);
+    void WakeProducers(CMuxInterStream& stream) QRX_REQUIRES(m_lock);
 
-    // Also guards the streams' queues and flags; the queues assert it.
-    mutable win::CriticalSection m_lock;
-    // The list itself changes only while no producer and no worker runs.
-    std::vector<std::unique_ptr<CMuxInterStream>> m_streams QRX_GUARDED_BY(m_lock);
+    // Changes only while no producer and no worker runs.
+    std::vector<std::unique_ptr<CMuxInterStream>> m_streams;
     CManualResetEvent m_stopEvent{false}; // changes under the lock, is read by anybody
-    CManualResetEvent m_dataEvent{false}; // the same; set by the first packet ever queued, never reset
+    CManualResetEvent m_dataEvent{false}; // set with the first packet ever added, never reset
+    CFrontOrder m_order;                  // the worker's
+    CTickClock m_clock;                   // the worker's
+    // For sleeping and waking alone: also guards what the streams announce.
+    win::CriticalSection m_lock;
     win::ConditionVariable m_worker QRX_GUARDED_BY(m_lock); // where GetNextPacket sleeps
-    CTickClock m_clock QRX_GUARDED_BY(m_lock);
 };

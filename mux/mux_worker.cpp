@@ -1,5 +1,7 @@
 #include "mux/mux_worker.h"
 
+#include <utility>
+
 #include "dshow/com_guard.h"
 #include "mux/stall_breaker.h"
 #include "mux/worker_request.h"
@@ -67,19 +69,20 @@ void CMuxWorker::RunMuxLoop() {
             continue;
         }
         stallBreaker.OnPacketTaken(*packet);
-        DeliverPacket(*packet);
+        DeliverPacket(std::move(packet));
     }
 }
 
 // What a concrete muxer throws ends its stream: the upstream filter is told by its next sample.
-void CMuxWorker::DeliverPacket(CMuxInterPacket& packet) {
-    CMuxInterStream* const stream = m_workerInterleaver.StreamAt(packet.streamIndex);
+void CMuxWorker::DeliverPacket(std::unique_ptr<CMuxInterPacket> packet) {
+    CMuxInterStream* const stream = m_workerInterleaver.StreamAt(packet->streamIndex);
     const HRESULT thrown = ComGuard([&] {
         m_workerThread.AssertHere();
-        OnPacket(packet, stream->Pin());
+        OnPacket(*packet, stream->Pin());
         return S_OK;
     });
     if (FAILED(thrown)) {
         stream->SetStreamResult(thrown);
     }
+    stream->Packets().GiveBack(std::move(packet));
 }

@@ -6,6 +6,8 @@
 // Errors: what a hook throws ends its stream or the loop, never the thread.
 #pragma once
 
+#include <memory>
+
 #include "dshow/am_thread.h"
 #include "mux/mux_interleaver.h"
 #include "win/thread_checker.h"
@@ -22,8 +24,8 @@ class CMuxWorker : protected CAMThread {
     // Returns when the thread has ended.
     void StopWorker();
 
-    // One packet that was taken, and the pin that it came from. It is deleted afterwards. What this throws becomes the
-    // stream's result.
+    // One packet that was taken, and the pin that it came from. It goes back to its stream afterwards. What this throws
+    // becomes the stream's result.
     virtual void OnPacket(CMuxInterPacket& packet, CBaseMuxInputPin* pin) QRX_REQUIRES(m_workerThread) = 0;
     // Once a run: every stream has given all that it will ever give.
     virtual void OnAllEnded() QRX_REQUIRES(m_workerThread) = 0;
@@ -35,7 +37,7 @@ class CMuxWorker : protected CAMThread {
 
   private:
     void RunMuxLoop() QRX_REQUIRES(m_workerThread);
-    void DeliverPacket(CMuxInterPacket& packet) QRX_REQUIRES(m_workerThread);
+    void DeliverPacket(std::unique_ptr<CMuxInterPacket> packet) QRX_REQUIRES(m_workerThread);
 
     CMuxInterleaver& m_workerInterleaver; // not owned
     CCritSec& m_bannedLock;               // not owned; the filter lock

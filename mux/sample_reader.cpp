@@ -13,22 +13,22 @@ void ReadTime(IMediaSample& sample, CMuxInterPacket& packet) {
     packet.stop = hr == S_OK ? stop : packet.start;
 }
 
-void ReadData(IMediaSample& sample, CMuxInterPacket& packet) {
+void ReadData(IMediaSample& sample, CPayloadPool& payloads, CMuxInterPacket& packet) {
     const LONG length = sample.GetActualDataLength();
     BYTE* bytes = nullptr;
     if (length <= 0 || FAILED(sample.GetPointer(&bytes)) || bytes == nullptr) {
         return;
     }
     const auto size = static_cast<UINT32>(length);
-    packet.data = std::make_unique_for_overwrite<BYTE[]>(size);
+    packet.data = payloads.Take(size);
     std::memcpy(packet.data.get(), bytes, size);
     packet.size = size;
 }
 
 } // namespace
 
-void ReadSample(IMediaSample& sample, CMuxInterPacket& packet) {
+void ReadSample(IMediaSample& sample, CPayloadPool& payloads, CMuxInterPacket& packet) {
     ReadTime(sample, packet);
-    ReadData(sample, packet);
+    ReadData(sample, payloads, packet);
     packet.syncPoint = sample.IsSyncPoint() == S_OK;
 }

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "mux/mux_inter_packet.h"
+#include "mux/payload_pool.h"
 #include "win/platform.h"
 
-// Fills times, data and flags; the packet shares nothing with the sample afterwards. A sample whose bytes cannot be
-// reached gives a packet without data. Throws std::bad_alloc.
-void ReadSample(IMediaSample& sample, CMuxInterPacket& packet);
+// Fills times, data (from that pool) and flags; the packet shares nothing with the sample afterwards. A sample whose
+// bytes cannot be reached gives a packet without data. Throws std::bad_alloc.
+void ReadSample(IMediaSample& sample, CPayloadPool& payloads, CMuxInterPacket& packet);

@@ -50,6 +50,6 @@ class CStreamGate {
     std::atomic<bool> m_closing{false};              // somebody sleeps until the last one has left
     win::CriticalSection m_lock;
     win::ConditionVariable m_left QRX_GUARDED_BY(m_lock);
-    // Written twice a sample, apart from what the worker reads.
-    alignas(kCacheLineBytes) std::atomic<int> m_inside{0};
+    [[maybe_unused]] CacheLineGap m_gap{}; // between what the worker reads and what is written twice a sample
+    std::atomic<int> m_inside{0};
 };

@@ -1,0 +1,37 @@
+#include "mux/packet_pool.h"
+
+CPacketPool::~CPacketPool() {
+    Delete(m_free);
+    Delete(m_returned.Close());
+}
+
+std::unique_ptr<CMuxInterPacket> CPacketPool::Take(INT32 streamIndex) {
+    const COneAtATime::Entry entry(m_taker);
+    if (entry.IsInside()) {
+        if (m_free == nullptr) {
+            m_free = m_returned.TakeAll();
+        }
+        if (m_free != nullptr) {
+            std::unique_ptr<CMuxInterPacket> packet(m_free);
+            m_free = packet->next;
+            packet->next = nullptr;
+            packet->streamIndex = streamIndex;
+            return packet;
+        }
+    }
+    return std::make_unique<CMuxInterPacket>(streamIndex);
+}
+
+void CPacketPool::GiveBack(std::unique_ptr<CMuxInterPacket> packet) noexcept {
+    packet->Empty();
+    if (m_returned.Push(*packet)) {
+        (void)packet.release(); // the stack's from here
+    }
+}
+
+void CPacketPool::Delete(CMuxInterPacket* list) {
+    while (list != nullptr) {
+        const std::unique_ptr<CMuxInterPacket> packet(list);
+        list = packet->next;
+    }
+}
