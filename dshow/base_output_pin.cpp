@@ -43,22 +43,15 @@ HRESULT CBaseOutputPin::CompleteConnect(IPin* /*pReceivePin*/) {
 
 HRESULT CBaseOutputPin::DecideAllocator(IMemInputPin* pPin, IMemAllocator** ppAlloc) {
     *ppAlloc = nullptr;
-    ALLOCATOR_PROPERTIES request{};
-    if (FAILED(pPin->GetAllocatorRequirements(&request))) {
-        request = {}; // most peers have no wishes
-    }
-    if (request.cbAlign == 0) {
-        request.cbAlign = 1;
-    }
     win::ComPtr<IMemAllocator> allocator;
     if (SUCCEEDED(pPin->GetAllocator(allocator.Put())) && allocator &&
-        SUCCEEDED(OfferAllocator(pPin, allocator.Get(), request))) {
+        SUCCEEDED(OfferAllocator(pPin, allocator.Get()))) {
         *ppAlloc = allocator.Detach();
         return S_OK;
     }
     HRESULT hr = InitAllocator(allocator.Put());
     if (SUCCEEDED(hr)) {
-        hr = OfferAllocator(pPin, allocator.Get(), request);
+        hr = OfferAllocator(pPin, allocator.Get());
     }
     if (SUCCEEDED(hr)) {
         *ppAlloc = allocator.Detach();
@@ -66,7 +59,14 @@ HRESULT CBaseOutputPin::DecideAllocator(IMemInputPin* pPin, IMemAllocator** ppAl
     return hr;
 }
 
-HRESULT CBaseOutputPin::OfferAllocator(IMemInputPin* pPin, IMemAllocator* pAlloc, ALLOCATOR_PROPERTIES request) {
+HRESULT CBaseOutputPin::OfferAllocator(IMemInputPin* pPin, IMemAllocator* pAlloc) {
+    ALLOCATOR_PROPERTIES request{};
+    if (FAILED(pPin->GetAllocatorRequirements(&request))) {
+        request = {}; // most peers have no wishes
+    }
+    if (request.cbAlign == 0) {
+        request.cbAlign = 1;
+    }
     const HRESULT hr = DecideBufferSize(pAlloc, &request);
     return FAILED(hr) ? hr : pPin->NotifyAllocator(pAlloc, FALSE);
 }

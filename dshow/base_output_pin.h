@@ -38,9 +38,9 @@ class CBaseOutputPin : public CBasePin {
     virtual HRESULT DeliverNewSegment(REFERENCE_TIME tStart, REFERENCE_TIME tStop, double dRate);
 
   protected:
+    // Sets it up as the peer wishes, and has the peer agree.
+    HRESULT OfferAllocator(IMemInputPin* pPin, IMemAllocator* pAlloc);
+
     win::ComPtr<IMemAllocator> m_pAllocator;
     win::ComPtr<IMemInputPin> m_pInputPin;
-
-  private:
-    HRESULT OfferAllocator(IMemInputPin* pPin, IMemAllocator* pAlloc, ALLOCATOR_PROPERTIES request);
 };

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "dshow/memory_allocator.h"
+
 namespace source {
 
 namespace {
@@ -32,6 +34,14 @@ size_t BytesOf(LONG size) {
     return static_cast<size_t>(std::max(size, LONG{0}));
 }
 
+// Whether it is of the class that pins offer which have no allocator of their own and care for none. That class has no
+// other name than the functions of its objects.
+bool IsTheSystems(IMemAllocator& allocator) {
+    win::ComPtr<IMemAllocator> one;
+    const auto functionsOf = [](IMemAllocator& of) { return *reinterpret_cast<void**>(&of); };
+    return SUCCEEDED(CreateMemoryAllocator(one.Put())) && functionsOf(allocator) == functionsOf(*one.Get());
+}
+
 } // namespace
 
 CSourcePin::CSourcePin(CBaseFilter* filter, CCritSec* lock, HRESULT* phr, const StreamDescription& stream)
@@ -51,6 +61,25 @@ HRESULT CSourcePin::GetMediaType(int position, CMediaType* type) {
     }
     const auto index = static_cast<size_t>(position);
     return index < m_types.size() ? type->Set(m_types[index]) : VFW_S_NO_MORE_ITEMS;
+}
+
+HRESULT CSourcePin::DecideAllocator(IMemInputPin* peer, IMemAllocator** allocator) {
+    m_ownAllocator.Reset();
+    win::ComPtr<IMemAllocator> offered;
+    const bool hasOffer = SUCCEEDED(peer->GetAllocator(offered.Put())) && offered && !IsTheSystems(*offered.Get());
+    win::ComPtr<IMemAllocator> own;
+    if (!hasOffer && SUCCEEDED(InitAllocator(own.Put())) && SUCCEEDED(OfferAllocator(peer, own.Get()))) {
+        *allocator = own.Detach();
+        return S_OK;
+    }
+    return CBaseOutputPin::DecideAllocator(peer, allocator);
+}
+
+HRESULT CSourcePin::InitAllocator(IMemAllocator** allocator) {
+    m_ownAllocator = win::ComPtr<PacketAllocator>(new PacketAllocator);
+    m_ownAllocator->AddRef(); // the caller's
+    *allocator = m_ownAllocator.Get();
+    return S_OK;
 }
 
 HRESULT CSourcePin::DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) {
@@ -84,20 +113,17 @@ void CSourcePin::Begin() {
     }
 }
 
-HRESULT CSourcePin::DeliverPacket(const Packet& packet) {
+HRESULT CSourcePin::DeliverPacket(Packet& packet) {
     const HRESULT hr = m_takesSamples ? Send(packet) : S_FALSE;
     m_takesSamples = hr != S_FALSE;
     return hr;
 }
 
-HRESULT CSourcePin::Send(const Packet& packet) {
+HRESULT CSourcePin::Send(Packet& packet) {
     HRESULT hr = MakeRoom(packet.data.size());
     win::ComPtr<IMediaSample> sample;
     if (SUCCEEDED(hr)) {
-        hr = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
-    }
-    if (SUCCEEDED(hr)) {
-        hr = Fill(*sample.Get(), packet);
+        hr = MakeSample(packet, sample);
     }
     if (hr == VFW_E_NOT_COMMITTED) { // the peer has stopped
         return S_FALSE;
@@ -139,20 +165,43 @@ HRESULT CSourcePin::TryToGrow(size_t bytes) {
     return FAILED(hr) ? hr : committed;
 }
 
+HRESULT CSourcePin::MakeSample(Packet& packet, win::ComPtr<IMediaSample>& sample) {
+    const auto bytes = static_cast<LONG>(packet.data.size());
+    if (m_ownAllocator && m_pAllocator.Get() == m_ownAllocator.Get()) {
+        PacketSample* own = nullptr;
+        const HRESULT hr = m_ownAllocator->GetSample(&own);
+        if (FAILED(hr)) {
+            return hr;
+        }
+        sample.Attach(own);
+        own->Exchange(packet.data);
+    } else {
+        HRESULT hr = GetDeliveryBuffer(sample.Put(), nullptr, nullptr, 0);
+        if (FAILED(hr) || FAILED(hr = Copy(packet, *sample.Get()))) {
+            return hr;
+        }
+    }
+    return Describe(packet, bytes, *sample.Get());
+}
+
 // What the sample itself says of its size is believed over all that was agreed on.
-HRESULT CSourcePin::Fill(IMediaSample& sample, const Packet& packet) {
+HRESULT CSourcePin::Copy(const Packet& packet, IMediaSample& sample) {
     BYTE* data = nullptr;
-    HRESULT hr = sample.GetPointer(&data);
-    if (FAILED(hr)) {
+    if (const HRESULT hr = sample.GetPointer(&data); FAILED(hr)) {
         return hr;
     }
     if (data == nullptr || BytesOf(sample.GetSize()) < packet.data.size()) {
         return VFW_E_BUFFER_OVERFLOW;
     }
     std::copy(packet.data.begin(), packet.data.end(), data);
+    return S_OK;
+}
+
+HRESULT CSourcePin::Describe(const Packet& packet, LONG bytes, IMediaSample& sample) {
     REFERENCE_TIME start = packet.start;
     REFERENCE_TIME stop = packet.stop;
-    if (FAILED(hr = sample.SetActualDataLength(static_cast<LONG>(packet.data.size()))) ||
+    HRESULT hr = S_OK;
+    if (FAILED(hr = sample.SetActualDataLength(bytes)) ||
         FAILED(hr = sample.SetTime(&start, packet.hasStop ? &stop : nullptr))) {
         return hr;
     }

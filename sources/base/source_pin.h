@@ -8,6 +8,7 @@
 #include <atomic>
 
 #include "dshow/base_output_pin.h"
+#include "sources/base/packet_allocator.h"
 #include "sources/base/packet_reader.h"
 
 namespace source {
@@ -18,25 +19,31 @@ class CSourcePin final : public CBaseOutputPin {
 
     // Begins a run at the start of the stream.
     void Begin();
-    // S_FALSE when the peer takes no more samples; a failure when this one was lost.
-    [[nodiscard]] HRESULT DeliverPacket(const Packet& packet);
+    // S_FALSE when the peer takes no more samples; a failure when this one was lost. The packet has other bytes then.
+    [[nodiscard]] HRESULT DeliverPacket(Packet& packet);
     void DeliverEnd();
 
     HRESULT CheckMediaType(const CMediaType* type) override;
     HRESULT GetMediaType(int position, CMediaType* type) override;
+    // The peer's own if it has one, else ours, whose samples take a packet's bytes without copying them.
+    HRESULT DecideAllocator(IMemInputPin* peer, IMemAllocator** allocator) override;
+    HRESULT InitAllocator(IMemAllocator** allocator) override;
     HRESULT DecideBufferSize(IMemAllocator* allocator, ALLOCATOR_PROPERTIES* request) override;
     HRESULT Active() override;
     HRESULT Inactive() override;
 
   private:
-    [[nodiscard]] HRESULT Send(const Packet& packet);
+    [[nodiscard]] HRESULT Send(Packet& packet);
+    [[nodiscard]] HRESULT MakeSample(Packet& packet, win::ComPtr<IMediaSample>& sample);
     [[nodiscard]] HRESULT MakeRoom(size_t bytes);
     [[nodiscard]] HRESULT TryToGrow(size_t bytes);
-    [[nodiscard]] static HRESULT Fill(IMediaSample& sample, const Packet& packet);
+    [[nodiscard]] static HRESULT Copy(const Packet& packet, IMediaSample& sample);
+    [[nodiscard]] static HRESULT Describe(const Packet& packet, LONG bytes, IMediaSample& sample);
 
     const std::vector<CMediaType> m_types;
     const size_t m_firstBufferBytes;
-    std::atomic<size_t> m_bufferBytes{0}; // of each buffer of the allocator
+    win::ComPtr<PacketAllocator> m_ownAllocator; // the one agreed on, unless that is the peer's
+    std::atomic<size_t> m_bufferBytes{0};        // of each buffer of the allocator
     bool m_takesSamples = false;
     CCritSec m_growLock; // growing the buffers against stopping
     bool m_active = false;

@@ -33,6 +33,14 @@ STDMETHODIMP CollectingPin::GetAllocator(IMemAllocator** allocator) noexcept {
     return S_OK;
 }
 
+STDMETHODIMP CollectingPin::NotifyAllocator(IMemAllocator* allocator, BOOL isReadOnly) noexcept {
+    if (m_insists && allocator != m_offered.Get()) {
+        return E_FAIL;
+    }
+    m_agreed = win::ComPtr<IMemAllocator>(allocator);
+    return CBaseInputPin::NotifyAllocator(allocator, isReadOnly);
+}
+
 STDMETHODIMP CollectingPin::Receive(IMediaSample* sample) noexcept {
     const std::lock_guard guard(m_mutex);
     if (m_samples.size() >= m_most) {

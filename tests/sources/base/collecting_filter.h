@@ -28,6 +28,11 @@ class CollectingPin final : public CBaseInputPin {
 
     // Offers that allocator instead of the system's.
     void OfferAllocator(IMemAllocator* allocator) { m_offered = win::ComPtr<IMemAllocator>(allocator); }
+    // Refuses every other one.
+    void InsistOnOffer() { m_insists = true; }
+    // The one agreed on.
+    [[nodiscard]] IMemAllocator* Agreed() const { return m_agreed.Get(); }
+    void ForgetAgreed() { m_agreed.Reset(); }
     // Takes so many samples, then refuses with S_FALSE as a stopped peer does.
     void TakeAtMost(size_t samples) { m_most = samples; }
     // Holds a reference on every sample from now on, as a renderer may.
@@ -39,11 +44,14 @@ class CollectingPin final : public CBaseInputPin {
 
     HRESULT CheckMediaType(const CMediaType*) override { return S_OK; }
     STDMETHODIMP GetAllocator(IMemAllocator** allocator) noexcept override;
+    STDMETHODIMP NotifyAllocator(IMemAllocator* allocator, BOOL isReadOnly) noexcept override;
     STDMETHODIMP Receive(IMediaSample* sample) noexcept override;
     STDMETHODIMP EndOfStream() noexcept override;
 
   private:
     win::ComPtr<IMemAllocator> m_offered;
+    win::ComPtr<IMemAllocator> m_agreed;
+    bool m_insists = false;
     size_t m_most = SIZE_MAX;
     bool m_keeps = false;
     mutable std::mutex m_mutex; // guards what follows

@@ -7,7 +7,9 @@
 #include "dshow/am_media_type.h"
 #include "dshow/base_object.h"
 #include "dshow/media_subtypes.h"
+#include "dshow/memory_allocator.h"
 #include "media/format_builder.h"
+#include "sources/base/packet_allocator.h"
 #include "tests/sources/base/collecting_filter.h"
 #include "tests/sources/base/wary_allocator.h"
 #include "tests/support/fake_graph.h"
@@ -85,6 +87,7 @@ class SourceFilter : public testing::Test {
             m_pin->Disconnect();
             m_pin.Reset();
             m_sink->Pin().OfferAllocator(nullptr);
+            m_sink->Pin().ForgetAgreed();
         }
     }
     void Open(std::unique_ptr<PacketReader> reader) {
@@ -220,6 +223,65 @@ TEST_F(SourceFilter, LargePacketsGetFewerBuffersAndTheirProductStaysSmall) {
     EXPECT_EQ(m_opened.damage->load(), HRESULT_FROM_WIN32(ERROR_FILE_CORRUPT));
     EXPECT_LE(allocator.LargestPool(), LONGLONG{1} << 27);
     Close();
+}
+
+bool IsOurs(IMemAllocator* allocator) {
+    return dynamic_cast<PacketAllocator*>(allocator) != nullptr;
+}
+
+TEST_F(SourceFilter, BuffersAreOursWhereThePeerHasOnlyTheSystems) {
+    Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(10, 0)}));
+    EXPECT_TRUE(IsOurs(m_sink->Pin().Agreed()));
+    Close();
+}
+
+TEST_F(SourceFilter, BuffersAreThePeersWhereItHasSomeOfItsOwn) {
+    test_source::WaryAllocator allocator;
+    m_sink->Pin().OfferAllocator(&allocator);
+    Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(10, 0)}));
+    EXPECT_EQ(m_sink->Pin().Agreed(), &allocator);
+    Close();
+}
+
+TEST_F(SourceFilter, BuffersAreTheSystemsWhereThePeerInsistsOnThem) {
+    win::ComPtr<IMemAllocator> systems;
+    ASSERT_EQ(CreateMemoryAllocator(systems.Put()), S_OK);
+    m_sink->Pin().OfferAllocator(systems.Get());
+    m_sink->Pin().InsistOnOffer();
+    Open(std::make_unique<ScriptedReader>(std::vector{PacketOf(10, 0), PacketOf(1'000'000, 50), PacketOf(3, 100)}));
+    EXPECT_EQ(m_sink->Pin().Agreed(), systems.Get());
+    Start();
+    ASSERT_TRUE(m_sink->Pin().WaitForEnd(10s));
+    Stop();
+    const auto samples = m_sink->Pin().Samples();
+    ASSERT_EQ(samples.size(), 3u);
+    EXPECT_EQ(samples[1].data, std::string(1'000'000, static_cast<char>(1'000'000)));
+    EXPECT_EQ(samples[2].data, std::string(3, '\3'));
+    Close();
+}
+
+TEST_F(SourceFilter, APeerThatKeepsSamplesHoldsTheProducerUpUntilItGivesOneBack) {
+    m_sink->Pin().KeepSamples();
+    std::vector<Packet> packets;
+    for (size_t i = 0; i < 6; ++i) {
+        packets.push_back(PacketOf(i + 1, static_cast<REFERENCE_TIME>(i) * 100));
+    }
+    Open(std::make_unique<ScriptedReader>(packets));
+    Start();
+    ASSERT_TRUE(m_sink->Pin().WaitForSamples(4, 10s));
+    EXPECT_FALSE(m_sink->Pin().WaitForSamples(5, 0s)); // all four buffers are out
+    m_sink->Pin().ReleaseSamples();
+    ASSERT_TRUE(m_sink->Pin().WaitForEnd(10s));
+    Stop();
+    const auto samples = m_sink->Pin().Samples();
+    ASSERT_EQ(samples.size(), 6u);
+    for (size_t i = 0; i < samples.size(); ++i) {
+        EXPECT_EQ(samples[i].data, std::string(i + 1, static_cast<char>(i + 1)));
+    }
+    Close();
+    m_opened.filter->JoinFilterGraph(nullptr, nullptr);
+    m_opened = {};
+    m_sink->Pin().ReleaseSamples(); // those that outlived filter and run
 }
 
 TEST_F(SourceFilter, StopsWhileThePeerHoldsTheBuffersThatShallGrow) {
