@@ -7,6 +7,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "codecs/start_code_search.h"
+
 namespace codecs {
 
 namespace {
@@ -68,8 +70,18 @@ std::vector<uint8_t> RawPayload(ByteView unit, size_t headerBytes) {
         return payload;
     }
     payload.reserve(unit.size());
+    const ByteView rest = unit.subspan(headerBytes);
     unsigned zeros = 0;
-    for (const uint8_t byte : unit.subspan(headerBytes)) {
+    for (size_t i = 0; i < rest.size(); ++i) {
+        if (zeros == 0) {
+            const size_t next = FindZeros(rest, i);
+            payload.insert(payload.end(), rest.data() + i, rest.data() + next);
+            i = next;
+            if (i == rest.size()) {
+                break;
+            }
+        }
+        const uint8_t byte = rest[i];
         if (zeros >= 2 && byte == 3) {
             zeros = 0;
             continue;
