@@ -16,8 +16,8 @@ Word WordAt(const uint8_t* bytes) {
     return word;
 }
 
-// Other than zero where one of these bytes and of the one behind it are both zero; seldom elsewhere, as a borrow goes on
-// into the bytes above.
+// Other than zero where one of these bytes and of the one behind it are both zero; seldom elsewhere, as a borrow goes
+// on into the bytes above.
 Word ZerosAt(const uint8_t* bytes) {
     const Word either = WordAt(bytes) | WordAt(bytes + 1);
     return (either - kEachByte) & ~either & (kEachByte << 7);

@@ -5,7 +5,7 @@
 #include "codecs/annexb_converter.h"
 #include "dshow/media_subtypes.h"
 #include "media/format_builder.h"
-#include "sources/annexb/unit_scanner.h"
+#include "sources/base/reused_bytes.h"
 
 namespace annexb {
 
@@ -58,22 +58,46 @@ bool AnnexBReader::ReadNext(source::Packet& packet) {
     return false;
 }
 
-bool AnnexBReader::ReadPicture(const CodedPicture& picture, std::vector<BYTE>& data) const {
-    data.clear();
+// A picture begins with a start code of three bytes; the zero in front makes it one of four.
+bool AnnexBReader::ReadPicture(const CodedPicture& picture, std::vector<BYTE>& data) {
     if (picture.end - picture.start > source::kMaxPacketBytes) {
         return false;
     }
-    UnitScanner scanner(*m_bytes, picture.start, picture.end);
-    while (const std::optional<UnitExtent> unit = scanner.Next()) {
-        data.insert(data.end(), codecs::kStartCode.begin(), codecs::kStartCode.end());
-        const size_t before = data.size();
-        const auto size = static_cast<size_t>(unit->Size());
-        data.resize(before + size);
-        if (m_bytes->ReadAt(unit->start, std::span(data).subspan(before)) != size) {
-            return false;
-        }
+    const auto size = static_cast<size_t>(picture.end - picture.start);
+    source::ResizeUnkept(data, size + 1);
+    data[0] = 0;
+    if (m_bytes->ReadAt(picture.start, std::span(data).subspan(1)) != size) {
+        return false;
+    }
+    if (!picture.isOneUnit) {
+        LengthenStartCodes(data);
     }
     return !data.empty();
+}
+
+// Nothing moves where they are four bytes long already.
+void AnnexBReader::LengthenStartCodes(std::vector<BYTE>& data) {
+    m_units.clear();
+    size_t total = 0;
+    bool isInPlace = true;
+    UnitScanner scanner(data);
+    while (const std::optional<UnitExtent> unit = scanner.Next()) {
+        total += codecs::kStartCode.size();
+        isInPlace = isInPlace && unit->start == total;
+        total += static_cast<size_t>(unit->Size());
+        m_units.push_back(*unit);
+    }
+    if (isInPlace) {
+        data.resize(total);
+        return;
+    }
+    source::ResizeUnkept(m_rewritten, total);
+    auto end = m_rewritten.begin();
+    for (const UnitExtent& unit : m_units) {
+        end = std::copy(codecs::kStartCode.begin(), codecs::kStartCode.end(), end);
+        end = std::copy_n(data.begin() + static_cast<std::ptrdiff_t>(unit.start), unit.Size(), end);
+    }
+    data.swap(m_rewritten);
 }
 
 } // namespace annexb

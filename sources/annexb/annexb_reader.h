@@ -8,6 +8,7 @@
 
 #include "sources/annexb/frame_rate.h"
 #include "sources/annexb/picture_index.h"
+#include "sources/annexb/unit_scanner.h"
 #include "sources/base/packet_reader.h"
 
 namespace annexb {
@@ -26,12 +27,15 @@ class AnnexBReader final : public source::PacketReader {
     [[nodiscard]] bool ReadNext(source::Packet& packet) override;
     [[nodiscard]] HRESULT DamageSoFar() const override;
 
-    [[nodiscard]] bool ReadPicture(const CodedPicture& picture, std::vector<BYTE>& data) const;
+    [[nodiscard]] bool ReadPicture(const CodedPicture& picture, std::vector<BYTE>& data);
+    void LengthenStartCodes(std::vector<BYTE>& data);
 
     const std::unique_ptr<source::ByteSource> m_bytes;
     const PictureIndex m_index;
     const FrameRate m_rate;
     std::vector<source::StreamDescription> m_streams;
+    std::vector<UnitExtent> m_units; // of one picture
+    std::vector<BYTE> m_rewritten;   // its bytes; both are kept for their memory
     size_t m_next = 0;
     bool m_lostPictures = false;
 };

@@ -20,15 +20,14 @@ bool IsPrefix(BYTE type) {
 } // namespace
 
 PictureIndex AvcIndexer::Run() {
-    UnitScanner scanner(m_source, 0, m_source.Size());
-    while (const std::optional<UnitExtent> unit = scanner.Next()) {
+    while (const std::optional<UnitExtent> unit = m_scanner.Next()) {
         Take(*unit);
     }
     return m_builder.Take();
 }
 
 void AvcIndexer::Take(const UnitExtent& unit) {
-    const std::vector<BYTE> header = m_builder.Read(unit, codecs::kAvcHeaderBytes);
+    const codecs::ByteView header = m_scanner.HeadOf(unit, codecs::kAvcHeaderBytes);
     const BYTE type = codecs::NALUnit(header).AvcType();
     if (type == codecs::kAvcNonIdrSlice || type == codecs::kAvcPartitionA || type == codecs::kAvcIdrSlice) {
         TakeSlice(unit);
@@ -46,7 +45,7 @@ void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
     if (type == codecs::kAvcDelimiter) {
         return;
     }
-    const std::vector<BYTE> bytes = m_builder.Read(unit, IndexBuilder::kMaxParameterSetBytes);
+    const codecs::ByteView bytes = m_scanner.HeadOf(unit, IndexBuilder::kMaxParameterSetBytes);
     if (type == codecs::kAvcSeiUnit) {
         m_mayRecover = m_mayRecover || codecs::IsExactRecoveryPoint(bytes);
     } else if (type == codecs::kAvcSpsUnit) {
@@ -67,7 +66,7 @@ void AvcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
 }
 
 void AvcIndexer::TakeSlice(const UnitExtent& unit) {
-    const std::vector<BYTE> head = m_builder.Read(unit, kMaxAvcSliceHeadBytes);
+    const codecs::ByteView head = m_scanner.HeadOf(unit, kMaxAvcSliceHeadBytes);
     const auto pps = m_pps.find(codecs::AvcPpsIdOf(head).value_or(UINT32_MAX));
     const auto sps = pps == m_pps.end() ? m_sps.end() : m_sps.find(pps->second.spsId);
     const std::optional<codecs::AvcSlice> slice =

@@ -12,7 +12,7 @@ namespace annexb {
 
 class AvcIndexer {
   public:
-    explicit AvcIndexer(const source::ByteSource& source) : m_source(source), m_builder(source) {}
+    explicit AvcIndexer(const source::ByteSource& source) : m_scanner(source, 0, source.Size()) {}
 
     [[nodiscard]] PictureIndex Run();
 
@@ -22,7 +22,7 @@ class AvcIndexer {
     void TakeSlice(const UnitExtent& unit);
     void TakePicture(const UnitExtent& unit, const codecs::AvcSlice& slice, const codecs::AvcSps& sps);
 
-    const source::ByteSource& m_source;
+    UnitScanner m_scanner;
     IndexBuilder m_builder;
     codecs::AvcPictureOrder m_order;
     std::map<UINT32, codecs::AvcSps> m_sps;

@@ -19,15 +19,14 @@ bool BeginsAccessUnit(BYTE type) {
 } // namespace
 
 PictureIndex HevcIndexer::Run() {
-    UnitScanner scanner(m_source, 0, m_source.Size());
-    while (const std::optional<UnitExtent> unit = scanner.Next()) {
+    while (const std::optional<UnitExtent> unit = m_scanner.Next()) {
         Take(*unit);
     }
     return m_builder.Take();
 }
 
 void HevcIndexer::Take(const UnitExtent& unit) {
-    const std::vector<BYTE> bytes = m_builder.Read(unit, codecs::kHevcHeaderBytes);
+    const codecs::ByteView bytes = m_scanner.HeadOf(unit, codecs::kHevcHeaderBytes);
     const codecs::NALUnit header(bytes);
     if (header.Length() < codecs::kHevcHeaderBytes) {
         m_builder.MarkDamaged();
@@ -56,7 +55,7 @@ void HevcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
     if (type < codecs::kHevcVpsUnit || type > codecs::kHevcPpsUnit) {
         return;
     }
-    const std::vector<BYTE> bytes = m_builder.Read(unit, IndexBuilder::kMaxParameterSetBytes);
+    const codecs::ByteView bytes = m_scanner.HeadOf(unit, IndexBuilder::kMaxParameterSetBytes);
     if (type == codecs::kHevcVpsUnit) {
         const UINT32 id = bytes.size() > codecs::kHevcHeaderBytes ? bytes[codecs::kHevcHeaderBytes] >> 4 : 0;
         m_builder.AddParameterSet(type, id, bytes);
@@ -80,7 +79,7 @@ void HevcIndexer::TakePrefix(const UnitExtent& unit, BYTE type) {
 }
 
 void HevcIndexer::TakeSlice(const UnitExtent& unit) {
-    const std::vector<BYTE> head = m_builder.Read(unit, kMaxHevcSliceHeadBytes);
+    const codecs::ByteView head = m_scanner.HeadOf(unit, kMaxHevcSliceHeadBytes);
     if (!codecs::IsFirstHevcSegment(head)) {
         m_builder.Extend(unit);
         return;

@@ -12,7 +12,7 @@ namespace annexb {
 
 class HevcIndexer {
   public:
-    explicit HevcIndexer(const source::ByteSource& source) : m_source(source), m_builder(source) {}
+    explicit HevcIndexer(const source::ByteSource& source) : m_scanner(source, 0, source.Size()) {}
 
     [[nodiscard]] PictureIndex Run();
 
@@ -21,7 +21,7 @@ class HevcIndexer {
     void TakePrefix(const UnitExtent& unit, BYTE type);
     void TakeSlice(const UnitExtent& unit);
 
-    const source::ByteSource& m_source;
+    UnitScanner m_scanner;
     IndexBuilder m_builder;
     codecs::HevcPictureOrder m_order;
     std::map<UINT32, codecs::HevcSpsHead> m_sps;

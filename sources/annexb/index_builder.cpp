@@ -26,12 +26,6 @@ void NumberPictures(std::vector<CodedPicture>& pictures) {
 
 } // namespace
 
-std::vector<BYTE> IndexBuilder::Read(const UnitExtent& unit, size_t most) const {
-    std::vector<BYTE> bytes(static_cast<size_t>(std::min<UINT64>(unit.Size(), most)));
-    bytes.resize(m_source.ReadAt(unit.start, bytes));
-    return bytes;
-}
-
 void IndexBuilder::AddPrefix(const UnitExtent& unit) {
     if (!m_prefixStart) {
         m_prefixStart = unit.start - kShortStartCodeBytes;
@@ -51,6 +45,7 @@ void IndexBuilder::BeginPicture(const UnitExtent& unit, UINT32 sequence, INT32 o
         return;
     }
     CodedPicture picture;
+    picture.isOneUnit = !m_prefixStart;
     picture.start = std::exchange(m_prefixStart, std::nullopt).value_or(unit.start - kShortStartCodeBytes);
     picture.end = unit.end;
     picture.sequence = sequence;
@@ -63,6 +58,7 @@ void IndexBuilder::Extend(const UnitExtent& unit) {
     m_prefixStart.reset();
     if (!m_index.pictures.empty() && !m_isFull) {
         m_index.pictures.back().end = unit.end;
+        m_index.pictures.back().isOneUnit = false;
     }
 }
 
@@ -71,7 +67,7 @@ void IndexBuilder::JoinField(const UnitExtent& unit, INT32 order) {
     m_index.pictures.back().order = std::min(m_index.pictures.back().order, order);
 }
 
-void IndexBuilder::AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>& unit) {
+void IndexBuilder::AddParameterSet(BYTE kind, UINT32 id, codecs::ByteView unit) {
     std::vector<BYTE>& sets = m_index.parameterSets;
     if (sets.size() + unit.size() <= kMaxSequenceHeaderBytes && m_knownSets.emplace(kind, id).second) {
         sets.insert(sets.end(), codecs::kStartCode.begin(), codecs::kStartCode.end());

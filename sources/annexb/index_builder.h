@@ -19,11 +19,7 @@ class IndexBuilder {
     // No more of one is read; real ones stay far below.
     static constexpr size_t kMaxParameterSetBytes = size_t{64} * 1024;
 
-    explicit IndexBuilder(const source::ByteSource& source, size_t mostPictures = kMaxPictures)
-        : m_source(source), m_mostPictures(mostPictures) {}
-
-    // The first so many bytes of the unit.
-    [[nodiscard]] std::vector<BYTE> Read(const UnitExtent& unit, size_t most) const;
+    explicit IndexBuilder(size_t mostPictures = kMaxPictures) : m_mostPictures(mostPictures) {}
 
     // A unit in front of the next picture.
     void AddPrefix(const UnitExtent& unit);
@@ -37,14 +33,13 @@ class IndexBuilder {
     // The second field of the picture that was begun last.
     void JoinField(const UnitExtent& unit, INT32 order);
     // Keeps the first set of each kind and number for the sequence header.
-    void AddParameterSet(BYTE kind, UINT32 id, const std::vector<BYTE>& unit);
+    void AddParameterSet(BYTE kind, UINT32 id, codecs::ByteView unit);
 
     void MarkDamaged() { m_index.isDamaged = true; }
     void SetShape(const codecs::PictureShape& shape, BYTE profile, BYTE level);
     [[nodiscard]] PictureIndex Take();
 
   private:
-    const source::ByteSource& m_source;
     PictureIndex m_index;
     const size_t m_mostPictures;
     bool m_isFull = false;

@@ -19,6 +19,7 @@ struct CodedPicture {
     INT32 order = 0;     // picture order count within the sequence
     UINT64 shown = 0;
     bool keyframe = false;
+    bool isOneUnit = false; // with its start code alone
 };
 
 struct PictureIndex {

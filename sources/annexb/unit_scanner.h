@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "codecs/byte_view.h"
 #include "sources/base/byte_source.h"
 
 namespace annexb {
@@ -22,20 +23,27 @@ struct UnitExtent {
 class UnitScanner {
   public:
     UnitScanner(const source::ByteSource& source, UINT64 start, UINT64 end);
+    // Of bytes in memory.
+    explicit UnitScanner(codecs::ByteView bytes) : m_window(bytes), m_end(bytes.size()) {}
+    UnitScanner(const UnitScanner&) = delete;
+    UnitScanner& operator=(const UnitScanner&) = delete;
 
     // None at the end; empty units are passed over.
     [[nodiscard]] std::optional<UnitExtent> Next();
+    // The first so many bytes of the unit that Next found last; good until the next call of either.
+    [[nodiscard]] codecs::ByteView HeadOf(const UnitExtent& unit, size_t most);
 
   private:
     [[nodiscard]] bool Refill();
 
-    const source::ByteSource& m_source;
-    UINT64 m_position; // of the next byte
+    const source::ByteSource* m_source = nullptr; // none: the bytes are all there
+    std::vector<BYTE> m_buffer;
+    std::vector<BYTE> m_head;
+    codecs::ByteView m_window;
+    size_t m_next = 0;     // in the window
+    UINT64 m_position = 0; // of that byte in the source
     UINT64 m_end;
-    std::vector<BYTE> m_window;
-    size_t m_next = 0; // in the window
-    size_t m_held = 0;
-    UINT64 m_zeros = 0; // right before the next byte
+    UINT64 m_zeros = 0; // right before it
     std::optional<UINT64> m_unitStart;
 };
 

@@ -37,10 +37,69 @@ TEST(UnitScanner, TakesStartCodesOfBothLengthsAndTheZerosAroundThem) {
 }
 
 TEST(UnitScanner, StartCodesMayLieAcrossItsWindows) {
-    for (size_t size = 65530; size < 65545; ++size) {
-        const std::string unit(size, 'x');
-        EXPECT_THAT(UnitsOf(std::string("\0\0\1", 3) + unit + std::string("\0\0\0\1y", 5)), ElementsAre(unit, "y"));
+    for (const size_t window : {size_t{64} << 10, size_t{512} << 10}) {
+        for (size_t size = window - 8; size < window + 8; ++size) {
+            const std::string unit(size, 'x');
+            EXPECT_THAT(UnitsOf(std::string("\0\0\1", 3) + unit + std::string("\0\0\0\1y", 5)), ElementsAre(unit, "y"));
+        }
     }
+}
+
+// Byte by byte.
+std::vector<std::string> UnitsOfSlowly(const std::string& bytes) {
+    std::vector<std::string> units;
+    std::optional<size_t> start;
+    size_t zeros = 0;
+    const auto add = [&](size_t end) {
+        if (start && end > *start) {
+            units.push_back(bytes.substr(*start, end - *start));
+        }
+    };
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] == 1 && zeros >= 2) {
+            add(i - zeros);
+            start = i + 1;
+        }
+        zeros = bytes[i] == 0 ? zeros + 1 : 0;
+    }
+    add(bytes.size() - zeros);
+    return units;
+}
+
+TEST(UnitScanner, FindsTheSameUnitsAsALookAtEveryByteInAFileAndInMemory) {
+    UINT32 seed = 1;
+    for (int round = 0; round < 300; ++round) {
+        std::string bytes(static_cast<size_t>(round), '\0');
+        for (char& byte : bytes) {
+            seed = seed * 1664525 + 1013904223;
+            byte = static_cast<char>(seed >> 28 < 8 ? 0 : seed >> 28 & 3);
+        }
+        const std::vector<std::string> expected = UnitsOfSlowly(bytes);
+        ASSERT_EQ(UnitsOf(bytes), expected);
+        std::vector<std::string> units;
+        const std::vector<BYTE> memory(bytes.begin(), bytes.end());
+        UnitScanner scanner(memory);
+        while (const std::optional<UnitExtent> unit = scanner.Next()) {
+            units.push_back(bytes.substr(static_cast<size_t>(unit->start), static_cast<size_t>(unit->Size())));
+        }
+        ASSERT_EQ(units, expected);
+    }
+}
+
+TEST(UnitScanner, ShowsTheHeadOfAUnitWhetherItsWindowHoldsItOrNot) {
+    const std::string large = "head" + std::string(size_t{1200} << 10, 'x');
+    const MemorySource source(std::string("\0\0\1abc\0\0\1", 9) + large + std::string("\0\0\1last", 7));
+    UnitScanner scanner(source, 0, source.Size());
+    for (const std::string& unit : {std::string("abc"), large, std::string("last")}) {
+        const std::optional<UnitExtent> found = scanner.Next();
+        ASSERT_TRUE(found);
+        const codecs::ByteView head = scanner.HeadOf(*found, 4);
+        EXPECT_EQ(std::string(head.begin(), head.end()), unit.substr(0, 4));
+        const codecs::ByteView whole = scanner.HeadOf(*found, SIZE_MAX);
+        EXPECT_TRUE(std::equal(whole.begin(), whole.end(), unit.begin(), unit.end(),
+                               [](BYTE a, char b) { return a == static_cast<BYTE>(b); }));
+    }
+    EXPECT_FALSE(scanner.Next());
 }
 
 // Where each picture is shown, in the order of decoding; a star for keyframes.
@@ -288,6 +347,27 @@ TEST(AnnexBReader, GivesEachPictureItsTimeAndLongStartCodes) {
     Bytes secondUnit = WriteAvcSlice(second);
     secondUnit.insert(secondUnit.begin(), 0);
     EXPECT_EQ(packets[0].data, Joined({WriteAvcSps(), WriteAvcPps(), WriteAvcSlice(Idr()), secondUnit}));
+}
+
+TEST(AnnexBReader, ZerosAroundUnitsAreLeftOutAndEveryStartCodeIsLong) {
+    const auto shortened = [](Bytes unit) {
+        unit.erase(unit.begin());
+        return unit;
+    };
+    const Bytes zeros(3, 0);
+    const Bytes idr = WriteAvcSlice(Idr());
+    const Bytes next = WriteAvcSlice(P(1, 4));
+    AvcSliceShape second = P(1, 4);
+    second.firstMb = 150;
+    ASSERT_EQ(idr[3], 1); // behind a long start code
+    const auto reader =
+        ReaderOf<Codec::Avc>(Joined({shortened(WriteAvcSps()), zeros, WriteAvcPps(), shortened(idr), zeros, next,
+                                     shortened(WriteAvcSlice(P(2, 8))), zeros, shortened(WriteAvcSlice(second))}));
+    const auto packets = test_source::ReadAll(*reader);
+    ASSERT_EQ(packets.size(), 4u);
+    EXPECT_EQ(packets[0].data, Joined({WriteAvcSps(), WriteAvcPps(), idr}));
+    EXPECT_EQ(packets[1].data, next);
+    EXPECT_EQ(packets[2].data, WriteAvcSlice(P(2, 8)));
 }
 
 TEST(AnnexBReader, OffersTheByteStreamTypesWithTheirParameterSets) {

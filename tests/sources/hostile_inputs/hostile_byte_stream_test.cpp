@@ -24,9 +24,8 @@ TEST(HostileByteStream, WhatHoldsNoPictureIsReadAFewTimesAtMost) {
 }
 
 TEST(HostileByteStream, PicturesAboveTheirNumberArePassedOverAsDamage) {
-    const CountingSource bytes({}, 0, std::make_shared<CountingSource::Counts>());
     constexpr size_t kMost = 1000;
-    annexb::IndexBuilder builder(bytes, kMost);
+    annexb::IndexBuilder builder(kMost);
     for (size_t i = 0; i < kMost; ++i) {
         builder.BeginPicture({10 * i + 3, 10 * i + 9}, 0, static_cast<INT32>(i), false);
     }
