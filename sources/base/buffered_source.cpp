@@ -13,21 +13,30 @@ constexpr size_t kWindowBytes = size_t{64} * 1024;
 BufferedSource::BufferedSource(std::unique_ptr<ByteSource> source)
     : m_source(std::move(source)), m_window(kWindowBytes) {}
 
-bool BufferedSource::Holds(UINT64 offset, size_t count) const {
-    return offset >= m_start && offset - m_start <= m_held && count <= m_held - (offset - m_start);
+size_t BufferedSource::CopyHeld(UINT64 offset, std::span<BYTE> buffer) const {
+    if (offset < m_start || offset - m_start >= m_held) {
+        return 0;
+    }
+    const auto first = static_cast<size_t>(offset - m_start);
+    const size_t count = std::min(buffer.size(), m_held - first);
+    std::copy_n(m_window.begin() + static_cast<std::ptrdiff_t>(first), count, buffer.begin());
+    return count;
 }
 
+// What the window holds is not read again, and what is as large as it goes past it.
 size_t BufferedSource::ReadAt(UINT64 offset, std::span<BYTE> buffer) const {
+    const size_t done = CopyHeld(offset, buffer);
+    if (done == buffer.size()) {
+        return done;
+    }
+    offset += done;
+    buffer = buffer.subspan(done);
     if (buffer.size() >= m_window.size()) {
-        return m_source->ReadAt(offset, buffer);
+        return done + m_source->ReadAt(offset, buffer);
     }
-    if (!Holds(offset, buffer.size())) {
-        m_start = offset;
-        m_held = m_source->ReadAt(offset, m_window);
-    }
-    const size_t count = std::min(buffer.size(), m_held - static_cast<size_t>(offset - m_start));
-    std::copy_n(m_window.begin() + static_cast<std::ptrdiff_t>(offset - m_start), count, buffer.begin());
-    return count;
+    m_start = offset;
+    m_held = m_source->ReadAt(offset, m_window);
+    return done + CopyHeld(offset, buffer);
 }
 
 } // namespace source

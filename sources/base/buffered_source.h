@@ -18,7 +18,8 @@ class BufferedSource final : public ByteSource {
     [[nodiscard]] size_t ReadAt(UINT64 offset, std::span<BYTE> buffer) const override;
 
   private:
-    [[nodiscard]] bool Holds(UINT64 offset, size_t count) const;
+    // How many of the first bytes the window holds.
+    [[nodiscard]] size_t CopyHeld(UINT64 offset, std::span<BYTE> buffer) const;
 
     std::unique_ptr<ByteSource> m_source;
     mutable std::vector<BYTE> m_window;

@@ -35,6 +35,38 @@ TEST(BufferedSource, ReadsTheSameBytesAsTheSourceBehindItWhereverAsked) {
     }
 }
 
+// Counts the bytes that are read of it.
+class CountedSource final : public ByteSource {
+  public:
+    CountedSource(std::vector<BYTE> bytes, size_t& count) : m_bytes(std::move(bytes)), m_count(count) {}
+    UINT64 Size() const override { return m_bytes.Size(); }
+    size_t ReadAt(UINT64 offset, std::span<BYTE> buffer) const override {
+        const size_t got = m_bytes.ReadAt(offset, buffer);
+        m_count += got;
+        return got;
+    }
+
+  private:
+    MemorySource m_bytes;
+    size_t& m_count;
+};
+
+TEST(BufferedSource, ReadsEveryByteOnceFromFrontToBackWhateverThePieces) {
+    const std::vector<BYTE> bytes = Pattern(700'000);
+    size_t count = 0;
+    const BufferedSource source(std::make_unique<CountedSource>(bytes, count));
+    std::vector<BYTE> all;
+    std::mt19937 random(7);
+    while (all.size() < bytes.size()) {
+        const size_t most[] = {12, 30'000, 150'000};
+        std::vector<BYTE> buffer(1 + random() % most[random() % 3]);
+        buffer.resize(source.ReadAt(all.size(), buffer));
+        all.insert(all.end(), buffer.begin(), buffer.end());
+    }
+    EXPECT_EQ(all, bytes);
+    EXPECT_EQ(count, bytes.size());
+}
+
 TEST(BufferedSource, GivesNothingBehindTheEnd) {
     const BufferedSource source(std::make_unique<MemorySource>("abc"));
     std::vector<BYTE> buffer(2);
