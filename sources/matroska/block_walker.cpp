@@ -74,11 +74,14 @@ std::optional<Block> BlockWalker::StepInCluster() {
         return {};
     }
     const std::optional<Element> part = m_reader.ElementAt(m_position, m_cluster->end);
-    if (part && !MayContain<KaxCluster>(part->id) && m_cluster->unknownSize && MayContain<KaxSegment>(part->id)) {
+    if (part && m_cluster->unknownSize && !MayContain<KaxCluster>(part->id) && MayContain<KaxSegment>(part->id)) {
         m_cluster.reset(); // what comes here ends a cluster of unknown size
         return {};
     }
-    if (!part || !MayContain<KaxCluster>(part->id) || part->unknownSize || !part->whole) {
+    // Most are blocks, and found without a look at the whole list.
+    const bool belongs = part && (part->id == IdOf<KaxSimpleBlock>() || part->id == IdOf<KaxBlockGroup>() ||
+                                  MayContain<KaxCluster>(part->id));
+    if (!belongs || part->unknownSize || !part->whole) {
         LookForCluster();
         return {};
     }

@@ -33,26 +33,28 @@ void FrameQueue::AddStream(bool isSubtitle, UINT64 defaultDurationNs) {
 
 void FrameQueue::Clear() {
     m_queue.clear();
+    m_next = 0;
+    m_waitingBytes = 0;
     for (Stream& stream : m_streams) {
-        (void)TakeWaiting(stream);
+        stream.waiting.clear();
         stream.lastFrameNs = 0;
     }
 }
 
-void FrameQueue::Add(size_t index, INT64 startNs, std::optional<INT64> blockNs, std::vector<source::Packet> frames) {
+void FrameQueue::Add(size_t index, INT64 startNs, std::optional<INT64> blockNs, std::vector<source::Packet>&& frames) {
     Stream& stream = m_streams[index];
     ReleaseBefore(stream, startNs);
     ReleaseLate(startNs);
     const auto count = static_cast<INT64>(frames.size());
     const bool hasDefault = stream.defaultDurationNs > 0;
     if (blockNs && count > 0 && (count == 1 || !hasDefault)) {
-        Send(std::move(frames), startNs, *blockNs / count);
+        Send(frames, startNs, *blockNs / count);
     } else if (hasDefault) {
-        Send(std::move(frames), startNs, stream.defaultDurationNs);
+        Send(frames, startNs, stream.defaultDurationNs);
     } else if (count == 1 && stream.isSubtitle) {
-        Send(std::move(frames), startNs, {}); // the next one may be minutes away
+        Send(frames, startNs, {}); // the next one may be minutes away
     } else {
-        stream.waiting = std::move(frames);
+        stream.waiting.swap(frames); // for an empty one
         stream.startNs = startNs;
         m_waitingBytes += BytesOf(stream.waiting);
         if (m_waitingBytes > kMaxWaitingBytes) {
@@ -68,33 +70,34 @@ void FrameQueue::End() {
 }
 
 bool FrameQueue::Take(source::Packet& packet) {
-    if (m_queue.empty()) {
+    if (m_next == m_queue.size()) {
+        m_queue.clear();
+        m_next = 0;
         return false;
     }
-    packet = std::move(m_queue.front());
-    m_queue.pop_front();
+    packet = std::move(m_queue[m_next++]);
     return true;
 }
 
 // A frame alone stays without a duration, as it is in the file; but the last one makes the file as long as it says
 // that it is. Several frames share the time until the next block.
 void FrameQueue::ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs) {
-    std::vector<source::Packet> frames = TakeWaiting(stream);
-    if (frames.size() == 1) {
-        Send(std::move(frames), stream.startNs, nextStartNs ? std::nullopt : LastFrameNs(stream.startNs));
+    const size_t count = stream.waiting.size();
+    if (count == 1) {
+        SendWaiting(stream, nextStartNs ? std::nullopt : LastFrameNs(stream.startNs));
         return;
     }
-    if (!frames.empty() && nextStartNs && *nextStartNs > stream.startNs) {
-        const INT64 shared = (*nextStartNs - stream.startNs) / static_cast<INT64>(frames.size());
+    if (count > 0 && nextStartNs && *nextStartNs > stream.startNs) {
+        const INT64 shared = (*nextStartNs - stream.startNs) / static_cast<INT64>(count);
         stream.lastFrameNs = std::min(shared, kMaxFrameNs);
     }
-    Send(std::move(frames), stream.startNs, stream.lastFrameNs);
+    SendWaiting(stream, stream.lastFrameNs);
 }
 
 void FrameQueue::ReleaseLate(INT64 nowNs) {
     for (Stream& stream : m_streams) {
         if (stream.waiting.size() == 1 && nowNs - stream.startNs > kMaxWaitNs) {
-            Send(TakeWaiting(stream), stream.startNs, {});
+            SendWaiting(stream, {});
         }
     }
 }
@@ -102,15 +105,14 @@ void FrameQueue::ReleaseLate(INT64 nowNs) {
 // Without knowing the next block: a frame alone gets no duration, several get that of the ones before.
 void FrameQueue::ReleaseAll() {
     for (Stream& stream : m_streams) {
-        std::vector<source::Packet> frames = TakeWaiting(stream);
-        const bool isAlone = frames.size() == 1;
-        Send(std::move(frames), stream.startNs, isAlone ? std::nullopt : std::optional(stream.lastFrameNs));
+        const bool isAlone = stream.waiting.size() == 1;
+        SendWaiting(stream, isAlone ? std::nullopt : std::optional(stream.lastFrameNs));
     }
 }
 
-std::vector<source::Packet> FrameQueue::TakeWaiting(Stream& stream) {
+void FrameQueue::SendWaiting(Stream& stream, std::optional<INT64> frameNs) {
     m_waitingBytes -= BytesOf(stream.waiting);
-    return std::exchange(stream.waiting, {});
+    Send(stream.waiting, stream.startNs, frameNs);
 }
 
 std::optional<INT64> FrameQueue::LastFrameNs(INT64 startNs) const {
@@ -119,7 +121,7 @@ std::optional<INT64> FrameQueue::LastFrameNs(INT64 startNs) const {
     return isSane ? std::optional(static_cast<INT64>(lastNs)) : std::nullopt;
 }
 
-void FrameQueue::Send(std::vector<source::Packet> frames, INT64 startNs, std::optional<INT64> frameNs) {
+void FrameQueue::Send(std::vector<source::Packet>& frames, INT64 startNs, std::optional<INT64> frameNs) {
     for (source::Packet& packet : frames) {
         const INT64 stopNs = startNs + frameNs.value_or(0);
         packet.start = FrameTimes::RefTimeOf(startNs) + m_shift;
@@ -130,6 +132,7 @@ void FrameQueue::Send(std::vector<source::Packet> frames, INT64 startNs, std::op
             m_queue.push_back(std::move(packet));
         }
     }
+    frames.clear();
 }
 
 } // namespace matroska

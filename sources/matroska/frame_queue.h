@@ -4,7 +4,6 @@
 // Units: nanoseconds from the start of the segment; packets in 100 ns. Owner: the reader. Threads: one at a time.
 #pragma once
 
-#include <deque>
 #include <optional>
 #include <vector>
 
@@ -23,8 +22,9 @@ class FrameQueue {
     void SetShift(REFERENCE_TIME shift) { m_shift = shift; }
     void Clear();
 
-    // The frames of one block in order. Those without data take their time, and are not given out.
-    void Add(size_t stream, INT64 startNs, std::optional<INT64> blockNs, std::vector<source::Packet> frames);
+    // The frames of one block in order, which are taken out of there. Those without data take their time, and are not
+    // given out.
+    void Add(size_t stream, INT64 startNs, std::optional<INT64> blockNs, std::vector<source::Packet>&& frames);
     // No more blocks come.
     void End();
     // False when there is none at present.
@@ -42,14 +42,15 @@ class FrameQueue {
     void ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs);
     void ReleaseLate(INT64 nowNs);
     void ReleaseAll();
-    [[nodiscard]] std::vector<source::Packet> TakeWaiting(Stream& stream);
-    void Send(std::vector<source::Packet> frames, INT64 startNs, std::optional<INT64> frameNs);
+    void SendWaiting(Stream& stream, std::optional<INT64> frameNs);
+    void Send(std::vector<source::Packet>& frames, INT64 startNs, std::optional<INT64> frameNs);
     [[nodiscard]] std::optional<INT64> LastFrameNs(INT64 startNs) const;
 
     const double m_fileEndNs;
     REFERENCE_TIME m_shift = 0;
     std::vector<Stream> m_streams;
-    std::deque<source::Packet> m_queue;
+    std::vector<source::Packet> m_queue;
+    size_t m_next = 0;         // in the queue
     size_t m_waitingBytes = 0; // of all streams
 };
 

@@ -111,6 +111,7 @@ HRESULT MatroskaReader::DamageSoFar() const {
 }
 
 bool MatroskaReader::ReadNext(source::Packet& packet) {
+    Spare(packet.data);
     while (!m_queue.Take(packet)) {
         const std::optional<Block> block = m_walker.Next();
         if (!block) {
@@ -136,33 +137,32 @@ void MatroskaReader::ReadBlock(const Block& block) {
     if (block.durationTicks && *block.durationTicks <= INT64_MAX) {
         blockNs = m_times.NsOf(static_cast<INT64>(*block.durationTicks));
     }
-    m_queue.Add(found->second, *startNs, blockNs, FramesOf(block, found->second));
+    ReadFrames(block, found->second);
+    m_queue.Add(found->second, *startNs, blockNs, std::move(m_frames));
 }
 
-std::vector<source::Packet> MatroskaReader::FramesOf(const Block& block, size_t index) {
-    std::vector<source::Packet> packets;
+void MatroskaReader::ReadFrames(const Block& block, size_t index) {
+    m_frames.clear();
     if (block.size > source::kMaxPacketBytes) {
         m_lostFrames = true;
-        return packets;
+        return;
     }
-    std::vector<BYTE> payload(static_cast<size_t>(block.size));
+    std::vector<BYTE> payload = TakeBytes(static_cast<size_t>(block.size));
     if (m_bytes->ReadAt(block.data, payload) != payload.size()) {
         m_lostFrames = true;
-        return packets;
+        return;
     }
-    packets = TakeApart(std::move(payload), block.lacing, m_states[index]);
-    for (source::Packet& packet : packets) {
+    TakeApart(std::move(payload), block.lacing, m_states[index]);
+    for (source::Packet& packet : m_frames) {
         packet.stream = index;
         packet.keyframe = block.keyframe;
     }
-    return packets;
 }
 
-std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream) {
-    std::vector<source::Packet> packets;
+void MatroskaReader::TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream) {
     if (lacing == 0 && stream.KeepsFrames()) {
-        packets.emplace_back().data = std::move(payload);
-        return packets;
+        m_frames.emplace_back().data = std::move(payload);
+        return;
     }
     const auto frames = codecs::TakeFramesApart(payload, lacing);
     m_lostFrames = m_lostFrames || !frames;
@@ -171,10 +171,28 @@ std::vector<source::Packet> MatroskaReader::TakeApart(std::vector<BYTE> payload,
     for (const codecs::ByteView frame : frames.value_or(std::vector<codecs::ByteView>())) {
         std::optional<std::vector<BYTE>> data = DecodeFrame(stream, frame, room);
         m_lostFrames = m_lostFrames || !data;
-        packets.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
+        m_frames.emplace_back().data = std::move(data).value_or(std::vector<BYTE>()); // a lost one takes its time
     }
     m_budget.Spend(stream.KeepsFrames() ? 0 : payload.size(), allowed - room);
-    return packets;
+    Spare(payload);
+}
+
+// The larger one is kept: memory for small ones is cheap.
+void MatroskaReader::Spare(std::vector<BYTE>& bytes) {
+    if (bytes.capacity() > m_spare.capacity()) {
+        m_spare.swap(bytes);
+    }
+}
+
+// What is kept by whoever gets the frame stays in proportion to it.
+std::vector<BYTE> MatroskaReader::TakeBytes(size_t size) {
+    constexpr size_t kMaxWaste = size_t{64} * 1024;
+    if (m_spare.capacity() < size || m_spare.capacity() > 4 * size + kMaxWaste) {
+        return std::vector<BYTE>(size);
+    }
+    std::vector<BYTE> bytes = std::exchange(m_spare, {});
+    bytes.resize(size);
+    return bytes;
 }
 
 std::optional<std::vector<BYTE>> MatroskaReader::DecodeFrame(const Stream& stream, codecs::ByteView frame,

@@ -45,8 +45,10 @@ class MatroskaReader final : public source::PacketReader {
     [[nodiscard]] std::string PrepareTrack(Track& track);
     void FindShift();
     void ReadBlock(const Block& block);
-    [[nodiscard]] std::vector<source::Packet> FramesOf(const Block& block, size_t index);
-    [[nodiscard]] std::vector<source::Packet> TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
+    void ReadFrames(const Block& block, size_t index);
+    void TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
+    void Spare(std::vector<BYTE>& bytes);
+    [[nodiscard]] std::vector<BYTE> TakeBytes(size_t size);
     [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, codecs::ByteView frame,
                                                                size_t& room) const;
 
@@ -59,6 +61,8 @@ class MatroskaReader final : public source::PacketReader {
     std::vector<Stream> m_states;        // one a stream
     std::map<UINT64, size_t> m_streamOf; // by track number; the streams that have types
     FrameQueue m_queue;
+    std::vector<source::Packet> m_frames; // of the block that is read
+    std::vector<BYTE> m_spare;            // memory for the next one
     DecodingBudget m_budget;
     size_t m_privateRoom = source::kMaxPrivateBytes; // for what the private data of further tracks become
     bool m_lostFrames = false;

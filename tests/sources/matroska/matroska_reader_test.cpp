@@ -79,6 +79,28 @@ TEST(MatroskaReader, EachReadingBeginsAtTheStart) {
     EXPECT_EQ(reader->Damage(), S_OK);
 }
 
+TEST(MatroskaReader, APacketsMemoryIsUsedForTheNextOneUnlessThatIsFarSmaller) {
+    const std::string large(500'000, 'l');
+    const std::string lesser(400'000, 'm');
+    const auto reader =
+        ReaderOf(FileOf({Sound(1)}, {Cluster(0, {SimpleBlock(1, 0, 0, large), SimpleBlock(1, 1, 0, lesser),
+                                                 SimpleBlock(1, 2, 0, "small"), SimpleBlock(1, 3, 0, large)})}));
+    reader->Rewind();
+    source::Packet packet;
+    ASSERT_TRUE(reader->Next(packet));
+    const BYTE* const place = packet.data.data();
+    ASSERT_TRUE(reader->Next(packet));
+    EXPECT_EQ(packet.data.data(), place);
+    EXPECT_EQ(packet.data.size(), lesser.size());
+    ASSERT_TRUE(reader->Next(packet));
+    EXPECT_LT(packet.data.capacity(), 70'000u);
+    EXPECT_EQ(std::string(packet.data.begin(), packet.data.end()), "small");
+    ASSERT_TRUE(reader->Next(packet));
+    EXPECT_EQ(packet.data.data(), place);
+    EXPECT_EQ(std::string(packet.data.begin(), packet.data.end()), large);
+    EXPECT_FALSE(reader->Next(packet));
+}
+
 TEST(MatroskaReader, BlocksOfUnknownTracksAreSkipped) {
     EXPECT_THAT(Summary(FileOf({Audio(1)}, {Cluster(0, {SimpleBlock(2, 0, 0, "x"), SimpleBlock(1, 0, 0, "a")})})),
                 ElementsAre("0:a@0"));
