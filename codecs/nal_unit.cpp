@@ -7,7 +7,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "codecs/start_code_search.h"
+#include "codecs/zero_pair_search.h"
 
 namespace codecs {
 

@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-#include "codecs/start_code_search.h"
+#include "codecs/zero_pair_search.h"
 
 namespace annexb {
 

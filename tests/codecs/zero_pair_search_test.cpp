@@ -1,4 +1,4 @@
-#include "codecs/start_code_search.h"
+#include "codecs/zero_pair_search.h"
 
 #include <vector>
 
