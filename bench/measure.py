@@ -42,6 +42,10 @@ def measure_native(row, folder, quick):
     return json.loads(result.read_text(encoding="utf-8"))
 
 
+def keep(report):
+    KEPT.write_text(json.dumps(report, indent=1) + "\n", encoding="utf-8")
+
+
 def measure_all(arguments):
     report, failed = {}, []
     wanted = set(arguments.rows)
@@ -49,6 +53,7 @@ def measure_all(arguments):
         if not wanted or row in wanted:
             try:
                 report |= measure_native(row, arguments.folder, arguments.quick)
+                keep(report)
             except (subprocess.CalledProcessError, OSError) as failure:
                 failed.append(f"{row}: {failure}")
     for name in whole_jobs.JOBS if "wine" in arguments.parts else []:
@@ -56,6 +61,7 @@ def measure_all(arguments):
             try:
                 start = time.monotonic()
                 report[name] = whole_jobs.measure_job(name, arguments.folder, 3 if arguments.quick else 5)
+                keep(report)
                 say(f"measured {name} in {time.monotonic() - start:.1f} s")
             except (subprocess.SubprocessError, RuntimeError, OSError) as failure:
                 failed.append(f"{name}: {failure}")
@@ -106,7 +112,7 @@ def main():
         parser.error(f"no such row: {', '.join(sorted(unknown))}; these are: {' '.join(sorted(known))}")
     report, failed = measure_all(arguments)
     add_shares(report)
-    KEPT.write_text(json.dumps(report, indent=1) + "\n", encoding="utf-8")
+    keep(report)
     print_report(report)
     for failure in failed:
         say(f"not measured: {failure}")
