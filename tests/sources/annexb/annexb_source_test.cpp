@@ -357,17 +357,17 @@ TEST(AnnexBReader, ZerosAroundUnitsAreLeftOutAndEveryStartCodeIsLong) {
     const Bytes zeros(3, 0);
     const Bytes idr = WriteAvcSlice(Idr());
     const Bytes next = WriteAvcSlice(P(1, 4));
-    AvcSliceShape second = P(1, 4);
+    AvcSliceShape second = P(2, 8);
     second.firstMb = 150;
     ASSERT_EQ(idr[3], 1); // behind a long start code
     const auto reader =
         ReaderOf<Codec::Avc>(Joined({shortened(WriteAvcSps()), zeros, WriteAvcPps(), shortened(idr), zeros, next,
                                      shortened(WriteAvcSlice(P(2, 8))), zeros, shortened(WriteAvcSlice(second))}));
     const auto packets = test_source::ReadAll(*reader);
-    ASSERT_EQ(packets.size(), 4u);
+    ASSERT_EQ(packets.size(), 3u);
     EXPECT_EQ(packets[0].data, Joined({WriteAvcSps(), WriteAvcPps(), idr}));
     EXPECT_EQ(packets[1].data, next);
-    EXPECT_EQ(packets[2].data, WriteAvcSlice(P(2, 8)));
+    EXPECT_EQ(packets[2].data, Joined({WriteAvcSlice(P(2, 8)), Bytes(1, 0), WriteAvcSlice(second)}));
 }
 
 TEST(AnnexBReader, OffersTheByteStreamTypesWithTheirParameterSets) {
