@@ -182,7 +182,7 @@ void CMatroskaMuxer::CloseWriter() {
 int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {
     const CAutoLock lock(&m_writerLock);
     CMuxInterStream* const stream = pin->Stream();
-    if (const HRESULT written = m_io->lastWriteResult(); written != S_OK && stream != nullptr) {
+    if (const HRESULT written = WriteResult(); written != S_OK && stream != nullptr) {
         stream->SetStreamResult(written);
     }
     // Text and subtitles: the kind was found out once, when streaming began.
@@ -199,6 +199,14 @@ int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin
         }
     }
     return kMuxOk;
+}
+
+// A write that says that it succeeded may have kept a part only, and one behind the one that failed may have succeeded:
+// what was lost all the same is told once.
+HRESULT CMatroskaMuxer::WriteResult() {
+    const HRESULT written = m_io->lastWriteResult();
+    const bool hasLost = m_writer->takeUntoldLoss();
+    return written == S_OK && hasLost ? STG_E_WRITEFAULT : written;
 }
 
 HRESULT CMatroskaMuxer::WriteToWriter(CMuxInterPacket& packet) {

@@ -65,6 +65,7 @@ class CMatroskaMuxer final : public CBaseMux,
 
     HRESULT OpenWriter() QRX_REQUIRES(m_writerLock);
     void RegisterTracks() QRX_REQUIRES(m_writerLock);
+    [[nodiscard]] HRESULT WriteResult() QRX_REQUIRES(m_writerLock);
     HRESULT WriteToWriter(CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
     void CloseWriter() QRX_REQUIRES(m_writerLock);
 

@@ -37,7 +37,7 @@ void CGatheringIO::returnTo(const Place& place) {
 void CGatheringIO::flush() {
     const std::span<const BYTE> gathered(m_gathered);
     if (!gathered.empty() && !writeThrough({&gathered, 1})) {
-        m_lost = LostBytes{m_start, std::exchange(m_gathered, {})};
+        lose(std::exchange(m_gathered, {}));
     }
     discard();
 }
@@ -48,8 +48,13 @@ void CGatheringIO::writeParts(Parts parts) {
         std::ranges::for_each(parts, [this](std::span<const BYTE> part) { gather(part); });
         flush();
     } else if (!writeThrough(parts)) {
-        m_lost = LostBytes{m_start, {}};
+        lose({});
     }
+}
+
+void CGatheringIO::lose(std::vector<BYTE> bytes) {
+    m_lost = LostBytes{m_start, std::move(bytes)};
+    m_hasUntoldLoss = true;
 }
 
 // False leaves the target anywhere, and the start where it was.

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "mkv/file_output.h"
@@ -48,6 +49,8 @@ class CGatheringIO : public libebml::IOCallback {
     void overwriteTail(std::span<const BYTE> bytes);
     // What the last failed write lost; none when all arrived since the last call.
     [[nodiscard]] std::optional<LostBytes> takeLost();
+    // Whether anything was lost since the last call; takeLost does not change that.
+    [[nodiscard]] bool takeUntoldLoss() { return std::exchange(m_hasUntoldLoss, false); }
     // How far behind its place the target stood when bytes had to go to it unsought, all such gaps together.
     [[nodiscard]] uint64 skippedBytes() const { return m_skippedBytes; }
     // False once the target failed so often that nothing is known of where the bytes went.
@@ -69,6 +72,8 @@ class CGatheringIO : public libebml::IOCallback {
     [[nodiscard]] bool writeThrough(Parts parts);
     [[nodiscard]] bool writePart(std::span<const BYTE> part);
     void gather(std::span<const BYTE> bytes);
+    // What it was, or nothing when it is still where it lay.
+    void lose(std::vector<BYTE> bytes);
 
     CFileOutput& m_target;
     std::vector<BYTE> m_gathered;
@@ -78,6 +83,7 @@ class CGatheringIO : public libebml::IOCallback {
     bool m_isSure = true;
     bool m_seeks = true; // the target did when it was last asked to
     std::optional<LostBytes> m_lost;
+    bool m_hasUntoldLoss = false;
 };
 
 } // namespace mkv

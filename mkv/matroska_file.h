@@ -44,6 +44,9 @@ class CMatroskaFile {
 
     [[nodiscard]] CClusterWriter& clusters() { return m_clusters; }
 
+    // Whether a write did not bring all of its bytes since the last call, whatever it answered.
+    [[nodiscard]] bool takeUntoldLoss() { return m_gathering.takeUntoldLoss(); }
+
     // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.
     // Throws only before anything is patched.
     void finalise(double durationNs);

@@ -43,6 +43,8 @@ class CMkvWriter {
     void Open(CMkvIO* io);
     // A packet of a stream that is no track is dropped.
     void WritePacket(const mkv::Packet& packet);
+    // Whether a write did not bring all of its bytes since the last call, whatever it answered.
+    [[nodiscard]] bool takeUntoldLoss() { return m_file && m_file->takeUntoldLoss(); }
     // Finalises the file; once it has begun to patch the head it swallows every exception.
     void Close();
     // Forgets the output.

@@ -323,6 +323,19 @@ TEST(MatroskaMuxer, AFailedWriteReachesTheUpstreamFilterAndMuxingGoesOn) {
     EXPECT_EQ(S_OK, rig.Stop());
 }
 
+// Some streams answer S_OK however little they took.
+TEST(MatroskaMuxer, AWriteThatKeepsAPartAndAnswersOkReachesTheUpstreamFilter) {
+    MuxerRig rig;
+    ASSERT_EQ(S_OK, rig.ConnectInput(Pcm()));
+    ASSERT_EQ(S_OK, rig.ConnectOutput());
+    ASSERT_EQ(S_OK, rig.Pause());
+    rig.Sink().Stream().AnswerNextWrite(S_OK, 3);
+    EXPECT_EQ(STG_E_WRITEFAULT, DeliverUntilRefused(rig));
+    EXPECT_EQ(S_OK, rig.Stop());
+    const auto findings = CheckLayout(rig.Layout());
+    EXPECT_TRUE(findings.empty()) << findings.front();
+}
+
 TEST(MatroskaMuxer, SeeksThatFailAtStopLeaveAFileThatCanBeReadToItsEnd) {
     MuxerRig rig;
     ASSERT_EQ(S_OK, rig.ConnectInput(Pcm()));
