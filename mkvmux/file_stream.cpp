@@ -9,17 +9,6 @@
 
 namespace mkvmux {
 
-namespace {
-
-OVERLAPPED AtPosition(UINT64 position) {
-    OVERLAPPED at{};
-    at.Offset = static_cast<DWORD>(position);
-    at.OffsetHigh = static_cast<DWORD>(position >> 32);
-    return at;
-}
-
-} // namespace
-
 CFileStream::CFileStream(LPUNKNOWN outer) : CUnknown(L"FileStream", outer) {}
 
 HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
@@ -35,6 +24,7 @@ void CFileStream::Take(win::FileHandle file, const std::wstring& path) {
     m_file = std::move(file);
     m_path = path;
     m_position = 0;
+    m_handlePosition.reset();
 }
 
 STDMETHODIMP CFileStream::NonDelegatingQueryInterface(REFIID iid, void** object) {
@@ -52,12 +42,12 @@ STDMETHODIMP CFileStream::Read(void* buffer, ULONG size, ULONG* read) noexcept {
         return STG_E_INVALIDPOINTER;
     }
     const win::LockGuard lock(m_lock);
-    OVERLAPPED at = AtPosition(m_position);
     DWORD got = 0;
-    if (ReadFile(m_file.Get(), buffer, size, &got, &at) == FALSE && GetLastError() != ERROR_HANDLE_EOF) {
-        return LastResult();
+    if (!BringHandle() || ReadFile(m_file.Get(), buffer, size, &got, nullptr) == FALSE) {
+        return FailedCall();
     }
     m_position += got;
+    m_handlePosition = m_position;
     if (read != nullptr) {
         *read = got;
     }
@@ -86,19 +76,41 @@ STDMETHODIMP CFileStream::Write(const void* data, ULONG size, ULONG* written) no
 // The lock is held.
 HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
     while (written < size) {
-        OVERLAPPED at = AtPosition(m_position);
         DWORD count = 0;
-        if (WriteFile(m_file.Get(), data + written, size - written, &count, &at) == FALSE) {
-            return LastResult();
+        if (!BringHandle() || WriteFile(m_file.Get(), data + written, size - written, &count, nullptr) == FALSE) {
+            return FailedCall();
         }
         if (count == 0) {
             return HRESULT_FROM_WIN32(ERROR_WRITE_FAULT);
         }
         written += count;
         m_position += count;
+        m_handlePosition = m_position;
         m_writtenEnd = std::max(m_writtenEnd.load(), m_position);
     }
     return S_OK;
+}
+
+// The lock is held. Reads and writes carry no position of their own: on some systems that makes each of them several
+// times as dear.
+bool CFileStream::BringHandle() {
+    if (m_handlePosition == m_position) {
+        return true;
+    }
+    LARGE_INTEGER position{};
+    position.QuadPart = static_cast<LONGLONG>(m_position);
+    if (SetFilePointerEx(m_file.Get(), position, nullptr, FILE_BEGIN) == FALSE) {
+        return false;
+    }
+    m_handlePosition = m_position;
+    return true;
+}
+
+// The lock is held. Where the handle stands now is anybody's guess.
+HRESULT CFileStream::FailedCall() {
+    const HRESULT hr = LastResult();
+    m_handlePosition.reset();
+    return hr;
 }
 
 STDMETHODIMP CFileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) noexcept {
@@ -149,7 +161,7 @@ STDMETHODIMP CFileStream::SetSize(ULARGE_INTEGER size) noexcept {
         const win::LockGuard lock(m_lock);
         LARGE_INTEGER end{};
         end.QuadPart = static_cast<LONGLONG>(size.QuadPart);
-        // The handle's own pointer is used here alone; reads and writes carry their position.
+        m_handlePosition.reset();
         if (SetFilePointerEx(m_file.Get(), end, nullptr, FILE_BEGIN) == FALSE || SetEndOfFile(m_file.Get()) == FALSE) {
             hr = LastResult();
         }

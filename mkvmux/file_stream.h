@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "dshow/unknown.h"
@@ -53,6 +54,8 @@ class CFileStream : public CUnknown, public IStream {
     STDMETHODIMP Clone(IStream** stream) noexcept override;
 
   private:
+    bool BringHandle() QRX_REQUIRES(m_lock);
+    HRESULT FailedCall() QRX_REQUIRES(m_lock);
     HRESULT WriteAll(const BYTE* data, ULONG size, ULONG& written) QRX_REQUIRES(m_lock);
     HRESULT MovePosition(INT64 move, DWORD origin) QRX_REQUIRES(m_lock);
     HRESULT FileSize(UINT64& size) const;
@@ -62,6 +65,7 @@ class CFileStream : public CUnknown, public IStream {
     win::FileHandle m_file;
     std::wstring m_path;
     UINT64 m_position QRX_GUARDED_BY(m_lock) = 0;
+    std::optional<UINT64> m_handlePosition QRX_GUARDED_BY(m_lock); // of the file itself; none when nobody knows
     std::atomic<UINT64> m_writtenEnd{0};
     std::atomic<HRESULT> m_firstFailure{S_OK};
     FailureHandler m_onFailure;
