@@ -10,6 +10,9 @@ constexpr UINT32 kSubtitleByteLimit = 1048576; // 1 MiB
 // Streams of no known kind are throttled to one small packet at a time, on purpose.
 constexpr UINT32 kOtherByteLimit = 2000;
 
+// How many packets a producer adds without a look at what the worker has taken.
+constexpr UINT32 kPacketsBetweenLooks = 4096;
+
 } // namespace
 
 UINT32 CMuxInterStream::ByteLimitOf(MuxStreamKind kind) {
@@ -42,16 +45,20 @@ void CMuxInterStream::Append(std::unique_ptr<CMuxInterPacket> packet) {
         m_endOfStreamSeen.store(true, std::memory_order_release);
     }
     m_addedBytes.store(m_addedBytes.load(std::memory_order_relaxed) + packet->size, std::memory_order_release);
+    m_addedSinceLook.store(m_addedSinceLook.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     m_queue.Append(std::move(packet));
 }
 
 bool CMuxInterStream::HasRoom() {
     const UINT64 added = m_addedBytes.load(std::memory_order_acquire);
-    if (added - m_takenBytesSeen.load(std::memory_order_relaxed) < m_byteLimit) {
+    if (added - m_takenBytesSeen.load(std::memory_order_relaxed) < m_byteLimit &&
+        m_addedSinceLook.load(std::memory_order_relaxed) < kPacketsBetweenLooks) {
         return true;
     }
     m_takenBytesSeen.store(m_takenBytes.load(std::memory_order_acquire), std::memory_order_relaxed);
-    return IsWritable();
+    const bool isWritable = IsWritable();
+    m_addedSinceLook.store(isWritable ? 0 : kPacketsBetweenLooks, std::memory_order_relaxed);
+    return isWritable;
 }
 
 std::unique_ptr<CMuxInterPacket> CMuxInterStream::TakeFront() {

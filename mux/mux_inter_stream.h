@@ -28,6 +28,9 @@ class CMuxInterStream {
 
     // The queued bytes at which producers of such a stream block.
     [[nodiscard]] static UINT32 ByteLimitOf(MuxStreamKind kind);
+    // The packets at which they do as well: hours of any real stream, and with what each packet takes besides its bytes
+    // some 150 MiB of one that was made to fill the memory.
+    static constexpr size_t kMaxQueuedPackets = size_t{1} << 20;
 
     // Makes the stream an active one; before streaming starts.
     void Attach(CBaseMuxInputPin* pin, MuxStreamKind kind, bool interleaved);
@@ -55,7 +58,7 @@ class CMuxInterStream {
         const UINT64 taken = m_takenBytes.load(std::memory_order_seq_cst);
         return m_addedBytes.load(std::memory_order_acquire) - taken;
     }
-    [[nodiscard]] bool IsWritable() const { return QueuedBytes() < m_byteLimit; }
+    [[nodiscard]] bool IsWritable() const { return QueuedBytes() < m_byteLimit && QueuedPackets() < kMaxQueuedPackets; }
     [[nodiscard]] bool SawEndOfStream() const { return m_endOfStreamSeen.load(std::memory_order_acquire); }
     // Of the newest packet; there is one.
     [[nodiscard]] INT64 NewestStart() const { return m_newestStart.load(std::memory_order_acquire); }
@@ -102,7 +105,9 @@ class CMuxInterStream {
     [[nodiscard]] bool IsRoomAwaited() const { return m_roomAwaited.load(std::memory_order_seq_cst); }
     void SetRoomAwaited(bool awaited) { m_roomAwaited.store(awaited, std::memory_order_seq_cst); }
     // Low enough that waking the producers is worth it: they find room for more than one packet.
-    [[nodiscard]] bool HasMuchRoom() const { return QueuedBytes() <= m_byteLimit / 2; }
+    [[nodiscard]] bool HasMuchRoom() const {
+        return QueuedBytes() <= m_byteLimit / 2 && QueuedPackets() <= kMaxQueuedPackets / 2;
+    }
     // Where they sleep.
     win::ConditionVariable& Producers() { return m_producers; }
 
@@ -120,6 +125,7 @@ class CMuxInterStream {
     [[maybe_unused]] CacheLineGap m_gap{};
     std::atomic<UINT64> m_addedBytes{0}; // written by the producer from here on
     std::atomic<UINT64> m_takenBytesSeen{0};
+    std::atomic<UINT32> m_addedSinceLook{0}; // packets, since the producer last looked at what was taken
     std::atomic<INT64> m_newestStart{0};
     std::atomic<bool> m_endOfStreamSeen{false};
 

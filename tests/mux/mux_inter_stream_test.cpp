@@ -48,6 +48,24 @@ TEST(MuxInterStream, AttachMakesItActiveWithItsKindsLimit) {
     EXPECT_EQ(1048576u, stream.ByteLimit());
 }
 
+// The bytes of packets that are made small on purpose say nothing of the memory that they take.
+TEST(MuxInterStream, NeverQueuesMorePacketsThanAnyRealStreamHas) {
+    CMuxInterStream stream(0);
+    stream.Attach(nullptr, MuxStreamKind::Video, true);
+    size_t added = 0;
+    for (; stream.HasRoom() && added < CMuxInterStream::kMaxQueuedPackets * 2; ++added) {
+        stream.Append(MakePacket(0, 0, 1));
+    }
+    EXPECT_GE(added, CMuxInterStream::kMaxQueuedPackets);
+    EXPECT_LT(added, CMuxInterStream::kMaxQueuedPackets + CMuxInterStream::kMaxQueuedPackets / 100);
+    EXPECT_FALSE(stream.IsWritable());
+    while (!stream.IsWritable()) {
+        ASSERT_NE(nullptr, stream.TakeFront());
+    }
+    EXPECT_EQ(stream.QueuedPackets(), CMuxInterStream::kMaxQueuedPackets - 1);
+    EXPECT_TRUE(stream.HasRoom());
+}
+
 TEST(MuxInterStream, IsWritableExactlyWhileBelowItsLimit) {
     CMuxInterStream stream(0);
     stream.Append(MakePacket(0, 0, 1999));
