@@ -144,6 +144,12 @@ def steady_bomb(frames=60):
                     [(i, block(1, 0, frame)) for i in range(frames)])
 
 
+def tiny_keyframes(blocks, silent_tracks=0):
+    """256 frames of one byte a block, all of them keyframes and at the same time; and tracks that never have a block."""
+    tracks = [track(1, VIDEO, b"V_VP8")] + [track(2 + n, AUDIO, PCM) for n in range(silent_tracks)]
+    return matroska(tracks, [(0, *[block(1, 0, bytes([255]) + bytes(256), FIXED)] * blocks)])
+
+
 def attachment(name, data):
     return element(ATTACHED, element(FILE_NAME, name), element(MIME_TYPE, b"text/plain"), element(FILE_DATA, data))
 

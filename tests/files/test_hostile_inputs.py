@@ -73,6 +73,13 @@ class HostileInputs(MkvmuxCase):
     def test_many_frames_below_the_ratio(self):
         self.check("steady.mkv", hostile_files.steady_bomb())
 
+    def test_tiny_frames_cost_little(self):
+        path = self.directory / "tiny.mkv"
+        for blocks, silent_tracks in ((4000, 0), (16_000, 1)):
+            path.write_bytes(hostile_files.tiny_keyframes(blocks, silent_tracks))
+            run = self.run_bounded("-y", "-o", self.directory / "out.mkv", path)
+            self.assertEqual((run.status, run.error_lines), (0, []), run)
+
     def test_huge_chunks(self):
         for size in (0x50000000, 0x7F700000, 0x90000000):
             for is_there in (True, False):
