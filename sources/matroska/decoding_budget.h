@@ -19,12 +19,13 @@ class DecodingBudget {
     static constexpr UINT64 kMaxOverallRatio = 100;
 
     void Reset() { *this = {}; }
-    // What the frames of a block of so many bytes may become together.
-    [[nodiscard]] size_t RoomFor(size_t stored) const {
+    // What the frames of a block of so many bytes may become together. growth: how many times as large they may become
+    // once more behind their decompression.
+    [[nodiscard]] size_t RoomFor(size_t stored, size_t growth) const {
         const UINT64 allowed = kCredit + kMaxOverallRatio * (m_stored + stored);
         const UINT64 left = allowed > m_decoded ? allowed - m_decoded : 0;
         return static_cast<size_t>(
-            std::min<UINT64>({left, kMaxBlockBytes, UINT64{ContentDecoder::kMaxRatio} * stored}));
+            std::min<UINT64>({left, kMaxBlockBytes, UINT64{ContentDecoder::kMaxRatio} * stored * growth}));
     }
     // What they became, whether it was of any use or not.
     void Spend(size_t stored, size_t decoded) {

@@ -166,7 +166,8 @@ void MatroskaReader::TakeApart(std::vector<BYTE> payload, BYTE lacing, const Str
     }
     const auto frames = codecs::TakeFramesApart(payload, lacing);
     m_lostFrames = m_lostFrames || !frames;
-    const size_t allowed = m_budget.RoomFor(payload.size());
+    const size_t allowed =
+        m_budget.RoomFor(payload.size(), stream.avcLengthBytes != 0 ? codecs::kSampleLengthSizeBytes : 1);
     size_t room = allowed;
     for (const codecs::ByteView frame : frames.value_or(std::vector<codecs::ByteView>())) {
         std::optional<std::vector<BYTE>> data = DecodeFrame(stream, frame, room);
