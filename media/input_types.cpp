@@ -11,8 +11,4 @@ bool IsAcceptedInputType(const AM_MEDIA_TYPE& type) {
     return std::ranges::any_of(CodecTable(), [&type](const CodecRow& row) { return row.Accepts(type); });
 }
 
-bool IsTextOrSubtitle(const AM_MEDIA_TYPE& type) {
-    return FindTrackType(type.majortype) == kTrackTypeSubtitle;
-}
-
 } // namespace media

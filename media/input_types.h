@@ -9,7 +9,4 @@ namespace media {
 // codec mapping also looks at the format block: such a type may still be refused when streaming starts.
 [[nodiscard]] bool IsAcceptedInputType(const AM_MEDIA_TYPE& type);
 
-// Text and subtitle packets are written as block groups with a duration.
-[[nodiscard]] bool IsTextOrSubtitle(const AM_MEDIA_TYPE& type);
-
 } // namespace media

@@ -148,7 +148,6 @@ void CMatroskaFile::writeCues() {
     if (m_cues.pointCount() == 0) {
         return;
     }
-    m_cues.restorePoints();
     UINT64 size = 0;
     if (arrives([&] { size = m_cues.Render(m_gathering, false); })) {
         m_end += size;

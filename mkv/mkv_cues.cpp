@@ -1,6 +1,6 @@
 #include "mkv/mkv_cues.h"
 
-#include <utility>
+#include <algorithm>
 
 #include "mkv/cluster_rule.h"
 #include "mkv/element_values.h"
@@ -15,6 +15,21 @@ using libmatroska::KaxCueTime;
 using libmatroska::KaxCueTrack;
 using libmatroska::KaxCueTrackPositions;
 
+// One cue point after the other in the library's own form.
+class CPointElement {
+  public:
+    KaxCuePoint& of(UINT64 time, UINT64 track, UINT64 clusterPosition) {
+        SetChild<KaxCueTime>(m_point, time);
+        auto& positions = libebml::GetChild<KaxCueTrackPositions>(m_point);
+        SetChild<KaxCueTrack>(positions, track);
+        SetChild<KaxCueClusterPosition>(positions, clusterPosition);
+        return m_point;
+    }
+
+  private:
+    KaxCuePoint m_point;
+};
+
 } // namespace
 
 void CMkvCues::announce(UINT64 timeNs, UINT64 track) {
@@ -27,17 +42,33 @@ void CMkvCues::keepAnnounced(UINT64 clusterPosition) noexcept {
     }
 }
 
-void CMkvCues::restorePoints() {
-    dropAnnounced();
-    const std::vector<Point> points = std::exchange(m_points, {});
-    m_keptPoints = 0;
-    for (const Point& kept : points) {
-        auto& point = libebml::AddNewChild<KaxCuePoint>(*this);
-        SetChild<KaxCueTime>(point, kept.time);
-        auto& positions = libebml::AddNewChild<KaxCueTrackPositions>(point);
-        SetChild<KaxCueTrack>(positions, kept.track);
-        SetChild<KaxCueClusterPosition>(positions, kept.clusterPosition);
+filepos_t CMkvCues::Render(libebml::IOCallback& io, bool withDefaults) {
+    std::sort(m_points.begin(), m_points.begin() + static_cast<ptrdiff_t>(m_keptPoints),
+              [](const Point& a, const Point& b) { return a.time < b.time; });
+    return KaxCues::Render(io, withDefaults);
+}
+
+filepos_t CMkvCues::UpdateSize(bool withDefaults, bool force) {
+    CPointElement element;
+    filepos_t size = 0;
+    for (size_t i = 0; i < m_keptPoints; ++i) {
+        const Point& kept = m_points[i];
+        KaxCuePoint& point = element.of(kept.time, kept.track, kept.clusterPosition);
+        point.UpdateSize(withDefaults, force);
+        size += point.ElementSize(withDefaults);
     }
+    SetSize_(size);
+    return size;
+}
+
+filepos_t CMkvCues::RenderData(libebml::IOCallback& io, bool force, bool withDefaults) {
+    CPointElement element;
+    filepos_t size = 0;
+    for (size_t i = 0; i < m_keptPoints; ++i) {
+        const Point& kept = m_points[i];
+        size += element.of(kept.time, kept.track, kept.clusterPosition).Render(io, withDefaults, false, force);
+    }
+    return size;
 }
 
 } // namespace mkv

@@ -1,5 +1,6 @@
 // CMkvCues: the cue points of the file. A block is announced when it is added to its cluster and becomes a cue point
-// when that one is written; until the file is finished the point is three numbers.
+// when that one is written. A point is three numbers; the library's element, forty times as large, is made of one after
+// the other while they are rendered.
 // Units: times in nanoseconds, positions in bytes from the segment's content.
 // Owner: the file being written. Threads: the writer's. Errors: std::bad_alloc.
 #pragma once
@@ -23,12 +24,15 @@ class CMkvCues : public libmatroska::KaxCues {
     void dropAnnounced() noexcept { m_points.resize(m_keptPoints); }
 
     [[nodiscard]] size_t pointCount() const { return m_keptPoints; }
-    // For the end of the file: the points as elements again, ready to be rendered.
-    void restorePoints();
+
+    // In the library's order: by time, and where that is equal as its sort leaves them.
+    filepos_t Render(libebml::IOCallback& io, bool withDefaults = false);
+    // libebml::EbmlMaster, of the points that are kept. What is default is not rendered.
+    bool IsDefaultValue() const override { return m_keptPoints == 0; }
+    filepos_t UpdateSize(bool withDefaults = false, bool force = false) override;
+    filepos_t RenderData(libebml::IOCallback& io, bool force, bool withDefaults = false) override;
 
   private:
-    // An element of the library is forty times as large, and many of them among the clusters' buffers would tear the
-    // heap into pieces over the hours.
     struct Point {
         UINT64 time; // in ticks of the timestamp scale
         UINT64 clusterPosition;

@@ -100,7 +100,6 @@ class RenderedClusterTest : public testing::Test {
             cues.keepAnnounced(position);
         }
         if (cues.pointCount() > 0) {
-            cues.restorePoints();
             cues.Render(output.gathering, false);
         }
         output.gathering.flush();
