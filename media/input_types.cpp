@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "media/codec_table.h"
-#include "media/track_type.h"
 
 namespace media {
 

@@ -8,7 +8,7 @@ namespace mkv {
 namespace {
 
 // A cluster has up to 4 MiB of payload; memory that one with a huge block took is given back.
-constexpr size_t kMaxKeptBytes = size_t{8} << 20;
+constexpr size_t kMaxKeptBufferBytes = size_t{8} << 20;
 constexpr size_t kFirstRoomBytes = size_t{64} << 10;
 // The buffer doubles up to here, and grows by so much from there: what is too much of it stays small.
 constexpr size_t kMaxGrowthBytes = size_t{1} << 20;
@@ -44,7 +44,7 @@ void CClusterBytes::makeRoom(size_t bytes) {
 }
 
 void CClusterBytes::reset() noexcept {
-    if (m_buffer.capacity() > kMaxKeptBytes) {
+    if (m_buffer.capacity() > kMaxKeptBufferBytes) {
         std::vector<BYTE>().swap(m_buffer);
     }
     m_buffer.clear();

@@ -8,7 +8,7 @@ namespace mkvmux {
 namespace {
 
 constexpr int kDefaultColumns = 80;
-constexpr size_t kMaxLineChars = 32 * 1024; // a path has no more
+constexpr size_t kMaxLineChars = size_t{32} * 1024; // a path has no more
 
 bool IsConsole(HANDLE handle) {
     DWORD mode = 0;
