@@ -81,7 +81,7 @@ void MeasureStreamCalls() {
     AddLoad(table, LargeVideo(1, kVideoPackets));
     AddLoad(table, SmallAudio(1, kAudioPackets));
     table.Print();
-    PrintNote("expected: one Write a cluster, however many blocks it has, and no Seek: positions are counted");
+    PrintNote("expected: one Write a cluster, and two more for each payload that leaves from where it lies; no Seek");
     PrintNote("into a MemoryStream that records; the clusters are counted by a reader of its own");
 }
 

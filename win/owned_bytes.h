@@ -23,8 +23,8 @@ class ByteHome {
 class ByteReturn {
   public:
     ByteReturn() = default;
-    ByteReturn(std::default_delete<BYTE[]>) {
-    } // NOLINT(google-explicit-constructor): so that a std::unique_ptr converts
+    // Not explicit, so that a std::unique_ptr converts.
+    ByteReturn(std::default_delete<BYTE[]>) {}
     explicit ByteReturn(ByteHome& home) : m_home(&home) {}
 
     void operator()(BYTE* bytes) const noexcept {

@@ -6,31 +6,14 @@
 
 namespace source {
 
-HRESULT PacketAllocator::QueryInterface(REFIID iid, void** object) noexcept {
-    if (object == nullptr) {
-        return E_POINTER;
+HRESULT CPacketAllocator::NonDelegatingQueryInterface(REFIID iid, void** object) {
+    if (iid == IID_IMemAllocator) {
+        return GetInterface(static_cast<IMemAllocator*>(this), object);
     }
-    *object = iid == IID_IUnknown || iid == IID_IMemAllocator ? static_cast<IMemAllocator*>(this) : nullptr;
-    if (*object == nullptr) {
-        return E_NOINTERFACE;
-    }
-    AddRef();
-    return S_OK;
+    return CUnknown::NonDelegatingQueryInterface(iid, object);
 }
 
-ULONG PacketAllocator::AddRef() noexcept {
-    return ++m_references;
-}
-
-ULONG PacketAllocator::Release() noexcept {
-    const ULONG left = --m_references;
-    if (left == 0) {
-        delete this; // a sample that is out holds a reference, so none is
-    }
-    return left;
-}
-
-HRESULT PacketAllocator::SetProperties(ALLOCATOR_PROPERTIES* request, ALLOCATOR_PROPERTIES* actual) noexcept {
+HRESULT CPacketAllocator::SetProperties(ALLOCATOR_PROPERTIES* request, ALLOCATOR_PROPERTIES* actual) noexcept {
     if (request == nullptr || actual == nullptr) {
         return E_POINTER;
     }
@@ -54,7 +37,7 @@ HRESULT PacketAllocator::SetProperties(ALLOCATOR_PROPERTIES* request, ALLOCATOR_
     return S_OK;
 }
 
-HRESULT PacketAllocator::GetProperties(ALLOCATOR_PROPERTIES* properties) noexcept {
+HRESULT CPacketAllocator::GetProperties(ALLOCATOR_PROPERTIES* properties) noexcept {
     if (properties == nullptr) {
         return E_POINTER;
     }
@@ -64,7 +47,7 @@ HRESULT PacketAllocator::GetProperties(ALLOCATOR_PROPERTIES* properties) noexcep
 }
 
 // Where buffers are still out from before, those of that time serve on.
-HRESULT PacketAllocator::Commit() noexcept {
+HRESULT CPacketAllocator::Commit() noexcept {
     return ComGuard([this] {
         const win::LockGuard lock(m_lock);
         if (m_properties.cBuffers == 0) {
@@ -82,7 +65,7 @@ HRESULT PacketAllocator::Commit() noexcept {
     });
 }
 
-HRESULT PacketAllocator::Decommit() noexcept {
+HRESULT CPacketAllocator::Decommit() noexcept {
     const win::LockGuard lock(m_lock);
     m_isCommitted = false;
     if (!IsOut()) {
@@ -92,8 +75,8 @@ HRESULT PacketAllocator::Decommit() noexcept {
     return S_OK;
 }
 
-HRESULT PacketAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME* /*start*/, REFERENCE_TIME* /*stop*/,
-                                   DWORD flags) noexcept {
+HRESULT CPacketAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME* /*start*/, REFERENCE_TIME* /*stop*/,
+                                    DWORD flags) noexcept {
     if (sample == nullptr) {
         return E_POINTER;
     }
@@ -103,12 +86,12 @@ HRESULT PacketAllocator::GetBuffer(IMediaSample** sample, REFERENCE_TIME* /*star
     return hr;
 }
 
-HRESULT PacketAllocator::GetSample(PacketSample** sample) {
+HRESULT CPacketAllocator::GetSample(PacketSample** sample) {
     return Take(0, *sample);
 }
 
 // The one that came back last, whose bytes are in the processor's cache.
-HRESULT PacketAllocator::Take(DWORD flags, PacketSample*& sample) {
+HRESULT CPacketAllocator::Take(DWORD flags, PacketSample*& sample) {
     sample = nullptr;
     const win::LockGuard lock(m_lock);
     while (m_isCommitted && m_free.empty()) {
@@ -127,11 +110,11 @@ HRESULT PacketAllocator::Take(DWORD flags, PacketSample*& sample) {
     return S_OK;
 }
 
-HRESULT PacketAllocator::ReleaseBuffer(IMediaSample* /*sample*/) noexcept {
+HRESULT CPacketAllocator::ReleaseBuffer(IMediaSample* /*sample*/) noexcept {
     return E_UNEXPECTED;
 }
 
-void PacketAllocator::TakeBack(PacketSample& sample) noexcept {
+void CPacketAllocator::TakeBack(PacketSample& sample) noexcept {
     {
         const win::LockGuard lock(m_lock);
         m_free.push_back(&sample);
@@ -143,7 +126,7 @@ void PacketAllocator::TakeBack(PacketSample& sample) noexcept {
     Release(); // the sample's
 }
 
-void PacketAllocator::FreeSamples() {
+void CPacketAllocator::FreeSamples() {
     m_free.clear();
     m_samples.clear();
 }

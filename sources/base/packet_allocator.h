@@ -1,4 +1,4 @@
-// PacketAllocator: a memory allocator without kernel objects: a buffer that is there is taken and given back without a
+// CPacketAllocator: a memory allocator without kernel objects: a buffer that is there is taken and given back without a
 // call of the system. Its samples exchange their bytes for a packet's (PacketSample), so that memory is taken only for
 // those who ask for a pointer.
 //
@@ -7,10 +7,10 @@
 // bytes and for alignment beyond the heap's, which an exchange could not keep.
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <vector>
 
+#include "dshow/unknown.h"
 #include "sources/base/packet_sample.h"
 #include "win/condition_variable.h"
 #include "win/critical_section.h"
@@ -18,15 +18,16 @@
 
 namespace source {
 
-class PacketAllocator final : public IMemAllocator, public SampleHome {
+class CPacketAllocator final : public CUnknown, public IMemAllocator, public SampleHome {
   public:
+    CPacketAllocator() : CUnknown(OLESTR("PacketAllocator"), nullptr) {}
+
     // As GetBuffer without flags.
     [[nodiscard]] HRESULT GetSample(PacketSample** sample);
 
-    // IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override;
-    ULONG STDMETHODCALLTYPE Release() noexcept override;
+    DECLARE_IUNKNOWN
+    STDMETHODIMP NonDelegatingQueryInterface(REFIID iid, void** object) override;
+
     // IMemAllocator
     HRESULT STDMETHODCALLTYPE SetProperties(ALLOCATOR_PROPERTIES* request,
                                             ALLOCATOR_PROPERTIES* actual) noexcept override;
@@ -44,12 +45,11 @@ class PacketAllocator final : public IMemAllocator, public SampleHome {
     void TakeBack(PacketSample& sample) noexcept override;
 
   private:
-    ~PacketAllocator() = default;
+    ~CPacketAllocator() override = default;
     HRESULT Take(DWORD flags, PacketSample*& sample);
     [[nodiscard]] bool IsOut() const QRX_REQUIRES(m_lock) { return m_free.size() < m_samples.size(); }
     void FreeSamples() QRX_REQUIRES(m_lock);
 
-    std::atomic<ULONG> m_references{0};
     win::CriticalSection m_lock;
     win::ConditionVariable m_changed; // a buffer came back, or no more are given
     ALLOCATOR_PROPERTIES m_properties QRX_GUARDED_BY(m_lock){};

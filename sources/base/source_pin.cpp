@@ -76,7 +76,7 @@ HRESULT CSourcePin::DecideAllocator(IMemInputPin* peer, IMemAllocator** allocato
 }
 
 HRESULT CSourcePin::InitAllocator(IMemAllocator** allocator) {
-    m_ownAllocator = win::ComPtr<PacketAllocator>(new PacketAllocator);
+    m_ownAllocator = win::ComPtr<CPacketAllocator>(new CPacketAllocator);
     m_ownAllocator->AddRef(); // the caller's
     *allocator = m_ownAllocator.Get();
     return S_OK;

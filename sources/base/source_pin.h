@@ -42,8 +42,8 @@ class CSourcePin final : public CBaseOutputPin {
 
     const std::vector<CMediaType> m_types;
     const size_t m_firstBufferBytes;
-    win::ComPtr<PacketAllocator> m_ownAllocator; // the one agreed on, unless that is the peer's
-    std::atomic<size_t> m_bufferBytes{0};        // of each buffer of the allocator
+    win::ComPtr<CPacketAllocator> m_ownAllocator; // the one agreed on, unless that is the peer's
+    std::atomic<size_t> m_bufferBytes{0};         // of each buffer of the allocator
     bool m_takesSamples = false;
     CCritSec m_growLock; // growing the buffers against stopping
     bool m_active = false;

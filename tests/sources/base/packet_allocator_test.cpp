@@ -27,7 +27,7 @@ class PacketAllocatorTest : public testing::Test {
         ASSERT_EQ(m_allocator->Commit(), S_OK);
     }
 
-    win::ComPtr<PacketAllocator> m_allocator{new PacketAllocator};
+    win::ComPtr<CPacketAllocator> m_allocator{new CPacketAllocator};
     ALLOCATOR_PROPERTIES m_actual{};
     HRESULT m_answer = S_OK;
 };
@@ -62,7 +62,7 @@ TEST_F(PacketAllocatorTest, RefusesPropertiesThatItCannotKeep) {
     EXPECT_EQ(m_allocator->SetProperties(nullptr, &m_actual), E_POINTER);
     EXPECT_EQ(m_allocator->GetProperties(nullptr), E_POINTER);
     EXPECT_EQ(m_allocator->GetBuffer(nullptr, nullptr, nullptr, 0), E_POINTER);
-    EXPECT_EQ(win::ComPtr<PacketAllocator>(new PacketAllocator)->Commit(), VFW_E_SIZENOTSET);
+    EXPECT_EQ(win::ComPtr<CPacketAllocator>(new CPacketAllocator)->Commit(), VFW_E_SIZENOTSET);
     EXPECT_EQ(Ask({2, 10, __STDCPP_DEFAULT_NEW_ALIGNMENT__, 0}), S_OK);
 }
 

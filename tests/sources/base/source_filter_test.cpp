@@ -226,7 +226,7 @@ TEST_F(SourceFilter, LargePacketsGetFewerBuffersAndTheirProductStaysSmall) {
 }
 
 bool IsOurs(IMemAllocator* allocator) {
-    return dynamic_cast<PacketAllocator*>(allocator) != nullptr;
+    return dynamic_cast<CPacketAllocator*>(allocator) != nullptr;
 }
 
 TEST_F(SourceFilter, BuffersAreOursWhereThePeerHasOnlyTheSystems) {
