@@ -7,6 +7,7 @@
 
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
+#include <matroska/KaxAttachments.h>
 #include <matroska/KaxInfo.h>
 
 #include "media/track_type.h"
@@ -21,7 +22,8 @@ namespace mkv {
 namespace {
 
 constexpr UINT64 kDocTypeVersion = 2;
-constexpr UINT64 kPlaceholderDataBytes = 300;
+constexpr UINT64 kPlaceholderHeadBytes = 3;
+constexpr UINT64 kPlaceholderDataBytes = kPlaceBytes - kPlaceholderHeadBytes;
 constexpr int kPatchTries = 2;
 constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
 
@@ -97,6 +99,33 @@ void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
         m_gathering.returnTo(place); // what comes next takes its place
         return;
     }
+    m_seekHead.IndexThis(element, m_segment);
+}
+
+// What was written then is rendered once more, since the library learns positions that way alone, and forgotten.
+void CMatroskaFile::resume(const CutRecording& recording) {
+    m_gathering.moveTo(recording.segment);
+    writeSegmentHead();
+    writePlaceholder(m_seekHeadPlace);
+    writePlaceholder(m_infoPlace);
+    m_gathering.discard();
+    indexAt<libmatroska::KaxTracks>(recording.tracks);
+    if (recording.attachments) {
+        indexAt<libmatroska::KaxAttachments>(*recording.attachments);
+    }
+    for (const CutRecording::CuePoint& point : recording.cuePoints) {
+        m_cues.announce(point.timeNs, point.track);
+        m_cues.keepAnnounced(point.clusterPosition);
+    }
+    m_gathering.moveTo(recording.end);
+}
+
+template <typename Element>
+void CMatroskaFile::indexAt(UINT64 position) {
+    Element element;
+    m_gathering.moveTo(position);
+    element.Render(m_gathering, true, false, true); // without children it is a default, and not rendered else
+    m_gathering.discard();
     m_seekHead.IndexThis(element, m_segment);
 }
 

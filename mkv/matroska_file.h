@@ -13,6 +13,7 @@
 #include <matroska/KaxSegment.h>
 
 #include "mkv/cluster_writer.h"
+#include "mkv/cut_recording.h"
 #include "mkv/gathering_io.h"
 #include "mkv/mkv_cues.h"
 #include "mkv/writer_input.h"
@@ -28,6 +29,9 @@ inline constexpr UINT64 kMaxSegmentDataBytes = (UINT64{1} << (7 * kSegmentSizeFi
     return dataBytes <= kMaxSegmentDataBytes;
 }
 
+// Two places of this size lie in front of the tracks: one is for the seek head, the other for the information.
+inline constexpr UINT64 kPlaceBytes = 303;
+
 class CMatroskaFile {
   public:
     explicit CMatroskaFile(CFileOutput& io);
@@ -42,6 +46,9 @@ class CMatroskaFile {
     void writeElement(libebml::EbmlMaster& element);
     void startFirstCluster() { m_clusters.startCluster(0); }
 
+    // Instead of all of them: the output holds such a recording, which finalise finishes. Writes nothing itself.
+    void resume(const CutRecording& recording);
+
     [[nodiscard]] CClusterWriter& clusters() { return m_clusters; }
 
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
@@ -55,6 +62,8 @@ class CMatroskaFile {
     void writeSegmentHead();
     void writePlaceholder(libebml::EbmlVoid& placeholder);
     void flushHeadPart();
+    template <typename Element>
+    void indexAt(UINT64 position);
     void patch(libmatroska::KaxInfo& info, UINT64 dataStart);
     void writeLostHeadParts();
     [[nodiscard]] bool arrives(const std::function<void()>& write);

@@ -11,6 +11,7 @@
 #include "mkvmux/interruption.h"
 #include "mkvmux/mux_job.h"
 #include "mkvmux/options.h"
+#include "mkvmux/repair_job.h"
 #include "mkvmux/text.h"
 #include "win/com_apartment.h"
 #include "win/platform.h"
@@ -26,7 +27,9 @@ int Follow(const Options& options, Interruption& interruption) {
     if (FAILED(apartment.Entered())) {
         throw Failure("COM cannot be initialised: " + DescribeResult(apartment.Entered()));
     }
-    if (options.identify) {
+    if (!options.repair.empty()) {
+        Repair(options, interruption, console);
+    } else if (options.identify) {
         const std::string identified = Identify(options);
         interruption.Check();
         Console::Print(identified);

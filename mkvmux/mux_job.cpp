@@ -3,6 +3,7 @@
 #include <set>
 
 #include "mkvmux/apply_settings.h"
+#include "mkvmux/display_choice.h"
 #include "mkvmux/exit_status.h"
 #include "mkvmux/failure.h"
 #include "mkvmux/file_checks.h"
@@ -65,15 +66,6 @@ void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& set
         ShowPropertyPages(graph.Muxer().Get());
     }
     CheckLanguages(graph, settings, console);
-}
-
-ProgressDisplay MakeDisplay(const Options& options) {
-    using Style = ProgressDisplay::Style;
-    Style style = Console::IsTerminal() ? Style::Bar : Style::Lines;
-    if (options.progress == ProgressMode::Never || (options.progress == ProgressMode::Auto && options.quiet)) {
-        style = Style::None;
-    }
-    return ProgressDisplay(style, Console::TerminalColumns(), Console::Print);
 }
 
 void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Console& console) {

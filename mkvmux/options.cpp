@@ -22,6 +22,7 @@ const std::map<std::string, ProgressMode> kProgressModes{
 // The texts as the parser stores them; it knows UTF-8 alone.
 struct RawOptions {
     std::string output;
+    std::string repair;
     std::string logDirectory;
     std::string saveConfig;
     std::string loadConfig;
@@ -50,6 +51,9 @@ void DescribeRun(CLI::App& app, Options& options, RawOptions& raw) {
     app.option_defaults()->group("Other");
     app.add_flag("--identify", options.identify, "list the streams of the inputs and write nothing");
     app.add_flag("--json", options.json, "make --identify answer in JSON");
+    app.add_option("--repair", raw.repair, "finish a recording that was cut off, in the file itself")
+        ->type_name("FILE")
+        ->check(NoOption());
     app.add_flag("--list-languages", raw.listLanguages, "list the languages with their codes");
     app.add_option("--load-config", raw.loadConfig, "begin with the settings and attachments of this file")
         ->type_name("FILE")
@@ -94,6 +98,7 @@ ProgressMode ReadProgressMode(const std::string& text) {
 
 void Complete(Options& options, const RawOptions& raw) {
     options.output = WideFromUtf8(raw.output);
+    options.repair = WideFromUtf8(raw.repair);
     options.webm = options.webm || EndsInWebm(options.output);
     options.logDirectory = WideFromUtf8(raw.logDirectory);
     options.saveConfig = WideFromUtf8(raw.saveConfig);
@@ -113,6 +118,10 @@ void Complete(Options& options, const RawOptions& raw) {
 
 // What the parser cannot know: which options need which others. Empty when all is well.
 std::string Contradiction(const Options& options) {
+    if (!options.repair.empty()) {
+        const bool isAlone = options.inputs.empty() && options.output.empty() && !options.identify;
+        return isAlone ? "" : "--repair goes without inputs, --output and --identify";
+    }
     if (options.inputs.empty()) {
         return "no input is given";
     }

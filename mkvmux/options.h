@@ -22,6 +22,7 @@ struct InputOptions {
 
 struct Options {
     std::wstring output;
+    std::wstring repair; // the recording to finish, and nothing else; empty: none
     bool overwrite = false;
     bool webm = false;
     bool identify = false;

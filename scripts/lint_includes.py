@@ -29,13 +29,14 @@ ALLOWED = {
     "sources/matroska": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/annexb": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/text": {"sources/base", "media", "dshow", "win"},
-    "mkvmux": {"client", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/text", "media",
+    "repair": {"mkv", "sources/matroska", "sources/base", "media", "win"},
+    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/text", "media",
                "records", "dshow", "win", "include"},
     "examples": {"include"},
 }
 # Headers from outside that only some folders may use.
 ONLY_IN = {
-    r"(ebml|matroska)/": {"mkv", "sources/matroska"},
+    r"(ebml|matroska)/": {"mkv", "sources/matroska", "repair"},
     r"(windows|winnt|guiddef|objbase|dshow|strmif)\.h$": {"win", "include", "dshow", "ui", "examples"},
     r"msxml": {"settings"},
     r"(CLI|nlohmann)/": {"mkvmux"},

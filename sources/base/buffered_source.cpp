@@ -4,15 +4,6 @@
 
 namespace source {
 
-namespace {
-
-constexpr size_t kWindowBytes = size_t{64} * 1024;
-
-} // namespace
-
-BufferedSource::BufferedSource(std::unique_ptr<ByteSource> source)
-    : m_source(std::move(source)), m_window(kWindowBytes) {}
-
 size_t BufferedSource::CopyHeld(UINT64 offset, std::span<BYTE> buffer) const {
     if (offset < m_start || offset - m_start >= m_held) {
         return 0;

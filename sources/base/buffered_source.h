@@ -12,7 +12,10 @@ namespace source {
 
 class BufferedSource final : public ByteSource {
   public:
-    explicit BufferedSource(std::unique_ptr<ByteSource> source);
+    static constexpr size_t kWindowBytes = size_t{64} * 1024;
+
+    explicit BufferedSource(std::unique_ptr<ByteSource> source, size_t windowBytes = kWindowBytes)
+        : m_source(std::move(source)), m_window(windowBytes) {}
 
     [[nodiscard]] UINT64 Size() const override { return m_source->Size(); }
     [[nodiscard]] size_t ReadAt(UINT64 offset, std::span<BYTE> buffer) const override;

@@ -131,6 +131,17 @@ TEST(Options, IdentifyCanAnswerInJson) {
     EXPECT_FALSE(Parsed({"--identify", "a.avi"}).json);
 }
 
+TEST(Options, ARepairNamesItsFileAndStandsAlone) {
+    EXPECT_EQ(Parsed({"--repair", "cut.mkv"}).repair, L"cut.mkv");
+    for (const std::vector<std::string>& more :
+         std::vector<std::vector<std::string>>{{"a.avi"}, {"-o", "o"}, {"--identify"}}) {
+        std::vector<std::string> arguments{"--repair", "cut.mkv"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(Refused(arguments).output,
+                  "--repair goes without inputs, --output and --identify; see mkvmux --help");
+    }
+}
+
 TEST(Options, AnUnknownLanguageIsRefusedWithTheNearestNames) {
     const EarlyExit exit = Refused({"-o", "o", "--language", "0:Germn", "a.avi"});
     EXPECT_EQ(exit.status, 2);
@@ -147,11 +158,12 @@ TEST(Options, TheLanguagesCanBeListed) {
 TEST(Options, HelpAndVersionEndWithSuccess) {
     const EarlyExit help = Refused({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* option :
-         {"--output",      "--webm",        "--identify",      "--no-register",        "--quiet",   "--progress",
-          "--version",     "--help",        "--track-name",    "--language",           "--default", "--disable",
-          "--attach",      "--attach-mime", "--attach-name",   "--attach-description", "--json",    "--log",
-          "--save-config", "--load-config", "--list-languages"}) {
+    for (const char* option : {"--output",         "--webm",        "--identify",    "--no-register",
+                               "--quiet",          "--progress",    "--version",     "--help",
+                               "--track-name",     "--language",    "--default",     "--disable",
+                               "--attach",         "--attach-mime", "--attach-name", "--attach-description",
+                               "--json",           "--log",         "--save-config", "--load-config",
+                               "--list-languages", "--repair"}) {
         EXPECT_THAT(help.output, HasSubstr(option));
     }
     const EarlyExit version = Refused({"--version"});

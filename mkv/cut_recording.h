@@ -1,0 +1,26 @@
+// What is known of a recording that was cut off before it was finalised.
+// Units: bytes from the output's start unless named; nanoseconds.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "win/platform.h"
+
+namespace mkv {
+
+struct CutRecording {
+    struct CuePoint {
+        UINT64 timeNs = 0;
+        UINT64 track = 0;
+        UINT64 clusterPosition = 0; // from the Segment's content
+    };
+
+    UINT64 segment = 0; // where the element begins
+    UINT64 tracks = 0;  // and this one
+    std::optional<UINT64> attachments;
+    std::vector<CuePoint> cuePoints;
+    UINT64 end = 0; // behind the last cluster that is whole
+};
+
+} // namespace mkv

@@ -1,0 +1,22 @@
+// The blocks of one cluster alone.
+#pragma once
+
+#include "sources/matroska/block_walker.h"
+
+namespace repair {
+
+// Calls visit(block) until it answers false; false when the cluster is damaged as far as it was walked.
+template <typename Visit>
+bool WalkCluster(const matroska::EbmlReader& reader, const matroska::Element& cluster, Visit visit) {
+    matroska::Element around = cluster; // what the walker takes for the Segment
+    around.data = cluster.start;
+    matroska::BlockWalker walker(reader, around);
+    while (const auto block = walker.Next()) {
+        if (!visit(*block)) {
+            break;
+        }
+    }
+    return !walker.IsDamaged();
+}
+
+} // namespace repair

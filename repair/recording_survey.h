@@ -1,0 +1,68 @@
+// RecordingSurvey: reads a recording of the muxer as far as is needed to finish it: the head, the head of each cluster
+// with its first block, and the last clusters as a whole. So it takes a read a cluster, whatever lies inside.
+//
+// Units: bytes from the file's start, nanoseconds. Owner: holds a view of the source. Threads: one.
+// Errors: Refusal for what is no such recording, or is damaged elsewhere than at its end; std::bad_alloc.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+
+#include "mkv/cut_recording.h"
+#include "sources/matroska/block_walker.h"
+#include "sources/matroska/matroska_file.h"
+
+namespace repair {
+
+// Told how far the file is read; it may throw to end the survey.
+using Progress = std::function<void(UINT64 done, UINT64 all)>;
+
+struct Recording {
+    bool isFinished = false; // by the muxer itself: nothing else is known then
+    mkv::CutRecording cut;
+    UINT64 fileBytes = 0;
+    UINT64 clusters = 0;
+    UINT64 durationNs = 0;
+};
+
+class RecordingSurvey {
+  public:
+    RecordingSurvey(const source::ByteSource& source, Progress progress)
+        : m_reader(source), m_progress(std::move(progress)) {}
+
+    [[nodiscard]] Recording Read();
+
+  private:
+    struct Track {
+        UINT64 type = 0;
+        UINT64 defaultDurationNs = 0;
+    };
+    struct Cluster {
+        matroska::Element element;
+        size_t pointsBefore = 0; // cue points of the clusters before it
+    };
+
+    void ReadHead();
+    [[nodiscard]] bool IsPlace(UINT64 position, UINT32 content) const;
+    void ReadTracks(const matroska::Element& tracks);
+    [[nodiscard]] UINT64 ReadClusters(UINT64 position);
+    void AddCluster(const matroska::Element& cluster);
+    void AddCuePoints(const matroska::Element& cluster, bool ofAllBlocks);
+    [[nodiscard]] bool IsCuePoint(const matroska::Block& block) const;
+    void DropTornClusters();
+    void CheckTail(UINT64 position) const;
+    [[nodiscard]] bool EndsFinished(UINT64 position) const;
+    void FindDuration();
+    [[nodiscard]] UINT64 Size() const { return m_reader.Source().Size(); }
+
+    const matroska::EbmlReader m_reader;
+    const Progress m_progress;
+    Recording m_recording;
+    matroska::Element m_segment;
+    std::map<UINT64, Track> m_tracks; // by their numbers
+    UINT64 m_cueTrack = 0;            // 0: there is none
+    std::deque<Cluster> m_last;       // of the clusters
+};
+
+} // namespace repair

@@ -1,0 +1,13 @@
+// Why a file is not repaired; it is left as it was. UTF-8, without a final full stop.
+#pragma once
+
+#include <stdexcept>
+
+namespace repair {
+
+class Refusal : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace repair

@@ -1,0 +1,91 @@
+"""mkvmux --repair finishes a recording that was cut off, in the file itself."""
+
+import os
+import random
+import shutil
+import signal
+import time
+
+from whole_files import ebml_clusters
+from whole_files.mkvmux_case import MkvmuxCase, long_mkv
+
+KILL_AFTER_BYTES = 20_000_000
+HEAD_BYTES = 4096  # far more than the head of these files
+CUTS = int(os.environ.get("QRX_CUTS", "5"))
+
+
+class Repair(MkvmuxCase):
+    def recording(self):
+        """What a run leaves that was killed."""
+        output = self.directory / "recording.mkv"
+        process = self.start("-o", output, long_mkv())
+        self.wait_for_bytes(output, KILL_AFTER_BYTES, process)
+        process.signal(signal.SIGKILL)
+        process.wait()
+        return output
+
+    def repair(self, path):
+        run = self.mkvmux("--repair", path, "--progress", "never")
+        self.assertEqual((run.status, run.error_lines), (0, []), f"it was not repaired: {run}")
+        return run.output
+
+    def assert_whole(self, path, frames):
+        self.assertEqual(ebml_clusters.frames_in_whole_clusters(path), frames)
+        self.identify(path)
+        self.assert_decodes(path)
+        for stream in (0, 1):
+            expected = self.packets(long_mkv(), stream)[: frames[stream + 1]]
+            self.assertEqual(self.packets(path, stream), expected)
+
+    def test_recordings_cut_at_random_bytes_become_whole_files(self):
+        recording = self.recording()
+        size = recording.stat().st_size
+        seed = int(os.environ.get("QRX_SEED", time.time_ns()))
+        print(f"cut with seed {seed}")
+        places = random.Random(seed)
+        for number in range(CUTS):
+            cut = places.randrange(HEAD_BYTES, size)
+            with self.subTest(cut=cut):
+                path = self.directory / "cut.mkv"
+                shutil.copy(recording, path)
+                os.truncate(path, cut)
+                frames = ebml_clusters.frames_in_whole_clusters(path)
+                self.assertIn("repaired: ", self.repair(path))
+                self.assert_whole(path, frames)
+                if number == 0:
+                    self.save_for_judges(path)
+
+    def test_what_is_repaired_is_whole_and_left_alone(self):
+        path = self.recording()
+        self.repair(path)
+        before = path.read_bytes()
+        self.assertIn(f"{path.name}: is whole already; nothing is changed", self.repair(path))
+        self.assertEqual(path.read_bytes(), before)
+
+    def test_a_player_can_seek_in_it(self):
+        path = self.recording()
+        self.repair(path)
+        found = self.run_ffprobe(path, "-read_intervals", "3%+#1", "-select_streams", "0", "-show_entries",
+                                 "packet=pts_time,flags", "-of", "csv=p=0")
+        start, flags = found.strip().strip(",").split(",")[:2]
+        self.assertTrue(flags.startswith("K"))
+        self.assertTrue(0 < float(start) <= 3, f"the keyframe in front of the third second is at {start}")
+
+    def test_what_is_no_recording_of_ours_is_refused(self):
+        path = self.directory / "other.mkv"
+        shutil.copy(long_mkv(), path)
+        before = path.read_bytes()
+        run = self.mkvmux("--repair", path)
+        self.assert_fails(run, "cannot be repaired: it is no recording of this muxer", "mkvmux -o NEW.mkv FILE")
+        self.assertEqual(path.read_bytes(), before)
+
+    def test_a_file_that_is_not_there_or_still_recorded_is_refused(self):
+        self.assert_fails(self.mkvmux("--repair", self.directory / "none.mkv"), "none.mkv: cannot be opened")
+        output = self.directory / "running.mkv"
+        process = self.start("-o", output, long_mkv())
+        self.wait_for_bytes(output, 1_000_000, process)
+        run = self.mkvmux("--repair", output)
+        if process.is_running():
+            self.assert_fails(run, "running.mkv: cannot be opened for writing")
+        process.wait()
+        self.identify(output)

@@ -1,0 +1,158 @@
+// Recordings that were cut off are finished as the muxer would have.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "tests/repair/recording_fixture.h"
+#include "tests/support/layout_check.h"
+
+using test_support::StreamOperation;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class FinishRecordingTest : public RecordingTest {
+  protected:
+    // How many clusters of the finished file end at that byte or in front of it.
+    [[nodiscard]] UINT64 WholeClusters(UINT64 size) const {
+        UINT64 count = 0;
+        for (const auto* cluster : test_support::ReadLayout(m_finished).Segment()->Children(
+                 test_support::ebml_id::kCluster)) {
+            count += cluster->End() <= size ? 1 : 0;
+        }
+        return count;
+    }
+
+    void ExpectRepaired(UINT64 size, const repair::Recording& recording) {
+        const Bytes repaired = m_stream.Bytes();
+        EXPECT_EQ(recording.clusters, WholeClusters(size));
+        EXPECT_THAT(test_support::CheckLayout(repaired), IsEmpty());
+        const auto layout = test_support::ReadLayout(repaired);
+        EXPECT_EQ(layout.clusters.size(), WholeClusters(size));
+        const UINT64 kept = layout.clusters.empty() ? HeadEnd() : layout.Segment()->Children(
+            test_support::ebml_id::kCluster).back()->End();
+        EXPECT_TRUE(std::equal(m_cut.begin() + static_cast<ptrdiff_t>(HeadEnd()),
+                               m_cut.begin() + static_cast<ptrdiff_t>(kept),
+                               repaired.begin() + static_cast<ptrdiff_t>(HeadEnd())))
+            << "whole clusters stay as they are";
+    }
+};
+
+TEST_F(FinishRecordingTest, ARecordingThatLacksNothingButItsEndBecomesTheFileThatStopMakes) {
+    for (const bool hasAttachment : {false, true}) {
+        Record({.hasAttachment = hasAttachment});
+        const repair::Recording recording = Repair(m_cut);
+        EXPECT_FALSE(recording.isFinished);
+        EXPECT_EQ(recording.durationNs, 2400000000U);
+        EXPECT_EQ(recording.cut.cuePoints.size(), 6U);
+        EXPECT_TRUE(m_stream.Bytes() == m_finished);
+    }
+}
+
+TEST_F(FinishRecordingTest, WhereverItIsCutEveryWholeClusterIsKept) {
+    Record({.hasSubtitles = true, .hasAttachment = true});
+    for (UINT64 size = HeadEnd(); size <= m_cut.size(); ++size) {
+        SCOPED_TRACE(size);
+        ExpectRepaired(size, Repair(Bytes(m_cut.begin(), m_cut.begin() + static_cast<ptrdiff_t>(size))));
+        const repair::Recording again = repair::SurveyRecording(m_stream, [](UINT64, UINT64) {});
+        ASSERT_TRUE(again.isFinished);
+    }
+}
+
+TEST_F(FinishRecordingTest, ACopyOfAFinishedFileThatBrokeOffIsFinishedAgain) {
+    Record();
+    const UINT64 size = ClusterStarts().back() + 1;
+    ExpectRepaired(size, Repair(Bytes(m_finished.begin(), m_finished.begin() + static_cast<ptrdiff_t>(size))));
+}
+
+TEST_F(FinishRecordingTest, AFileThatIsWholeIsLeftAlone) {
+    Record();
+    m_stream.ClearCalls();
+    EXPECT_TRUE(Repair(m_finished).isFinished);
+    EXPECT_TRUE(m_stream.Bytes() == m_finished);
+    EXPECT_THAT(m_stream.Calls(StreamOperation::Write), IsEmpty());
+}
+
+// Of the process nothing more comes from that write on; the write may bring a part.
+TEST_F(FinishRecordingTest, ARepairThatIsKilledAtAnyMomentCanBeRunAgain) {
+    Record({.hasSubtitles = true});
+    const Bytes torn(m_cut.begin(), m_cut.end() - 3);
+    m_stream.ClearCalls();
+    const UINT64 keptEnd = Repair(torn).cut.end;
+    const Bytes expected = m_stream.Bytes();
+    const std::vector<test_support::StreamCall> writes = m_stream.Calls(StreamOperation::Write);
+    ASSERT_GE(writes.size(), 4U);
+    ASSERT_EQ(m_stream.Calls(StreamOperation::SetSize).front().size, keptEnd) << "the torn end goes first";
+    Bytes killed = torn;
+    killed.resize(keptEnd);
+    for (const auto& write : writes) {
+        for (const UINT64 kept : {UINT64{0}, UINT64{1}, write.size / 2, write.size}) {
+            SCOPED_TRACE(testing::Message() << kept << " of " << write.size << " bytes at " << write.position);
+            Bytes now = killed;
+            now.resize(std::max<size_t>(now.size(), write.position + kept));
+            std::copy_n(expected.begin() + static_cast<ptrdiff_t>(write.position), kept,
+                        now.begin() + static_cast<ptrdiff_t>(write.position));
+            Repair(now);
+            EXPECT_TRUE(m_stream.Bytes() == expected);
+            if (kept == write.size) {
+                killed = now;
+            }
+        }
+    }
+}
+
+TEST_F(FinishRecordingTest, AWriteThatFailsIsTold) {
+    Record();
+    m_stream.SetBytes(m_cut);
+    const repair::Recording recording = repair::SurveyRecording(m_stream, [](UINT64, UINT64) {});
+    m_stream.FailFrom(StreamOperation::Write, 1, STG_E_MEDIUMFULL);
+    try {
+        repair::FinishRecording(m_stream, recording);
+        ADD_FAILURE() << "it was not told";
+    } catch (const repair::WriteFailure& failure) {
+        EXPECT_EQ(failure.hr, STG_E_MEDIUMFULL);
+    }
+    m_stream.ClearFailures();
+    Repair(m_stream.Bytes());
+    EXPECT_TRUE(m_stream.Bytes() == m_finished);
+}
+
+TEST_F(FinishRecordingTest, ALastClusterWhoseBytesNeverCameGoesWithItsCuePoints) {
+    Record();
+    Bytes bytes = m_cut;
+    std::fill(bytes.begin() + static_cast<ptrdiff_t>(ClusterStarts().back() + 12), bytes.end(), BYTE{0});
+    ExpectRepaired(ClusterStarts().back(), Repair(bytes));
+    EXPECT_EQ(test_support::ReadLayout(m_stream.Bytes()).cues.size(), 5U);
+}
+
+TEST_F(FinishRecordingTest, RoomThatTheFileSystemMadeIsCutOff) {
+    Record();
+    Bytes bytes = m_cut;
+    bytes.resize(bytes.size() + 100000);
+    Repair(bytes);
+    EXPECT_TRUE(m_stream.Bytes() == m_finished);
+}
+
+TEST_F(FinishRecordingTest, SoundAloneGetsACuePointACluster) {
+    Record({.hasVideo = false, .pictures = 2000});
+    Repair(m_cut);
+    const auto layout = test_support::ReadLayout(m_stream.Bytes());
+    ASSERT_GE(layout.clusters.size(), 2U);
+    EXPECT_EQ(layout.cues.size(), layout.clusters.size());
+    EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());
+}
+
+TEST_F(FinishRecordingTest, ProgressIsToldAndMayEndTheSurvey) {
+    Record();
+    m_stream.SetBytes(m_cut);
+    std::vector<UINT64> told;
+    (void)repair::SurveyRecording(m_stream, [&](UINT64 done, UINT64 all) {
+        EXPECT_EQ(all, m_cut.size());
+        told.push_back(done);
+    });
+    EXPECT_EQ(told.size(), ClusterStarts().size());
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_EQ(told.back(), m_cut.size());
+    EXPECT_THROW((void)repair::SurveyRecording(m_stream, [](UINT64, UINT64) { throw std::runtime_error("end"); }),
+                 std::runtime_error);
+    EXPECT_TRUE(m_stream.Bytes() == m_cut);
+}
