@@ -23,8 +23,7 @@ FilePtr OpenForRepair(const std::wstring& path) {
     win::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) {
-        throw Failure(Utf8FromWide(path) + ": cannot be opened for writing: " +
-                      DescribeFileError(path, LastResult()));
+        throw Failure(Utf8FromWide(path) + ": cannot be opened for writing: " + DescribeFileError(path, LastResult()));
     }
     FilePtr stream(new CFileStream(nullptr));
     stream->Take(std::move(file), path);

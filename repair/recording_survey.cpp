@@ -1,25 +1,16 @@
 #include "repair/recording_survey.h"
 
-#include <algorithm>
-
-#include <ebml/EbmlHead.h>
-#include <ebml/EbmlSubHead.h>
-#include <ebml/EbmlVoid.h>
 #include <matroska/KaxAttachments.h>
 #include <matroska/KaxCluster.h>
 #include <matroska/KaxCues.h>
-#include <matroska/KaxInfo.h>
-#include <matroska/KaxSeekHead.h>
-#include <matroska/KaxSegment.h>
-#include <matroska/KaxTracks.h>
 
+#include "media/track_type.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/matroska_file.h"
 #include "repair/block_walk.h"
+#include "repair/end_time.h"
 #include "repair/refusal.h"
-#include "sources/base/limits.h"
 #include "sources/matroska/resync.h"
-#include "sources/matroska/track_entry_reader.h"
 
 namespace repair {
 
@@ -30,17 +21,12 @@ using matroska::Block;
 using matroska::Element;
 using matroska::IdOf;
 
-constexpr UINT64 kElementIdBytes = 4;
-// Far more than the muxer has settings for.
-constexpr size_t kMaxTracks = 1000;
 // Of these many the torn ones are looked for, and the time of the end.
 constexpr size_t kLastClusters = 4;
-// A day of 60 pictures a second that are all keyframes has 5 million.
-constexpr size_t kMaxCuePoints = 8388608;
+// A day of 48 pictures a second that are all keyframes; each takes 48 bytes while they are written.
+constexpr size_t kMaxCuePoints = 4194304;
 // More than this behind the last whole cluster is not simply one that was torn.
 constexpr UINT64 kMaxTornBytes = UINT64{64} << 20;
-
-constexpr const char* kAdvice = "; writing it anew may help: mkvmux -o NEW.mkv FILE";
 
 [[noreturn]] void Refuse(const std::string& reason) {
     throw Refusal(reason + kAdvice);
@@ -50,10 +36,13 @@ constexpr const char* kAdvice = "; writing it anew may help: mkvmux -o NEW.mkv F
 
 Recording RecordingSurvey::Read() {
     m_recording.fileBytes = Size();
-    ReadHead();
-    if (m_recording.isFinished) {
+    if (m_head.hasSeekHead && m_head.segment.whole && !m_head.segment.unknownSize) {
+        m_recording.isFinished = true;
         return std::move(m_recording);
     }
+    m_recording.cut.segment = m_head.segment.start;
+    m_recording.cut.tracks = m_head.tracks.start;
+    m_recording.cut.end = m_head.tracks.end;
     const UINT64 position = ReadClusters(m_recording.cut.end);
     if (EndsFinished(position)) {
         m_recording.isFinished = true;
@@ -63,59 +52,6 @@ Recording RecordingSurvey::Read() {
     DropTornClusters();
     FindDuration();
     return std::move(m_recording);
-}
-
-void RecordingSurvey::ReadHead() {
-    const auto head = m_reader.ElementAt(0, Size());
-    if (!head || head->id != IdOf<libebml::EbmlHead>() || !head->whole || head->unknownSize) {
-        throw Refusal("it is no Matroska file");
-    }
-    const auto segment = m_reader.ElementAt(head->end, Size());
-    const UINT64 headBytes = kElementIdBytes + mkv::kSegmentSizeFieldBytes;
-    if (!segment || segment->id != IdOf<KaxSegment>() || segment->data - segment->start != headBytes ||
-        !IsPlace(segment->data, IdOf<KaxSeekHead>()) ||
-        !IsPlace(segment->data + mkv::kPlaceBytes, IdOf<KaxInfo>())) {
-        Refuse("it is no recording of this muxer, and may have no room for what is missing");
-    }
-    m_segment = *segment;
-    m_recording.cut.segment = segment->start;
-    m_recording.cut.tracks = segment->data + 2 * mkv::kPlaceBytes;
-    const auto tracks = m_reader.ElementAt(m_recording.cut.tracks, Size());
-    if (!tracks || tracks->id != IdOf<KaxTracks>() || tracks->unknownSize || !tracks->whole) {
-        throw Refusal("it was cut off before its tracks were written; nothing can be saved");
-    }
-    const auto seekHead = m_reader.ElementAt(segment->data, Size());
-    m_recording.isFinished = segment->whole && !segment->unknownSize && seekHead &&
-                             seekHead->id == IdOf<KaxSeekHead>();
-    ReadTracks(*tracks);
-    m_recording.cut.end = tracks->end;
-}
-
-// Empty, or filled by a finalisation that did not come to its end, perhaps with no more than the first byte.
-bool RecordingSurvey::IsPlace(UINT64 position, UINT32 content) const {
-    BYTE first = 0;
-    if (m_reader.Source().ReadAt(position, {&first, 1}) != 1) {
-        return false;
-    }
-    constexpr int kFirstByteShift = 24; // of an identifier of four bytes
-    const auto element = m_reader.ElementAt(position, Size());
-    const bool isEmpty = element && element->id == IdOf<libebml::EbmlVoid>();
-    return isEmpty ? element->end == position + mkv::kPlaceBytes : first == content >> kFirstByteShift;
-}
-
-void RecordingSurvey::ReadTracks(const Element& tracks) {
-    UINT64 privateRoom = source::kMaxPrivateBytes;
-    (void)m_reader.ForEachChild(tracks, [&](const Element& child) {
-        if (child.id != IdOf<KaxTrackEntry>() || m_tracks.size() >= kMaxTracks) {
-            return;
-        }
-        const matroska::Track track = matroska::ReadTrackEntry(m_reader, child, privateRoom);
-        privateRoom -= std::min<UINT64>(privateRoom, track.codecPrivate.size());
-        m_tracks[track.number] = {track.type, track.defaultDurationNs};
-        if (track.type == UINT64{media::kTrackTypeVideo}) {
-            m_cueTrack = track.number; // the last one, as while recording
-        }
-    });
 }
 
 // Where what is whole ends.
@@ -145,7 +81,7 @@ void RecordingSurvey::AddCluster(const Element& cluster) {
         m_last.pop_front();
     }
     // A keyframe begins a cluster, but for one at time 0.
-    AddCuePoints(cluster, m_recording.clusters == 0 && m_cueTrack != 0);
+    AddCuePoints(cluster, m_recording.clusters == 0 && m_head.cueTrack != 0);
     ++m_recording.clusters;
     if (points.size() > kMaxCuePoints) {
         Refuse("it has more than " + std::to_string(kMaxCuePoints) + " clusters");
@@ -156,7 +92,7 @@ void RecordingSurvey::AddCuePoints(const Element& cluster, bool ofAllBlocks) {
     (void)WalkCluster(m_reader, cluster, [&](const Block& block) {
         if (IsCuePoint(block)) {
             m_recording.cut.cuePoints.push_back({static_cast<UINT64>(block.ticks) * mkv::kTimecodeScaleNs, block.track,
-                                                 cluster.start - m_segment.data});
+                                                 cluster.start - m_head.segment.data});
         }
         return ofAllBlocks && m_recording.cut.cuePoints.size() <= kMaxCuePoints;
     });
@@ -164,12 +100,12 @@ void RecordingSurvey::AddCuePoints(const Element& cluster, bool ofAllBlocks) {
 
 // Without video each cluster gets a point, so that a player can seek.
 bool RecordingSurvey::IsCuePoint(const Block& block) const {
-    const auto track = m_tracks.find(block.track);
-    if (track == m_tracks.end() || block.ticks < 0) {
+    const auto track = m_head.trackOf.find(block.track);
+    if (track == m_head.trackOf.end()) {
         return false;
     }
     const bool isText = track->second.type == UINT64{media::kTrackTypeSubtitle};
-    return m_cueTrack == 0 || isText || (block.track == m_cueTrack && block.keyframe);
+    return m_head.cueTrack == 0 || isText || (block.track == m_head.cueTrack && block.keyframe);
 }
 
 // A file system may have made room for a cluster whose bytes never came.
@@ -199,36 +135,25 @@ void RecordingSurvey::CheckTail(UINT64 position) const {
 
 // What a Segment whose size does not fit its field looks like when it is finished.
 bool RecordingSurvey::EndsFinished(UINT64 position) const {
-    if (!m_segment.unknownSize || mkv::FitsSegmentSizeField(Size() - m_segment.data)) {
+    if (!m_head.segment.unknownSize || mkv::FitsSegmentSizeField(Size() - m_head.segment.data)) {
         return false;
     }
-    const auto seekHead = m_reader.ElementAt(m_segment.data, Size());
     const auto cues = m_reader.ElementAt(position, Size());
     const bool hasCues = cues && cues->id == IdOf<KaxCues>() && cues->whole && cues->end == Size();
-    return seekHead && seekHead->id == IdOf<KaxSeekHead>() && (hasCues || position == Size());
+    return m_head.hasSeekHead && (hasCues || position == Size());
 }
 
-// The latest end of a block. Where none is said, a block lasts as long as its track says, or as the one before it did.
 void RecordingSurvey::FindDuration() {
-    std::map<UINT64, INT64> lastTicks;
+    EndTime end;
     for (const Cluster& cluster : m_last) {
         (void)WalkCluster(m_reader, cluster.element, [&](const Block& block) {
-            const auto track = m_tracks.find(block.track);
-            if (track == m_tracks.end() || block.ticks < 0) {
-                return true;
+            if (const auto track = m_head.trackOf.find(block.track); track != m_head.trackOf.end()) {
+                end.Add(block, track->second.defaultDurationNs);
             }
-            const auto last = lastTicks.find(block.track);
-            const INT64 step = last == lastTicks.end() ? 0 : std::max<INT64>(block.ticks - last->second, 0);
-            const UINT64 durationNs = block.durationTicks ? *block.durationTicks * mkv::kTimecodeScaleNs
-                                      : track->second.defaultDurationNs != 0
-                                          ? track->second.defaultDurationNs
-                                          : static_cast<UINT64>(step) * mkv::kTimecodeScaleNs;
-            lastTicks[block.track] = block.ticks;
-            m_recording.durationNs = std::max(m_recording.durationNs,
-                                              static_cast<UINT64>(block.ticks) * mkv::kTimecodeScaleNs + durationNs);
             return true;
         });
     }
+    m_recording.durationNs = end.LatestNs();
 }
 
 } // namespace repair

@@ -7,11 +7,10 @@
 
 #include <deque>
 #include <functional>
-#include <map>
 
 #include "mkv/cut_recording.h"
+#include "repair/recording_head.h"
 #include "sources/matroska/block_walker.h"
-#include "sources/matroska/matroska_file.h"
 
 namespace repair {
 
@@ -29,23 +28,16 @@ struct Recording {
 class RecordingSurvey {
   public:
     RecordingSurvey(const source::ByteSource& source, Progress progress)
-        : m_reader(source), m_progress(std::move(progress)) {}
+        : m_reader(source), m_progress(std::move(progress)), m_head(ReadRecordingHead(m_reader)) {}
 
     [[nodiscard]] Recording Read();
 
   private:
-    struct Track {
-        UINT64 type = 0;
-        UINT64 defaultDurationNs = 0;
-    };
     struct Cluster {
         matroska::Element element;
         size_t pointsBefore = 0; // cue points of the clusters before it
     };
 
-    void ReadHead();
-    [[nodiscard]] bool IsPlace(UINT64 position, UINT32 content) const;
-    void ReadTracks(const matroska::Element& tracks);
     [[nodiscard]] UINT64 ReadClusters(UINT64 position);
     void AddCluster(const matroska::Element& cluster);
     void AddCuePoints(const matroska::Element& cluster, bool ofAllBlocks);
@@ -58,11 +50,9 @@ class RecordingSurvey {
 
     const matroska::EbmlReader m_reader;
     const Progress m_progress;
+    const RecordingHead m_head;
     Recording m_recording;
-    matroska::Element m_segment;
-    std::map<UINT64, Track> m_tracks; // by their numbers
-    UINT64 m_cueTrack = 0;            // 0: there is none
-    std::deque<Cluster> m_last;       // of the clusters
+    std::deque<Cluster> m_last; // of the clusters
 };
 
 } // namespace repair

@@ -5,6 +5,9 @@
 
 namespace repair {
 
+// Behind a reason that is no reason to give up.
+inline constexpr const char* kAdvice = "; writing it anew may help: mkvmux -o NEW.mkv FILE";
+
 class Refusal : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

@@ -15,8 +15,8 @@ class FinishRecordingTest : public RecordingTest {
     // How many clusters of the finished file end at that byte or in front of it.
     [[nodiscard]] UINT64 WholeClusters(UINT64 size) const {
         UINT64 count = 0;
-        for (const auto* cluster : test_support::ReadLayout(m_finished).Segment()->Children(
-                 test_support::ebml_id::kCluster)) {
+        for (const auto* cluster :
+             test_support::ReadLayout(m_finished).Segment()->Children(test_support::ebml_id::kCluster)) {
             count += cluster->End() <= size ? 1 : 0;
         }
         return count;
@@ -28,8 +28,9 @@ class FinishRecordingTest : public RecordingTest {
         EXPECT_THAT(test_support::CheckLayout(repaired), IsEmpty());
         const auto layout = test_support::ReadLayout(repaired);
         EXPECT_EQ(layout.clusters.size(), WholeClusters(size));
-        const UINT64 kept = layout.clusters.empty() ? HeadEnd() : layout.Segment()->Children(
-            test_support::ebml_id::kCluster).back()->End();
+        const UINT64 kept = layout.clusters.empty()
+                                ? HeadEnd()
+                                : layout.Segment()->Children(test_support::ebml_id::kCluster).back()->End();
         EXPECT_TRUE(std::equal(m_cut.begin() + static_cast<ptrdiff_t>(HeadEnd()),
                                m_cut.begin() + static_cast<ptrdiff_t>(kept),
                                repaired.begin() + static_cast<ptrdiff_t>(HeadEnd())))

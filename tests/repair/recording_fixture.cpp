@@ -65,7 +65,8 @@ void RecordingTest::Record(const RecordedContent& content) {
     io.releaseStream();
     m_finished = stream.Bytes();
     // What Stop patched stands in front of the tracks; the last clusters come with it.
-    const UINT64 patched = test_support::ReadLayout(m_finished).Segment()->Child(test_support::ebml_id::kTracks)->offset;
+    const UINT64 patched =
+        test_support::ReadLayout(m_finished).Segment()->Child(test_support::ebml_id::kTracks)->offset;
     m_cut = m_finished;
     std::copy_n(open.begin(), patched, m_cut.begin());
     m_cut.resize(ClustersEnd());
