@@ -11,6 +11,9 @@ from whole_files.mkvmux_case import MkvmuxCase, long_mkv
 
 KILL_AFTER_BYTES = 20_000_000
 HEAD_BYTES = 4096  # far more than the head of these files
+CLUSTER_ID = b"\x1f\x43\xb6\x75"
+LONG_CLUSTERS = 9000
+LONG_BLOCK_BYTES = 4_000_000
 CUTS = int(os.environ.get("QRX_CUTS", "5"))
 
 
@@ -70,6 +73,33 @@ class Repair(MkvmuxCase):
         start, flags = found.strip().strip(",").split(",")[:2]
         self.assertTrue(flags.startswith("K"))
         self.assertTrue(0 < float(start) <= 3, f"the keyframe in front of the third second is at {start}")
+
+    def long_recording(self):
+        """Over 32 GiB of keyframes, a second each, that were never stored: the file has holes in their place."""
+        with open(self.recording(), "rb") as recording:
+            head = recording.read(HEAD_BYTES)
+        path = self.directory / "long.mkv"
+        with open(path, "wb") as file:
+            file.write(head[: head.index(CLUSTER_ID)])
+            for second in range(LONG_CLUSTERS):
+                time = b"\xe7\x84" + (1000 * second).to_bytes(4, "big")
+                block = b"\xa3\x01" + LONG_BLOCK_BYTES.to_bytes(7, "big") + b"\x81\0\0\x80"
+                size = len(time) + len(block) - 4 + LONG_BLOCK_BYTES
+                file.write(CLUSTER_ID + b"\x01" + size.to_bytes(7, "big") + time + block)
+                file.seek(LONG_BLOCK_BYTES - 4, os.SEEK_CUR)
+            file.truncate(file.tell())
+        return path
+
+    def test_a_file_of_many_gigabytes_is_not_read_as_a_whole_nor_copied(self):
+        path = self.long_recording()
+        stored = path.stat().st_blocks
+        output = self.repair(path)
+        self.assertIn(f"repaired: 02:29:59.040 in {LONG_CLUSTERS} clusters, {LONG_CLUSTERS} cue points; 0 torn", output)
+        self.assertGreater(path.stat().st_size, 1 << 35)
+        self.assertLess(path.stat().st_blocks - stored, (1 << 20) / 512, "more than the index was written")
+        self.assertIn("is whole already", self.repair(path), "although its Segment has no size that fits")
+        found = self.run_ffprobe(path, "-read_intervals", "7000%+#1", "-show_entries", "packet=pts_time", "-of", "csv=p=0")
+        self.assertEqual(found.strip().strip(","), "7000.000000", "the index leads there")
 
     def test_what_is_no_recording_of_ours_is_refused(self):
         path = self.directory / "other.mkv"
