@@ -98,7 +98,8 @@ class Repair(MkvmuxCase):
         self.assertGreater(path.stat().st_size, 1 << 35)
         self.assertLess(path.stat().st_blocks - stored, (1 << 20) / 512, "more than the index was written")
         self.assertIn("is whole already", self.repair(path), "although its Segment has no size that fits")
-        found = self.run_ffprobe(path, "-read_intervals", "7000%+#1", "-show_entries", "packet=pts_time", "-of", "csv=p=0")
+        found = self.run_ffprobe(path, "-read_intervals", "7000%+#1", "-show_entries", "packet=pts_time", "-of",
+                                 "csv=p=0")
         self.assertEqual(found.strip().strip(","), "7000.000000", "the index leads there")
 
     def test_what_is_no_recording_of_ours_is_refused(self):
