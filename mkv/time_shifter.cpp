@@ -15,7 +15,7 @@ UINT64 Magnitude(REFERENCE_TIME negative) {
 } // namespace
 
 BlockTimes CTimeShifter::toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop) {
-    const UINT64 offset = m_offsets.try_emplace(track, start < 0 ? Magnitude(start) : 0).first->second;
+    const UINT64 offset = offsetOf(track, start);
     start = AddSaturated(start, offset);
     stop = AddSaturated(stop, offset);
     if (start < 0) {
@@ -27,6 +27,17 @@ BlockTimes CTimeShifter::toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERE
     times.endNs = std::max(times.timeNs, NsFromReferenceTime(stop));
     times.durationNs = times.endNs - times.timeNs;
     return times;
+}
+
+UINT64 CTimeShifter::offsetOf(UINT32 track, REFERENCE_TIME start) {
+    if (track >= m_offsets.size()) {
+        m_offsets.resize(size_t{track} + 1);
+    }
+    std::optional<UINT64>& offset = m_offsets[track];
+    if (!offset) {
+        offset = start < 0 ? Magnitude(start) : 0;
+    }
+    return *offset;
 }
 
 } // namespace mkv

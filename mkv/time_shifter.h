@@ -4,7 +4,8 @@
 // Owner: the cluster writer. Threads: the writer's. Errors: std::bad_alloc.
 #pragma once
 
-#include <map>
+#include <optional>
+#include <vector>
 
 #include "win/platform.h"
 
@@ -18,11 +19,13 @@ struct BlockTimes {
 
 class CTimeShifter {
   public:
-    // The first call for a track fixes that track's offset.
+    // The first call for a track fixes that track's offset. Tracks are counted from 0 without gaps.
     [[nodiscard]] BlockTimes toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop);
 
   private:
-    std::map<UINT32, UINT64> m_offsets; // in units of 100 ns
+    UINT64 offsetOf(UINT32 track, REFERENCE_TIME start);
+
+    std::vector<std::optional<UINT64>> m_offsets; // by track, in units of 100 ns
 };
 
 } // namespace mkv
