@@ -39,11 +39,11 @@ bool CFrontOrder::LookAtEmptyStreams() {
         CMuxInterStream& stream = *m_empty[i];
         if (!stream.IsActive()) {
             ++i;
-        } else if (stream.HasFront()) {
+        } else if (const CMuxInterPacket* const front = stream.Front()) {
             m_empty[i] = m_empty.back();
             m_empty.pop_back();
-            if (!stream.HasEnded()) {
-                m_fronts.push_back({stream.OldestStart(), &stream});
+            if (!front->endOfStream) {
+                m_fronts.push_back(FrontOf(stream, *front));
                 std::push_heap(m_fronts.begin(), m_fronts.end(), IsLater);
             }
         } else {
@@ -60,36 +60,32 @@ bool CFrontOrder::LookAtEmptyStreams() {
 std::unique_ptr<CMuxInterPacket> CFrontOrder::TakeChosen() {
     CMuxInterStream& stream = Chosen();
     auto packet = stream.TakeFront();
-    const bool hasFront = stream.HasFront(); // asked once: it may change
-    if (hasFront && !stream.HasEnded()) {
-        Replace({stream.OldestStart(), &stream});
+    const CMuxInterPacket* const next = stream.Front(); // asked once: it may change
+    if (next != nullptr && !next->endOfStream) {
+        Replace(FrontOf(stream, *next));
         return packet;
     }
     std::pop_heap(m_fronts.begin(), m_fronts.end(), IsLater);
     m_fronts.pop_back();
-    if (!hasFront) {
+    if (next == nullptr) {
         m_empty.push_back(&stream);
     }
     return packet;
 }
 
+// Sinks from the top, past whatever comes earlier, to its place; as a rule it stays at the top.
 void CFrontOrder::Replace(const Front& front) {
-    if (IsStillFirst(front)) {
-        m_fronts.front() = front;
-        return;
-    }
-    std::pop_heap(m_fronts.begin(), m_fronts.end(), IsLater);
-    m_fronts.back() = front;
-    std::push_heap(m_fronts.begin(), m_fronts.end(), IsLater);
-}
-
-// The second in a heap is one of the two behind the first.
-bool CFrontOrder::IsStillFirst(const Front& front) const {
-    const size_t end = std::min<size_t>(m_fronts.size(), 3);
-    for (size_t i = 1; i < end; ++i) {
-        if (IsLater(front, m_fronts[i])) {
-            return false;
+    const size_t count = m_fronts.size();
+    size_t place = 0;
+    for (size_t child = 1; child < count; child = 2 * place + 1) {
+        if (child + 1 < count && IsLater(m_fronts[child], m_fronts[child + 1])) {
+            ++child;
         }
+        if (!IsLater(front, m_fronts[child])) {
+            break;
+        }
+        m_fronts[place] = m_fronts[child];
+        place = child;
     }
-    return true;
+    m_fronts[place] = front;
 }

@@ -28,20 +28,23 @@ class CFrontOrder {
   private:
     struct Front {
         INT64 start;
+        UINT32 index; // the stream's, so that equal starts are told apart here
         CMuxInterStream* stream;
     };
 
+    static Front FrontOf(CMuxInterStream& stream, const CMuxInterPacket& packet) {
+        return {packet.start, stream.Index(), &stream};
+    }
+
     // Whether a is to be taken after b; so the heap's top is what is taken first.
     static bool IsLater(const Front& a, const Front& b) {
-        return a.start != b.start ? a.start > b.start : a.stream->Index() > b.stream->Index();
+        return a.start != b.start ? a.start > b.start : a.index > b.index;
     }
 
     // True when a stream was found to have packets now.
     bool LookAtEmptyStreams();
     // Puts the next front of the chosen stream in the place of the one that was taken.
     void Replace(const Front& front);
-    [[nodiscard]] bool IsStillFirst(const Front& front) const;
-
     std::vector<Front> m_fronts;           // a heap; of the streams that have packets and have not ended
     std::vector<CMuxInterStream*> m_empty; // those that had none when they were last looked at
     CMuxInterStream* m_missing = nullptr;

@@ -82,14 +82,12 @@ class CMuxInterStream {
 
     // None when the queue is empty or has come to its end: an end-of-stream packet is never handed out.
     [[nodiscard]] std::unique_ptr<CMuxInterPacket> TakeFront();
-    [[nodiscard]] bool HasFront() { return m_queue.Front() != nullptr; }
-    // All that the stream will ever give has been taken.
+    // Null when the queue is empty. An end of stream is a front: all that the stream will ever give has been taken.
+    [[nodiscard]] const CMuxInterPacket* Front() { return m_queue.Front(); }
     [[nodiscard]] bool HasEnded() {
-        const CMuxInterPacket* const front = m_queue.Front();
+        const CMuxInterPacket* const front = Front();
         return front != nullptr && front->endOfStream;
     }
-    // Of the front; there is one.
-    [[nodiscard]] INT64 OldestStart() { return m_queue.Front()->start; }
     // A stall breaker stops the waiting for this stream, which has nothing queued; its next packet brings it back.
     void Suspend();
     // Waits for the stream again although nothing was queued; it stays marked as suspended.

@@ -53,7 +53,9 @@ CMuxInterPacket* CPacketQueue::Front() {
 }
 
 std::unique_ptr<CMuxInterPacket> CPacketQueue::TakeFront() {
-    (void)Front(); // steps over the end of a chunk
+    if (m_firstUsed == kChunkPackets) {
+        (void)Front(); // steps over the end of the chunk
+    }
     auto packet = std::move(m_first->packets[m_firstUsed++]);
     m_taken.store(m_taken.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     return packet;
