@@ -10,6 +10,26 @@ win::OwnedBytes CPayloadPool::Take(UINT32 size) {
     if (!entry.IsInside()) {
         return std::make_unique_for_overwrite<BYTE[]>(size);
     }
+    return size <= CPayloadChunk::kMaxCutBytes ? Cut(size) : TakeBlock(size);
+}
+
+win::OwnedBytes CPayloadPool::Cut(UINT32 size) {
+    BYTE* bytes = m_chunk == nullptr ? nullptr : m_chunk->Cut(size);
+    if (bytes == nullptr) {
+        CloseChunk(); // first: it may be the next one
+        m_chunk = &CPayloadChunk::MakeIn(TakeBlock(CPayloadChunk::kMemoryBytes));
+        bytes = m_chunk->Cut(size);
+    }
+    return {bytes, win::ByteReturn(*m_chunk)};
+}
+
+void CPayloadPool::CloseChunk() noexcept {
+    if (m_chunk != nullptr) {
+        std::exchange(m_chunk, nullptr)->Close();
+    }
+}
+
+win::OwnedBytes CPayloadPool::TakeBlock(UINT32 size) {
     const size_t sizeClass = ClassOf(size);
     Block* block = TakeFree(sizeClass);
     if (block == nullptr) {
@@ -37,6 +57,7 @@ void CPayloadPool::TakeBack(BYTE* bytes) noexcept {
 }
 
 void CPayloadPool::Close() noexcept {
+    CloseChunk();
     Keep(m_returned.Close());
     Trim(0);
     // What comes back from here on is counted down, perhaps before it is counted in.
@@ -47,7 +68,7 @@ void CPayloadPool::Close() noexcept {
 
 size_t CPayloadPool::HeldBytes() {
     Collect();
-    return m_usedBytes + m_freeBytes;
+    return m_usedBytes + m_freeBytes - (m_chunk == nullptr ? 0 : m_chunk->UncutBytes());
 }
 
 size_t CPayloadPool::ClassOf(UINT32 size) {

@@ -1,5 +1,6 @@
 // CPayloadPool: the memory of one stream's payloads, used again and again.
 //
+// Small payloads are cut from chunks, larger ones are blocks of their own.
 // What is kept for later never makes the whole larger than the most that was in use at once, but for kSlackBytes; a
 // block is at most an eighth larger than what was asked for when it was made, and by half when it is used again.
 // Units: bytes. Owner: the stream, whose handle closes it: what is free goes at once, what is still out when it comes
@@ -13,6 +14,7 @@
 #include <memory>
 
 #include "mux/one_at_a_time.h"
+#include "mux/payload_chunk.h"
 #include "mux/return_stack.h"
 #include "win/owned_bytes.h"
 
@@ -36,7 +38,7 @@ class CPayloadPool final : public win::ByteHome {
 
     // ---- For tests, while no other thread is here ----
 
-    // What is in use and what is kept, without the blocks' heads.
+    // What is in use and what is kept, without the blocks' heads and what is still to be cut up.
     [[nodiscard]] size_t HeldBytes();
 
   private:
@@ -64,6 +66,9 @@ class CPayloadPool final : public win::ByteHome {
 
     void Close() noexcept;
     // The rest is for the one thread inside.
+    [[nodiscard]] win::OwnedBytes Cut(UINT32 size);
+    [[nodiscard]] win::OwnedBytes TakeBlock(UINT32 size);
+    void CloseChunk() noexcept;
     [[nodiscard]] Block* TakeFree(size_t sizeClass);
     [[nodiscard]] Block* MakeBlock(size_t sizeClass);
     void Collect() noexcept;
@@ -71,6 +76,7 @@ class CPayloadPool final : public win::ByteHome {
     void Trim(size_t mostFreeBytes) noexcept;
 
     COneAtATime m_taker;
+    CPayloadChunk* m_chunk = nullptr; // that is being cut up; a block of this pool
     std::array<Block*, kClasses> m_free{};
     size_t m_freeBytes = 0;
     size_t m_usedBytes = 0; // out, or come back and not collected yet

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -135,6 +136,63 @@ TEST_F(PayloadPoolTest, ThreadsThatTakeAtTheSameTimeGetMemoryOfTheirOwn) {
             }
         });
     }
+}
+
+// They lie close together, so each byte is looked at: the sanitizers see one piece of memory.
+TEST_F(PayloadPoolTest, SmallPayloadsKeepTheirBytesWhileOthersComeAndGo) {
+    std::mt19937 random(5);
+    struct Payload {
+        win::OwnedBytes bytes;
+        std::vector<BYTE> content;
+    };
+    std::vector<Payload> out;
+    for (int i = 0; i < 20000; ++i) {
+        const auto size = static_cast<UINT32>(random() % (CPayloadChunk::kMaxCutBytes + 8));
+        std::vector<BYTE> content(size, static_cast<BYTE>(random()));
+        Payload payload{pool->Take(size), std::move(content)};
+        ASSERT_NE(nullptr, payload.bytes);
+        std::copy(payload.content.begin(), payload.content.end(), payload.bytes.get());
+        out.push_back(std::move(payload));
+        const size_t which = random() % out.size();
+        const Payload& seen = out[which];
+        ASSERT_TRUE(std::equal(seen.content.begin(), seen.content.end(), seen.bytes.get())) << i;
+        if (out.size() > 300 || random() % 3 == 0) {
+            out.erase(out.begin() + static_cast<std::ptrdiff_t>(which));
+        }
+    }
+}
+
+TEST_F(PayloadPoolTest, SmallPayloadsThatComeAndGoInTheirOrderNeedNoMoreMemory) {
+    std::deque<win::OwnedBytes> out;
+    size_t most = 0;
+    for (int i = 0; i < 20000; ++i) {
+        out.push_back(Take(62));
+        if (out.size() > 1000) {
+            out.pop_front();
+        }
+        most = std::max(most, pool->HeldBytes());
+    }
+    // What is still to be cut up, and what is partly back already.
+    EXPECT_LE(most, size_t{1001} * 64 + 3 * CPayloadChunk::kMemoryBytes);
+}
+
+TEST_F(PayloadPoolTest, MemoryOfSmallPayloadsIsUsedAgainWhenTheLastOneIsBack) {
+    constexpr size_t kPayloads = CPayloadChunk::kMemoryBytes / CPayloadChunk::kMaxCutBytes - 1;
+    std::vector<win::OwnedBytes> out;
+    for (size_t i = 0; i < kPayloads; ++i) {
+        out.push_back(Take(CPayloadChunk::kMaxCutBytes));
+    }
+    const BYTE* const first = out.front().get();
+    auto last = std::move(out.back());
+    out.clear();
+    auto elsewhere = Take(CPayloadChunk::kMaxCutBytes); // the first memory is still in use
+    EXPECT_NE(first, elsewhere.get());
+    EXPECT_EQ(0x5a, last[CPayloadChunk::kMaxCutBytes - 1]);
+    last.reset();
+    for (size_t i = 1; i < kPayloads; ++i) {
+        out.push_back(Take(CPayloadChunk::kMaxCutBytes));
+    }
+    EXPECT_EQ(first, Take(CPayloadChunk::kMaxCutBytes).get());
 }
 
 } // namespace
