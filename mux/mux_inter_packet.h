@@ -4,18 +4,26 @@
 // Threads: one at a time, handed over through the interleaver.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "win/owned_bytes.h"
 #include "win/platform.h"
 
+class CPacketSlab;
+
 class CMuxInterPacket {
   public:
     CMuxInterPacket() = default;
     explicit CMuxInterPacket(INT32 index) : streamIndex(index) {}
-    virtual ~CMuxInterPacket() = default;
+    ~CMuxInterPacket() = default;
     CMuxInterPacket(const CMuxInterPacket&) = delete;
     CMuxInterPacket& operator=(const CMuxInterPacket&) = delete;
+
+    // In front of each packet stands the slab that it lies in; none for one that is alone.
+    static void* operator new(size_t size);
+    static void* operator new(size_t, void* place) noexcept { return place; }
+    static void operator delete(void* packet) noexcept;
 
     // As it was when it was made, of no stream.
     void Empty() {

@@ -1,5 +1,7 @@
 #include "mux/packet_pool.h"
 
+#include "mux/packet_slab.h"
+
 CPacketPool::~CPacketPool() {
     Delete(m_free);
     Delete(m_returned.Close());
@@ -7,19 +9,20 @@ CPacketPool::~CPacketPool() {
 
 std::unique_ptr<CMuxInterPacket> CPacketPool::Take(INT32 streamIndex) {
     const COneAtATime::Entry entry(m_taker);
-    if (entry.IsInside()) {
-        if (m_free == nullptr) {
-            m_free = m_returned.TakeAll();
-        }
-        if (m_free != nullptr) {
-            std::unique_ptr<CMuxInterPacket> packet(m_free);
-            m_free = packet->next;
-            packet->next = nullptr;
-            packet->streamIndex = streamIndex;
-            return packet;
-        }
+    if (!entry.IsInside()) {
+        return std::make_unique<CMuxInterPacket>(streamIndex);
     }
-    return std::make_unique<CMuxInterPacket>(streamIndex);
+    if (m_free == nullptr) {
+        m_free = m_returned.TakeAll();
+    }
+    if (m_free == nullptr) {
+        m_free = CPacketSlab::Make();
+    }
+    std::unique_ptr<CMuxInterPacket> packet(m_free);
+    m_free = packet->next;
+    packet->next = nullptr;
+    packet->streamIndex = streamIndex;
+    return packet;
 }
 
 void CPacketPool::GiveBack(std::unique_ptr<CMuxInterPacket> packet) noexcept {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "mux/packet_pool.h"
+#include "mux/packet_slab.h"
 #include "tests/mux/packet_helpers.h"
 
 namespace {
@@ -100,6 +101,43 @@ TEST(PacketPool, NoPacketIsGivenTwice) {
             packets.pop_back();
         }
     }
+}
+
+// The sanitizers tell of memory that was left behind or touched after it went.
+TEST(PacketPool, PacketsOutliveThePoolAndMayBeDeletedInAnyOrder) {
+    std::vector<std::unique_ptr<CMuxInterPacket>> packets;
+    {
+        CPacketPool pool;
+        for (int i = 0; i < 200; ++i) { // of more than one slab
+            packets.push_back(pool.Take(i));
+        }
+        pool.GiveBack(std::move(packets[100]));
+        packets[7].reset();
+    }
+    for (size_t i = 0; i < packets.size(); i += 2) {
+        packets[i].reset();
+    }
+    for (size_t i = 1; i < packets.size(); i += 2) {
+        if (packets[i]) {
+            EXPECT_EQ(static_cast<INT32>(i), packets[i]->streamIndex);
+        }
+    }
+    std::jthread([rest = std::move(packets)] {}).join();
+}
+
+TEST(PacketPool, APacketOfNoPoolTakesTheWayOfOneThatHasOne) {
+    CPacketPool pool;
+    auto alone = std::make_unique<CMuxInterPacket>(5);
+    const CMuxInterPacket* const first = alone.get();
+    auto second = pool.Take(1);
+    pool.GiveBack(std::move(alone));
+    std::set<const CMuxInterPacket*> seen;
+    std::vector<std::unique_ptr<CMuxInterPacket>> packets;
+    for (size_t i = 0; i < CPacketSlab::kPackets; ++i) {
+        packets.push_back(pool.Take(2));
+        seen.insert(packets.back().get());
+    }
+    EXPECT_EQ(1u, seen.count(first)); // what came back comes before memory that is new
 }
 
 } // namespace
