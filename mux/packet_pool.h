@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "mux/cache_line.h"
 #include "mux/mux_inter_packet.h"
 #include "mux/one_at_a_time.h"
 #include "mux/return_stack.h"
@@ -26,6 +27,8 @@ class CPacketPool {
     static void Delete(CMuxInterPacket* list);
 
     COneAtATime m_taker;
-    CMuxInterPacket* m_free = nullptr;        // of whoever is in m_taker
+    CMuxInterPacket* m_free = nullptr; // of whoever is in m_taker
+    [[maybe_unused]] CacheLineGap m_gap{};
     CReturnStack<CMuxInterPacket> m_returned; // what has come back since m_free was filled
+    [[maybe_unused]] CacheLineGap m_otherGap{};
 };
