@@ -1,4 +1,5 @@
-// CacheLineGap: a member that keeps what one thread writes off the cache line of what another one reads.
+// For two threads that hand things over: CacheLineGap, a member that keeps what one of them writes off the cache line
+// of what the other one reads, and FetchCacheLine.
 //
 // A gap and no alignment: the Linux lane's compiler mislays over-aligned objects on the stack around calls that follow
 // Windows' convention.
@@ -12,3 +13,8 @@ struct CacheLineGap {
 
     std::array<std::byte, kBytes> unused;
 };
+
+// Begins to fetch the line there, which this thread will read soon; any address will do.
+inline void FetchCacheLine(const void* address) {
+    __builtin_prefetch(address);
+}

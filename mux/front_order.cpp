@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "mux/cache_line.h"
 #include "mux/mux_result.h"
 
 // With room for every stream in either list, moving one never allocates.
@@ -62,6 +63,7 @@ std::unique_ptr<CMuxInterPacket> CFrontOrder::TakeChosen() {
     auto packet = stream.TakeFront();
     const CMuxInterPacket* const next = stream.Front(); // asked once: it may change
     if (next != nullptr && !next->endOfStream) {
+        FetchCacheLine(next->data.get());
         Replace(FrontOf(stream, *next));
         return packet;
     }

@@ -57,6 +57,10 @@ std::unique_ptr<CMuxInterPacket> CPacketQueue::TakeFront() {
         (void)Front(); // steps over the end of the chunk
     }
     auto packet = std::move(m_first->packets[m_firstUsed++]);
-    m_taken.store(m_taken.load(std::memory_order_relaxed) + 1, std::memory_order_release);
+    const UINT64 taken = m_taken.load(std::memory_order_relaxed) + 1;
+    m_taken.store(taken, std::memory_order_release);
+    if (m_appendedSeen - taken > 1 && m_firstUsed + 1 < kChunkPackets) {
+        FetchCacheLine(m_first->packets[m_firstUsed + 1].get()); // it will be the front when the next one is taken
+    }
     return packet;
 }
