@@ -17,6 +17,11 @@ CMuxInterStream* CMuxInterleaver::AddStream() {
 }
 
 void CMuxInterleaver::ClearStreams() {
+    {
+        const win::LockGuard lock(m_lock);
+        m_awaited = nullptr;
+        m_roomsAwaited = 0;
+    }
     m_order.Clear();
     m_streams.clear();
 }
@@ -49,7 +54,7 @@ CMuxInterleaver::RoomWait CMuxInterleaver::WaitForRoom(CMuxInterStream& stream, 
         return RoomWait::Writable;
     }
     const win::LockGuard lock(m_lock);
-    stream.SetRoomAwaited(true);
+    AwaitRoom(stream);
     if (!stream.IsWritable() && !m_stopEvent.IsSet()) {
         stream.Producers().Sleep(m_lock, timeoutMs);
     }
@@ -96,24 +101,27 @@ void CMuxInterleaver::WakeWorker(CMuxInterStream& stream) {
     if (!stream.IsAwaited()) {
         return; // somebody else was here
     }
-    stream.SetAwaited(false);
     if (!AwaitAnother()) {
+        AwaitNone();
         m_worker.WakeAll();
     }
 }
 
 // The producer looks in the worker's place, which is woken only when it will find something. False when no stream is
-// empty that must be waited for.
+// empty that must be waited for. While the worker sleeps nothing is taken and nothing suspended, so what was seen here
+// to have packets still has them: one look at each stream does for the whole sleep, however many producers come by.
 bool CMuxInterleaver::AwaitAnother() {
-    for (const auto& stream : m_streams) {
-        if (!stream->IsActive() || !stream->MustBeWaitedFor()) {
+    while (m_leftToAwait > 0) {
+        CMuxInterStream& stream = *m_streams[m_nextToAwait];
+        m_nextToAwait = m_nextToAwait + 1 < m_streams.size() ? m_nextToAwait + 1 : 0;
+        --m_leftToAwait;
+        if (!stream.IsActive() || !stream.MustBeWaitedFor()) {
             continue;
         }
-        stream->SetAwaited(true);
-        if (stream->IsEmpty()) {
+        Await(stream);
+        if (stream.IsEmpty()) { // asked once more: whoever appends from here on sees the announcement
             return true;
         }
-        stream->SetAwaited(false);
     }
     return false;
 }
@@ -151,15 +159,39 @@ void CMuxInterleaver::OfferRoom(CMuxInterStream& stream) {
     }
 }
 
-// Writes only what changes: the flags lie beside what producers read for every packet.
-template <typename IsWanted>
-void CMuxInterleaver::Await(IsWanted isWanted) {
+// ---- What the worker announces before it sleeps -----------------------------------------------------------------
+
+// As a rule one stream, so that neither the worker nor a producer walks over all of them for each sleep.
+void CMuxInterleaver::Await(CMuxInterStream& stream) {
+    if (m_awaited != &stream) {
+        AwaitNone();
+        m_awaited = &stream;
+        stream.SetAwaited(true);
+    }
+}
+
+void CMuxInterleaver::AwaitAll() {
+    AwaitNone();
+    m_allAwaited = true;
     for (const auto& stream : m_streams) {
-        if (const bool wanted = isWanted(*stream); stream->IsAwaited() != wanted) {
-            stream->SetAwaited(wanted);
+        stream->SetAwaited(true);
+    }
+}
+
+void CMuxInterleaver::AwaitNone() {
+    if (m_awaited != nullptr) {
+        m_awaited->SetAwaited(false);
+        m_awaited = nullptr;
+    }
+    if (m_allAwaited) {
+        m_allAwaited = false;
+        for (const auto& stream : m_streams) {
+            stream->SetAwaited(false);
         }
     }
 }
+
+// ---- Sleeping ---------------------------------------------------------------------------------------------------
 
 int CMuxInterleaver::SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs) {
     const win::LockGuard lock(m_lock);
@@ -167,7 +199,7 @@ int CMuxInterleaver::SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWOR
     for (;;) {
         const int result = TakeOrAwait(packet);
         const bool inTime = result != kMuxFailed || SleepUntil(deadline);
-        Await([](const CMuxInterStream&) { return false; });
+        AwaitNone();
         if (result != kMuxFailed) {
             return result;
         }
@@ -182,14 +214,13 @@ int CMuxInterleaver::SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWOR
 
 // Fails only when what is missing had been announced before it was looked for; nothing that is known announces all.
 int CMuxInterleaver::TakeOrAwait(std::unique_ptr<CMuxInterPacket>& packet) {
-    CMuxInterStream* awaited = m_order.Missing();
     for (;;) {
-        Await([awaited](const CMuxInterStream& stream) { return awaited == nullptr || &stream == awaited; });
+        CMuxInterStream* const awaited = m_order.Missing();
+        awaited == nullptr ? AwaitAll() : Await(*awaited);
         const int result = TakeNow(packet);
         if (result != kMuxFailed || m_order.Missing() == awaited || awaited == nullptr) {
             return result;
         }
-        awaited = m_order.Missing();
     }
 }
 
@@ -199,16 +230,30 @@ bool CMuxInterleaver::SleepUntil(UINT64 deadline) {
     if (now >= deadline) {
         return false;
     }
-    for (const auto& stream : m_streams) {
-        if (stream->IsRoomAwaited() && stream->IsWritable()) {
-            WakeProducers(*stream);
+    m_nextToAwait = m_awaited == nullptr ? 0 : (m_awaited->Index() + 1) % m_streams.size();
+    m_leftToAwait = m_streams.size();
+    if (m_roomsAwaited > 0) {
+        for (const auto& stream : m_streams) {
+            if (stream->IsRoomAwaited() && stream->IsWritable()) {
+                WakeProducers(*stream);
+            }
         }
     }
     return m_worker.Sleep(m_lock, static_cast<DWORD>(deadline - now));
 }
 
+void CMuxInterleaver::AwaitRoom(CMuxInterStream& stream) {
+    if (!stream.IsRoomAwaited()) {
+        ++m_roomsAwaited;
+        stream.SetRoomAwaited(true);
+    }
+}
+
 void CMuxInterleaver::WakeProducers(CMuxInterStream& stream) {
-    stream.SetRoomAwaited(false);
+    if (stream.IsRoomAwaited()) {
+        --m_roomsAwaited;
+        stream.SetRoomAwaited(false);
+    }
     stream.Producers().WakeAll();
 }
 

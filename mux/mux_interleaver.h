@@ -66,10 +66,12 @@ class CMuxInterleaver {
     int SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs);
     int TakeOrAwait(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
     bool SleepUntil(UINT64 deadline) QRX_REQUIRES(m_lock);
-    template <typename IsWanted>
-    void Await(IsWanted isWanted) QRX_REQUIRES(m_lock);
+    void Await(CMuxInterStream& stream) QRX_REQUIRES(m_lock);
+    void AwaitAll() QRX_REQUIRES(m_lock);
+    void AwaitNone() QRX_REQUIRES(m_lock);
     bool AwaitAnother() QRX_REQUIRES(m_lock);
     void WakeWorker(CMuxInterStream& stream) QRX_EXCLUDES(m_lock);
+    void AwaitRoom(CMuxInterStream& stream) QRX_REQUIRES(m_lock);
     void WakeProducers(CMuxInterStream& stream) QRX_REQUIRES(m_lock);
 
     // Changes only while no producer and no worker runs.
@@ -80,5 +82,10 @@ class CMuxInterleaver {
     CTickClock m_clock;                   // the worker's
     // For sleeping and waking alone: also guards what the streams announce.
     win::CriticalSection m_lock;
-    win::ConditionVariable m_worker QRX_GUARDED_BY(m_lock); // where GetNextPacket sleeps
+    CMuxInterStream* m_awaited QRX_GUARDED_BY(m_lock) = nullptr; // the one that is announced
+    bool m_allAwaited QRX_GUARDED_BY(m_lock) = false;            // or all of them are
+    size_t m_nextToAwait QRX_GUARDED_BY(m_lock) = 0;             // the stream that producers look at next
+    size_t m_leftToAwait QRX_GUARDED_BY(m_lock) = 0;             // streams that they have not seen in this sleep
+    size_t m_roomsAwaited QRX_GUARDED_BY(m_lock) = 0;            // streams that announce a wait for room
+    win::ConditionVariable m_worker QRX_GUARDED_BY(m_lock);      // where GetNextPacket sleeps
 };

@@ -1,6 +1,8 @@
 // Sleeping and waking: nobody sleeps for what already holds, and nobody oversleeps.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -38,6 +40,18 @@ class MuxInterleaverWaitTest : public ::testing::Test {
             return interleaver.GetNextPacket(packet, timeoutMs);
         });
     }
+
+#ifdef QRX_NATIVE
+    // The same, and asleep when this returns.
+    std::future<int> TakeAsleepElsewhere(DWORD timeoutMs) {
+        const auto waitsBefore = native::CountedKernelCalls().waits;
+        auto result = TakeElsewhere(timeoutMs);
+        while (native::CountedKernelCalls().waits == waitsBefore) {
+            std::this_thread::yield();
+        }
+        return result;
+    }
+#endif
 
     CMuxInterleaver interleaver;
 };
@@ -109,6 +123,46 @@ TEST_F(MuxInterleaverWaitTest, RoomWakesAProducerThatWaitsWithoutLimit) {
     EXPECT_EQ(kMuxOk, interleaver.GetNextPacket(taken, kLongMs));
     ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
     EXPECT_EQ(kMuxOk, result.get());
+}
+
+// The look of its own that a producer takes now and then is out of the way here: it asks for longer than the test
+// lasts.
+TEST_F(MuxInterleaverWaitTest, NoWakeUpIsLostBetweenAFullQueueAndItsProducer) {
+    CMuxInterStream& stream = AddStream(MuxStreamKind::Other);
+    constexpr INT64 kPackets = 5000;
+    std::jthread producer([&] {
+        for (INT64 i = 0; i < kPackets; ++i) {
+            const auto begin = std::chrono::steady_clock::now();
+            while (interleaver.WaitForRoom(stream, kLongMs) != CMuxInterleaver::RoomWait::Writable) {
+                ASSERT_LT(std::chrono::steady_clock::now() - begin, kSoon); // or it was woken for nothing
+            }
+            interleaver.AddPacket(MakePacket(0, i, 700)); // the third fills the queue
+        }
+    });
+    std::unique_ptr<CMuxInterPacket> packet;
+    for (INT64 i = 0; i < kPackets; ++i) {
+        ASSERT_EQ(kMuxOk, interleaver.GetNextPacket(packet, kLongMs));
+        ASSERT_EQ(i, packet->start);
+    }
+}
+
+TEST_F(MuxInterleaverWaitTest, AWorkerThatFallsAsleepWakesAProducerThatHasALittleRoom) {
+    CMuxInterStream& stream = AddStream(MuxStreamKind::Other);
+    AddStream(MuxStreamKind::Audio);
+    for (const INT64 start : {0, 10, 20}) {
+        interleaver.AddPacket(MakePacket(0, start, 700));
+    }
+    interleaver.AddPacket(MakePacket(1, 5));
+    auto room = std::async(std::launch::async, [&] { return interleaver.WaitForRoom(stream, kLongMs); });
+    LetItSleep();
+    std::unique_ptr<CMuxInterPacket> packet;
+    EXPECT_EQ(kMuxOk, interleaver.GetNextPacket(packet, kLongMs)); // leaves more than half of what the queue may hold
+    EXPECT_EQ(kMuxOk, interleaver.GetNextPacket(packet, kLongMs));
+    auto result = TakeElsewhere(kLongMs); // must wait for the second stream
+    ASSERT_EQ(std::future_status::ready, room.wait_for(kSoon));
+    EXPECT_EQ(CMuxInterleaver::RoomWait::Writable, room.get());
+    interleaver.SetStop();
+    EXPECT_EQ(kMuxStopping, result.get());
 }
 
 TEST_F(MuxInterleaverWaitTest, StopEndsAPollAndRoomComesBeforeStop) {
@@ -191,11 +245,7 @@ TEST_F(MuxInterleaverWaitTest, AStarvedAttemptSleepsOnceAndIsNotWokenByStreamsTh
     AddStream(MuxStreamKind::Video);
     AddStream(MuxStreamKind::Audio);
     interleaver.AddPacket(MakePacket(0, 0));
-    const auto waitsBefore = native::CountedKernelCalls().waits;
-    auto result = TakeElsewhere(kLongMs);
-    while (native::CountedKernelCalls().waits == waitsBefore) { // not asleep yet
-        std::this_thread::yield();
-    }
+    auto result = TakeAsleepElsewhere(kLongMs);
     const native::KernelCalls before = native::CountedKernelCalls();
     for (INT64 i = 0; i < 1000; ++i) {
         interleaver.AddPacket(MakePacket(0, i));
@@ -205,6 +255,47 @@ TEST_F(MuxInterleaverWaitTest, AStarvedAttemptSleepsOnceAndIsNotWokenByStreamsTh
     EXPECT_EQ(0u, calls.waits);
     interleaver.SetStop();
     EXPECT_EQ(kMuxStopping, result.get());
+}
+
+// Four streams that are waited for, one that is not and one that has packets already.
+TEST_F(MuxInterleaverWaitTest, WhateverOrderTheStreamsComeInOnlyTheLastOneWakesTheWorker) {
+    std::array<INT32, 4> order = {0, 2, 3, 5};
+    do {
+        interleaver.ClearStreams();
+        for (int i = 0; i < 6; ++i) {
+            interleaver.AddStream()->Attach(nullptr, MuxStreamKind::Audio, i != 1);
+        }
+        interleaver.AddPacket(MakePacket(4, 7));
+        auto result = TakeAsleepElsewhere(kLongMs);
+        const native::KernelCalls before = native::CountedKernelCalls();
+        for (const INT32 stream : order) {
+            EXPECT_EQ(0u, (native::CountedKernelCalls() - before).sets) << "before stream " << stream;
+            interleaver.AddPacket(MakePacket(stream, 8));
+            interleaver.AddPacket(MakePacket(stream, 9));
+        }
+        EXPECT_EQ(1u, (native::CountedKernelCalls() - before).sets);
+        ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+        EXPECT_EQ(kMuxOk, result.get());
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST_F(MuxInterleaverWaitTest, AnyPacketWakesAWorkerThatWaitsForNoStreamInParticular) {
+    for (const INT32 stream : {0, 1, 2}) {
+        interleaver.ClearStreams();
+        for (int i = 0; i < 3; ++i) {
+            interleaver.AddStream()->Attach(nullptr, MuxStreamKind::Audio, false);
+        }
+        auto result = TakeAsleepElsewhere(kLongMs);
+        const native::KernelCalls before = native::CountedKernelCalls();
+        interleaver.AddPacket(MakePacket(stream, 8));
+        EXPECT_EQ(1u, (native::CountedKernelCalls() - before).sets);
+        ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+        EXPECT_EQ(kMuxOk, result.get());
+        const native::KernelCalls awake = native::CountedKernelCalls();
+        interleaver.AddPacket(MakePacket(stream, 9)); // nobody sleeps any more
+        interleaver.AddPacket(MakePacket(2 - stream, 9));
+        EXPECT_EQ(0u, (native::CountedKernelCalls() - awake).sets);
+    }
 }
 
 #endif
