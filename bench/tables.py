@@ -12,7 +12,7 @@ def figure_rows(report):
     for figure in FIGURES:
         if (judged := figure.judged(report)) is not None:
             middle, least, most, reached = judged
-            rows.append([figure.number, figure.text, f"{middle:.2f}{figure.unit}", f"[{least:.2f}..{most:.2f}]",
+            rows.append([figure.number, figure.text, f"{middle:.2f}{figure.unit}{figure.parts(report)}", f"[{least:.2f}..{most:.2f}]",
                          f"≤ {figure.limit:g}{figure.unit}", "met" if reached else "**missed**"])
     return rows
 

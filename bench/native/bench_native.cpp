@@ -19,7 +19,8 @@ struct Row {
 constexpr Row kRows[] = {
     {"film", bench::MeasureFilm},         {"small", bench::MeasureSmallPackets},    {"inputs", bench::MeasureInputs},
     {"sizes", bench::MeasurePacketSizes}, {"startcodes", bench::MeasureStartCodes}, {"lengths", bench::MeasureLengths},
-    {"filters", bench::MeasureFilters},   {"live", bench::MeasureLiveGraph},        {"queue", bench::MeasureFullQueue},
+    {"memory", bench::MeasureMemory},     {"filters", bench::MeasureFilters},       {"live", bench::MeasureLiveGraph},
+    {"queue", bench::MeasureFullQueue},
 };
 
 int Usage() {

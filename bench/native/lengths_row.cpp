@@ -18,7 +18,6 @@ struct Length {
 void MeasureLength(Report& report, const Length& length) {
     Usage sum;
     double stop = 0.0;
-    ForgetPeak();
     for (int i = 0; i < length.repeats; ++i) {
         Recording recording(length.seconds, kPictureBytes);
         PlainNullStream stream;
@@ -35,7 +34,6 @@ void MeasureLength(Report& report, const Length& length) {
     report.Add("lengths", length.name, "wall ns a packet", sum.wall / packets * kNsPerSecond);
     report.Add("lengths", length.name, "cpu ns a packet", sum.cpu / packets * kNsPerSecond);
     report.Add("lengths", length.name, "stop", stop);
-    report.Add("lengths", length.name, "peak bytes", static_cast<double>(PeakResidentBytes()));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #include "bench/native/recording.h"
@@ -25,45 +26,45 @@ class Clock {
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-Usage Live(UINT64 seconds) {
-    Recording recording(seconds, kPictureBytes);
-    PlainNullStream stream;
-    const Clock clock;
-    const PacketSource source = [&](size_t input, UINT64 packet) {
-        const LoadPacket* const next = recording.Packet(input, packet);
-        clock.WaitFor(next);
+struct ClockedRecording {
+    explicit ClockedRecording(UINT64 seconds) : recording(seconds, kPictureBytes) {}
+
+    Recording recording;
+    const Clock clock{};
+};
+
+PacketSource LiveSource(UINT64 seconds) {
+    return [live = std::make_shared<ClockedRecording>(seconds)](size_t input, UINT64 packet) {
+        const LoadPacket* const next = live->recording.Packet(input, packet);
+        live->clock.WaitFor(next);
         return next;
     };
-    MuxerJob job(Recording::Types(), source, stream);
-    return Measure([&] { job.Run(); });
 }
 
 // The second input delivers one packet and then nothing until the end.
-Usage Starved(UINT64 seconds) {
-    Recording recording(seconds, kPictureBytes);
-    PlainNullStream stream;
-    const Clock clock;
-    const PacketSource source = [&](size_t input, UINT64 packet) {
+PacketSource StarvedSource(UINT64 seconds) {
+    const UINT64 last = seconds * Recording::kSoundsPerSecond - 1;
+    return [live = std::make_shared<ClockedRecording>(seconds), last](size_t input, UINT64 packet) {
         const bool silent = input == 1 && packet > 0;
-        const LoadPacket* const next =
-            recording.Packet(input, silent ? seconds * Recording::kSoundsPerSecond - 1 : packet);
-        clock.WaitFor(next);
+        const LoadPacket* const next = live->recording.Packet(input, silent ? last : packet);
+        live->clock.WaitFor(next);
         return silent && packet > 1 ? nullptr : next;
     };
+}
+
+Usage WithMuxer(const PacketSource& source) {
+    PlainNullStream stream;
     MuxerJob job(Recording::Types(), source, stream);
     return Measure([&] { job.Run(); });
 }
 
 // What the sources' own sleeping costs, without a muxer.
-Usage SourcesAlone(UINT64 seconds) {
-    Recording recording(seconds, kPictureBytes);
-    const Clock clock;
+Usage Alone(const PacketSource& source) {
     return Measure([&] {
         std::vector<std::jthread> threads;
         for (size_t input = 0; input < 2; ++input) {
             threads.emplace_back([&, input] {
-                for (UINT64 i = 0; const LoadPacket* const packet = recording.Packet(input, i); ++i) {
-                    clock.WaitFor(packet);
+                for (UINT64 i = 0; source(input, i) != nullptr; ++i) {
                 }
             });
         }
@@ -75,9 +76,10 @@ Usage SourcesAlone(UINT64 seconds) {
 void MeasureLiveGraph(const NativePlan& plan, Report& report) {
     const UINT64 seconds = plan.quick ? 4 : 60;
     report.Describe("live", "seconds", seconds);
-    report.Add("live", "live", Live(seconds));
-    report.Add("live", "starved", Starved(seconds));
-    report.Add("live", "sources alone", SourcesAlone(seconds));
+    report.Add("live", "live", WithMuxer(LiveSource(seconds)));
+    report.Add("live", "live sources alone", Alone(LiveSource(seconds)));
+    report.Add("live", "starved", WithMuxer(StarvedSource(seconds)));
+    report.Add("live", "starved sources alone", Alone(StarvedSource(seconds)));
 }
 
 } // namespace bench

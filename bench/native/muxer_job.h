@@ -27,6 +27,7 @@ class MuxerJob {
     void Run();
     // Called on each producer's thread when it is done, with its input's number.
     void OnProducerDone(std::function<void(size_t)> done) { m_producerDone = std::move(done); }
+    [[nodiscard]] CMatroskaMuxer& Muxer() const { return m_setup.Muxer(); }
     // What Stop took of the last run.
     [[nodiscard]] double StopSeconds() const { return m_stopSeconds; }
 

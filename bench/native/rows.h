@@ -26,6 +26,7 @@ void MeasureInputs(const NativePlan& plan, Report& report);
 // Against ourselves.
 void MeasureStartCodes(const NativePlan& plan, Report& report);
 void MeasureLengths(const NativePlan& plan, Report& report);
+void MeasureMemory(const NativePlan& plan, Report& report);
 void MeasureFilters(const NativePlan& plan, Report& report);
 void MeasureLiveGraph(const NativePlan& plan, Report& report);
 void MeasureFullQueue(const NativePlan& plan, Report& report);
