@@ -19,8 +19,7 @@ CMuxInterStream* CMuxInterleaver::AddStream() {
 void CMuxInterleaver::ClearStreams() {
     {
         const win::LockGuard lock(m_lock);
-        m_awaited = nullptr;
-        m_roomsAwaited = 0;
+        m_roomsAwaited = 0; // nobody sleeps any more
     }
     m_order.Clear();
     m_streams.clear();

@@ -165,6 +165,37 @@ TEST_F(MuxInterleaverWaitTest, AWorkerThatFallsAsleepWakesAProducerThatHasALittl
     EXPECT_EQ(kMuxStopping, result.get());
 }
 
+TEST_F(MuxInterleaverWaitTest, AnAttemptThatFailsGivesNoPacketWhateverWasThereBefore) {
+    AddStream(MuxStreamKind::Video);
+    auto packet = MakePacket(0, 0);
+    EXPECT_EQ(kMuxFailed, interleaver.GetNextPacket(packet, 0));
+    EXPECT_EQ(nullptr, packet);
+    packet = MakePacket(0, 0);
+    EXPECT_EQ(kMuxFailed, interleaver.NewPacket(1, packet)); // there is no such stream
+    EXPECT_EQ(nullptr, packet);
+}
+
+// Or every producer would go on asking whom to wake.
+TEST_F(MuxInterleaverWaitTest, NoStreamIsAwaitedWhileTheWorkerDoesNotSleep) {
+    const auto awaited = [this] {
+        return interleaver.StreamAt(0)->IsAwaited() || interleaver.StreamAt(1)->IsAwaited();
+    };
+    AddStream(MuxStreamKind::Video);
+    AddStream(MuxStreamKind::Audio);
+    std::unique_ptr<CMuxInterPacket> packet;
+    EXPECT_EQ(kMuxFailed, interleaver.GetNextPacket(packet, 1)); // for whatever comes first
+    EXPECT_FALSE(awaited());
+    interleaver.AddPacket(MakePacket(0, 0));
+    EXPECT_EQ(kMuxFailed, interleaver.GetNextPacket(packet, 1)); // for the second stream
+    EXPECT_FALSE(awaited());
+    auto result = TakeElsewhere(kLongMs);
+    LetItSleep();
+    interleaver.AddPacket(MakePacket(1, 0));
+    ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+    EXPECT_EQ(kMuxOk, result.get());
+    EXPECT_FALSE(awaited());
+}
+
 TEST_F(MuxInterleaverWaitTest, StopEndsAPollAndRoomComesBeforeStop) {
     CMuxInterStream& stream = AddStream(MuxStreamKind::Other);
     interleaver.SetStop();
@@ -255,6 +286,20 @@ TEST_F(MuxInterleaverWaitTest, AStarvedAttemptSleepsOnceAndIsNotWokenByStreamsTh
     EXPECT_EQ(0u, calls.waits);
     interleaver.SetStop();
     EXPECT_EQ(kMuxStopping, result.get());
+}
+
+// The clock stands still but for what the test makes of it; how long the attempt really lasts is all the same.
+TEST_F(MuxInterleaverWaitTest, APacketThatWakesTheWorkerAtTheDeadlineIsTakenAndOneThatComesLaterIsNot) {
+    constexpr std::uint64_t kBeginMs = 1000;
+    AddStream(MuxStreamKind::Video);
+    for (const unsigned lateMs : {0U, 1U}) {
+        native::ScopedTickCount ticks(kBeginMs);
+        auto result = TakeAsleepElsewhere(kLongMs);
+        ticks.Set(kBeginMs + kLongMs + lateMs);
+        interleaver.AddPacket(MakePacket(0, 0));
+        ASSERT_EQ(std::future_status::ready, result.wait_for(kSoon));
+        EXPECT_EQ(lateMs == 0 ? kMuxOk : kMuxFailed, result.get());
+    }
 }
 
 // Four streams that are waited for, one that is not and one that has packets already.

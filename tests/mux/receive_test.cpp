@@ -337,7 +337,7 @@ TEST_F(ReceiveTest, StopWaitsForASampleThatIsStillBeingRead) {
 }
 
 #ifdef QRX_NATIVE
-// The worker is held: how long it sleeps beside this is none of the sample's business.
+// The worker is held, and goes to its one wait for a request meanwhile.
 TEST_F(ReceiveTest, QueuesASampleWithoutAKernelCallWhileThereIsRoom) {
     FakeUpstreamPin& video = ConnectVideo();
     ConnectAudio();
@@ -348,7 +348,9 @@ TEST_F(ReceiveTest, QueuesASampleWithoutAKernelCallWhileThereIsRoom) {
     for (INT64 i = 1; i <= 2000; ++i) {
         ASSERT_EQ(S_OK, video.Deliver({1}, i, i + 1));
     }
-    EXPECT_EQ(0u, (native::CountedKernelCalls() - before).Total());
+    const native::KernelCalls calls = native::CountedKernelCalls() - before;
+    EXPECT_LE(calls.waits, 1u);
+    EXPECT_EQ(0u, calls.Total() - calls.waits);
     EXPECT_EQ(2000u, Queued());
 }
 #endif
