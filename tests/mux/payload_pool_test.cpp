@@ -50,6 +50,21 @@ TEST_F(PayloadPoolTest, ASmallPayloadDoesNotTakeALargeBlock) {
     EXPECT_EQ(before + 64, pool->HeldBytes());
 }
 
+TEST_F(PayloadPoolTest, WhatJustFitsIntoTheSlackStaysAndWithMoreTheLargestGoes) {
+    constexpr UINT32 kLarge = 1048576;
+    Take(CPayloadPool::kSlackBytes).reset();
+    const auto large = Take(kLarge);
+    EXPECT_EQ(kLarge + CPayloadPool::kSlackBytes, pool->HeldBytes());
+
+    const CPayloadPool::Handle other = CPayloadPool::Make();
+    {
+        const auto smallest = other->Take(64);
+        const auto slack = other->Take(CPayloadPool::kSlackBytes);
+    }
+    const auto otherLarge = other->Take(kLarge);
+    EXPECT_EQ(kLarge + 64, other->HeldBytes());
+}
+
 TEST_F(PayloadPoolTest, WhatIsHeldIsNeverMoreThanTheMostThatWasInUseAndTheSlack) {
     std::mt19937 random(3);
     std::vector<win::OwnedBytes> out;
