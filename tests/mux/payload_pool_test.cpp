@@ -50,19 +50,22 @@ TEST_F(PayloadPoolTest, ASmallPayloadDoesNotTakeALargeBlock) {
     EXPECT_EQ(before + 64, pool->HeldBytes());
 }
 
-TEST_F(PayloadPoolTest, WhatJustFitsIntoTheSlackStaysAndWithMoreTheLargestGoes) {
+TEST_F(PayloadPoolTest, WhatJustFitsIntoTheSlackStaysAndOfMoreTheLargestGoes) {
+    constexpr UINT32 kSlack = CPayloadPool::kSlackBytes;
     constexpr UINT32 kLarge = 1048576;
-    Take(CPayloadPool::kSlackBytes).reset();
-    const auto large = Take(kLarge);
-    EXPECT_EQ(kLarge + CPayloadPool::kSlackBytes, pool->HeldBytes());
-
-    const CPayloadPool::Handle other = CPayloadPool::Make();
-    {
-        const auto smallest = other->Take(64);
-        const auto slack = other->Take(CPayloadPool::kSlackBytes);
-    }
-    const auto otherLarge = other->Take(kLarge);
-    EXPECT_EQ(kLarge + 64, other->HeldBytes());
+    const auto keptOf = [](const std::vector<UINT32>& sizes) {
+        const CPayloadPool::Handle fresh = CPayloadPool::Make();
+        std::vector<win::OwnedBytes> out;
+        for (const UINT32 size : sizes) {
+            out.push_back(fresh->Take(size));
+        }
+        out.clear();
+        const auto large = fresh->Take(kLarge); // more than was ever in use
+        return fresh->HeldBytes() - kLarge;
+    };
+    EXPECT_EQ(kSlack, keptOf({kSlack}));
+    EXPECT_EQ(kSlack, keptOf({kSlack, kSlack}));
+    EXPECT_EQ(64u, keptOf({64, kSlack}));
 }
 
 TEST_F(PayloadPoolTest, WhatIsHeldIsNeverMoreThanTheMostThatWasInUseAndTheSlack) {
