@@ -1,8 +1,8 @@
-// The filter's persisted configuration. What can be loaded must be saved again, and load again.
+// The filter's persisted configuration. What can be loaded must be saved again, and load again as the same.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
+#include "fuzz/require.h"
 #include "matroska_muxer/matroska_muxer.h"
 #include "tests/support/memory_stream.h"
 #include "win/com_ptr.h"
@@ -36,12 +36,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     test_support::MemoryStream saved;
     saved.SetRecording(false);
     const Filter second;
-    if (FAILED(first.muxer->Save(&saved, TRUE))) {
-        std::abort();
-    }
+    fuzz::Require(SUCCEEDED(first.muxer->Save(&saved, TRUE)));
     saved.SetBytes(saved.Bytes());
-    if (FAILED(second.muxer->Load(&saved))) {
-        std::abort();
-    }
+    fuzz::Require(SUCCEEDED(second.muxer->Load(&saved)));
+    test_support::MemoryStream again;
+    again.SetRecording(false);
+    fuzz::Require(SUCCEEDED(second.muxer->Save(&again, TRUE)));
+    fuzz::Require(again.Bytes() == saved.Bytes());
     return 0;
 }

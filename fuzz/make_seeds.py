@@ -36,6 +36,54 @@ def configuration(rows):
             struct.pack("<I", 1) + attachment + struct.pack("<Q", 7))
 
 
+def track(kind, size):
+    """The media type of a kind with a block of zeros, and a name of three characters in front."""
+    return bytes([3, kind, kind, kind, 0, 0]) + bytes(size)
+
+
+# The kinds of a schedule's inputs, as fuzz/schedule_feeder.h numbers them.
+VFW, BYTE_STREAM, PCM, AAC, PLAIN_TEXT, STYLED_TEXT, MP3, REFUSED = range(8)
+RUNS_TO_ITS_END, IS_STOPPED, STARTS_BY_RUN = 0, 3, 12
+FLUSH, RESTART, RECONNECT, CHANGE = 3, 4, 5, 6
+
+
+def samples(count, choices=1, step_ms=40, size=20):
+    """One after the other; choices: bit 0 a sync point, from bit 3 on the times (8 * 24: none)."""
+    return bytes([count]) + bytes([0, choices, size, step_ms, 16 + step_ms]) * count
+
+
+def schedule_round(kinds, feeders, how=RUNS_TO_ITS_END, faults=(), steps=(), asks=()):
+    """As fuzz/schedule.cpp reads it: kinds of new inputs, and for each feeder what samples() gives."""
+    changes = sum(1 << 2 * i for i in range(len(kinds)))
+    return (bytes([0, changes, *kinds, 4 + len(faults) if faults else 0]) + b"".join(map(bytes, faults)) +
+            bytes([how, len(steps)]) + b"".join(map(bytes, steps)) + bytes([len(asks)]) + b"".join(map(bytes, asks)) +
+            b"".join(feeders) + bytes(4 - len(feeders)))
+
+
+def schedules():
+    film = [samples(12), samples(20, step_ms=20), samples(3, step_ms=200)]
+    yield "film", schedule_round([VFW, PCM, PLAIN_TEXT], film)
+    yield "two_films", schedule_round([BYTE_STREAM, AAC, STYLED_TEXT], film) + schedule_round([], film, how=STARTS_BY_RUN)
+    yield "untimed", schedule_round([VFW, MP3], [samples(2), samples(9, choices=8 * 24)])
+    yield "refused", schedule_round([REFUSED, PCM], film[:2]) + schedule_round([VFW], film[:2])
+    yield "stopped", schedule_round([VFW, PCM, PLAIN_TEXT], film, how=IS_STOPPED, steps=[(2, 200)])
+    for step in (FLUSH, RESTART, RECONNECT, CHANGE):
+        yield f"step_{step}", schedule_round([VFW, PCM], film[:2], steps=[(step, 0), (step, 1)])
+    for ask in range(7):
+        yield f"ask_{ask}", schedule_round([VFW, PCM], film[:2], asks=[(ask, 1), (ask, 230)])
+    for operation, first, how in ((0, 3, 64), (0, 1, 65), (0, 4, 66), (0, 5, 67), (3, 2, 64), (0, 3, 192), (4, 0, 64)):
+        yield (f"fault_{operation}_{first}_{how}",
+               schedule_round([VFW, PCM], film[:2], faults=[(operation, first, how, 9)]) + schedule_round([], film[:2]))
+    yield "large", schedule_round([VFW, PCM], [samples(6, choices=5, size=250), samples(9, choices=3, size=90)])
+    yield "far", schedule_round([PCM, PLAIN_TEXT], [samples(9, choices=1 + 8 * 5), samples(4, choices=1 + 8 * 4)])
+
+
+XML = (b'<?xml version="1.0" encoding="UTF-8"?>\n<preferences><a_b xmlns:dt="urn:schemas-microsoft-com:datatypes">'
+       b'<number dt:dt="i4">-7</number><text xml:space="preserve" dt:dt="string"> a &amp; b </text><!-- c --><d/>'
+       b'<bytes dt:dt="bin.base64">AQID</bytes></a_b></preferences>')
+DOCUMENT_TYPE = b'<?xml version="1.0"?><!-- <!DOCTYPE --><!DOCTYPE a [<!ENTITY b "c">]><a>&b;</a>'
+
+
 def seeds():
     for name, make in hostile_files.SMALL.items():
         yield TARGETS[Path(name).suffix], name, make()
@@ -50,6 +98,22 @@ def seeds():
     for number in range(20):
         for size in (0, 18, 40, 88, 140, 300):
             yield "format_blocks", f"{number}_{size}", bytes([number, number, number, 0, 0]) + bytes(size)
+            yield "track_entry", f"{number}_{size}", track(number, size)
+    for target in ("annexb_payload", "parameter_sets"):
+        yield target, "picture", AVC
+        yield target, "three_bytes", AVC.replace(b"\0\0\0\1", b"\0\0\1")
+        yield target, "no_start_code", AVC[4:]
+        yield target, "nothing_between", AVC[:4] * 3 + AVC + AVC[:4]
+    yield "parameter_sets", "lengths", b"\0\x19" + AVC[4:29] + b"\0\x06" + AVC[33:39]
+    yield "parameter_sets", "hevc", encoded("libx265", "hevc", "-x265-params", "log-level=error:info=0")[:600]
+    yield "settings_xml", "values.xml", XML
+    yield "settings_xml", "document_type.xml", DOCUMENT_TYPE
+    yield "settings_xml", "wide.xml", XML.replace(b"UTF-8", b"UTF-16").decode().encode("utf-16")
+    yield "settings_xml", "attributes.xml", b"<a " + b"".join(b'b%d="" ' % i for i in range(300)) + b"/>"
+    for text in (b"-12", b" 1.5e300 ", b"INF", b"QUJD RA==", b"a\\b c/d"):
+        yield "settings_xml", text.hex(), text
+    for name, script in schedules():
+        yield "schedule", name, script
 
 
 def main():

@@ -1,9 +1,9 @@
 #include "fuzz/read_all.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
+#include "fuzz/require.h"
 #include "sources/base/buffered_source.h"
 #include "sources/base/limits.h"
 
@@ -27,12 +27,6 @@ class Bytes final : public source::ByteSource {
   private:
     std::vector<BYTE> m_bytes;
 };
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 size_t ReadOnce(source::PacketReader& reader, size_t size) {
     size_t packets = 0;

@@ -1,5 +1,6 @@
 // SubRip, SSA and ASS: the same bytes as each.
 #include "fuzz/read_all.h"
+#include "fuzz/require.h"
 #include "sources/base/printable.h"
 #include "sources/text/ass_parser.h"
 #include "sources/text/srt_parser.h"
@@ -11,8 +12,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     fuzz::ReadAll(subtitles::MakeReader(*bytes, subtitles::ParseAss).get(), size);
     // What is shown is never shown otherwise the second time.
     const std::string shown = source::Printable({reinterpret_cast<const char*>(data), size});
-    if (source::Printable(shown, shown.size() + 1) != shown) {
-        __builtin_trap();
-    }
+    fuzz::Require(source::Printable(shown, shown.size() + 1) == shown);
     return 0;
 }

@@ -18,7 +18,7 @@ PACKAGES_PLAYERS=(
 )
 PACKAGES_SANITIZE=(g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev zlib1g-dev googletest git)
 # The fuzzers, and the encoders that make their first inputs.
-PACKAGES_FUZZ=(clang libclang-rt-14-dev ffmpeg python3)
+PACKAGES_FUZZ=(clang libclang-rt-14-dev libexpat1-dev ffmpeg python3)
 # The native benchmarks, the muxers that ours is compared with, and the plot.
 PACKAGES_BENCH=(
   g++ cmake ninja-build make pkg-config dpkg-dev xz-utils patch libwine-dev zlib1g-dev googletest nlohmann-json3-dev
