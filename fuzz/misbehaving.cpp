@@ -1,12 +1,14 @@
 // No fuzzer: what ./dev fuzz shows itself first, so that silence means something. The first byte says what goes wrong.
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 namespace {
 
-volatile std::uint8_t* g_sink = nullptr;
+std::uint8_t* volatile g_sink = nullptr; // so that no compiler leaves out what goes there
 
 void Leak() {
     g_sink = new std::uint8_t[100];
@@ -18,21 +20,22 @@ void Hang() {
     }
 }
 
-// Each piece alone is allowed.
-void TakeAllMemory() {
+// Each piece alone is allowed. Whoever watches looks once a second.
+void TakeTooMuchMemory() {
     constexpr size_t kPiece = size_t{64} << 20;
+    constexpr int kPieces = 12;
+    for (int i = 0; i < kPieces; ++i) {
+        g_sink = static_cast<std::uint8_t*>(std::malloc(kPiece));
+        std::memset(g_sink, 1, kPiece);
+    }
     for (;;) {
-        auto* const piece = static_cast<std::uint8_t*>(std::malloc(kPiece));
-        if (piece != nullptr) {
-            std::memset(piece, 1, kPiece);
-        }
-        g_sink = piece;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
 }
 
 void AskForTooMuch() {
     g_sink = static_cast<std::uint8_t*>(std::malloc(size_t{2} << 30));
-    std::free(const_cast<std::uint8_t*>(g_sink));
+    std::free(g_sink);
 }
 
 void ReadBehindTheEnd(const std::uint8_t* data, size_t size) {
@@ -51,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
         Hang();
         break;
     case 'm':
-        TakeAllMemory();
+        TakeTooMuchMemory();
         break;
     case 'a':
         AskForTooMuch();
