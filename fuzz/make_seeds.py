@@ -78,6 +78,13 @@ def schedules():
     yield "far", schedule_round([PCM, PLAIN_TEXT], [samples(9, choices=1 + 8 * 5), samples(4, choices=1 + 8 * 4)])
 
 
+def laced(lacing, sizes):
+    """Three frames of one block behind their sizes."""
+    return hostile_files.matroska(
+        [hostile_files.track(1, hostile_files.AUDIO, hostile_files.PCM)],
+        [(0, hostile_files.block(1, 0, bytes([2]) + sizes + b"abbccc", lacing))])
+
+
 XML = (b'<?xml version="1.0" encoding="UTF-8"?>\n<preferences><a_b xmlns:dt="urn:schemas-microsoft-com:datatypes">'
        b'<number dt:dt="i4">-7</number><text xml:space="preserve" dt:dt="string"> a &amp; b </text><!-- c --><d/>'
        b'<bytes dt:dt="bin.base64">AQID</bytes></a_b></preferences>')
@@ -87,6 +94,9 @@ DOCUMENT_TYPE = b'<?xml version="1.0"?><!-- <!DOCTYPE --><!DOCTYPE a [<!ENTITY b
 def seeds():
     for name, make in hostile_files.SMALL.items():
         yield TARGETS[Path(name).suffix], name, make()
+    yield "matroska", "xiph.mkv", laced(2, bytes([1, 2]))
+    yield "matroska", "fixed.mkv", laced(4, b"")
+    yield "matroska", "ebml.mkv", laced(6, bytes([0x81, 0xc0]))
     yield "matroska", "film.mkv", encoded("mpeg4", "matroska")
     yield "avi", "film.avi", encoded("mpeg4", "avi")
     yield "annexb", "picture.264", AVC

@@ -67,8 +67,10 @@ void CheckTrack(const matroska::Track& track, const media::CodecDescription& des
         Require(track.audio.channels == description.audio->channels);
         Require(track.audio.bitDepth == description.audio->bitDepth.value_or(0));
     }
+    // The whole format block is the private data of this codec, and the tag inside may be another one's, or nobody's.
+    const bool mayBeAnother = track.codecId == "A_MS/ACM";
     for (const CMediaType& type : media::MediaTypesOf(track)) {
-        Require(media::CodecIdOf(type) == track.codecId);
+        Require(mayBeAnother || media::CodecIdOf(type) == track.codecId);
     }
 }
 

@@ -22,9 +22,9 @@ fuzz_program() {
 }
 
 # fuzz_one TARGET SECONDS: what is found lies in $BUILD/fuzz/findings; what is learnt stays in $BUILD/fuzz/corpus, and the
-# tree's own corpus as it is.
+# corpus that the tree keeps as it is.
 fuzz_one() {
-  local target=$1 corpus="$BUILD/fuzz/corpus/$1" kept="$ROOT/fuzz/corpus/$1" log="$BUILD/fuzz/$1.log" found
+  local target=$1 corpus="$BUILD/fuzz/corpus/$1" kept="$BUILD/fuzz/kept/$1" log="$BUILD/fuzz/$1.log" found
   mkdir -p "$corpus" "$kept" "$BUILD/fuzz/findings"
   fuzz_program "$target" -max_total_time="$2" -print_final_stats=1 -artifact_prefix="$BUILD/fuzz/findings/$target-" \
     "$corpus" "$kept" "$BUILD/fuzz/seeds/$target" >"$log" 2>&1 && {
@@ -96,6 +96,7 @@ verb_fuzz() {
     return
   fi
   python3 "$ROOT/fuzz/make_seeds.py" "$BUILD/fuzz/seeds" || die "the seeds cannot be made"
+  python3 "$ROOT/fuzz/corpus.py" unpack "$BUILD/fuzz/kept" || die "the corpora that are kept cannot be unpacked"
   fuzz_self_check
   fuzz_all "$seconds" "${targets[@]}"
 }
