@@ -75,6 +75,8 @@ def schedules():
         yield (f"fault_{operation}_{first}_{how}",
                schedule_round([VFW, PCM], film[:2], faults=[(operation, first, how, 9)]) + schedule_round([], film[:2]))
     yield "large", schedule_round([VFW, PCM], [samples(6, choices=5, size=250), samples(9, choices=3, size=90)])
+    # A block that ends in the millisecond behind its start: its cue is one before it.
+    yield "fraction", schedule_round([PLAIN_TEXT], [bytes([2, 0, 1, 20, 0, 56, 0, 1 + 8 * 5, 20, 40, 17])])
     yield "far", schedule_round([PCM, PLAIN_TEXT], [samples(9, choices=1 + 8 * 5), samples(4, choices=1 + 8 * 4)])
 
 

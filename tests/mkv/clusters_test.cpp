@@ -115,6 +115,17 @@ TEST_F(ClustersTest, FramesOfFractionsOfAMillisecondKeepTheirMillisecond) {
     EXPECT_EQ(CueTimes(), (std::vector<uint64_t>{0, 83, 166}));
 }
 
+// Its cluster begins where it ends, less than a millisecond later.
+TEST_F(ClustersTest, ABlockThatEndsAFractionBehindItsStartIsOneMillisecondBehindItsCue) {
+    RegisterSubtitle();
+    Open();
+    WriteGroup(0, 0, 40 * kMs);
+    WriteGroup(0, 40000 * kMs + kMs * 4 / 10, 40001 * kMs);
+    EXPECT_EQ(ClusterTimes(), (ClusterTimeList{0, 40001}));
+    EXPECT_EQ(BlockTimes(1), (Times{0, 40001}));
+    EXPECT_EQ(CueTimes(), (std::vector<uint64_t>{0, 40000}));
+}
+
 // ---- Clusters ------------------------------------------------------------------------------------------------------
 
 TEST_F(ClustersTest, AVideoKeyframeAtTimeZeroOpensNoCluster) {

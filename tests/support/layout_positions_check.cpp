@@ -28,10 +28,10 @@ std::string Describe(const LayoutCue& cue) {
 }
 
 // A cue's time is rounded down. So is a block's, unless it lies before its cluster's time: its offset is then cut off
-// towards zero, and a fraction of a tick makes it one tick later.
+// towards zero, which is zero itself for less than a tick, and a fraction of a tick makes it one tick later.
 bool IsFor(const LayoutBlock& block, const LayoutCue& cue) {
     const int64_t later = block.time - static_cast<int64_t>(cue.time);
-    return block.track == cue.track && (later == 0 || (later == 1 && block.relativeTime < 0));
+    return block.track == cue.track && (later == 0 || (later == 1 && block.relativeTime <= 0));
 }
 
 class CueChecker {
