@@ -128,7 +128,10 @@ void CLogger::CloseOpenFile() {
     if (m_file == INVALID_HANDLE_VALUE) {
         return;
     }
-    WriteOpenFile(kCloseBanner);
+    LogIfPossible([this] {
+        m_lock.AssertHeld();
+        WriteOpenFile(kCloseBanner);
+    });
     CloseHandle(m_file);
     m_file = INVALID_HANDLE_VALUE;
 }

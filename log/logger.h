@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <new>
 
 #include "win/critical_section.h"
 #include "win/platform.h"
@@ -50,3 +51,13 @@ void CreateDirectoryPath(WideStringView path);
 
 // The module's one log.
 extern CLogger g_Logger;
+
+// Lines that get lost when memory runs out, so that what they tell of happens all the same.
+template <typename Lines>
+void LogIfPossible(Lines lines) noexcept {
+    try {
+        lines();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}

@@ -109,8 +109,22 @@ void CBaseMux::OnAllEnded() {
         NotifyEvent(EC_COMPLETE, S_OK, 0);
         return;
     }
-    g_Logger << OLESTR("CBaseMux::ThreadProc output->DeliverEndOfStream\r\n");
+    LogIfPossible([] { g_Logger << OLESTR("CBaseMux::ThreadProc output->DeliverEndOfStream\r\n"); });
     m_outputPin->DeliverEndOfStream();
+}
+
+// Nobody takes packets any more. Who delivers hears why; the end is passed on, so that nobody waits for it for ever.
+void CBaseMux::OnLoopFailed(HRESULT failure) {
+    for (INT32 i = 0; CMuxInterStream* const stream = m_interleaver.StreamAt(i); ++i) {
+        stream->SetStreamResult(failure);
+    }
+    m_interleaver.SetStop();
+    NotifyEvent(EC_STREAM_ERROR_STOPPED, failure, 0);
+    (void)ComGuard([this] {
+        m_workerThread.AssertHere();
+        OnAllEnded();
+        return S_OK;
+    });
 }
 
 // ---- Pins -------------------------------------------------------------------------------------------------------

@@ -94,6 +94,7 @@ class CBaseMux : public CBaseFilter, protected CMuxWorker {
     // CMuxWorker
     void OnPacket(CMuxInterPacket& packet, CBaseMuxInputPin* pin) QRX_REQUIRES(m_workerThread) override;
     void OnAllEnded() QRX_REQUIRES(m_workerThread) override;
+    void OnLoopFailed(HRESULT failure) QRX_REQUIRES(m_workerThread) override;
 
     CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
     CConnectedInputs m_inputs;                   // what m_inputPins says, readable without the filter lock

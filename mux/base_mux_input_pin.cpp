@@ -179,5 +179,5 @@ bool CBaseMuxInputPin::AddHeldPackets(CMuxInterleaver& interleaver) {
 
 // Ends with the pin's identity; any stable number serves the log's reader.
 void CBaseMuxInputPin::LogLine(const WCHAR* text) const {
-    g_Logger << text << static_cast<INT64>(reinterpret_cast<intptr_t>(this)) << OLESTR("\r\n");
+    LogIfPossible([&] { g_Logger << text << static_cast<INT64>(reinterpret_cast<intptr_t>(this)) << OLESTR("\r\n"); });
 }

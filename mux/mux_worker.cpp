@@ -43,11 +43,14 @@ DWORD CMuxWorker::ThreadProc() {
         }
         if (request == kWorkerRun) {
             // A loop that throws has ended; the thread stays to answer the exit request.
-            (void)ComGuard([this] {
+            const HRESULT hr = ComGuard([this] {
                 m_workerThread.AssertHere();
                 RunMuxLoop();
                 return S_OK;
             });
+            if (FAILED(hr)) {
+                OnLoopFailed(hr);
+            }
         }
     }
 }

@@ -29,6 +29,8 @@ class CMuxWorker : protected CAMThread {
     virtual void OnPacket(CMuxInterPacket& packet, CBaseMuxInputPin* pin) QRX_REQUIRES(m_workerThread) = 0;
     // Once a run: every stream has given all that it will ever give.
     virtual void OnAllEnded() QRX_REQUIRES(m_workerThread) = 0;
+    // Instead of that, when taking or passing on threw something: no packet is taken from here on.
+    virtual void OnLoopFailed(HRESULT failure) QRX_REQUIRES(m_workerThread) = 0;
 
     // CAMThread
     DWORD ThreadProc() override;

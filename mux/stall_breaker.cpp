@@ -21,7 +21,8 @@ void CStallBreaker::BreakFullQueueStall() {
     if (!m_interleaver.IsVideoOrAudioQueueFull()) {
         return;
     }
-    g_Logger << OLESTR("interleaver.isVideoOrAudioQueueFull()Reseting inerleave on empty  streams\r\n");
+    LogIfPossible(
+        [] { g_Logger << OLESTR("interleaver.isVideoOrAudioQueueFull()Reseting inerleave on empty  streams\r\n"); });
     m_interleaver.SuspendEmptyStreams();
     m_resumeTime = m_interleaver.NewestStart();
 }

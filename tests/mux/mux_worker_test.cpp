@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <new>
 #include <set>
 
 #include "tests/mux/mux_test_fixture.h"
@@ -86,6 +87,34 @@ TEST_F(MuxWorkerTest, GoesOnWhenProcessingAPacketThrowsAndTellsTheUpstreamFilter
     EXPECT_EQ(S_OK, audio.DeliverEndOfStream());
     EXPECT_TRUE(graph.WaitForEvent(EC_COMPLETE, kWatchdog));
     EXPECT_EQ(2u, mux->Seen().size()); // the audio
+}
+
+// Memory may run out between the packets, too.
+TEST_F(MuxWorkerTest, ALoopThatThrowsEndsTheRunInOrderAndTellsEverybody) {
+    int ends = 0;
+    sink.OnEndOfStream([&ends] {
+        if (ends++ == 0) {
+            throw std::bad_alloc();
+        }
+    });
+    ASSERT_EQ(S_OK, ConnectOutput());
+    FakeUpstreamPin& video = ConnectVideo();
+    FakeUpstreamPin& audio = ConnectAudio();
+    ASSERT_EQ(S_OK, mux->Pause());
+    EXPECT_EQ(S_OK, video.DeliverEndOfStream());
+    EXPECT_EQ(S_OK, audio.DeliverEndOfStream());
+    ASSERT_TRUE(sink.WaitForEndOfStream(kWatchdog)) << "nobody waits for the end for ever";
+    EXPECT_EQ(E_OUTOFMEMORY, video.Deliver({1}, 0, 1));
+    EXPECT_EQ(E_OUTOFMEMORY, audio.Deliver({1}, 0, 1));
+    ASSERT_EQ(1, graph.EventCount(EC_STREAM_ERROR_STOPPED));
+    EXPECT_EQ(E_OUTOFMEMORY, static_cast<HRESULT>(graph.Events().front().parameter1));
+    EXPECT_EQ(S_OK, mux->Stop());
+    ASSERT_EQ(S_OK, mux->Pause());
+    EXPECT_EQ(S_OK, video.Deliver({1}, 0, 1));
+    EXPECT_EQ(S_OK, video.DeliverEndOfStream());
+    EXPECT_EQ(S_OK, audio.DeliverEndOfStream());
+    EXPECT_TRUE(sink.WaitForEndOfStream(kWatchdog, 2));
+    EXPECT_EQ(1u, mux->Seen().size());
 }
 
 TEST_F(MuxWorkerTest, TheMuxersRecordedResultReachesTheUpstreamFilter) {

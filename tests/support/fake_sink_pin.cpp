@@ -65,6 +65,7 @@ bool FakeSinkPin::WaitForEndOfStream(std::chrono::milliseconds timeout, int coun
 }
 
 HRESULT FakeSinkPin::EndOfStream() {
+    m_ended();
     CountOne(&Received::endsOfStream);
     return S_OK;
 }

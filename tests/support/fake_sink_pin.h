@@ -35,6 +35,8 @@ class FakeSinkPin : public FakePin, public IMemInputPin {
     [[nodiscard]] MemoryStream& Stream() { return m_stream; }
     // Called whenever somebody asks for the stream.
     void OnStreamAsked(std::function<void()> asked) { m_streamAsked = std::move(asked); }
+    // Called at each end of stream, before it is counted; what this throws leaves EndOfStream.
+    void OnEndOfStream(std::function<void()> ended) { m_ended = std::move(ended); }
     [[nodiscard]] FakeAllocator& Allocator() { return m_allocator; }
     // The type that ReceiveConnection took is refused with this answer instead.
     void RefuseConnection(HRESULT result) { m_connectionResult = result; }
@@ -76,6 +78,7 @@ class FakeSinkPin : public FakePin, public IMemInputPin {
     HRESULT m_connectionResult = S_OK;
     bool m_offersAllocator = true;
     std::function<void()> m_streamAsked = [] {};
+    std::function<void()> m_ended = [] {};
     FakeAllocator m_allocator;
     MemoryStream m_stream{static_cast<IPin*>(this)};
     IStream* const m_offered; // null: none
