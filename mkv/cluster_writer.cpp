@@ -79,17 +79,24 @@ void CClusterWriter::flushCluster() {
         m_cluster.write(m_io);
         m_cluster.close();
         if (m_io.takeLost()) {
-            m_cues.dropAnnounced();
+            dropFacts();
             m_io.returnTo(place); // the next one takes its place
             return;
         }
         m_cues.keepAnnounced(m_segment.GetRelativePosition(place.position));
+        m_writtenEndNs = m_openEndNs;
     } catch (...) {
         m_cluster.close(); // written once, whatever happens
         m_io.discard();
-        m_cues.dropAnnounced();
+        dropFacts();
         throw;
     }
+}
+
+// What the file would tell of a cluster that is not there.
+void CClusterWriter::dropFacts() noexcept {
+    m_cues.dropAnnounced();
+    m_openEndNs = m_writtenEndNs;
 }
 
 std::optional<UINT64> CClusterWriter::addFrameToCurrentCluster(const Packet& packet) {
@@ -131,14 +138,19 @@ void CClusterWriter::makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 
 
 void CClusterWriter::addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, const FrameBytes& frame) {
     const UINT16 number = m_tracks[packet.stream].number;
+    const bool isCuePoint = packet.blockGroup || (keyframe && isCueTrack(packet.stream));
+    if (isCuePoint) {
+        m_cues.makeRoom(); // so that the block comes in with its point, or not at all
+    }
     if (packet.blockGroup) {
         m_cluster.addBlockGroup(number, times, frame);
     } else {
         m_cluster.addSimpleBlock(number, times.timeNs, frame, keyframe);
     }
-    if (packet.blockGroup || (keyframe && isCueTrack(packet.stream))) {
+    if (isCuePoint) {
         m_cues.announce(times.timeNs, number);
     }
+    m_openEndNs = std::max(m_openEndNs, times.endNs);
 }
 
 bool CClusterWriter::isCueTrack(UINT32 stream) const {

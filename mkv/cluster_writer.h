@@ -31,6 +31,8 @@ class CClusterWriter {
     // The entries of the tracks, in their order; the track whose keyframes begin clusters and are cue points.
     void setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries, INT32 cueTrack);
     [[nodiscard]] size_t trackEntryCount() const { return m_tracks.size(); }
+    // The largest end time of the blocks whose clusters were written.
+    [[nodiscard]] UINT64 writtenEndNs() const { return m_writtenEndNs; }
 
     void startCluster(UINT64 timeNs);
     // Writes the current cluster, even one without blocks; nothing when there is none. One that a failed write lost
@@ -49,6 +51,7 @@ class CClusterWriter {
 
     void makeRoom(const BlockTimes& times, bool cueKeyframe, UINT64 payloadBytes);
     void addBlock(const Packet& packet, const BlockTimes& times, bool keyframe, const FrameBytes& frame);
+    void dropFacts() noexcept;
     [[nodiscard]] bool isCueTrack(UINT32 stream) const;
 
     CGatheringIO& m_io;
@@ -58,6 +61,8 @@ class CClusterWriter {
     INT32 m_cueTrack = kNoCueTrack;
 
     COpenCluster m_cluster;
+    UINT64 m_openEndNs = 0; // the largest end time of its blocks and of those written
+    UINT64 m_writtenEndNs = 0;
     CTimeShifter m_shifter;
 };
 

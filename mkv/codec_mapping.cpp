@@ -1,5 +1,9 @@
 #include "mkv/codec_mapping.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
 #include <matroska/KaxTrackAudio.h>
 #include <matroska/KaxTrackVideo.h>
 #include <matroska/KaxTracks.h>
@@ -32,11 +36,15 @@ void ApplyAudio(EbmlMaster& audio, const media::AudioDescription& description) {
     }
 }
 
-// libebml copies from the pointer even when there is nothing to copy, so an empty block needs a real one.
+// libebml would make a copy without a look at whether there is memory for it. An empty block needs a pointer, too.
 void ApplyPrivate(EbmlMaster& entry, const std::vector<BYTE>& bytes) {
-    static constexpr BYTE kNothing = 0;
-    const BYTE* const data = bytes.empty() ? &kNothing : bytes.data();
-    libebml::GetChild<libmatroska::KaxCodecPrivate>(entry).CopyBuffer(data, static_cast<UINT32>(bytes.size()));
+    auto& element = libebml::GetChild<libmatroska::KaxCodecPrivate>(entry);
+    auto* const copy = static_cast<BYTE*>(std::malloc(bytes.size() + 1)); // freed by the element, with free
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::copy(bytes.begin(), bytes.end(), copy);
+    element.SetBuffer(copy, static_cast<UINT32>(bytes.size()));
 }
 
 void Apply(libmatroska::KaxTrackEntry& entry, const media::CodecDescription& description) {

@@ -1,8 +1,10 @@
 #include "mkv/matroska_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <ctime>
+#include <new>
 #include <utility>
 
 #include <ebml/EbmlHead.h>
@@ -130,15 +132,21 @@ void CMatroskaFile::indexAt(UINT64 position) {
 }
 
 void CMatroskaFile::finalise(double durationNs) {
+    m_isFinished = false;
     m_clusters.flushCluster();
     libmatroska::KaxInfo info;
-    WriteSegmentInfo(info, durationNs);
+    // Not longer than what is there: the last clusters may be lost.
+    WriteSegmentInfo(info, std::min(durationNs, static_cast<double>(m_clusters.writtenEndNs())));
+    m_isFinished = true;
     if (!m_gathering.isPositionSure()) {
         return; // patches could hit anything
     }
     m_end = m_gathering.getFilePointer();
     try {
         patch(info, m_dataStart + m_gathering.skippedBytes());
+    } catch (const std::bad_alloc&) {
+        m_isFinished = false;
+        m_gathering.discard();
     } catch (...) { // whatever was written so far stays, and can be read
         m_gathering.discard();
     }

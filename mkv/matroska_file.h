@@ -57,6 +57,8 @@ class CMatroskaFile {
     // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.
     // Throws only before anything is patched.
     void finalise(double durationNs);
+    // Whether memory sufficed for it.
+    [[nodiscard]] bool isFinished() const { return m_isFinished; }
 
   private:
     void writeSegmentHead();
@@ -74,8 +76,9 @@ class CMatroskaFile {
     CFileOutput& m_io;
     CGatheringIO m_gathering;
     std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
-    UINT64 m_dataStart = 0;                 // of the Segment, behind its head
-    UINT64 m_end = 0;                       // of the file, without what is patched
+    bool m_isFinished = false;
+    UINT64 m_dataStart = 0; // of the Segment, behind its head
+    UINT64 m_end = 0;       // of the file, without what is patched
     libmatroska::KaxSegment m_segment;
     libmatroska::KaxSeekHead m_seekHead;
     libebml::EbmlVoid m_seekHeadPlace;

@@ -9,6 +9,8 @@ namespace mkv {
 
 namespace {
 
+constexpr size_t kFirstPoints = 16;
+
 using libmatroska::KaxCueClusterPosition;
 using libmatroska::KaxCuePoint;
 using libmatroska::KaxCueTime;
@@ -31,6 +33,12 @@ class CPointElement {
 };
 
 } // namespace
+
+void CMkvCues::makeRoom() {
+    if (m_points.size() == m_points.capacity()) {
+        m_points.reserve(std::max(2 * m_points.size(), kFirstPoints));
+    }
+}
 
 void CMkvCues::announce(UINT64 timeNs, UINT64 track) {
     m_points.push_back({timeNs / kTimecodeScaleNs, 0, track});

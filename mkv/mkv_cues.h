@@ -16,6 +16,8 @@ namespace mkv {
 
 class CMkvCues : public libmatroska::KaxCues {
   public:
+    // For one more point, which is announced without throwing then.
+    void makeRoom();
     // A block of the open cluster; nothing is announced when it throws.
     void announce(UINT64 timeNs, UINT64 track);
     // The cluster was written there: the blocks announced are points.

@@ -24,6 +24,7 @@ ULONG ToStreamSize(size_t size) {
 void CMkvIO::setStream(IStream* stream) {
     m_stream.Reset();
     m_stream = stream;
+    m_firstLoss = S_OK;
 }
 
 void CMkvIO::releaseStream() {
@@ -47,6 +48,9 @@ size_t CMkvIO::write(const void* buffer, size_t size) {
     ULONG written = asked; // for streams that do not say
     m_lastWriteResult = m_stream->Write(buffer, asked, &written);
     m_isLastWriteWhole = SUCCEEDED(m_lastWriteResult) && written == asked;
+    if (!m_isLastWriteWhole && m_firstLoss == S_OK) {
+        m_firstLoss = FAILED(m_lastWriteResult) ? m_lastWriteResult : STG_E_WRITEFAULT;
+    }
     return asked;
 }
 

@@ -20,6 +20,8 @@ class CMkvIO : public mkv::CFileOutput {
     void releaseStream();
     // What the last write to a stream returned; 0 before the first one.
     [[nodiscard]] HRESULT lastWriteResult() const { return m_lastWriteResult; }
+    // Why the first write to this stream that did not bring all of its bytes did not; S_OK when there was none.
+    [[nodiscard]] HRESULT firstLoss() const { return m_firstLoss; }
 
     // libebml::IOCallback
     uint32 read(void* buffer, size_t size) override;
@@ -39,5 +41,6 @@ class CMkvIO : public mkv::CFileOutput {
 
     win::ComPtr<IStream> m_stream;
     HRESULT m_lastWriteResult = S_OK;
+    HRESULT m_firstLoss = S_OK;
     bool m_isLastWriteWhole = true;
 };

@@ -15,9 +15,11 @@ void LogPacket(const mkv::Packet& packet) {
     if (!g_Logger.IsEnabled()) {
         return;
     }
-    g_Logger << OLESTR("CMkvWriter::WritePacket stream=") << static_cast<INT32>(packet.stream) << OLESTR(" start=")
-             << packet.start << OLESTR(" stop=") << packet.stop << OLESTR(" size=") << static_cast<INT32>(packet.size)
-             << OLESTR("\r\n");
+    LogIfPossible([&packet] {
+        g_Logger << OLESTR("CMkvWriter::WritePacket stream=") << static_cast<INT32>(packet.stream) << OLESTR(" start=")
+                 << packet.start << OLESTR(" stop=") << packet.stop << OLESTR(" size=")
+                 << static_cast<INT32>(packet.size) << OLESTR("\r\n");
+    });
 }
 
 } // namespace
@@ -70,7 +72,9 @@ void CMkvWriter::WritePacket(const mkv::Packet& packet) {
 
 void CMkvWriter::Close() {
     if (m_file) {
+        m_isFinished = false;
         m_file->finalise(m_durationNs);
+        m_isFinished = m_file->isFinished();
     }
     releaseFile();
     mkv::DebugTrace("Stoped.... ");

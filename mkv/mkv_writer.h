@@ -47,6 +47,8 @@ class CMkvWriter {
     [[nodiscard]] bool takeUntoldLoss() { return m_file && m_file->takeUntoldLoss(); }
     // Finalises the file; once it has begun to patch the head it swallows every exception.
     void Close();
+    // False when memory ran out while the last file's head was patched: all the rest of the file is there.
+    [[nodiscard]] bool isFinished() const { return m_isFinished; }
     // Forgets the output.
     void detach() noexcept { m_io = nullptr; }
     // Releases all that belongs to the file, the tracks and the output, and writes nothing.
@@ -63,6 +65,7 @@ class CMkvWriter {
     CMkvIO* m_io = nullptr;
     std::atomic<UINT32> m_outputFormat{kMatroskaFormat};
     std::atomic<double> m_durationNs{0.0};
+    bool m_isFinished = true;
     records::CAttachmentList m_attachments;
     mkv::TrackList m_tracks;
     std::unique_ptr<mkv::CMatroskaFile> m_file; // the last, since it uses the tracks
