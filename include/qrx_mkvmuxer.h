@@ -61,6 +61,16 @@ enum MuxTrackType {
     MuxTrackType_Subtitle = 17 // texts too
 };
 
+// ---- Events for the filter graph --------------------------------------------------------------------------------
+
+// Numbers from EC_USER on. IMediaEvent::GetEvent gives them to the application; the graph does nothing about them.
+enum MuxEvent {
+    // Not all that arrived is in the file, since a write failed, as on a full disk, or memory ran out. The first
+    // parameter is the HRESULT of the first such failure, the second one 0. Once a run, from its start until Stop.
+    // The run goes on, but the inputs begin to refuse samples with that result; Stop finishes the file with what fits.
+    MuxEvent_OutputFailed = 0x8000 + 0x4D58
+};
+
 // ---- Records passed by reference --------------------------------------------------------------------------------
 
 // The settings of one track; the filter has 100 rows, one for each of its first input pins.

@@ -118,21 +118,28 @@ bool CMatroskaMuxer::IsInputActive(int index) {
 
 HRESULT CMatroskaMuxer::OnStartStreaming() {
     CBaseMux::OnStartStreaming();
-    const CAutoLock lock(&m_writerLock);
-    if (!m_downstream) {
-        return kMuxFailedResult; // runs on without a file
-    }
-    m_writer->detach();
-    m_io->releaseStream();
-    const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] {
-        m_writerLock.AssertHeld();
-        return OpenWriter();
-    });
-    if (FAILED(hr)) {
-        m_writer->abandon();
+    HRESULT untold = S_OK;
+    {
+        const CAutoLock lock(&m_writerLock);
+        if (!m_downstream) {
+            return kMuxFailedResult; // runs on without a file
+        }
+        m_isFailureTold = false;
+        m_writer->detach();
         m_io->releaseStream();
+        const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] {
+            m_writerLock.AssertHeld();
+            return OpenWriter();
+        });
+        if (FAILED(hr)) {
+            m_writer->abandon();
+            m_io->releaseStream();
+            return hr;
+        }
+        untold = TakeUntoldFailure(S_OK);
     }
-    return hr;
+    TellGraph(untold);
+    return S_OK;
 }
 
 HRESULT CMatroskaMuxer::OpenWriter() {
@@ -157,48 +164,81 @@ void CMatroskaMuxer::RegisterTracks() {
 }
 
 HRESULT CMatroskaMuxer::OnStopStreaming() {
-    const CAutoLock lock(&m_writerLock);
-    g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n");
-    if (m_writer->isOpen()) {
-        CloseWriter();
+    HRESULT untold = S_OK;
+    {
+        const CAutoLock lock(&m_writerLock);
+        LogIfPossible([] { g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n"); });
+        if (m_writer->isOpen()) {
+            untold = TakeUntoldFailure(CloseWriter());
+        }
+        CBaseMux::OnStopStreaming();
     }
-    CBaseMux::OnStopStreaming();
+    TellGraph(untold);
     return S_OK;
 }
 
-void CMatroskaMuxer::CloseWriter() {
-    const HRESULT hr = GuardWriter(OLESTR("OnStopStreaming"), [this] {
-        m_writerLock.AssertHeld();
-        m_writer->Close();
-        return S_OK;
-    });
-    if (FAILED(hr)) {
+HRESULT CMatroskaMuxer::CloseWriter() {
+    const auto close = [this] {
+        return GuardWriter(OLESTR("OnStopStreaming"), [this] {
+            m_writerLock.AssertHeld();
+            m_writer->Close();
+            return m_writer->isFinished() ? S_OK : E_OUTOFMEMORY;
+        });
+    };
+    const HRESULT hr = close();
+    // What was thrown cost the last cluster; without that one the file can be finished.
+    if (FAILED(hr) && m_writer->isOpen() && FAILED(close())) {
         m_writer->abandon();
     }
     m_io->releaseStream();
     m_writer->detach();
+    return hr;
 }
 
 int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {
-    const CAutoLock lock(&m_writerLock);
-    CMuxInterStream* const stream = pin->Stream();
+    HRESULT untold = S_OK;
+    {
+        const CAutoLock lock(&m_writerLock);
+        untold = TakeUntoldFailure(WriteTold(*packet, pin->Stream()));
+    }
+    TellGraph(untold);
+    return kMuxOk;
+}
+
+HRESULT CMatroskaMuxer::WriteTold(CMuxInterPacket& packet, CMuxInterStream* stream) {
     if (const HRESULT written = WriteResult(); written != S_OK && stream != nullptr) {
         stream->SetStreamResult(written);
     }
     // Text and subtitles: the kind was found out once, when streaming began.
     if (stream != nullptr && stream->Kind() == MuxStreamKind::Subtitle) {
-        packet->muxerFlag = kBlockGroupFlag;
+        packet.muxerFlag = kBlockGroupFlag;
     }
-    if (m_writer->isOpen()) {
-        const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] {
-            m_writerLock.AssertHeld();
-            return WriteToWriter(*packet);
-        });
-        if (FAILED(hr) && stream != nullptr) {
-            stream->SetStreamResult(hr);
-        }
+    if (!m_writer->isOpen()) {
+        return S_OK;
     }
-    return kMuxOk;
+    const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] {
+        m_writerLock.AssertHeld();
+        return WriteToWriter(packet);
+    });
+    if (FAILED(hr) && stream != nullptr) {
+        stream->SetStreamResult(hr);
+    }
+    return hr;
+}
+
+HRESULT CMatroskaMuxer::TakeUntoldFailure(HRESULT thrown) {
+    const HRESULT failure = FAILED(m_io->firstLoss()) ? m_io->firstLoss() : thrown;
+    if (SUCCEEDED(failure) || m_isFailureTold) {
+        return S_OK;
+    }
+    m_isFailureTold = true;
+    return failure;
+}
+
+void CMatroskaMuxer::TellGraph(HRESULT failure) {
+    if (FAILED(failure)) {
+        NotifyEvent(MuxEvent_OutputFailed, failure, 0);
+    }
 }
 
 // A write that says that it succeeded may have kept a part only, and one behind the one that failed may have succeeded:

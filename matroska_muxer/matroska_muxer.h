@@ -66,11 +66,18 @@ class CMatroskaMuxer final : public CBaseMux,
     HRESULT OpenWriter() QRX_REQUIRES(m_writerLock);
     void RegisterTracks() QRX_REQUIRES(m_writerLock);
     [[nodiscard]] HRESULT WriteResult() QRX_REQUIRES(m_writerLock);
+    // The packet with what it was told of the output before, and why it did not reach the file.
+    HRESULT WriteTold(CMuxInterPacket& packet, CMuxInterStream* stream) QRX_REQUIRES(m_writerLock);
     HRESULT WriteToWriter(CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
-    void CloseWriter() QRX_REQUIRES(m_writerLock);
+    HRESULT CloseWriter() QRX_REQUIRES(m_writerLock);
+    // The first failure of the run's output, once: what was thrown just now, or what a write met. S_OK for none.
+    [[nodiscard]] HRESULT TakeUntoldFailure(HRESULT thrown) QRX_REQUIRES(m_writerLock);
+    // To the graph, which may ask the filter something back: without the writer lock.
+    void TellGraph(HRESULT failure);
 
     CCritSec m_writerLock;
     const std::unique_ptr<CMkvIO> m_io QRX_PT_GUARDED_BY(m_writerLock);
     const std::unique_ptr<CMkvWriter> m_writer QRX_PT_GUARDED_BY(m_writerLock);
+    bool m_isFailureTold QRX_GUARDED_BY(m_writerLock) = false; // to the graph, in this run
     const std::unique_ptr<CMuxerParameters> m_parameters;
 };

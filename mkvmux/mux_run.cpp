@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "include/qrx_mkvmuxer.h"
 #include "mkvmux/exit_status.h"
 #include "mkvmux/failure.h"
 #include "mkvmux/graph_stopper.h"
@@ -86,6 +87,9 @@ bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
     case EC_ERRORABORT:
         ThrowIfOutputFailed();
         throw Failure("a filter gave up: " + DescribeResult(hr));
+    case MuxEvent_OutputFailed:
+        ThrowIfOutputFailed();
+        throw Failure("cannot be written: " + DescribeResult(hr));
     case EC_STREAM_ERROR_STOPPED:
         m_console.Warn("a stream ended early: " + DescribeResult(hr));
         return false;

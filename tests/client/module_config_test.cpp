@@ -6,12 +6,17 @@
 #include <array>
 #include <limits>
 
+#include <evcode.h>
+
 #include "tests/client/fake_module_config.h"
 
 namespace client {
 namespace {
 
 using test_client::FakeModuleConfig;
+
+static_assert(MuxEvent_OutputFailed >= EC_USER, "the graph would take it for one of its own");
+static_assert(MuxEvent_OutputFailed == 0xCD58, "applications know the number");
 
 constexpr HRESULT kRefused = E_ACCESSDENIED;
 
