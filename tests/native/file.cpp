@@ -6,6 +6,7 @@
 
 #include "tests/native/file_system.h"
 #include "tests/native/shared_file.h"
+#include "tests/support/system_code.h"
 
 namespace {
 
@@ -57,6 +58,7 @@ LONGLONG Seek(const SharedFile& file, LONGLONG distance, DWORD method) {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD,
                           HANDLE) {
+    const test_support::SystemCode notTheProduct;
     const auto name = native::ToLinuxPath(path);
     if (!name || !IsDisposition(disposition)) {
         if (name) {

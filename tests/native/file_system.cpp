@@ -10,6 +10,7 @@
 
 #include "tests/native/code_page.h"
 #include "tests/native/shared_file.h"
+#include "tests/support/system_code.h"
 
 namespace native {
 
@@ -89,6 +90,7 @@ using native::FailFromErrno;
 using native::ToLinuxPath;
 
 BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) {
+    const test_support::SystemCode notTheProduct;
     const auto name = ToLinuxPath(path);
     if (!name) {
         return FALSE;

@@ -38,6 +38,12 @@ bool NextAllocationFails() {
     return true;
 }
 
+bool HasMemoryForObject() {
+    void* const volatile probe = std::malloc(1); // fails in a program that lets malloc fail
+    std::free(probe);
+    return probe != nullptr;
+}
+
 } // namespace native
 
 void* WINAPI CoTaskMemAlloc(SIZE_T size) {

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "tests/native/kernel_object.h"
+#include "tests/native/memory.h"
+#include "tests/support/system_code.h"
 
 namespace {
 
@@ -100,6 +102,11 @@ HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initial
         SetLastError(ERROR_NOT_SUPPORTED);
         return nullptr;
     }
+    if (!native::HasMemoryForObject()) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    const test_support::SystemCode notTheProduct;
     return Kernel::Instance().Add(std::make_shared<Event>(manualReset != FALSE, initialState != FALSE));
 }
 
@@ -115,6 +122,7 @@ BOOL WINAPI ResetEvent(HANDLE handle) {
 
 DWORD WINAPI WaitForMultipleObjectsEx(DWORD count, const HANDLE* handles, BOOL all, DWORD milliseconds, BOOL) {
     Count(KernelCall::Wait);
+    const test_support::SystemCode notTheProduct;
     const Objects objects = FindAll(count, handles);
     return objects.empty() ? WAIT_FAILED : WaitFor(objects, all != FALSE, milliseconds);
 }

@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "tests/native/kernel_object.h"
+#include "tests/native/memory.h"
+#include "tests/support/system_code.h"
 
 namespace {
 
@@ -72,6 +74,11 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
+    if (!native::HasMemoryForObject()) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    const test_support::SystemCode notTheProduct;
     const auto thread = std::make_shared<Thread>();
     try {
         Thread::Start(thread, procedure, argument);

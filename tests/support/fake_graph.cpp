@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tests/support/system_code.h"
+
 namespace test_support {
 
 namespace {
@@ -44,6 +46,7 @@ HRESULT FakeGraph::QueryInterface(REFIID iid, void** object) {
 }
 
 HRESULT FakeGraph::Notify(LONG code, LONG_PTR parameter1, LONG_PTR parameter2) {
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     m_events.push_back({code, parameter1, parameter2});
     m_changed.notify_all();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tests/support/fake_enumerators.h"
+#include "tests/support/system_code.h"
 
 namespace test_support {
 
@@ -12,6 +13,7 @@ FakePin::FakePin(PIN_DIRECTION direction, WideString name, std::vector<MediaType
     : m_direction(direction), m_name(std::move(name)), m_types(std::move(types)) {}
 
 void FakePin::SetPeer(IPin* peer, const AM_MEDIA_TYPE& type) {
+    const SystemCode notTheProduct;
     m_peer = peer;
     m_connectedType = MediaTypeValue(type);
 }
@@ -119,6 +121,7 @@ HRESULT FakePin::EnumMediaTypes(IEnumMediaTypes** types) {
     if (types == nullptr) {
         return E_POINTER;
     }
+    const SystemCode notTheProduct;
     *types = MakeMediaTypeEnumerator(this, m_types);
     return S_OK;
 }

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "tests/support/system_code.h"
+
 namespace test_support {
 
 namespace {
@@ -33,6 +35,23 @@ void MemoryStream::FailFrom(StreamOperation operation, UINT64 n, HRESULT result)
 void MemoryStream::ClearFailures() {
     const std::lock_guard guard(m_lock);
     m_rules.clear();
+    m_writeRule.reset();
+}
+
+void MemoryStream::AnswerWrites(UINT64 n, bool onlyOnce, HRESULT result, unsigned keptPercent) {
+    const std::lock_guard guard(m_lock);
+    m_writeRule = WriteRule{n == 0 ? 0 : n - 1, onlyOnce, result, keptPercent};
+}
+
+void MemoryStream::KeepWrites() {
+    const std::lock_guard guard(m_lock);
+    m_keepsWrites = true;
+    m_writes.clear();
+}
+
+std::vector<KeptWrite> MemoryStream::Writes() const {
+    const std::lock_guard guard(m_lock);
+    return m_writes;
 }
 
 void MemoryStream::AnswerNextWrite(HRESULT result, ULONG keptBytes) {
@@ -139,6 +158,7 @@ ULONG MemoryStream::Release() {
 
 HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     const UINT64 start = m_position;
     HRESULT hr = FailureDue(StreamOperation::Read);
@@ -159,6 +179,19 @@ HRESULT MemoryStream::Read(void* buffer, ULONG size, ULONG* read) {
         }
     }
     return Record({StreamOperation::Read, start, size, 0, 0, hr});
+}
+
+std::optional<MemoryStream::WriteAnswer> MemoryStream::AnswerDue(ULONG size) {
+    std::optional<WriteAnswer> answer = std::exchange(m_nextWrite, std::nullopt);
+    if (m_writeRule && m_writeRule->callsUntil > 0) {
+        --m_writeRule->callsUntil;
+    } else if (m_writeRule) {
+        answer = WriteAnswer{m_writeRule->result, static_cast<ULONG>(UINT64{size} * m_writeRule->keptPercent / 100)};
+        if (m_writeRule->onlyOnce) {
+            m_writeRule.reset();
+        }
+    }
+    return answer;
 }
 
 HRESULT MemoryStream::WriteAtPosition(const BYTE* bytes, ULONG size) {
@@ -182,12 +215,13 @@ HRESULT MemoryStream::WriteAtPosition(const BYTE* bytes, ULONG size) {
 
 HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     if (written != nullptr) {
         *written = 0;
     }
     const UINT64 start = m_position;
-    const std::optional<WriteAnswer> answer = std::exchange(m_nextWrite, std::nullopt);
+    const std::optional<WriteAnswer> answer = AnswerDue(size);
     const ULONG kept = answer ? std::min(answer->keptBytes, size) : size;
     HRESULT hr = FailureDue(StreamOperation::Write);
     if (SUCCEEDED(hr)) {
@@ -196,8 +230,13 @@ HRESULT MemoryStream::Write(const void* buffer, ULONG size, ULONG* written) {
     if (SUCCEEDED(hr) && written != nullptr) {
         *written = kept;
     }
+    const UINT64 taken = m_position - start;
     if (SUCCEEDED(hr) && answer) {
         hr = answer->result;
+    }
+    if (m_keepsWrites) {
+        const auto* const bytes = static_cast<const BYTE*>(buffer);
+        m_writes.push_back({start, std::vector<BYTE>(bytes, bytes + size), taken, hr});
     }
     return Record({StreamOperation::Write, start, size, 0, 0, hr});
 }
@@ -226,6 +265,7 @@ HRESULT MemoryStream::MoveTo(INT64 move, DWORD origin) {
 
 HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) {
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     HRESULT hr = FailureDue(StreamOperation::Seek);
     if (SUCCEEDED(hr)) {
@@ -239,6 +279,7 @@ HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* new
 
 HRESULT MemoryStream::SetSize(ULARGE_INTEGER size) {
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     HRESULT hr = FailureDue(StreamOperation::SetSize);
     if (SUCCEEDED(hr) && size.QuadPart > m_capacity) {
@@ -256,6 +297,7 @@ HRESULT MemoryStream::CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_I
 
 HRESULT MemoryStream::Commit(DWORD) {
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     return Record({StreamOperation::Other, m_position, 0, 0, 0, FailureDue(StreamOperation::Other)});
 }
@@ -277,6 +319,7 @@ HRESULT MemoryStream::Stat(STATSTG* stat, DWORD) {
         return STG_E_INVALIDPOINTER;
     }
     m_everyCall();
+    const SystemCode notTheProduct;
     const std::lock_guard guard(m_lock);
     *stat = {};
     const HRESULT hr = FailureDue(StreamOperation::Stat);

@@ -18,6 +18,16 @@ namespace test_support {
 
 enum class StreamOperation { Read, Write, Seek, SetSize, Stat, Other };
 
+// A write that was made while writes were kept.
+struct KeptWrite {
+    UINT64 position;
+    std::vector<BYTE> bytes; // all that were given
+    UINT64 taken;            // so many of them are in the stream
+    HRESULT result;
+
+    [[nodiscard]] bool IsWhole() const { return SUCCEEDED(result) && taken == bytes.size(); }
+};
+
 struct StreamCall {
     StreamOperation operation;
     UINT64 position; // Read, Write: where it began. Seek: where it led to; the old position if it failed
@@ -40,8 +50,13 @@ class MemoryStream final : public IStream {
     void ClearFailures();
     // The next write keeps only so many bytes, and answers so.
     void AnswerNextWrite(HRESULT result, ULONG keptBytes);
+    // So does the n-th one (from 1, counted from now on), or each from then on: so many of a hundred of its bytes.
+    void AnswerWrites(UINT64 n, bool onlyOnce, HRESULT result, unsigned keptPercent);
     // Growing beyond this many bytes fails with STG_E_MEDIUMFULL, as a full disk does.
     void SetCapacity(UINT64 bytes);
+    // From now on, what each write was given is kept.
+    void KeepWrites();
+    [[nodiscard]] std::vector<KeptWrite> Writes() const;
     // Switches the list of calls off and on; the counters of FailNth go on.
     void SetRecording(bool record);
 
@@ -89,9 +104,17 @@ class MemoryStream final : public IStream {
         ULONG keptBytes;
     };
 
+    struct WriteRule {
+        UINT64 callsUntil; // writes left before it applies
+        bool onlyOnce;
+        HRESULT result;
+        unsigned keptPercent;
+    };
+
     void AddRule(StreamOperation operation, UINT64 n, bool onlyOnce, HRESULT result);
     HRESULT FailureDue(StreamOperation operation);
     HRESULT Record(const StreamCall& call);
+    std::optional<WriteAnswer> AnswerDue(ULONG size);
     HRESULT WriteAtPosition(const BYTE* bytes, ULONG size);
     HRESULT MoveTo(INT64 move, DWORD origin);
 
@@ -108,6 +131,9 @@ class MemoryStream final : public IStream {
     std::vector<StreamCall> m_calls;
     std::vector<FailureRule> m_rules;
     std::optional<WriteAnswer> m_nextWrite;
+    std::optional<WriteRule> m_writeRule;
+    bool m_keepsWrites = false;
+    std::vector<KeptWrite> m_writes;
 };
 
 } // namespace test_support

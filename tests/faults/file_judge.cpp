@@ -1,0 +1,135 @@
+#include "tests/faults/file_judge.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <iterator>
+
+#include "tests/support/layout_check.h"
+
+using namespace test_support;
+
+namespace faults {
+
+namespace {
+
+constexpr BYTE kClusterId[] = {0x1f, 0x43, 0xb6, 0x75};
+
+bool BeginsCluster(ByteView bytes) {
+    return bytes.size() >= std::size(kClusterId) && std::ranges::equal(bytes.first(std::size(kClusterId)), kClusterId);
+}
+
+// Of an element's head and data; the identifier has four bytes.
+size_t WholeSize(ByteView element) {
+    const size_t length = static_cast<size_t>(std::countl_zero(element[4])) + 1;
+    uint64_t size = element[4] & (0xffu >> length);
+    for (size_t i = 1; i < length; ++i) {
+        size = size << 8 | element[4 + i];
+    }
+    return 4 + length + static_cast<size_t>(size);
+}
+
+Bytes operator+(Bytes left, ByteView right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+// The file up to the end of its Segment.
+Bytes UpToItsEnd(const Bytes& file) {
+    const auto layout = ReadLayout(file);
+    if (layout.Segment() == nullptr || layout.Segment()->unknownSize) {
+        return file;
+    }
+    return {file.begin(), file.begin() + static_cast<ptrdiff_t>(layout.Segment()->End())};
+}
+
+} // namespace
+
+FileJudge::FileJudge(const FaultRig& rig, const Outcome& faultless) : m_rig(rig) {
+    for (const KeptWrite& write : faultless.writes) {
+        if (BeginsCluster(write.bytes)) {
+            break;
+        }
+        m_head = std::move(m_head) + write.bytes;
+    }
+}
+
+// A cluster with large frames takes several writes, one behind the other.
+Frames FileJudge::TakenByOutput(const Outcome& outcome) const {
+    Frames taken;
+    const auto& writes = outcome.writes;
+    for (size_t i = 0; i < writes.size(); ++i) {
+        if (!BeginsCluster(writes[i].bytes)) {
+            continue;
+        }
+        const size_t size = WholeSize(writes[i].bytes);
+        Bytes cluster;
+        for (size_t j = i; j < writes.size() && writes[j].IsWhole() && cluster.size() < size; ++j) {
+            cluster = std::move(cluster) + writes[j].bytes;
+        }
+        if (cluster.size() >= size) {
+            const Bytes file = m_head + cluster;
+            taken.merge(FramesOf(ReadLayout(file)));
+        }
+    }
+    return taken;
+}
+
+Frames FileJudge::InFile(const Bytes& file) const {
+    return FramesOf(ReadLayout(UpToItsEnd(file)));
+}
+
+Frames FileJudge::InClusters(const Bytes& file) const {
+    const auto behind = ByteView(file).subspan(std::min(file.size(), m_head.size()));
+    return FramesOf(ReadLayout(m_head + behind));
+}
+
+Frames FileJudge::FramesOf(const MatroskaLayout& layout) const {
+    Frames frames;
+    for (size_t input = 0; input < kInputs; ++input) {
+        size_t next = 0;
+        for (const LayoutBlock& block : layout.BlocksOf(input + 1)) {
+            const Bytes payload(block.frames.front().begin(), block.frames.front().end());
+            const size_t number = payload.back();
+            EXPECT_EQ(payload, m_rig.PayloadOf(static_cast<Input>(input), number));
+            EXPECT_GE(number, next) << "of input " << input << ": twice or too late";
+            next = number + 1;
+            frames.insert({input, number});
+        }
+    }
+    return frames;
+}
+
+void FileJudge::ExpectSound(const Bytes& file, bool mayBeCut) const {
+    const Bytes whole = UpToItsEnd(file);
+    const auto layout = ReadLayout(whole);
+    ASSERT_NE(layout.Segment(), nullptr);
+    const bool isCut = layout.Segment()->unknownSize;
+    EXPECT_TRUE(mayBeCut || !isCut) << "it was not finished";
+    EXPECT_TRUE(mayBeCut || whole.size() == file.size()) << "something lies behind its end";
+    for (const auto& finding : CheckLayout(layout, {.cut = isCut})) {
+        ADD_FAILURE() << finding;
+    }
+    EXPECT_EQ(kInputs, layout.tracks.size());
+    if (mayBeCut || !layout.duration) {
+        EXPECT_TRUE(mayBeCut) << "no duration";
+        return;
+    }
+    const Frames frames = FramesOf(layout);
+    const auto last = std::ranges::max_element(frames, {}, &Frame::number);
+    const size_t end = last == frames.end() ? 0 : last->number + 1;
+    EXPECT_EQ(static_cast<double>(end * kFrameMs), *layout.duration) << "of what is there";
+}
+
+Frames FileJudge::TakenByFilter(const Outcome& outcome) {
+    Frames taken;
+    for (size_t input = 0; input < kInputs; ++input) {
+        for (const size_t number : outcome.taken[input]) {
+            taken.insert({input, number});
+        }
+    }
+    return taken;
+}
+
+} // namespace faults

@@ -1,0 +1,51 @@
+// FileJudge: what a run's file must hold, by what its output took, and what it does hold, by our own reader.
+//
+// Units: bytes. Owner: the test. Threads: as a value. Errors: failures of the running test.
+#pragma once
+
+#include <set>
+
+#include "tests/faults/fault_rig.h"
+#include "tests/support/matroska_layout.h"
+
+namespace faults {
+
+// A frame of an input, as a block holds it.
+struct Frame {
+    size_t input;
+    size_t number;
+    auto operator<=>(const Frame&) const = default;
+};
+
+using Frames = std::set<Frame>;
+
+[[nodiscard]] inline size_t ClusterOf(const Frame& frame) {
+    return frame.number / kFramesPerCluster;
+}
+
+class FileJudge {
+  public:
+    // Of a run in which nothing failed.
+    FileJudge(const FaultRig& rig, const Outcome& faultless);
+
+    // Where the first cluster lies; in front of it are the head's writes.
+    [[nodiscard]] size_t FirstCluster() const { return m_head.size(); }
+    // The frames of the clusters that the output said it took.
+    [[nodiscard]] Frames TakenByOutput(const Outcome& outcome) const;
+    // The frames of the file; a frame that is there twice, out of order, or not as it was delivered is a failure.
+    [[nodiscard]] Frames InFile(const Bytes& file) const;
+    // The same for a file whose head was damaged: what a reader finds that looks for clusters.
+    [[nodiscard]] Frames InClusters(const Bytes& file) const;
+    // No finding of the layout check, and a duration that ends with the last frame.
+    void ExpectSound(const Bytes& file, bool mayBeCut) const;
+
+    [[nodiscard]] static Frames TakenByFilter(const Outcome& outcome);
+
+  private:
+    [[nodiscard]] Frames FramesOf(const test_support::MatroskaLayout& layout) const;
+
+    const FaultRig& m_rig;
+    Bytes m_head; // as it was written first
+};
+
+} // namespace faults
