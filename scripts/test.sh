@@ -93,7 +93,8 @@ run_script() {
     tail -n 60 "$log"
     printf '%-16s FAILED (exit status %s); whole log: %s\n' "$name" "$status" "$log"
   else
-    printf '%-16s %s passed\n' "$name" "$passed"
+    printf '%-16s %s passed%s\n' "$name" "$passed" "$(sed -nE 's/^[0-9]+ passed, [0-9]+ failed(, [0-9]+ skipped)$/\1/p' <<<"$line")"
+    grep -a '^skipped: ' "$log"
   fi
   tests_passed=$((tests_passed + passed))
   tests_failed=$((tests_failed + failed))

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs whole-file tests: run.py DIRECTORY [NAME…]. The last line says "N passed, N failed"."""
+"""Runs whole-file tests: run.py DIRECTORY [NAME…]. The last line says "N passed, N failed", and
+how many were skipped, if any."""
 
 import argparse
 import sys
@@ -22,7 +23,10 @@ def main():
     result = unittest.TextTestRunner(stream=sys.stdout, verbosity=2).run(suite)
     failed_ids = {test.id().split(" (")[0] for test, _ in result.failures + result.errors}
     failed = len(failed_ids)
-    print(f"{result.testsRun - failed} passed, {failed} failed")
+    skipped = len(result.skipped)
+    for test, reason in result.skipped:
+        print(f"skipped: {test.id()}: {reason}")
+    print(f"{result.testsRun - failed - skipped} passed, {failed} failed{f', {skipped} skipped' if skipped else ''}")
     return 1 if failed or result.testsRun == 0 else 0
 
 
