@@ -12,6 +12,7 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan; sanitize thread: under
                   ThreadSanitizer, what has threads
   fuzz [NAME] [N] the fuzzers, N seconds each
+  killed [N] [SEED]  N runs of the tool that are killed at random moments, and what is recovered of them
   bench [--quick] [native|wine] [ROW…]
                   the muxer beside others: native on Linux, wine whole jobs of the tool; printed as tables
   screenshots     pictures of the property pages, into docs/images
