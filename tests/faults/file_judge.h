@@ -3,6 +3,7 @@
 // Units: bytes. Owner: the test. Threads: as a value. Errors: failures of the running test.
 #pragma once
 
+#include <ostream>
 #include <set>
 
 #include "tests/faults/fault_rig.h"
@@ -16,6 +17,10 @@ struct Frame {
     size_t number;
     auto operator<=>(const Frame&) const = default;
 };
+
+inline void PrintTo(const Frame& frame, std::ostream* stream) {
+    *stream << "frame " << frame.number << " of input " << frame.input;
+}
 
 using Frames = std::set<Frame>;
 
