@@ -8,7 +8,8 @@ namespace {
 // Whether delivering to the connected peer may block; so may a peer that does not tell.
 bool PeerCanBlock(IPin& peer) {
     win::ComPtr<IMemInputPin> input;
-    return FAILED(peer.QueryInterface(IID_IMemInputPin, input.PutVoid())) || input->ReceiveCanBlock() != S_FALSE;
+    return FAILED(peer.QueryInterface(IID_IMemInputPin, input.PutVoid())) || !input ||
+           input->ReceiveCanBlock() != S_FALSE;
 }
 
 } // namespace
@@ -60,7 +61,7 @@ HRESULT CBaseInputPin::ReadSampleProps(IMediaSample* pSample) {
     m_SampleProps = {};
     m_SampleProps.cbData = sizeof(m_SampleProps);
     win::ComPtr<IMediaSample2> sample2;
-    if (SUCCEEDED(pSample->QueryInterface(IID_IMediaSample2, sample2.PutVoid()))) {
+    if (SUCCEEDED(pSample->QueryInterface(IID_IMediaSample2, sample2.PutVoid())) && sample2) {
         return sample2->GetProperties(sizeof(m_SampleProps), reinterpret_cast<BYTE*>(&m_SampleProps));
     }
     return ReadPlainSampleProps(pSample);

@@ -22,7 +22,11 @@ HRESULT CBaseOutputPin::EndFlush() noexcept {
 
 HRESULT CBaseOutputPin::CheckConnect(IPin* pPin) {
     const HRESULT hr = CBasePin::CheckConnect(pPin);
-    return FAILED(hr) ? hr : pPin->QueryInterface(IID_IMemInputPin, m_pInputPin.PutVoid());
+    if (FAILED(hr)) {
+        return hr;
+    }
+    const HRESULT asked = pPin->QueryInterface(IID_IMemInputPin, m_pInputPin.PutVoid());
+    return SUCCEEDED(asked) && !m_pInputPin ? E_NOINTERFACE : asked; // a stranger may promise one and give none
 }
 
 HRESULT CBaseOutputPin::BreakConnect() {

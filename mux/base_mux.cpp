@@ -235,7 +235,7 @@ HRESULT CBaseMux::SetOutputType(const CMediaType*) {
 
 HRESULT CBaseMux::CompleteOutputConnect(IPin* peer) {
     win::ComPtr<IStream> stream;
-    if (peer == nullptr || FAILED(peer->QueryInterface(IID_IStream, stream.PutVoid()))) {
+    if (peer == nullptr || FAILED(peer->QueryInterface(IID_IStream, stream.PutVoid())) || !stream) {
         return E_FAIL;
     }
     return S_OK;
