@@ -13,6 +13,9 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
                   ThreadSanitizer, what has threads
   fuzz [NAME] [N] the fuzzers, N seconds each
   killed [N] [SEED]  N runs of the tool that are killed at random moments, and what is recovered of them
+  storm [N] [wine|sanitize|thread]
+                  N rounds (1000) of everything at once, in each lane, each within ten seconds
+  day [HOURS]     a recording of so many hours (24), as fast as it goes, read block by block
   bench [--quick] [native|wine] [ROW…]
                   the muxer beside others: native on Linux, wine whole jobs of the tool; printed as tables
   screenshots     pictures of the property pages, into docs/images
