@@ -37,7 +37,11 @@ if(NOT WIN32)
 else()
   target_compile_definitions(qrx_common INTERFACE
     WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN)
-  target_link_options(qrx_common INTERFACE -static)
+  # No library of the toolchain's beside ours; and what tests/files/test_hardening.py looks for in the headers. The
+  # toolchain has no control flow guard, and its stack protector asks the system's cryptography for random bytes while
+  # a module is being loaded, where no library may be: SECURITY.md.
+  target_link_options(qrx_common INTERFACE -static
+    LINKER:--dynamicbase,--high-entropy-va,--nxcompat,--enable-reloc-section)
 endif()
 
 # qrx_library(NAME [WITHOUT_PLATFORM] SOURCES … LINK …): the static library of one source folder. WITHOUT_PLATFORM: its

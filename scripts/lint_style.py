@@ -28,6 +28,12 @@ CLASS = re.compile(r"^(?:template <.*> )?class (?:\w+\(.*\) |QRX_\w+(?:\(.*?\))?
 # Sources that stand without a header of their own: programs, tables, and the parts of large base classes.
 WITHOUT_HEADER = re.compile(r"(dshow/.*|module/.*|.*/main|.*/guids|.*/identifiers)\.cpp$")
 
+# What looks for a library or a program by its name, and so perhaps finds that of a stranger in the current folder.
+SEARCHING = re.compile(r"\b(LoadLibrary(?:Ex)?[AW]?|LoadModule|WinExec|ShellExecute\w*|CreateProcess[AW]?|SearchPath[AW]?|"
+                       r"_?w?system|_?w?popen|_w?spawn\w*|_w?exec\w*)\(")
+# Loads by the whole path, and from the system's folder alone.
+MAY_LOAD = "win/system_library.cpp"
+
 
 def files_of(root, folders, *suffixes):
     for folder in folders:
@@ -58,9 +64,18 @@ def sources_without_header(root):
             yield path, 1, "has no header of its own"
 
 
+def searching_calls(root):
+    for path in files_of(root, PRODUCT, ".h", ".cpp"):
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            found = SEARCHING.search(line.split("//")[0])
+            if found and path.relative_to(root).as_posix() != MAY_LOAD:
+                yield path, number, f"{found[1]} searches; win/system_library.h does not"
+
+
 def main():
     root = Path(sys.argv[1]).resolve()
-    breaches = [*wrong_spellings(root), *classes_without_prefix(root), *sources_without_header(root)]
+    breaches = [*wrong_spellings(root), *classes_without_prefix(root), *sources_without_header(root),
+                *searching_calls(root)]
     for path, number, text in breaches:
         print(f"{path.relative_to(root).as_posix()}:{number}: {text}")
     return 1 if breaches else 0

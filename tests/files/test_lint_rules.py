@@ -80,6 +80,15 @@ class LintRules(unittest.TestCase):
             self.write(name, "")
         self.assertEqual(self.found("lint_style.py"), ["mux/a.cpp:1: has no header of its own"])
 
+    def test_what_searches_for_libraries_and_programs(self):
+        load = "HMODULE h = LoadLibraryExW(path, nullptr, 0);\n"
+        self.write("win/system_library.h", "")
+        self.write("win/system_library.cpp", load)
+        self.write("ui/a.h", load + 'CreateProcessW(name);\nstd::system("dir");\nGetModuleHandleW(0);\nFileSystem(); // system()\n')
+        self.write("tests/x/b.cpp", load)
+        self.assertEqual([line.split(";")[0] for line in self.found("lint_style.py")],
+                         ["ui/a.h:1: LoadLibraryExW searches", "ui/a.h:2: CreateProcessW searches", "ui/a.h:3: system searches"])
+
     def test_this_tree_keeps_them(self):
         for rules in ("lint_includes.py", "lint_style.py"):
             self.assertEqual(self.found(rules, ROOT), [])
