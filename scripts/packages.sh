@@ -17,6 +17,7 @@ PACKAGES_PLAYERS=(
   gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
 )
 PACKAGES_SANITIZE=(g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev zlib1g-dev googletest git)
+PACKAGES_COVERAGE=(gcovr python3)
 # The fuzzers, and the encoders that make their first inputs.
 PACKAGES_FUZZ=(clang libclang-rt-14-dev libexpat1-dev ffmpeg python3)
 # The native benchmarks, the muxers that ours is compared with, and the plot.

@@ -11,6 +11,9 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan; sanitize thread: under
                   ThreadSanitizer, what has threads
+  coverage [NAME…] lines and branches that the tests on Linux reach, a row a folder
+  mutants FOLDER [MAX [SEED]]
+                  change lines of a folder, one at a time, and list what no test notices
   fuzz [NAME] [N] the fuzzers, N seconds each
   killed [N] [SEED]  N runs of the tool that are killed at random moments, and what is recovered of them
   storm [N] [wine|sanitize|thread]
