@@ -9,9 +9,6 @@ file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/precompiled.cpp CONTENT "// Carries th
 
 add_library(qrx_precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
 target_link_libraries(qrx_precompiled PUBLIC qrx_common)
-if(QRX_COVERAGE)
-  target_compile_options(qrx_precompiled PRIVATE ${QRX_COVERAGE_OPTIONS})
-endif()
 target_precompile_headers(qrx_precompiled PRIVATE ${QRX_PRECOMPILED})
 
 add_library(qrx_test_precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)

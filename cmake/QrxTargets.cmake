@@ -27,6 +27,8 @@ if(NOT WIN32)
     target_link_options(qrx_common INTERFACE -fsanitize=${QRX_SANITIZERS})
   endif()
   if(QRX_COVERAGE)
+    # The tests, too, though gcovr leaves them out: of an inline function the linker takes whichever copy comes first.
+    target_compile_options(qrx_common INTERFACE --coverage -fprofile-update=atomic)
     target_link_options(qrx_common INTERFACE --coverage)
   endif()
   # Wine's 64-bit integers carry an alignment, which a template argument such as std::optional<INT64> drops.
@@ -47,18 +49,12 @@ else()
     LINKER:--dynamicbase,--high-entropy-va,--nxcompat,--enable-reloc-section)
 endif()
 
-# Only what is tested is counted, not the tests. Threads count together.
-set(QRX_COVERAGE_OPTIONS --coverage -fprofile-update=atomic)
-
 # qrx_library(NAME [WITHOUT_PLATFORM] SOURCES … LINK …): the static library of one source folder. WITHOUT_PLATFORM: its
 # sources know no Windows header, so they are not given the precompiled one either.
 function(qrx_library name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "WITHOUT_PLATFORM" "" "SOURCES;LINK")
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC qrx_common ${arg_LINK})
-  if(QRX_COVERAGE)
-    target_compile_options(${name} PRIVATE ${QRX_COVERAGE_OPTIONS})
-  endif()
   if(NOT arg_WITHOUT_PLATFORM)
     target_precompile_headers(${name} REUSE_FROM qrx_precompiled)
   endif()

@@ -30,7 +30,7 @@ HEAD_LINES = 2  # before a source's own first line
 
 # The programs that notice a change, the quickest first.
 TESTS = {
-    "codecs": ("codecs", "media"),
+    "codecs": ("codecs", "media", "annexb_source"),
     "media": ("media", "mkv"),
     "mkv": ("mkv", "matroska_muxer"),
     "matroska_muxer": ("matroska_muxer",),
