@@ -154,6 +154,20 @@ TEST(AvcOrderFromACycle, DifferencesAreAddedAndTheBottomFieldHasItsOwnOffset) {
     EXPECT_EQ(AvcPictureOrder().Next(Field(frame, false), sps), 5);
 }
 
+TEST(AvcOrderFromACycle, EachLengthOfACycleAddsUp) {
+    AvcSps sps = CycleSps();
+    sps.offsetsForRefFrame = {4};
+    EXPECT_EQ(AvcPictureOrder().Next(Reference(3), sps), 12);
+    sps.offsetsForRefFrame = {1, 10, 100};
+    AvcPictureOrder order;
+    EXPECT_EQ(order.Next(Idr(), sps), 0);
+    uint32_t frameNum = 0;
+    for (const int32_t expected : {1, 11, 111, 112, 122, 222, 223}) {
+        EXPECT_EQ(order.Next(Reference(++frameNum), sps), expected);
+    }
+    EXPECT_EQ(AvcPictureOrder().Next(Unreferenced(1), sps), -1); // the one frame is this one
+}
+
 TEST(AvcOrderFromACycle, WithoutAnyOffsetsOnlyTheDifferencesCount) {
     AvcSps sps = CycleSps();
     sps.offsetsForRefFrame.clear();
@@ -264,9 +278,9 @@ TEST(HevcOrder, OthersAreCountedFromReferencesOfTheLowestLayerThatLeadNothing) {
         slice.pocLsbBits = 8;
         return order.Next(slice);
     };
-    for (const uint8_t type : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}) {
+    for (uint8_t type = 0; type < 16; ++type) {
         const bool isLeading = type >= 6 && type <= 9;
-        for (const uint8_t temporalId : {0, 1}) {
+        for (uint8_t temporalId = 0; temporalId < 2; ++temporalId) {
             HevcPictureOrder order;
             EXPECT_EQ(next(order, kHevcFirstIdr, 0), 0);
             EXPECT_EQ(next(order, type, 100, temporalId), 100);
@@ -345,45 +359,119 @@ TEST(AvcReadsPast, SliceGroupsOfEveryType) {
     }
 }
 
-// One entry's weights.
-void WriteWeights(BitWriter& bits, bool hasLuma, bool hasChroma) {
-    bits.Flag(hasLuma).UEs(3, hasLuma ? 2 : 0).Flag(hasChroma).UEs(1, hasChroma ? 4 : 0);
+struct SliceKind {
+    bool isB = false;
+    bool hasOwnCounts = false; // of the lists' entries
+    bool hasWeights = false;
+    bool hasChroma = true;
+    bool forgetsAll = false;
+};
+
+// A slice with all that stands in front of the markings. What they are of would be markings, too: those that change the
+// answer.
+Bytes SliceOf(const SliceKind& kind) {
+    BitWriter bits;
+    bits.UE(0).UE(kind.isB ? 6 : 5).UE(0).Bits(1, 4).Bits(2, 4);
+    if (kind.isB) {
+        bits.Flag(true); // direct prediction
+    }
+    bits.Flag(kind.hasOwnCounts);
+    if (kind.hasOwnCounts) {
+        bits.UE(1).UEs(2, kind.isB ? 1 : 0);
+    }
+    bits.Flag(true).UE(0).UE(3).UE(1).UE(2).UE(3); // changes of the list, and their end
+    if (kind.isB) {
+        bits.Flag(false);
+    }
+    if (kind.hasWeights) {
+        bits.UE(5).UEs(4, kind.hasChroma ? 1 : 0);
+        const unsigned entries = (kind.hasOwnCounts ? 2 : 1) + (kind.isB ? 3 : 0); // the sets below say 1 and 3
+        for (unsigned entry = 0; entry < entries; ++entry) {
+            const bool hasLuma = entry % 2 == 0;
+            bits.Flag(hasLuma).UEs(3, hasLuma ? 2 : 0);
+            if (kind.hasChroma) {
+                bits.Flag(!hasLuma).UEs(1, hasLuma ? 0 : 4);
+            }
+        }
+    }
+    const uint64_t operand = kind.forgetsAll ? 0 : 5;
+    bits.Flag(true).UE(1).UE(operand).UE(3).UEs(operand, 2).UE(2).UE(operand);
+    if (kind.forgetsAll) {
+        bits.UE(5);
+    }
+    bits.UE(0).UEs(5, 4).Flag(true); // behind the end nothing is a marking
+    return UnitOf(test_annexb::Unit({0x21}, bits));
+}
+
+AvcPps PpsWithThreeEntriesBackwards() {
+    AvcPps pps;
+    pps.refIdxDefault[0] = 1;
+    pps.refIdxDefault[1] = 3;
+    return pps;
 }
 
 TEST(AvcReadsPast, ListsAndWeightsUpToTheMarkings) {
+    for (unsigned bits = 0; bits < 32; ++bits) {
+        const SliceKind kind{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0, (bits & 16) != 0};
+        AvcPps pps = PpsWithThreeEntriesBackwards();
+        pps.weightedPrediction = kind.isB ? !kind.hasWeights : kind.hasWeights; // the other kind's says nothing
+        pps.weightedBiprediction = kind.isB ? (kind.hasWeights ? 1 : 2) : (kind.hasWeights ? 0 : 1);
+        AvcSps sps;
+        sps.isMonochrome = !kind.hasChroma;
+        const auto slice = ParseAvcSlice(SliceOf(kind), sps, pps);
+        ASSERT_TRUE(slice.has_value()) << bits;
+        EXPECT_EQ(slice->resetsOrder, kind.forgetsAll) << bits;
+        EXPECT_TRUE(slice->isReference) << bits;
+        EXPECT_EQ(slice->pocLsb, 2u) << bits;
+    }
+}
+
+TEST(AvcReadsPast, OnlyReferencesThatAreNoIdrHaveMarkings) {
+    for (const uint8_t header : std::initializer_list<uint8_t>{0x65, 0x01, 0x41}) {
+        BitWriter bits;
+        bits.UE(0).UE(7).UE(0).Bits(1, 4).UEs(0, header == 0x65 ? 1 : 0).Bits(2, 4);
+        bits.Flag(true).UE(5).UE(0).Flag(true);
+        const auto slice = ParseAvcSlice(UnitOf(test_annexb::Unit({header}, bits)), AvcSps(), AvcPps());
+        ASSERT_TRUE(slice.has_value());
+        EXPECT_EQ(slice->resetsOrder, header == 0x41);
+    }
+}
+
+TEST(AvcReadsPast, APictureIsRedundantUnlessItsCountIsZero) {
     AvcPps pps;
-    pps.weightedPrediction = true;
-    pps.weightedBiprediction = 1;
-    for (const bool isB : {false, true}) {
-        for (const bool forgetsAll : {false, true}) {
+    for (const bool hasCount : {false, true}) {
+        pps.redundantPicCntPresent = hasCount;
+        for (const uint64_t count : {0, 1, 2}) {
             BitWriter bits;
-            bits.UE(0).UE(isB ? 6 : 5).UE(0).Bits(1, 4).Bits(2, 4);
-            if (isB) {
-                bits.Flag(true); // direct prediction
-            }
-            bits.Flag(true).UE(1); // two entries
-            if (isB) {
-                bits.UE(2); // and three
-            }
-            bits.Flag(true).UE(0).UE(3).UE(1).UE(2).UE(3); // changes of the list, and their end
-            if (isB) {
-                bits.Flag(false);
-            }
-            bits.UE(5).UE(4);
-            WriteWeights(bits, true, true);
-            WriteWeights(bits, false, true);
-            for (int entry = 0; isB && entry < 3; ++entry) {
-                WriteWeights(bits, true, false);
-            }
-            bits.Flag(true).UE(1).UE(6).UE(3).UE(4).UE(2);
-            if (forgetsAll) {
-                bits.UE(5);
-            }
-            bits.UE(0).UEs(5, 4).Flag(true); // behind the end nothing is a marking
-            const auto slice = ParseAvcSlice(UnitOf(test_annexb::Unit({0x41}, bits)), AvcSps(), pps);
+            bits.UE(0).UE(7).UE(0).Bits(1, 4).Bits(2, 4).UE(count).Flag(false).Flag(true);
+            const auto slice = ParseAvcSlice(UnitOf(test_annexb::Unit({0x01}, bits)), AvcSps(), pps);
             ASSERT_TRUE(slice.has_value());
-            EXPECT_EQ(slice->resetsOrder, forgetsAll) << isB;
-            EXPECT_EQ(slice->pocLsb, 2u);
+            EXPECT_EQ(slice->isRedundant, hasCount && count != 0) << count;
+        }
+    }
+}
+
+TEST(AvcReadsPast, ACropOfAllFourSides) {
+    for (const bool isHigh : {false, true}) {
+        for (const uint64_t chroma : {0, 1, 2, 3}) {
+            BitWriter bits;
+            bits.Bits(isHigh ? 100 : 77, 8).Bits(0, 8).Bits(30, 8).UE(0);
+            if (isHigh) {
+                bits.UE(chroma);
+                if (chroma == 3) {
+                    bits.Flag(false);
+                }
+                bits.UE(0).UE(0).Flag(false).Flag(false);
+            }
+            bits.UE(0).UE(0).UE(0).UE(1).Flag(false);
+            bits.UE(19).UE(14).Flag(true).Flag(true).Flag(true).UE(1).UE(2).UE(3).UE(4).Flag(false).Flag(true);
+            const auto sps = ParseAvcSps(UnitOf(test_annexb::Unit({0x67}, bits)));
+            ASSERT_TRUE(sps.has_value());
+            const bool isHalfWide = !isHigh || chroma == 1 || chroma == 2;
+            const bool isHalfHigh = !isHigh || chroma == 1;
+            EXPECT_EQ(sps->shape.width, isHalfWide ? 314u : 317u) << chroma;
+            EXPECT_EQ(sps->shape.height, isHalfHigh ? 226u : 233u) << chroma;
+            EXPECT_EQ(sps->isMonochrome, isHigh && chroma == 0);
         }
     }
 }
@@ -407,6 +495,12 @@ TEST(AvcReadsPast, AFieldHasNoDifferenceToItself) {
     ASSERT_TRUE(frame.has_value());
     EXPECT_EQ(frame->deltaPoc[0], 3);
     EXPECT_EQ(frame->deltaPoc[1], -3);
+    BitWriter ofAField;
+    ofAField.UE(0).UE(7).UE(0).Bits(1, 4).Flag(true).Flag(false).UE(5).Flag(false).UEs(9, 3);
+    const auto top = ParseAvcSlice(UnitOf(test_annexb::Unit({0x41}, ofAField)), sps, pps);
+    ASSERT_TRUE(top.has_value());
+    EXPECT_EQ(top->deltaPoc[0], 3);
+    EXPECT_EQ(top->deltaPoc[1], 0);
 }
 
 // ---- Lengths ----
