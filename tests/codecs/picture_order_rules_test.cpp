@@ -476,6 +476,43 @@ TEST(AvcReadsPast, ACropOfAllFourSides) {
     }
 }
 
+TEST(AvcReadsPast, TheShapeOfAPixel) {
+    struct Case {
+        bool hasVui;
+        bool hasAspect;
+        unsigned index;
+        unsigned x;
+        unsigned y;
+        unsigned expectedX;
+        unsigned expectedY;
+    };
+    for (const Case& pixel :
+         {Case{false, true, 2, 0, 0, 1, 1}, Case{true, false, 2, 0, 0, 1, 1}, Case{true, true, 3, 0, 0, 10, 11},
+          Case{true, true, 16, 0, 0, 2, 1}, Case{true, true, 17, 0, 0, 1, 1}, Case{true, true, 254, 5, 7, 1, 1},
+          Case{true, true, 255, 5, 7, 5, 7}, Case{true, true, 255, 0, 7, 1, 1}, Case{true, true, 255, 5, 0, 1, 1}}) {
+        BitWriter bits;
+        bits.Bits(77, 8).Bits(0, 8).Bits(30, 8).UE(0).UE(0).UE(0).UE(0).UE(1).Flag(false);
+        bits.UE(19).UE(14).Flag(true).Flag(true).Flag(false);
+        bits.Flag(pixel.hasVui).Flag(pixel.hasAspect).Bits(pixel.index, 8).Bits(pixel.x, 16).Bits(pixel.y, 16);
+        bits.Bits(0xff, 8);
+        const auto sps = ParseAvcSps(UnitOf(test_annexb::Unit({0x67}, bits)));
+        ASSERT_TRUE(sps.has_value());
+        EXPECT_EQ(sps->shape.aspectX, 320 * pixel.expectedX) << pixel.index;
+        EXPECT_EQ(sps->shape.aspectY, 240 * pixel.expectedY) << pixel.index;
+    }
+}
+
+TEST(AvcReadsPast, ThePlaneOfASlice) {
+    AvcSps sps;
+    sps.separateColourPlanes = true;
+    BitWriter bits;
+    bits.UE(0).UE(7).UE(0).Bits(2, 2).Bits(5, 4).Bits(6, 4).Flag(false).Flag(true);
+    const auto slice = ParseAvcSlice(UnitOf(test_annexb::Unit({0x41}, bits)), sps, AvcPps());
+    ASSERT_TRUE(slice.has_value());
+    EXPECT_EQ(slice->frameNum, 5u);
+    EXPECT_EQ(slice->pocLsb, 6u);
+}
+
 TEST(AvcReadsPast, AFieldHasNoDifferenceToItself) {
     AvcSps sps;
     sps.frameMbsOnly = false;

@@ -1,5 +1,5 @@
-// On Linux the libraries are Debian's, which keep their assertions: what we hand them wrongly ends a test. Here is one of
-// each library, broken on purpose. Those of our own are in tests/win/thread_rules_test.cpp.
+// On Linux the libraries are Debian's, which keep their assertions: what we hand them wrongly ends a test. Here is one
+// of each library, broken on purpose. Those of our own are in tests/win/thread_rules_test.cpp.
 #include <gtest/gtest.h>
 
 #include <matroska/KaxCluster.h>
