@@ -293,6 +293,7 @@ TEST(HevcOrder, OthersAreCountedFromReferencesOfTheLowestLayerThatLeadNothing) {
     EXPECT_EQ(next(order, 1, 128), 128); // half of the range forward
     EXPECT_EQ(next(order, 1, 0), 256);   // and half of it back
     EXPECT_EQ(next(order, 1, 129), 129);
+    EXPECT_EQ(next(order, 1, 39), 39); // more than a third of it back, less than half
 }
 
 // ---- H.264: what is read past ----
