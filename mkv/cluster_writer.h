@@ -34,6 +34,8 @@ class CClusterWriter {
     // The largest end time of the blocks whose clusters were written.
     [[nodiscard]] UINT64 writtenEndNs() const { return m_writtenEndNs; }
 
+    // Instead of starting the first one: clusters that end there were written before.
+    void resumeBehind(UINT64 endNs) noexcept { m_openEndNs = m_writtenEndNs = endNs; }
     void startCluster(UINT64 timeNs);
     // Writes the current cluster, even one without blocks; nothing when there is none. One that a failed write lost
     // leaves neither size nor cue points.

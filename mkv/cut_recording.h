@@ -20,7 +20,8 @@ struct CutRecording {
     UINT64 tracks = 0;  // and this one
     std::optional<UINT64> attachments;
     std::vector<CuePoint> cuePoints;
-    UINT64 end = 0; // behind the last cluster that is whole
+    UINT64 end = 0;   // behind the last cluster that is whole
+    UINT64 endNs = 0; // when the last block ends
 };
 
 } // namespace mkv

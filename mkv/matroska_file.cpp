@@ -119,6 +119,7 @@ void CMatroskaFile::resume(const CutRecording& recording) {
         m_cues.announce(point.timeNs, point.track);
         m_cues.keepAnnounced(point.clusterPosition);
     }
+    m_clusters.resumeBehind(recording.endNs);
     m_gathering.moveTo(recording.end);
 }
 

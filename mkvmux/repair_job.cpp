@@ -63,7 +63,7 @@ std::string Describe(const repair::Recording& recording) {
     if (recording.isFinished) {
         return "is whole already; nothing is changed";
     }
-    return "repaired: " + ClockTime(recording.durationNs) + " in " + Count(recording.clusters, "cluster") + ", " +
+    return "repaired: " + ClockTime(recording.cut.endNs) + " in " + Count(recording.clusters, "cluster") + ", " +
            Count(recording.cut.cuePoints.size(), "cue point") + "; " +
            Count(recording.fileBytes - recording.cut.end, "torn byte") + " cut off";
 }

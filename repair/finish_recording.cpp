@@ -1,6 +1,7 @@
 #include "repair/finish_recording.h"
 
 #include <memory>
+#include <new>
 
 #include "mkv/matroska_file.h"
 #include "mkv/mkv_io.h"
@@ -30,7 +31,10 @@ void FinishRecording(IStream& stream, const Recording& recording) {
     io.cutOffAt(recording.cut.end); // first: nothing may lie behind a Segment once its size is known
     mkv::CMatroskaFile file(io);
     file.resume(recording.cut);
-    file.finalise(static_cast<double>(recording.durationNs));
+    file.finalise(static_cast<double>(recording.cut.endNs));
+    if (!file.isFinished()) {
+        throw std::bad_alloc();
+    }
     if (FAILED(io.lastWriteResult())) {
         throw WriteFailure{io.lastWriteResult()};
     }

@@ -153,7 +153,7 @@ void RecordingSurvey::FindDuration() {
             return true;
         });
     }
-    m_recording.durationNs = end.LatestNs();
+    m_recording.cut.endNs = end.LatestNs();
 }
 
 } // namespace repair

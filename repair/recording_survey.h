@@ -22,7 +22,6 @@ struct Recording {
     mkv::CutRecording cut;
     UINT64 fileBytes = 0;
     UINT64 clusters = 0;
-    UINT64 durationNs = 0;
 };
 
 class RecordingSurvey {

@@ -43,7 +43,7 @@ TEST_F(FinishRecordingTest, ARecordingThatLacksNothingButItsEndBecomesTheFileTha
         Record({.hasAttachment = hasAttachment});
         const repair::Recording recording = Repair(m_cut);
         EXPECT_FALSE(recording.isFinished);
-        EXPECT_EQ(recording.durationNs, 2400000000U);
+        EXPECT_EQ(recording.cut.endNs, 2400000000U);
         EXPECT_EQ(recording.cut.cuePoints.size(), 6U);
         EXPECT_TRUE(m_stream.Bytes() == m_finished);
     }
