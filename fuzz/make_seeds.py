@@ -122,6 +122,9 @@ def seeds():
     yield "settings_xml", "document_type.xml", DOCUMENT_TYPE
     yield "settings_xml", "wide.xml", XML.replace(b"UTF-8", b"UTF-16").decode().encode("utf-16")
     yield "settings_xml", "attributes.xml", b"<a " + b"".join(b'b%d="" ' % i for i in range(300)) + b"/>"
+    for cut in (b"\0\0", b"\0\x40", b"\1\x00"):
+        yield "repair", cut.hex(), cut
+        yield "repair", cut.hex() + "_changed", cut + b"\0\x30\xff\2\x80\0"
     for text in (b"-12", b" 1.5e300 ", b"INF", b"QUJD RA==", b"a\\b c/d"):
         yield "settings_xml", text.hex(), text
     for name, script in schedules():
