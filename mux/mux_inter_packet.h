@@ -16,7 +16,7 @@ class CMuxInterPacket {
   public:
     CMuxInterPacket() = default;
     explicit CMuxInterPacket(INT32 index) : streamIndex(index) {}
-    ~CMuxInterPacket() = default;
+    virtual ~CMuxInterPacket() = default;
     CMuxInterPacket(const CMuxInterPacket&) = delete;
     CMuxInterPacket& operator=(const CMuxInterPacket&) = delete;
 

@@ -4,6 +4,7 @@
 
 CPacketPool::~CPacketPool() {
     Delete(m_free);
+    Delete(m_new);
     Delete(m_returned.Close());
 }
 
@@ -12,17 +13,26 @@ std::unique_ptr<CMuxInterPacket> CPacketPool::Take(INT32 streamIndex) {
     if (!entry.IsInside()) {
         return std::make_unique<CMuxInterPacket>(streamIndex);
     }
-    if (m_free == nullptr) {
-        m_free = m_returned.TakeAll();
-    }
-    if (m_free == nullptr) {
-        m_free = CPacketSlab::Make();
-    }
-    std::unique_ptr<CMuxInterPacket> packet(m_free);
-    m_free = packet->next;
+    CMuxInterPacket*& list = FirstList();
+    std::unique_ptr<CMuxInterPacket> packet(list);
+    list = packet->next;
     packet->next = nullptr;
     packet->streamIndex = streamIndex;
     return packet;
+}
+
+// The list to take from, which is not empty: what came back is in the cache rather than what was never used.
+CMuxInterPacket*& CPacketPool::FirstList() {
+    if (m_free == nullptr) {
+        m_free = m_returned.TakeAll();
+    }
+    if (m_free != nullptr) {
+        return m_free;
+    }
+    if (m_new == nullptr) {
+        m_new = CPacketSlab::Make();
+    }
+    return m_new;
 }
 
 void CPacketPool::GiveBack(std::unique_ptr<CMuxInterPacket> packet) noexcept {

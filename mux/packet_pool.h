@@ -24,10 +24,12 @@ class CPacketPool {
     void GiveBack(std::unique_ptr<CMuxInterPacket> packet) noexcept;
 
   private:
+    [[nodiscard]] CMuxInterPacket*& FirstList();
     static void Delete(CMuxInterPacket* list);
 
     COneAtATime m_taker;
     CMuxInterPacket* m_free = nullptr; // of whoever is in m_taker
+    CMuxInterPacket* m_new = nullptr;  // its, too; none of them was given out yet
     [[maybe_unused]] CacheLineGap m_gap{};
     CReturnStack<CMuxInterPacket> m_returned; // what has come back since m_free was filled
     [[maybe_unused]] CacheLineGap m_otherGap{};

@@ -10,7 +10,7 @@
 
 #include "mux/mux_inter_packet.h"
 
-class alignas(64) CPacketSlab { // as a cache line, so that each packet lies on one
+class CPacketSlab {
   public:
     static constexpr size_t kPackets = 64;
 
