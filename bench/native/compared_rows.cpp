@@ -12,6 +12,7 @@ namespace {
 // the files, which must hold every packet.
 void Compare(const NativePlan& plan, Report& report, const std::string& row, const PacketLoad& load,
              std::vector<Peer> peers, int rounds) {
+    KeepFreedMemory();
     std::erase_if(peers, [&](const Peer& peer) { return !plan.only.empty() && plan.only != peer.name; });
     report.Describe(row, "packets", load.Packets().size());
     report.Describe(row, "bytes", load.Bytes());
@@ -61,6 +62,7 @@ void MeasurePacketSizes(const NativePlan& plan, Report& report) {
 }
 
 void MeasureInputs(const NativePlan& plan, Report& report) {
+    KeepFreedMemory();
     const size_t packets = plan.quick ? 160000 : 320000;
     constexpr size_t kBytes = 62;
     const UINT32 counts[] = {1, 8, 64};
@@ -83,6 +85,7 @@ void MeasureInputs(const NativePlan& plan, Report& report) {
 }
 
 void MeasureStartCodes(const NativePlan& plan, Report& report) {
+    KeepFreedMemory();
     const size_t packets = plan.quick ? 2000 : 4000;
     const PacketLoad lengths = SlicedVideoLoad(packets, PacketLoad::Units::Lengths);
     const PacketLoad startCodes = SlicedVideoLoad(packets, PacketLoad::Units::StartCodes);

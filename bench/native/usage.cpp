@@ -56,4 +56,13 @@ void ForgetPeak() {
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
+// One arena: those of other threads give memory back whatever the threshold is.
+void KeepFreedMemory() {
+    constexpr int kNever = 1 << 30;
+    constexpr int kLargestThreshold = 32 << 20; // that the library takes for blocks with a mapping of their own
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_TRIM_THRESHOLD, kNever);
+    mallopt(M_MMAP_THRESHOLD, kLargestThreshold);
+}
+
 } // namespace bench

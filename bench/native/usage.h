@@ -19,5 +19,7 @@ struct Usage {
 // The most memory that was resident since the last call of ForgetPeak. std::runtime_error when the system does not say.
 [[nodiscard]] UINT64 PeakResidentBytes();
 void ForgetPeak();
+// From here on what is freed stays the process's, so that no run pays for fresh pages, whichever muxer it is of.
+void KeepFreedMemory();
 
 } // namespace bench
