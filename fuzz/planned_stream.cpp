@@ -75,8 +75,7 @@ HRESULT PlannedStream::Write(const void* buffer, ULONG size, ULONG* written) {
     const std::lock_guard guard(m_lock);
     const PlannedFault* const fault = FaultOf(StreamOperation::Write);
     const auto* const bytes = static_cast<const BYTE*>(buffer);
-    RecordedWrite record{m_memory.Position(), {bytes, bytes + size}, fault == nullptr};
-    m_writes.push_back(std::move(record));
+    m_writes.push_back({m_memory.Position(), {bytes, bytes + size}, fault == nullptr, false});
     if (fault == nullptr) {
         return m_memory.Write(buffer, size, written);
     }
@@ -85,6 +84,7 @@ HRESULT PlannedStream::Write(const void* buffer, ULONG size, ULONG* written) {
     if (keepsSome && size > 0) {
         (void)m_memory.Write(buffer, std::min<ULONG>(fault->keptBytes, size - 1), &kept);
     }
+    m_writes.back().isTorn = kept > 0;
     if (written != nullptr) {
         *written = kept;
     }

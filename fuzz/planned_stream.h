@@ -25,6 +25,7 @@ struct RecordedWrite {
     std::uint64_t position = 0;
     std::vector<BYTE> bytes; // all that were offered
     bool isTaken = false;    // it said that it took them all
+    bool isTorn = false;     // it took some
 };
 
 class PlannedStream final : public IStream {

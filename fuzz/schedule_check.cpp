@@ -180,13 +180,18 @@ std::vector<TakenCluster> TakenClusters(const std::vector<RecordedWrite>& writes
     return clusters;
 }
 
-// What a lost cluster leaves behind, the next one takes the place of, if the stream seeks.
+// What a lost cluster leaves behind, the next one takes the place of, if the stream seeks. The head must have arrived,
+// and no patch of it may have been torn.
 bool IsReadable(const PlannedStream& stream) {
-    const auto isCluster = [](const RecordedWrite& write) { return ClusterBytes(write.bytes).has_value(); };
     const auto& writes = stream.Writes();
-    const auto first = std::ranges::find_if(writes, isCluster);
-    return stream.Failed(StreamOperation::Seek) == 0 &&
-           std::all_of(writes.begin(), first, [](const RecordedWrite& write) { return write.isTaken; });
+    const auto first =
+        std::ranges::find_if(writes, [](const RecordedWrite& write) { return ClusterBytes(write.bytes).has_value(); });
+    const auto isWhole = [](const RecordedWrite& write) { return write.isTaken; };
+    const auto leavesHead = [first](const RecordedWrite& write) {
+        return !write.isTorn || write.position >= first->position;
+    };
+    return stream.Failed(StreamOperation::Seek) == 0 && std::all_of(writes.begin(), first, isWhole) &&
+           std::all_of(first, writes.end(), leavesHead);
 }
 
 } // namespace

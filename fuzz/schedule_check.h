@@ -24,7 +24,7 @@ void CheckOrder(const test_support::MatroskaLayout& layout, const Feeders& feede
 void CheckAllThere(const test_support::MatroskaLayout& layout, const Feeders& feeders);
 
 // Each cluster of whose bytes a write said that it took them lies where it was written; the reader finds it there when
-// the head arrived and no seek was refused.
+// the head arrived, no patch of it was torn, and no seek was refused.
 void CheckTakenClusters(const PlannedStream& stream);
 
 } // namespace fuzz
