@@ -269,6 +269,16 @@ TEST(HevcPictureHead, AllThatMayStandInFrontOfTheOrderIsReadPast) {
     EXPECT_EQ(HevcPpsIdOf(unit), 7u);
 }
 
+TEST(HevcPictureHead, EachEdgeOfTheWindowIsItsOwn) {
+    HevcSpsHead sps;
+    sps.chromaFormatIdc = 1;
+    sps.codedWidth = 64;
+    sps.codedHeight = 64;
+    sps.conformanceWindow = {3, 5, 7, 11};
+    EXPECT_EQ(sps.Shape().width, 48u);
+    EXPECT_EQ(sps.Shape().height, 28u);
+}
+
 TEST(HevcOrder, OthersAreCountedFromReferencesOfTheLowestLayerThatLeadNothing) {
     const auto next = [](HevcPictureOrder& order, uint8_t type, uint32_t pocLsb, uint8_t temporalId = 0) {
         HevcSlice slice;
