@@ -171,4 +171,10 @@ TEST_F(TrackEntryTest, MoreThan127TracksHaveTwoByteNumbersInTheirBlocks) {
     EXPECT_EQ(File().BlocksOf(127).size(), 1u);
 }
 
+TEST_F(TrackEntryTest, ANameOfOneCharacterIsAName) {
+    Register(PcmType(), Row(OLESTR("English"), OLESTR("x")));
+    Open();
+    EXPECT_EQ(File().tracks.at(0).name, "x");
+}
+
 } // namespace
