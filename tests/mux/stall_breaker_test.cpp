@@ -64,6 +64,17 @@ TEST_F(StallBreakerTest, WithNothingQueuedAnywhereNothingIsEverSuspended) {
     EXPECT_FALSE(video.IsSuspended());
 }
 
+TEST_F(StallBreakerTest, ProgressForgetsTheSnapshotToo) {
+    AddStream(MuxStreamKind::Video);
+    CMuxInterStream& audio = AddStream(MuxStreamKind::Audio);
+    interleaver.AddPacket(MakePacket(0, 0));
+    TimeOut(25);
+    breaker.OnProgress();
+    interleaver.AddPacket(MakePacket(0, 1)); // an old snapshot would not know of it
+    TimeOut(50);
+    EXPECT_TRUE(audio.IsSuspended());
+}
+
 TEST_F(StallBreakerTest, TheSnapshotIsTakenByThe25thTimeout) {
     AddStream(MuxStreamKind::Video);
     CMuxInterStream& audio = AddStream(MuxStreamKind::Audio);
