@@ -67,7 +67,7 @@ run_on_display() {
   for dpi in 96 144 192; do
     set_display_dpi "$dpi"
     QRX_SCREEN_DPI=$dpi GTEST_FILTER=$filter run_program "$1" "$1-${dpi}dpi"
-    filter='-HandleLeakTest.*:HandleCensusTest.*:PropertyFrameTest.*'
+    filter='-PageCallers.*:HandleLeakTest.*:HandleCensusTest.*:PropertyFrameTest.*'
   done
   set_display_dpi 96
   run_script "$1-mkvmux" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/ui"
