@@ -32,7 +32,8 @@ IID FromText(const char* text) {
 
 const std::vector<KnownInterface>& KnownInterfaces() {
     static const std::vector<KnownInterface> all = [] {
-        std::vector<KnownInterface> known{{"IModuleConfig", IID_IModuleConfig}};
+        // Our own, and one that not every toolchain's header declares in the usual way.
+        std::vector<KnownInterface> known{{"IModuleConfig", IID_IModuleConfig}, {"IMediaPosition", IID_IMediaPosition}};
         for (const auto& declared : kDeclared) {
             known.push_back({declared.name, FromText(declared.iid)});
         }
