@@ -14,7 +14,7 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   coverage [NAME…] lines and branches that the tests on Linux reach, a row a folder
   mutants FOLDER [MAX [SEED]]
                   change lines of a folder, one at a time, and list what no test notices
-  fuzz [NAME] [N] the fuzzers, N seconds each
+  fuzz [NAME…] [N] the fuzzers, N seconds each; fuzz NAME FILE: one input once more
   killed [N] [SEED]  N runs of the tool that are killed at random moments, and what is recovered of them
   storm [N] [wine|sanitize|thread]
                   N rounds (1000) of everything at once, in each lane, each within ten seconds
