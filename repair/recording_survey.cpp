@@ -50,6 +50,9 @@ Recording RecordingSurvey::Read() {
     }
     CheckTail(position);
     DropTornClusters();
+    if (m_recording.clusters == 0 && m_recording.cut.end < Size()) {
+        Refuse("it holds no whole cluster");
+    }
     FindDuration();
     return std::move(m_recording);
 }

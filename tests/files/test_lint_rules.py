@@ -7,7 +7,7 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ("include win log codecs dshow media records mux mkv matroska_muxer settings client ui module sources/base "
+FOLDERS = ("include win log codecs dshow media records mux mkv matroska_muxer settings client ui module repair sources/base "
            "sources/avi sources/matroska sources/annexb sources/text mkvmux examples").split()
 
 

@@ -46,16 +46,18 @@ class Repair(MkvmuxCase):
         seed = int(os.environ.get("QRX_SEED", time.time_ns()))
         print(f"cut with seed {seed}")
         places = random.Random(seed)
-        for number in range(CUTS):
-            cut = places.randrange(HEAD_BYTES, size)
+        for cut in [size - 1] + [places.randrange(HEAD_BYTES, size) for _ in range(CUTS)]:
             with self.subTest(cut=cut):
                 path = self.directory / "cut.mkv"
                 shutil.copy(recording, path)
                 os.truncate(path, cut)
                 frames = ebml_clusters.frames_in_whole_clusters(path)
+                if not frames:
+                    self.assert_fails(self.mkvmux("--repair", path), "it holds no whole cluster")
+                    continue
                 self.assertIn("repaired: ", self.repair(path))
                 self.assert_whole(path, frames)
-                if number == 0:
+                if cut == size - 1:
                     self.save_for_judges(path)
 
     def test_what_is_repaired_is_whole_and_left_alone(self):

@@ -65,7 +65,7 @@ TEST_F(PayloadPoolTest, WhatJustFitsIntoTheSlackStaysAndOfMoreTheLargestGoes) {
     };
     EXPECT_EQ(kSlack, keptOf({kSlack}));
     EXPECT_EQ(kSlack, keptOf({kSlack, kSlack}));
-    EXPECT_EQ(64u, keptOf({64, kSlack}));
+    EXPECT_EQ(4096u, keptOf({4096, kSlack})); // as large as a block of its own
 }
 
 TEST_F(PayloadPoolTest, WhatIsHeldIsNeverMoreThanTheMostThatWasInUseAndTheSlack) {

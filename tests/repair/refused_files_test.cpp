@@ -25,6 +25,15 @@ TEST_F(RefusedFilesTest, WhatWasCutOffInItsHead) {
     }
 }
 
+TEST_F(RefusedFilesTest, ATornClusterAloneOfWhichMoreCanBeReadThanARepairWouldKeep) {
+    Record();
+    for (UINT64 size = HeadEnd() + 1; size < ClusterStarts()[1]; ++size) {
+        ASSERT_THAT(RefusalOf(Bytes(m_cut.begin(), m_cut.begin() + static_cast<ptrdiff_t>(size))),
+                    HasSubstr("it holds no whole cluster; writing it anew may help"))
+            << size;
+    }
+}
+
 TEST_F(RefusedFilesTest, TheFileOfAnotherWriterWithTheAdviceToWriteItAnew) {
     Record();
     const auto layout = test_support::ReadLayout(m_cut);
