@@ -1,6 +1,6 @@
-// Bytes as a recording that is to be finished; and as a cut of a real one, with some of its bytes changed: the first two
-// say where it ends, each further three a change. What is refused stays as it is. What is repaired is finished then, is
-// no longer than before but for what is added, and repaired once more it stays as it is.
+// Bytes as a recording that is to be finished; and as a cut of a real one, with some of its bytes changed: the first
+// two say where it ends, each further three a change. What is refused stays as it is. What is repaired is finished
+// then, is no longer than before but for what is added, and repaired once more it stays as it is.
 #include <algorithm>
 #include <cstdint>
 

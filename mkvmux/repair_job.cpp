@@ -32,7 +32,7 @@ FilePtr OpenForRepair(const std::wstring& path) {
 
 repair::Recording Survey(CFileStream& stream, const Options& options, const Interruption& interruption) {
     ProgressDisplay display = MakeDisplay(options);
-    const repair::Recording recording = repair::SurveyRecording(stream, [&](UINT64 done, UINT64 all) {
+    repair::Recording recording = repair::SurveyRecording(stream, [&](UINT64 done, UINT64 all) {
         interruption.Check();
         display.Show(static_cast<int>(static_cast<double>(done) / static_cast<double>(all) * kWholePercent));
     });

@@ -5,7 +5,7 @@
 #include "mux/packet_slab.h"
 
 void* CMuxInterPacket::operator new(size_t size) {
-    return CPacketSlab::PacketBehind(*new (::operator new(sizeof(CPacketSlab*) + size)) CPacketSlab*(nullptr));
+    return CPacketSlab::PacketBehind(*new (::operator new(CPacketSlab::kHeadBytes + size)) CPacketSlab*(nullptr));
 }
 
 void CMuxInterPacket::operator delete(void* packet) noexcept {

@@ -13,6 +13,7 @@
 class CPacketSlab {
   public:
     static constexpr size_t kPackets = 64;
+    static constexpr size_t kHeadBytes = sizeof(void*); // of a packet: a pointer to its slab
 
     // All of its packets, new and chained by `next`; they are the caller's.
     [[nodiscard]] static CMuxInterPacket* Make();

@@ -35,6 +35,10 @@ Bytes operator+(Bytes left, ByteView right) {
     return left;
 }
 
+auto FirstClusterWrite(const Outcome& outcome) {
+    return std::ranges::find_if(outcome.writes, [](const KeptWrite& write) { return BeginsCluster(write.bytes); });
+}
+
 // The file up to the end of its Segment.
 Bytes UpToItsEnd(const Bytes& file) {
     const auto layout = ReadLayout(file);
@@ -53,6 +57,16 @@ FileJudge::FileJudge(const FaultRig& rig, const Outcome& faultless) : m_rig(rig)
         }
         m_head = std::move(m_head) + write.bytes;
     }
+}
+
+size_t FileJudge::FirstCluster(const Outcome& outcome) {
+    const auto first = FirstClusterWrite(outcome);
+    return first == outcome.writes.end() ? outcome.file.size() : first->position;
+}
+
+bool FileJudge::IsOfHead(const Outcome& outcome, size_t index) {
+    const auto inFront = static_cast<size_t>(FirstClusterWrite(outcome) - outcome.writes.begin());
+    return index < inFront || outcome.writes[index].position < FirstCluster(outcome);
 }
 
 // A cluster with large frames takes several writes, one behind the other.
@@ -80,8 +94,9 @@ Frames FileJudge::InFile(const Bytes& file) const {
     return FramesOf(ReadLayout(UpToItsEnd(file)));
 }
 
-Frames FileJudge::InClusters(const Bytes& file) const {
-    const auto behind = ByteView(file).subspan(std::min(file.size(), m_head.size()));
+Frames FileJudge::InClusters(const Outcome& outcome) const {
+    const Bytes& file = outcome.file;
+    const auto behind = ByteView(file).subspan(std::min(file.size(), FirstCluster(outcome)));
     return FramesOf(ReadLayout(m_head + behind));
 }
 

@@ -33,14 +33,17 @@ class FileJudge {
     // Of a run in which nothing failed.
     FileJudge(const FaultRig& rig, const Outcome& faultless);
 
-    // Where the first cluster lies; in front of it are the head's writes.
-    [[nodiscard]] size_t FirstCluster() const { return m_head.size(); }
+    // Where that run's first cluster lies. Not the same in all runs: the tracks' identifiers are random, and shorter
+    // now and then, and what comes behind a part of the head that was lost takes its place.
+    [[nodiscard]] static size_t FirstCluster(const Outcome& outcome);
+    // Whether the run's write of that index is one of the head: in front of the first cluster's, or a patch.
+    [[nodiscard]] static bool IsOfHead(const Outcome& outcome, size_t index);
     // The frames of the clusters that the output said it took.
     [[nodiscard]] Frames TakenByOutput(const Outcome& outcome) const;
     // The frames of the file; a frame that is there twice, out of order, or not as it was delivered is a failure.
     [[nodiscard]] Frames InFile(const Bytes& file) const;
     // The same for a file whose head was damaged: what a reader finds that looks for clusters.
-    [[nodiscard]] Frames InClusters(const Bytes& file) const;
+    [[nodiscard]] Frames InClusters(const Outcome& outcome) const;
     // No finding of the layout check, and a duration that ends with the last frame.
     void ExpectSound(const Bytes& file, bool mayBeCut) const;
 
