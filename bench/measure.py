@@ -77,7 +77,7 @@ def add_shares(report):
 def machine():
     model = next((line.split(":", 1)[1].strip() for line in Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines()
                   if line.startswith("model name")), platform.machine())
-    return f"{os.cpu_count()} processors ({model}), Linux {platform.release()}"
+    return f"{os.cpu_count()} processors ({model})"
 
 
 def document_tables(report):

@@ -15,8 +15,8 @@ class FinishRecordingTest : public RecordingTest {
     // How many clusters of the finished file end at that byte or in front of it.
     [[nodiscard]] UINT64 WholeClusters(UINT64 size) const {
         UINT64 count = 0;
-        for (const auto* cluster :
-             test_support::ReadLayout(m_finished).Segment()->Children(test_support::ebml_id::kCluster)) {
+        const auto layout = test_support::ReadLayout(m_finished);
+        for (const auto* const cluster : layout.Segment()->Children(test_support::ebml_id::kCluster)) {
             count += cluster->End() <= size ? 1 : 0;
         }
         return count;
@@ -50,7 +50,7 @@ TEST_F(FinishRecordingTest, ARecordingThatLacksNothingButItsEndBecomesTheFileTha
 }
 
 TEST_F(FinishRecordingTest, WhereverItIsCutEveryWholeClusterIsKept) {
-    Record({.hasSubtitles = true, .hasAttachment = true});
+    Record({.hasSubtitles = true, .hasAttachment = true, .pictures = 25});
     UINT64 size = HeadEnd();
     ExpectRepaired(size, Repair(Bytes(m_cut.begin(), m_cut.begin() + static_cast<ptrdiff_t>(size))));
     while (WholeClusters(size) == 0) {
@@ -141,7 +141,8 @@ TEST_F(FinishRecordingTest, RoomThatTheFileSystemMadeIsCutOff) {
 TEST_F(FinishRecordingTest, SoundAloneGetsACuePointACluster) {
     Record({.hasVideo = false, .pictures = 2000});
     Repair(m_cut);
-    const auto layout = test_support::ReadLayout(m_stream.Bytes());
+    const Bytes repaired = m_stream.Bytes();
+    const auto layout = test_support::ReadLayout(repaired);
     ASSERT_GE(layout.clusters.size(), 2U);
     EXPECT_EQ(layout.cues.size(), layout.clusters.size());
     EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());

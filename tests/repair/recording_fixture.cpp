@@ -74,7 +74,8 @@ void RecordingTest::Record(const RecordedContent& content) {
 
 std::vector<UINT64> RecordingTest::ClusterStarts() const {
     std::vector<UINT64> starts;
-    for (const auto& cluster : test_support::ReadLayout(m_finished).clusters) {
+    const auto layout = test_support::ReadLayout(m_finished);
+    for (const auto& cluster : layout.clusters) {
         starts.push_back(cluster.offset);
     }
     return starts;
