@@ -203,13 +203,15 @@ class Source:
 
     def refused(self, log, chosen):
         """Which of the changes the compiler complains of, by the lines that it names."""
-        numbers = re.findall(rf"{re.escape(self.included.name)}:(\d+):\d+: (?:fatal )?error|"
-                             rf"{re.escape(self.included.name)}:(\d+):\d+:   required from here", log)
-        wrong = {int(a or b) - HEAD_LINES for a, b in numbers}
         found = set()
-        for at, count, mutants, _ in self.statements:
-            if any(at < line <= at + count for line in wrong):
-                found |= {mutant.number for mutant in mutants} & chosen
+        for kind in ("(?:fatal )?error|  required from here", "note"):  # a constant may be complained of where it is used
+            if found:
+                break
+            numbers = re.findall(rf"{re.escape(self.included.name)}:(\d+):\d+: (?:{kind})", log)
+            wrong = {int(number) - HEAD_LINES for number in numbers}
+            for at, count, mutants, _ in self.statements:
+                if any(at < line <= at + count for line in wrong):
+                    found |= {mutant.number for mutant in mutants} & chosen
         return found
 
     def restore(self):
