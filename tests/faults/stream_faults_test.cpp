@@ -148,6 +148,16 @@ void ExpectTold(const Outcome& outcome, const WriteFault& fault) {
     }
 }
 
+// A run whose nth write fails, or all from it on; that everybody is told is seen to.
+Outcome RunWith(FaultRig& failing, const WriteFault& fault, size_t n, bool once) {
+    EXPECT_EQ(S_OK, failing.Build());
+    failing.Stream().KeepWrites();
+    failing.Stream().AnswerWrites(n, once, fault.result, fault.keptPercent);
+    const Outcome outcome = failing.Run();
+    ExpectTold(outcome, fault);
+    return outcome;
+}
+
 TEST_P(StreamFaults, OfOneWriteCostOneClusterAtMost) {
     const auto& [fault, videoBytes] = GetParam();
     FaultRig rig(videoBytes);
@@ -159,13 +169,9 @@ TEST_P(StreamFaults, OfOneWriteCostOneClusterAtMost) {
         SCOPED_TRACE(n);
         const HangGuard guard(fault.name);
         FaultRig failing(videoBytes);
-        ASSERT_EQ(S_OK, failing.Build());
-        failing.Stream().KeepWrites();
-        failing.Stream().AnswerWrites(n, true, fault.result, fault.keptPercent);
-        const Outcome outcome = failing.Run();
+        const Outcome outcome = RunWith(failing, fault, n, true);
         const JudgedRun run(judge, outcome);
         run.ExpectEnded();
-        ExpectTold(outcome, fault);
         run.ExpectAllThatWasWritten(false);
         run.ExpectNoHalfClusters(false);
         EXPECT_EQ(LostAClustersBytes(outcome) ? 1u : 0u, run.LostClusters().size());
@@ -183,13 +189,9 @@ TEST_P(StreamFaults, OfEveryWriteFromOneOnLeaveAllThatWasWrittenBefore) {
         SCOPED_TRACE(n);
         const HangGuard guard(fault.name);
         FaultRig failing(videoBytes);
-        ASSERT_EQ(S_OK, failing.Build());
-        failing.Stream().KeepWrites();
-        failing.Stream().AnswerWrites(n, false, fault.result, fault.keptPercent);
-        const Outcome outcome = failing.Run();
+        const Outcome outcome = RunWith(failing, fault, n, false);
         const JudgedRun run(judge, outcome);
         run.ExpectEnded();
-        ExpectTold(outcome, fault);
         // A patch of the head that is taken in part leaves it damaged, and no write can mend it; nor one that never
         // came.
         const bool isHeadDamaged = fault.keptPercent > 0 || FileJudge::IsOfHead(outcome, n - 1);
