@@ -40,6 +40,21 @@ DEFINE_GUID(MKVMUX_Position, 0x6d80f35a, 0xb241, 0x4c97, 0x95, 0x08, 0xae, 0x7f,
 // Get only, VARIANT::uiVal: the number of input pins without the spare one.
 DEFINE_GUID(MKVMUX_InputCount, 0xf2573ec4, 0x0896, 0x4ab3, 0xbd, 0x54, 0x3e, 0x12, 0x9c, 0x68, 0xa7, 0xd1);
 
+// What the file is written as, and told beside the rows. All are read at the next start.
+// Set and get, VARIANT::ulVal: a MuxProfile; E_INVALIDARG for others.
+DEFINE_GUID(MKVMUX_Profile, 0xeaa75000, 0x2f0b, 0x4a2f, 0xb6, 0x92, 0xad, 0x15, 0x74, 0x62, 0x17, 0x4f);
+// Set and get, VARIANT::byref: a MuxTrackFlags record; its index chooses the input. E_INVALIDARG for an index without
+// a row and for a value that is no MuxFlag. Written by the strict profile alone.
+DEFINE_GUID(MKVMUX_TrackFlags, 0x0535d624, 0x29dc, 0x441c, 0xb1, 0x97, 0xf5, 0x10, 0x94, 0xc6, 0xde, 0x27);
+// Set and get, VARIANT::bstrVal: the title of the file; empty for none. What is got is the caller's to free. Written by
+// the strict profile alone.
+DEFINE_GUID(MKVMUX_Title, 0x8e381704, 0x0ef5, 0x4d3a, 0x8a, 0xc8, 0x3b, 0x55, 0xb7, 0x10, 0x5d, 0xaa);
+// Set and get, VARIANT::ullVal: where the strict profile takes its identifiers and its date from, so that the same
+// packets make the same file; 0 for the system's random numbers and clock.
+DEFINE_GUID(MKVMUX_Seed, 0x9ad118ee, 0xd9ac, 0x4810, 0x85, 0xec, 0x5c, 0xa1, 0x3f, 0xbc, 0xee, 0xa0);
+// Set and get, VARIANT::ulVal: whether the strict profile writes statistics tags; 1, as at first, or 0; E_INVALIDARG for others.
+DEFINE_GUID(MKVMUX_TrackStatistics, 0xa461331f, 0xa1cf, 0x4494, 0x82, 0x35, 0x94, 0xfc, 0x75, 0xda, 0xd4, 0x78);
+
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
 
@@ -51,6 +66,19 @@ DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb
 enum MuxDocType {
     MuxDocType_Matroska = 0, // "matroska"
     MuxDocType_Webm = 1      // "webm"
+};
+
+// How the file is written; the value of MKVMUX_Profile.
+enum MuxProfile {
+    MuxProfile_Compatible = 0, // as this muxer has always written
+    MuxProfile_Strict = 1      // as RFC 9559 and the WebM guidelines ask
+};
+
+// The value of a flag of MuxTrackFlags.
+enum MuxFlag {
+    MuxFlag_Off = 0,
+    MuxFlag_On = 1,
+    MuxFlag_Unset = 0xFF // not written, except FlagForced, which is off then
 };
 
 // What a connected input carries; read in TrackSettings::trackType. The numbers are Matroska's.
@@ -82,6 +110,16 @@ struct TrackSettings {
     BSTR language;   // English name as in ISO 639-2, for example "English"
     BSTR name;       // the track's name; not written when empty
     INT32 trackType; // read back: the MuxTrackType of a connected pin; otherwise as stored
+};
+
+// What else is told of a track, each a MuxFlag; all are unset at first.
+struct MuxTrackFlags {
+    INT32 index;          // the input pin, from 0
+    BYTE forced;          // shown to those who asked for no subtitles
+    BYTE hearingImpaired; // for people who do not hear well
+    BYTE visualImpaired;  // for people who do not see well
+    BYTE original;        // in the language that the content was made in
+    BYTE commentary;
 };
 
 // A file that is attached to the output. Null fields are left out of the file, empty ones are not.

@@ -145,7 +145,7 @@ HRESULT CMatroskaMuxer::OnStartStreaming() {
 HRESULT CMatroskaMuxer::OpenWriter() {
     RegisterTracks();
     m_io->setStream(m_downstream.Get());
-    m_writer->Open(m_io.get());
+    m_writer->Open(m_io.get(), m_parameters->Options().Get());
     return S_OK;
 }
 
@@ -157,7 +157,7 @@ void CMatroskaMuxer::RegisterTracks() {
         if (pin->Stream() != nullptr) {
             const records::CTrackSettingsRow row =
                 m_parameters->Rows().At(index).value_or(records::CTrackSettingsRow(index));
-            m_writer->registerTrack(pin->CurrentMediaType(), row.Get());
+            m_writer->registerTrack(pin->CurrentMediaType(), row.Get(), m_parameters->Options().FlagsOf(index));
         }
         ++index;
     }

@@ -113,6 +113,29 @@ void ReadAttachments(const ParameterTargets& targets, CFieldReader& in) {
     }
 }
 
+// ---- What the strict profile writes ---------------------------------------------------------------------------------
+
+template <typename Change>
+bool ChangeOptions(const ParameterTargets& targets, Change change) {
+    records::FileOptions options = targets.options.Get();
+    change(options);
+    return targets.options.Set(std::move(options));
+}
+
+HRESULT SetProfile(const ParameterTargets& targets, const VARIANT& value, bool& changed) {
+    const UINT32 profile = V_UI4(&value);
+    if (profile != MuxProfile_Compatible && profile != MuxProfile_Strict) {
+        return E_INVALIDARG;
+    }
+    changed = ChangeOptions(targets, [&](auto& options) { options.profile = static_cast<MuxProfile>(profile); });
+    return S_OK;
+}
+
+HRESULT GetProfile(const ParameterTargets& targets, VARIANT& value) {
+    V_UI4(&value) = targets.options.Get().profile;
+    return S_OK;
+}
+
 // ---- What is not saved ---------------------------------------------------------------------------------------------
 
 HRESULT SetLogDirectory(const ParameterTargets& /*targets*/, const VARIANT& value, bool& /*changed*/) {
@@ -163,6 +186,7 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_TrackInfo, SetTrackInfo, GetTrackInfo, &kSavedRows},
     {MKVMUX_DocType, SetDocType, GetDocType, &kSavedDocType},
     {MKVMUX_Attachment, AddAttachment, nullptr, &kSavedAttachments},
+    {MKVMUX_Profile, SetProfile, GetProfile},
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},
@@ -193,7 +217,7 @@ HRESULT OnEverySaved(Body body) {
 } // namespace
 
 CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs)
-    : m_targets{m_rows, writer, inputs} {}
+    : m_targets{m_rows, m_options, writer, inputs} {}
 
 HRESULT CMuxerParameters::Set(const GUID& key, const VARIANT& value, bool& changed) {
     changed = false;

@@ -5,6 +5,7 @@
 // Errors: HRESULTs; std::bad_alloc.
 #pragma once
 
+#include "records/file_options.h"
 #include "records/track_settings_table.h"
 #include "win/platform.h"
 
@@ -14,6 +15,7 @@ class CConnectedInputs;
 // What the parameters reach. Of the writer only what any thread may ask: document type, attachments, duration.
 struct ParameterTargets {
     records::CTrackSettingsTable& rows;
+    records::CFileOptions& options;
     CMkvWriter& writer;
     const CConnectedInputs& inputs;
 };
@@ -36,8 +38,10 @@ class CMuxerParameters {
 
     // One for each of the first 100 inputs.
     [[nodiscard]] const records::CTrackSettingsTable& Rows() const { return m_rows; }
+    [[nodiscard]] const records::CFileOptions& Options() const { return m_options; }
 
   private:
     records::CTrackSettingsTable m_rows;
+    records::CFileOptions m_options;
     const ParameterTargets m_targets;
 };

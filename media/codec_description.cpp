@@ -53,6 +53,10 @@ CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type) {
     }
 }
 
+CodecDescription DescribeStrictCodec(const AM_MEDIA_TYPE& type) {
+    return DescribeCodec(type);
+}
+
 std::string CodecIdOf(const AM_MEDIA_TYPE& type) {
     return DescribeCodec(type).codecId;
 }

@@ -22,7 +22,9 @@ struct VideoDescription {
     UINT64 pixelWidth = 0;
     UINT64 pixelHeight = 0;
     // The picture aspect ratio pair itself for formats that carry one, for example 16 and 9.
-    std::optional<DisplaySize> display;
+    std::optional<DisplaySize> display{};
+    std::optional<UINT64> flagInterlaced{}; // Matroska's values; the strict description alone tells both
+    std::optional<UINT64> fieldOrder{};
 };
 
 struct AudioDescription {
@@ -39,9 +41,16 @@ struct CodecDescription {
     std::optional<AudioDescription> audio;
     // Present and empty differs from absent: the element is then written with no bytes.
     std::optional<std::vector<BYTE>> codecPrivate;
+    // What a decoder drops at the start, and needs before a place to play from there; the strict description alone.
+    UINT64 codecDelayNs = 0;
+    UINT64 seekPreRollNs = 0;
 };
 
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
+
+// As the standards ask, instead of as this muxer has always written: display sizes in pixels, whole decoder records,
+// and nothing that says nothing.
+[[nodiscard]] CodecDescription DescribeStrictCodec(const AM_MEDIA_TYPE& type);
 
 // As one kind of track each. Every other major type is one without a mapping: the description then holds what all
 // tracks of the kind have, and nothing else.

@@ -29,7 +29,8 @@ DWORD ShownSize(UINT64 display, UINT64 pixels, UINT64 cropped) {
 
 void DescribePixels(REFERENCE_TIME frameDuration, const BITMAPINFOHEADER& bitmap, CodecDescription& description) {
     description.defaultDurationNs = AsStored(frameDuration) * AsStored(kNsPerReferenceTime);
-    description.video = VideoDescription{AsStored(bitmap.biWidth), AsStored(bitmap.biHeight), std::nullopt};
+    description.video =
+        VideoDescription{.pixelWidth = AsStored(bitmap.biWidth), .pixelHeight = AsStored(bitmap.biHeight)};
 }
 
 void DescribePicture(const VIDEOINFOHEADER& header, CodecDescription& description) {

@@ -31,7 +31,9 @@ constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff
 
 } // namespace
 
-CMatroskaFile::CMatroskaFile(CFileOutput& io) : m_io(io), m_gathering(io), m_clusters(m_gathering, m_segment, m_cues) {
+CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& options)
+    : m_options(options), m_identifiers(options.seed), m_io(io), m_gathering(io),
+      m_clusters(m_gathering, m_segment, m_cues) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
 

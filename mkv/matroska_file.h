@@ -15,6 +15,7 @@
 #include "mkv/cluster_writer.h"
 #include "mkv/cut_recording.h"
 #include "mkv/gathering_io.h"
+#include "mkv/identifiers.h"
 #include "mkv/mkv_cues.h"
 #include "mkv/writer_input.h"
 
@@ -34,7 +35,7 @@ inline constexpr UINT64 kPlaceBytes = 303;
 
 class CMatroskaFile {
   public:
-    explicit CMatroskaFile(CFileOutput& io);
+    explicit CMatroskaFile(CFileOutput& io, const records::FileOptions& options = {});
     CMatroskaFile(const CMatroskaFile&) = delete;
     CMatroskaFile& operator=(const CMatroskaFile&) = delete;
     ~CMatroskaFile() = default;
@@ -73,6 +74,8 @@ class CMatroskaFile {
     void writeCues();
     void overwriteSegmentSize(UINT64 dataBytes);
 
+    const records::FileOptions m_options;
+    CIdentifiers m_identifiers;
     CFileOutput& m_io;
     CGatheringIO m_gathering;
     std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read

@@ -29,7 +29,11 @@ int CMkvWriter::getTrackType(const AM_MEDIA_TYPE& type) {
 }
 
 void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings) {
-    m_tracks.push_back({CMediaType(type), records::CTrackSettingsRow(settings)});
+    registerTrack(type, settings, records::UnsetTrackFlags(settings.index));
+}
+
+void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags) {
+    m_tracks.push_back({CMediaType(type), records::CTrackSettingsRow(settings), flags});
 }
 
 void CMkvWriter::setOutputFormat(UINT32 format) {
@@ -38,11 +42,11 @@ void CMkvWriter::setOutputFormat(UINT32 format) {
     }
 }
 
-void CMkvWriter::Open(CMkvIO* io) {
+void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     m_file.reset(); // of an open that failed
     m_durationNs = 0.0;
     m_io = io;
-    writeMatroskaHead();
+    writeMatroskaHead(options);
     m_file->writeTracks(m_tracks);
     if (const auto attachments = m_attachments.All(); !attachments.empty()) {
         mkv::CAttachmentsElement element(attachments);
@@ -51,11 +55,11 @@ void CMkvWriter::Open(CMkvIO* io) {
     m_file->startFirstCluster();
 }
 
-void CMkvWriter::writeMatroskaHead() {
+void CMkvWriter::writeMatroskaHead(const records::FileOptions& options) {
     if (m_io == nullptr) {
         throw mkv::kNoOutputError;
     }
-    m_file = std::make_unique<mkv::CMatroskaFile>(*m_io);
+    m_file = std::make_unique<mkv::CMatroskaFile>(*m_io, options);
     m_file->writeHead(m_outputFormat == kWebMFormat ? kWebMDocType : kMatroskaDocType);
 }
 

@@ -28,6 +28,7 @@ class CMkvWriter {
 
     // The next track of the next file; Close forgets the tracks. Copies both.
     void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings);
+    void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags);
 
     // Attachments stay for all files to come. False, and no effect, for 2 GiB of data or more.
     bool addAttachment(const MuxAttachment& attachment) { return m_attachments.Add(attachment); }
@@ -40,7 +41,7 @@ class CMkvWriter {
     [[nodiscard]] UINT32 outputFormat() const { return m_outputFormat; }
 
     // Writes the head of the file; what was written stays there when it throws.
-    void Open(CMkvIO* io);
+    void Open(CMkvIO* io, const records::FileOptions& options = {});
     // A packet of a stream that is no track is dropped.
     void WritePacket(const mkv::Packet& packet);
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
@@ -59,7 +60,7 @@ class CMkvWriter {
     [[nodiscard]] double duration() const { return m_durationNs; }
 
   private:
-    void writeMatroskaHead();
+    void writeMatroskaHead(const records::FileOptions& options);
     void releaseFile() noexcept;
 
     CMkvIO* m_io = nullptr;

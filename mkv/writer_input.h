@@ -4,15 +4,17 @@
 #include <vector>
 
 #include "dshow/media_type.h"
+#include "records/file_options.h"
 #include "records/track_settings_row.h"
 #include "win/owned_bytes.h"
 
 namespace mkv {
 
-// An input that becomes a track: its media type and its settings row, both copies.
+// An input that becomes a track: its media type, its settings row and its flags, all copies.
 struct Track {
     CMediaType type;
     records::CTrackSettingsRow settings;
+    MuxTrackFlags flags = records::UnsetTrackFlags(0);
 };
 
 using TrackList = std::vector<Track>; // the track number is the position, from 1

@@ -50,6 +50,9 @@ void PrepareMuxer(const Options& options, MuxerSettings& settings) {
     if (options.webm) {
         settings.UseDocTypeWebm();
     }
+    if (options.strict) {
+        settings.UseProfile(MuxProfile_Strict);
+    }
 }
 
 void SaveConfiguration(const Options& options, const MuxerSettings& settings, Interruption& interruption) {

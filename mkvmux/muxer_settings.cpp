@@ -46,6 +46,12 @@ void MuxerSettings::UseDocTypeWebm() {
     }
 }
 
+void MuxerSettings::UseProfile(MuxProfile profile) {
+    if (const HRESULT hr = m_config.SetNumber(MKVMUX_Profile, profile); FAILED(hr)) {
+        throw Failure("--profile: the muxer refuses the profile: " + DescribeResult(hr));
+    }
+}
+
 void MuxerSettings::LogTo(const std::wstring& directory) {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::absolute(directory, error);

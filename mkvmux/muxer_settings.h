@@ -20,6 +20,7 @@ class MuxerSettings {
     explicit MuxerSettings(const win::ComPtr<IBaseFilter>& muxer);
 
     void UseDocTypeWebm();
+    void UseProfile(MuxProfile profile);
     // The directory is created where it is missing.
     void LogTo(const std::wstring& directory);
     // False when the muxer has no settings row for that input, in which case nothing is changed.

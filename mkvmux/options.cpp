@@ -19,6 +19,8 @@ namespace {
 const std::map<std::string, ProgressMode> kProgressModes{
     {"auto", ProgressMode::Auto}, {"always", ProgressMode::Always}, {"never", ProgressMode::Never}};
 
+const std::map<std::string, bool> kProfiles{{"strict", true}, {"compatible", false}};
+
 // The texts as the parser stores them; it knows UTF-8 alone.
 struct RawOptions {
     std::string output;
@@ -28,6 +30,7 @@ struct RawOptions {
     std::string loadConfig;
     std::string frameRate;
     std::string progress = "auto";
+    std::string profile = "compatible";
     std::vector<std::string> inputs;
     bool listLanguages = false;
 };
@@ -38,6 +41,7 @@ void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
         ->check(NoOption());
     app.add_flag("-y,--yes", options.overwrite, "overwrite what exists");
     app.add_flag("--webm", options.webm, "write the document type webm");
+    app.add_option("--profile", raw.profile, "how the file is written: strict or compatible")->type_name("PROFILE");
     app.add_option("INPUT", raw.inputs,
                    "the files whose streams go into the output; @FILE reads arguments from a "
                    "JSON array of strings")
@@ -96,10 +100,19 @@ ProgressMode ReadProgressMode(const std::string& text) {
     return mode->second;
 }
 
+bool ReadIsStrict(const std::string& text) {
+    const auto profile = kProfiles.find(text);
+    if (profile == kProfiles.end()) {
+        throw Failure("--profile: '" + text + "' is not strict or compatible");
+    }
+    return profile->second;
+}
+
 void Complete(Options& options, const RawOptions& raw) {
     options.output = WideFromUtf8(raw.output);
     options.repair = WideFromUtf8(raw.repair);
     options.webm = options.webm || EndsInWebm(options.output);
+    options.strict = ReadIsStrict(raw.profile);
     options.logDirectory = WideFromUtf8(raw.logDirectory);
     options.saveConfig = WideFromUtf8(raw.saveConfig);
     options.loadConfig = WideFromUtf8(raw.loadConfig);

@@ -25,6 +25,7 @@ struct Options {
     std::wstring repair; // the recording to finish, and nothing else; empty: none
     bool overwrite = false;
     bool webm = false;
+    bool strict = false; // the profile of the file
     bool identify = false;
     bool json = false;       // the identification as JSON
     bool noRegister = false; // load the module from beside the program
