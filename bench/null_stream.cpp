@@ -4,19 +4,6 @@
 
 namespace bench {
 
-HRESULT NullStream::QueryInterface(REFIID iid, void** object) {
-    if (object == nullptr) {
-        return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_ISequentialStream && iid != IID_IStream) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IStream*>(this);
-    AddRef();
-    return S_OK;
-}
-
 HRESULT NullStream::Read(void*, ULONG, ULONG* read) {
     if (read != nullptr) {
         *read = 0;

@@ -52,19 +52,6 @@ const PlannedFault* PlannedStream::FaultOf(StreamOperation operation) {
     return &*found;
 }
 
-HRESULT PlannedStream::QueryInterface(REFIID iid, void** object) {
-    if (object == nullptr) {
-        return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_ISequentialStream && iid != IID_IStream) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IStream*>(this);
-    AddRef();
-    return S_OK;
-}
-
 HRESULT PlannedStream::Read(void* buffer, ULONG size, ULONG* read) {
     const std::lock_guard guard(m_lock);
     const PlannedFault* const fault = FaultOf(StreamOperation::Read);

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "tests/support/bare_stream.h"
 #include "tests/support/memory_stream.h"
 
 namespace fuzz {
@@ -28,8 +29,9 @@ struct RecordedWrite {
     bool isTorn = false;     // it took some
 };
 
-class PlannedStream final : public IStream {
+class PlannedStream final : public test_support::BareStream {
   public:
+    PlannedStream() : BareStream("a planned stream") {}
     ~PlannedStream() = default;
 
     // Forgets what was, but for the bytes.
@@ -41,10 +43,6 @@ class PlannedStream final : public IStream {
     [[nodiscard]] size_t Failed(test_support::StreamOperation operation) const;
     [[nodiscard]] bool HasFailed() const;
 
-    // IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return m_references.Add(); }
-    ULONG STDMETHODCALLTYPE Release() override { return m_references.Release(); }
     // ISequentialStream
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG size, ULONG* read) override;
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG size, ULONG* written) override;
@@ -52,14 +50,6 @@ class PlannedStream final : public IStream {
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) override;
     HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override;
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* stat, DWORD flags) override;
-    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
   private:
     static constexpr size_t kOperations = static_cast<size_t>(test_support::StreamOperation::Other) + 1;
@@ -67,7 +57,6 @@ class PlannedStream final : public IStream {
     // The fault that this call of that kind meets, or null; counts the call.
     [[nodiscard]] const PlannedFault* FaultOf(test_support::StreamOperation operation);
 
-    test_support::ReferenceCount m_references{"a planned stream"};
     mutable std::mutex m_lock; // guards all below
     test_support::MemoryStream m_memory;
     std::vector<PlannedFault> m_faults;

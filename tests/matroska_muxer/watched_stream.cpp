@@ -40,16 +40,6 @@ void WatchedStream::WaitWhileHeld() {
     }
 }
 
-HRESULT WatchedStream::QueryInterface(REFIID iid, void** object) {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_ISequentialStream && iid != IID_IStream) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IStream*>(this);
-    AddRef();
-    return S_OK;
-}
-
 HRESULT WatchedStream::Write(const void* buffer, ULONG size, ULONG* written) {
     WaitWhileHeld();
     const auto* const bytes = static_cast<const BYTE*>(buffer);

@@ -10,23 +10,22 @@
 #include <mutex>
 #include <vector>
 
+#include "tests/support/bare_stream.h"
 #include "tests/support/ebml_reader.h"
-#include "tests/support/reference_count.h"
 #include "win/platform.h"
 
-class WatchedStream final : public IStream {
+class WatchedStream final : public test_support::BareStream {
   public:
     // The element's bytes and where it begins in the file. Called on the writer's thread.
     using OnElement = std::function<void(test_support::ByteView bytes, UINT64 offset)>;
 
-    explicit WatchedStream(OnElement onElement) : m_onElement(std::move(onElement)) {}
+    explicit WatchedStream(OnElement onElement) : BareStream("a watched stream"), m_onElement(std::move(onElement)) {}
 
     // The beginning of the file as it stands now.
     [[nodiscard]] test_support::ByteView Head() const { return m_head; }
     [[nodiscard]] UINT64 Size() const { return m_end; }
     // Where the Segment's data begins.
     [[nodiscard]] UINT64 SegmentData() const { return m_segmentData; }
-    [[nodiscard]] LONG References() const { return m_references.Count(); }
 
     // From now on a write waits until LetGo, as on a disk that has gone to sleep.
     void Hold();
@@ -34,32 +33,17 @@ class WatchedStream final : public IStream {
     [[nodiscard]] bool WaitUntilHeld();
     void LetGo();
 
-    // IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return m_references.Add(); }
-    ULONG STDMETHODCALLTYPE Release() override { return m_references.Release(); }
     // ISequentialStream
-    HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG size, ULONG* written) override;
     // IStream
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* newPosition) override;
     HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
   private:
     void WaitWhileHeld();
     void TakeCompleteElements();
 
     const OnElement m_onElement;
-    test_support::ReferenceCount m_references{"a watched stream"};
 
     std::vector<BYTE> m_head;
     std::vector<BYTE> m_tail; // from m_tailBegin to m_end

@@ -25,8 +25,8 @@ class OutputFailedEvent : public ::testing::Test {
     OutputFailedEvent() {
         EXPECT_EQ(S_OK, CoCreateInstance(CLSID_FilterGraph, nullptr, CLSCTX_INPROC_SERVER, IID_IGraphBuilder,
                                          m_graph.PutVoid()));
-        EXPECT_EQ(S_OK, m_module.Factory(CLSID_MatroskaMuxer)
-                            ->CreateInstance(nullptr, IID_IBaseFilter, m_muxer.PutVoid()));
+        EXPECT_EQ(S_OK,
+                  m_module.Factory(CLSID_MatroskaMuxer)->CreateInstance(nullptr, IID_IBaseFilter, m_muxer.PutVoid()));
         m_events = m_graph.Query<IMediaEvent>(IID_IMediaEvent);
         m_control = m_graph.Query<IMediaControl>(IID_IMediaControl);
         EXPECT_EQ(S_OK, m_graph->AddFilter(&m_source.Filter(), L"source"));

@@ -1,5 +1,7 @@
 #include "tests/support/fake_media_sample.h"
 
+#include <limits>
+
 namespace test_support {
 
 FakeMediaSample& FakeMediaSample::WithTimes(INT64 start, INT64 stop) {
@@ -86,7 +88,8 @@ HRESULT FakeMediaSample::GetTime(REFERENCE_TIME* start, REFERENCE_TIME* stop) {
     }
     *start = m_start;
     if (m_timeKind == TimeKind::StartOnly) {
-        *stop = m_start + 1; // as documented for samples without a stop time
+        // As documented for samples without a stop time.
+        *stop = m_start < std::numeric_limits<REFERENCE_TIME>::max() ? m_start + 1 : m_start;
         return VFW_S_NO_STOP_TIME;
     }
     *stop = m_stop;
