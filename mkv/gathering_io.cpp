@@ -106,17 +106,27 @@ void CGatheringIO::bringTarget() {
 }
 
 bool CGatheringIO::seekTarget() {
-    for (int i = 0; i < kSeekTries; ++i) {
+    try {
+        askTarget(static_cast<int64>(m_start), libebml::seek_beginning);
+        m_seeks = true;
+    } catch (const char*) {
+        m_seeks = false;
+    }
+    return m_seeks;
+}
+
+// Throws what the target throws the last time.
+void CGatheringIO::askTarget(int64 offset, libebml::seek_mode mode) {
+    for (int tries = 1;; ++tries) {
         try {
-            m_target.setFilePointer(static_cast<int64>(m_start));
-            m_seeks = true;
-            return true;
+            m_target.setFilePointer(offset, mode);
+            return;
         } catch (const char*) {
-            continue;
+            if (tries == kSeekTries) {
+                throw;
+            }
         }
     }
-    m_seeks = false;
-    return false;
 }
 
 void CGatheringIO::discard() noexcept {
@@ -145,7 +155,7 @@ void CGatheringIO::setFilePointer(int64 offset, libebml::seek_mode mode) {
     flush();
     const bool isAbsolute = mode == libebml::seek_beginning;
     m_where = isAbsolute ? Target::Elsewhere : Target::Unknown; // if it throws
-    m_target.setFilePointer(offset, mode);
+    askTarget(offset, mode);
     if (isAbsolute) {
         m_start = static_cast<uint64>(offset);
         m_where = Target::AtStart;

@@ -69,6 +69,7 @@ class CGatheringIO : public libebml::IOCallback {
     void learnStart();
     void bringTarget();
     [[nodiscard]] bool seekTarget();
+    void askTarget(int64 offset, libebml::seek_mode mode);
     [[nodiscard]] bool writeThrough(Parts parts);
     [[nodiscard]] bool writePart(std::span<const BYTE> part);
     void gather(std::span<const BYTE> bytes);

@@ -264,7 +264,9 @@ TEST_P(RefusedCalls, LoseNothing) {
         EXPECT_FALSE(outcome.IsTold()) << "nothing is lost";
         EXPECT_EQ(AllFrames(), judge.TakenByOutput(outcome));
         EXPECT_EQ(AllFrames(), judge.InFile(outcome.file));
-        judge.ExpectSound(outcome.file, true);
+        // A seek is asked for once more, so that one refusal costs nothing; where all are refused, nothing is patched.
+        const bool mayBeCut = !onlyOnce || call.operation != StreamOperation::Seek;
+        judge.ExpectSound(outcome.file, mayBeCut);
         ExpectWholeNextRun(failing, judge);
     }
 }

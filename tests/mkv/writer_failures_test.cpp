@@ -103,14 +103,14 @@ TEST_F(WriterFailuresTest, AfterAFailedFileTheNextOneIsWhole) {
     EXPECT_EQ(File().cues.size(), 9u);
 }
 
-TEST_F(WriterFailuresTest, ASeekThatFailsInTheFinalisationLeavesTheFileAsARecordingThatWasCutOff) {
+TEST_F(WriterFailuresTest, SeeksThatFailInTheFinalisationLeaveTheFileAsARecordingThatWasCutOff) {
     RegisterVideo();
     Open();
     for (INT64 frame = 0; frame < 10; ++frame) {
         Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, true);
     }
     m_stream.ClearCalls();
-    m_stream.FailNth(StreamOperation::Seek, 3, STG_E_SEEKERROR); // behind the two of the Info
+    m_stream.FailFrom(StreamOperation::Seek, 3, STG_E_SEEKERROR); // behind the two of the Info
     Finish();
     const auto layout = Snapshot();
     EXPECT_TRUE(layout.Segment()->unknownSize);
