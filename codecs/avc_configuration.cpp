@@ -1,5 +1,7 @@
 #include "codecs/avc_configuration.h"
 
+#include <algorithm>
+
 #include "codecs/big_endian.h"
 #include "codecs/nal_unit.h"
 #include "codecs/unit_lengths.h"
@@ -24,6 +26,8 @@ constexpr size_t kMaxParameterSets = 255;
 // What of its byte a field fills, in records whose reserved bits are set.
 constexpr uint8_t kLengthSizeMask = 0x03;
 constexpr uint8_t kSpsCountMask = 0x1f;
+constexpr uint8_t kPpsCountMask = 0xff;
+constexpr size_t kChromaBytes = 3; // chroma format and bit depths
 
 // NAL units together with the 2-byte length in front of each.
 using ParameterSetList = std::vector<ByteView>;
@@ -76,18 +80,49 @@ void AppendList(std::vector<uint8_t>& record, const ParameterSetList& list) {
     }
 }
 
-// Appends so many sets with their lengths, and takes them off the record's front.
-void TakeSets(ByteView& record, size_t count, std::vector<uint8_t>& sets) {
-    for (size_t i = 0; i < count && record.size() >= kParameterSetLengthSizeBytes; ++i) {
+// Appends so many sets with their lengths, and takes them off the record's front. False when they are not all there.
+bool TakeSets(ByteView& record, size_t count, std::vector<uint8_t>& sets) {
+    for (size_t i = 0; i < count; ++i) {
+        if (record.size() < kParameterSetLengthSizeBytes) {
+            return false;
+        }
         const size_t bytes = kParameterSetLengthSizeBytes +
                              static_cast<size_t>(ReadBigEndian(record.first(kParameterSetLengthSizeBytes)));
         if (bytes > record.size()) {
             record = {};
-            return;
+            return false;
         }
         sets.insert(sets.end(), record.begin(), record.begin() + static_cast<std::ptrdiff_t>(bytes));
         record = record.subspan(bytes);
     }
+    return true;
+}
+
+bool TakeCountedSets(ByteView& record, uint8_t countMask, std::vector<uint8_t>& sets) {
+    if (record.empty()) {
+        return false;
+    }
+    const size_t count = record.front() & countMask;
+    record = record.subspan(1);
+    return TakeSets(record, count, sets);
+}
+
+// What high profiles add, whose end is the record's. Older records lack it, and what stands there may be anything.
+bool TakeExtensions(ByteView rest, std::vector<uint8_t>& sets) {
+    std::vector<uint8_t> extensions;
+    rest = rest.subspan(std::min(rest.size(), kChromaBytes));
+    if (!TakeCountedSets(rest, kPpsCountMask, extensions) || !rest.empty()) {
+        return false;
+    }
+    for (ByteView units = extensions; !units.empty();) {
+        const auto length = static_cast<size_t>(ReadBigEndian(units.first(kParameterSetLengthSizeBytes)));
+        const ByteView entry = units.first(kParameterSetLengthSizeBytes + length);
+        if (NALUnit(entry.subspan(kParameterSetLengthSizeBytes)).AvcType() == kAvcSpsExtensionUnit) {
+            sets.insert(sets.end(), entry.begin(), entry.end());
+        }
+        units = units.subspan(entry.size());
+    }
+    return true;
 }
 
 } // namespace
@@ -113,14 +148,11 @@ AvcConfiguration ParseAvcConfiguration(ByteView record) {
     avc.profile = record[1];
     avc.level = record[3];
     avc.lengthBytes = static_cast<size_t>(record[4] & kLengthSizeMask) + 1;
-    const size_t spsCount = record[5] & kSpsCountMask;
-    record = record.subspan(kHeadBytes);
-    TakeSets(record, spsCount, avc.parameterSets);
-    if (!record.empty()) {
-        const size_t ppsCount = record[0];
-        record = record.subspan(1);
-        TakeSets(record, ppsCount, avc.parameterSets);
-    }
+    record = record.subspan(kHeadBytes - 1);
+    const bool hasSps = TakeCountedSets(record, kSpsCountMask, avc.parameterSets);
+    const bool hasPps = TakeCountedSets(record, kPpsCountMask, avc.parameterSets);
+    const bool hasSets = hasSps && hasPps;
+    avc.isWhole = hasSets && (record.empty() || TakeExtensions(record, avc.parameterSets));
     return avc;
 }
 

@@ -15,7 +15,8 @@ struct AvcConfiguration {
     uint8_t profile = 0;
     uint8_t level = 0;
     size_t lengthBytes = 4;             // of the length in front of each unit of a sample: 1 to 4
-    std::vector<uint8_t> parameterSets; // each with a 2-byte length in front
+    std::vector<uint8_t> parameterSets; // each with a 2-byte length in front, extensions of sequence ones at the end
+    bool isWhole = false;               // the counts and lengths tell every byte
 };
 
 // units: NAL units, each behind a 2-byte length; a length of 0, or less than a length, ends them. Only parameter sets

@@ -12,12 +12,15 @@ namespace codecs {
 namespace {
 
 constexpr uint32_t kAvcMaxSpsId = 31;
+constexpr uint32_t kAvcMaxChromaFormatIdc = 3;
+constexpr uint32_t kMaxBitDepthMinus8 = 6;
 constexpr uint32_t kMaxRefFramesInCycle = 255;
 constexpr uint32_t kMaxSliceGroupsMinus1 = 7;
 constexpr uint32_t kMaxMacroblocks = 1U << 20;
 constexpr uint32_t kMaxMacroblocksOneWay = 1U << 12;
 constexpr uint32_t kMacroblockPixels = 16;
 constexpr uint32_t kMaxCrop = 1U << 16;
+constexpr size_t kMaxHeadBytes = 64; // four of them numbers whose lengths are not fixed
 constexpr uint32_t kExtendedAspectRatio = 255;
 // Those whose parameter sets tell the chroma format (7.3.2.1.1).
 constexpr std::array<uint8_t, 13> kHighProfiles{100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135};
@@ -43,16 +46,32 @@ void SkipAvcScalingList(BitstreamReader& reader, int size) {
     }
 }
 
+bool TellsChroma(const AvcSpsHead& head) {
+    return std::find(kHighProfiles.begin(), kHighProfiles.end(), head.profile) != kHighProfiles.end();
+}
+
+AvcSpsHead ReadHead(BitstreamReader& reader) {
+    AvcSpsHead head;
+    head.profile = static_cast<uint8_t>(reader.ReadBits(8));
+    head.compatibility = static_cast<uint8_t>(reader.ReadBits(8));
+    head.level = static_cast<uint8_t>(reader.ReadBits(8));
+    head.id = reader.ReadUE(kAvcMaxSpsId);
+    if (TellsChroma(head)) {
+        head.chromaFormatIdc = reader.ReadUE(kAvcMaxChromaFormatIdc);
+        head.separateColourPlanes = head.chromaFormatIdc == kAvcMaxChromaFormatIdc && reader.ReadFlag();
+        head.bitDepthLumaMinus8 = reader.ReadUE();
+        head.bitDepthChromaMinus8 = reader.ReadUE();
+    }
+    return head;
+}
+
 // How far the chroma format reaches: 0 for pictures without colours.
 uint32_t ReadChroma(BitstreamReader& reader, AvcSps& sps) {
-    const uint32_t chroma = reader.ReadUE(3);
+    const uint32_t chroma = sps.chromaFormatIdc;
     sps.isMonochrome = chroma == 0;
-    sps.separateColourPlanes = chroma == 3 && reader.ReadFlag();
-    reader.ReadUE(); // bit depths
-    reader.ReadUE();
     reader.ReadFlag(); // qpprime_y_zero_transform_bypass_flag
     if (reader.ReadFlag()) {
-        const int lists = chroma == 3 ? 12 : 8;
+        const int lists = chroma == kAvcMaxChromaFormatIdc ? 12 : 8;
         for (int i = 0; i < lists; ++i) {
             if (reader.ReadFlag()) {
                 SkipAvcScalingList(reader, i < 6 ? 16 : 64);
@@ -141,16 +160,21 @@ void SkipSliceGroups(BitstreamReader& reader, uint32_t groupsMinus1) {
 
 } // namespace
 
+std::optional<AvcSpsHead> ParseAvcSpsHead(ByteView unit) {
+    const std::vector<uint8_t> payload = RawPayload(unit.first(std::min(unit.size(), kMaxHeadBytes)), kAvcHeaderBytes);
+    BitstreamReader reader(payload);
+    const AvcSpsHead head = ReadHead(reader);
+    const bool isSane = reader.IsValid() && head.bitDepthLumaMinus8 <= kMaxBitDepthMinus8 &&
+                        head.bitDepthChromaMinus8 <= kMaxBitDepthMinus8;
+    return isSane ? std::optional(head) : std::nullopt;
+}
+
 std::optional<AvcSps> ParseAvcSps(ByteView unit) {
     const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
     BitstreamReader reader(payload);
     AvcSps sps;
-    sps.profile = static_cast<uint8_t>(reader.ReadBits(8));
-    reader.ReadBits(8); // constraints
-    sps.level = static_cast<uint8_t>(reader.ReadBits(8));
-    sps.id = reader.ReadUE(kAvcMaxSpsId);
-    const bool isHigh = std::find(kHighProfiles.begin(), kHighProfiles.end(), sps.profile) != kHighProfiles.end();
-    const uint32_t chroma = isHigh ? ReadChroma(reader, sps) : 1;
+    static_cast<AvcSpsHead&>(sps) = ReadHead(reader);
+    const uint32_t chroma = TellsChroma(sps) ? ReadChroma(reader, sps) : 1;
     ReadPictureOrder(reader, sps);
     reader.ReadUE();   // max_num_ref_frames
     reader.ReadFlag(); // gaps_in_frame_num_value_allowed_flag

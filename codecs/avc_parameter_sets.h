@@ -14,11 +14,19 @@ namespace codecs {
 inline constexpr uint32_t kAvcMaxPpsId = 255;
 inline constexpr uint32_t kAvcMaxRefIdx = 31;
 
-struct AvcSps {
-    uint32_t id = 0;
+// In the order of the bits, up to the bit depths.
+struct AvcSpsHead {
     uint8_t profile = 0;
+    uint8_t compatibility = 0; // the constraint flags and the reserved bits behind them
     uint8_t level = 0;
+    uint32_t id = 0;
+    uint32_t chromaFormatIdc = 1;
     bool separateColourPlanes = false;
+    uint32_t bitDepthLumaMinus8 = 0;
+    uint32_t bitDepthChromaMinus8 = 0;
+};
+
+struct AvcSps : AvcSpsHead {
     bool isMonochrome = false;
     unsigned frameNumBits = 4;
     uint32_t pocType = 0;
@@ -42,6 +50,7 @@ struct AvcPps {
 };
 
 // unit: the whole NAL unit, header included and with its emulation prevention bytes.
+[[nodiscard]] std::optional<AvcSpsHead> ParseAvcSpsHead(ByteView unit); // bit depths of up to 14
 [[nodiscard]] std::optional<AvcSps> ParseAvcSps(ByteView unit);
 [[nodiscard]] std::optional<AvcPps> ParseAvcPps(ByteView unit);
 

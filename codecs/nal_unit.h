@@ -22,6 +22,7 @@ enum AvcNalType : uint8_t {
     kAvcSpsUnit = 7,
     kAvcPpsUnit = 8,
     kAvcDelimiter = 9,
+    kAvcSpsExtensionUnit = 13,
     kAvcSlicePrefix = 14,
     kAvcLastReservedPrefix = 18,
 };

@@ -70,4 +70,21 @@ TEST(AvcConfigurationTest, OfARecordCutAtEveryByteTheWholeSetsAreKept) {
     }
 }
 
+TEST(AvcConfigurationTest, ExtensionsOfHighProfilesFollowTheOtherSets) {
+    const Bytes sets = FromHex("01640c1f ffe1 0004 6764000b 01 0002 68eb fdf8f8 02 0003 6daabb 0002 67ff");
+    const AvcConfiguration parsed = ParseAvcConfiguration(sets);
+    EXPECT_EQ(ToHex(parsed.parameterSets), ToHex(LengthPrefixed({kSps, kPps, FromHex("6daabb")})));
+    EXPECT_TRUE(parsed.isWhole);
+}
+
+TEST(AvcConfigurationTest, ARecordIsWholeWhenItsCountsTellEveryByte) {
+    const Bytes whole = FromHex("01640c1f ffe1 0004 6764000b 01 0002 68eb fdf8f8 01 0003 6daabb");
+    constexpr size_t kWithoutChroma = 17;
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_EQ(ParseAvcConfiguration(cut).isWhole, size == whole.size() || size == kWithoutChroma) << size;
+    }
+    EXPECT_FALSE(ParseAvcConfiguration(Concat({whole, {0}})).isWhole);
+}
+
 } // namespace
