@@ -1,4 +1,5 @@
-// The head of an H.265 picture parameter set (ITU-T H.265, 7.3.2.3), as far as slice heads depend on it.
+// What is taken from an H.265 picture parameter set (ITU-T H.265, 7.3.2.3): its head, as far as slice heads depend on
+// it, and how its pictures can be decoded in parallel.
 #pragma once
 
 #include <optional>
@@ -16,7 +17,14 @@ struct HevcPpsHead {
     unsigned extraSliceHeaderBits = 0;
 };
 
-// unit: the whole NAL unit, header included and with its emulation prevention bytes. None for a head that is damaged.
+struct HevcPpsParallelism {
+    bool hasTiles = false;
+    bool hasWavefronts = false;
+};
+
+// unit: the whole NAL unit, header included and with its emulation prevention bytes. None for one that is damaged up to
+// there.
 [[nodiscard]] std::optional<HevcPpsHead> ParseHevcPpsHead(ByteView unit);
+[[nodiscard]] std::optional<HevcPpsParallelism> ParseHevcPpsParallelism(ByteView unit);
 
 } // namespace codecs
