@@ -50,7 +50,7 @@ bool TellsChroma(const AvcSpsHead& head) {
     return std::find(kHighProfiles.begin(), kHighProfiles.end(), head.profile) != kHighProfiles.end();
 }
 
-AvcSpsHead ReadHead(BitstreamReader& reader) {
+AvcSpsHead ReadAvcHead(BitstreamReader& reader) {
     AvcSpsHead head;
     head.profile = static_cast<uint8_t>(reader.ReadBits(8));
     head.compatibility = static_cast<uint8_t>(reader.ReadBits(8));
@@ -163,7 +163,7 @@ void SkipSliceGroups(BitstreamReader& reader, uint32_t groupsMinus1) {
 std::optional<AvcSpsHead> ParseAvcSpsHead(ByteView unit) {
     const std::vector<uint8_t> payload = RawPayload(unit.first(std::min(unit.size(), kMaxHeadBytes)), kAvcHeaderBytes);
     BitstreamReader reader(payload);
-    const AvcSpsHead head = ReadHead(reader);
+    const AvcSpsHead head = ReadAvcHead(reader);
     const bool isSane = reader.IsValid() && head.bitDepthLumaMinus8 <= kMaxBitDepthMinus8 &&
                         head.bitDepthChromaMinus8 <= kMaxBitDepthMinus8;
     return isSane ? std::optional(head) : std::nullopt;
@@ -173,7 +173,7 @@ std::optional<AvcSps> ParseAvcSps(ByteView unit) {
     const std::vector<uint8_t> payload = RawPayload(unit, kAvcHeaderBytes);
     BitstreamReader reader(payload);
     AvcSps sps;
-    static_cast<AvcSpsHead&>(sps) = ReadHead(reader);
+    static_cast<AvcSpsHead&>(sps) = ReadAvcHead(reader);
     const uint32_t chroma = TellsChroma(sps) ? ReadChroma(reader, sps) : 1;
     ReadPictureOrder(reader, sps);
     reader.ReadUE();   // max_num_ref_frames

@@ -9,7 +9,7 @@ namespace codecs {
 
 namespace {
 
-HevcPpsHead ReadHead(BitstreamReader& reader) {
+HevcPpsHead ReadPpsHead(BitstreamReader& reader) {
     HevcPpsHead pps;
     pps.id = reader.ReadUE(kHevcMaxPpsId);
     pps.spsId = reader.ReadUE(kHevcMaxSpsId);
@@ -24,14 +24,14 @@ HevcPpsHead ReadHead(BitstreamReader& reader) {
 std::optional<HevcPpsHead> ParseHevcPpsHead(ByteView unit) {
     const std::vector<uint8_t> payload = RawPayload(unit, kHevcHeaderBytes);
     BitstreamReader reader(payload);
-    const HevcPpsHead pps = ReadHead(reader);
+    const HevcPpsHead pps = ReadPpsHead(reader);
     return reader.IsValid() ? std::optional(pps) : std::nullopt;
 }
 
 std::optional<HevcPpsParallelism> ParseHevcPpsParallelism(ByteView unit) {
     const std::vector<uint8_t> payload = RawPayload(unit, kHevcHeaderBytes);
     BitstreamReader reader(payload);
-    (void)ReadHead(reader);
+    (void)ReadPpsHead(reader);
     reader.SkipBits(2); // sign_data_hiding_enabled_flag, cabac_init_present_flag
     reader.ReadUE();    // entries of the reference lists
     reader.ReadUE();

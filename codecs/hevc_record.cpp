@@ -7,12 +7,12 @@ namespace codecs {
 
 namespace {
 
-constexpr size_t kHeadBytes = 23; // up to and with the count of arrays
+constexpr size_t kRecordHeadBytes = 23; // up to and with the count of arrays
 constexpr size_t kCountBytes = 2;
 constexpr size_t kLengthBytes = 2;
-constexpr uint8_t kVersion = 1;
+constexpr uint8_t kSoundVersion = 1;
 constexpr uint8_t kMaxVersion = 1;
-constexpr uint8_t kLengthSizeMask = 0x03;
+constexpr uint8_t kHevcLengthSizeMask = 0x03;
 constexpr uint8_t kUnitTypeMask = 0x3f;
 
 struct ReservedBits {
@@ -65,14 +65,14 @@ bool TakeArray(ByteView& rest, std::vector<ByteView>& units) {
 } // namespace
 
 std::optional<HevcRecord> ParseHevcRecord(ByteView record) {
-    if (record.size() < kHeadBytes || record[0] > kMaxVersion) {
+    if (record.size() < kRecordHeadBytes || record[0] > kMaxVersion) {
         return std::nullopt;
     }
     HevcRecord parsed;
-    parsed.isSound = record[0] == kVersion && HasReservedBits(record);
-    parsed.lengthBytes = static_cast<size_t>(record[kHeadBytes - 2] & kLengthSizeMask) + 1;
-    ByteView rest = record.subspan(kHeadBytes);
-    for (size_t arrays = record[kHeadBytes - 1]; arrays > 0; --arrays) {
+    parsed.isSound = record[0] == kSoundVersion && HasReservedBits(record);
+    parsed.lengthBytes = static_cast<size_t>(record[kRecordHeadBytes - 2] & kHevcLengthSizeMask) + 1;
+    ByteView rest = record.subspan(kRecordHeadBytes);
+    for (size_t arrays = record[kRecordHeadBytes - 1]; arrays > 0; --arrays) {
         if (!TakeArray(rest, parsed.units)) {
             return std::nullopt;
         }

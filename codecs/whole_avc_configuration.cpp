@@ -10,7 +10,7 @@ namespace codecs {
 
 namespace {
 
-constexpr uint8_t kConfigurationVersion = 1;
+constexpr uint8_t kWholeAvcVersion = 1;
 constexpr size_t kMaxSps = 31; // the field has five bits
 constexpr size_t kMaxSets = 255;
 constexpr uint8_t kReservedSixBits = 0xfc;
@@ -24,14 +24,14 @@ constexpr uint8_t kExtendedProfile = 88;
 using Record = std::vector<uint8_t>;
 using Units = std::vector<ByteView>;
 
-struct ParameterSets {
+struct WholeSets {
     Units sps;
     Units pps;
     Units spsExtensions;
 };
 
-ParameterSets SortOut(const Units& units) {
-    ParameterSets sets;
+WholeSets SortOutSets(const Units& units) {
+    WholeSets sets;
     for (const ByteView unit : units) {
         switch (NALUnit(unit).AvcType()) {
         case kAvcSpsUnit:
@@ -50,7 +50,7 @@ ParameterSets SortOut(const Units& units) {
     return sets;
 }
 
-std::optional<AvcSpsHead> HeadOf(const ParameterSets& sets, const SequenceFacts& facts) {
+std::optional<AvcSpsHead> HeadOf(const WholeSets& sets, const SequenceFacts& facts) {
     if (!sets.sps.empty()) {
         return ParseAvcSpsHead(sets.sps.front());
     }
@@ -60,7 +60,7 @@ std::optional<AvcSpsHead> HeadOf(const ParameterSets& sets, const SequenceFacts&
     return head;
 }
 
-void AppendUnits(Record& record, uint8_t reservedBits, const Units& units) {
+void AppendSets(Record& record, uint8_t reservedBits, const Units& units) {
     record.push_back(static_cast<uint8_t>(reservedBits | units.size()));
     for (const ByteView unit : units) {
         AppendBigEndian(record, unit.size(), kParameterSetLengthSizeBytes);
@@ -77,19 +77,19 @@ void AppendChroma(Record& record, const AvcSpsHead& head, const Units& spsExtens
     record.push_back(static_cast<uint8_t>(kReservedSixBits | head.chromaFormatIdc));
     record.push_back(static_cast<uint8_t>(kReservedFiveBits | head.bitDepthLumaMinus8));
     record.push_back(static_cast<uint8_t>(kReservedFiveBits | head.bitDepthChromaMinus8));
-    AppendUnits(record, 0, spsExtensions);
+    AppendSets(record, 0, spsExtensions);
 }
 
-std::optional<Record> Build(const Units& units, const SequenceFacts& facts) {
-    const ParameterSets sets = SortOut(units);
+std::optional<Record> BuildAvc(const Units& units, const SequenceFacts& facts) {
+    const WholeSets sets = SortOutSets(units);
     const std::optional<AvcSpsHead> head = HeadOf(sets, facts);
     if (!head) {
         return std::nullopt;
     }
-    Record record{kConfigurationVersion, head->profile, head->compatibility, head->level,
+    Record record{kWholeAvcVersion, head->profile, head->compatibility, head->level,
                   static_cast<uint8_t>(kReservedSixBits | LengthSizeMinusOne(facts))};
-    AppendUnits(record, kReservedThreeBits, sets.sps);
-    AppendUnits(record, 0, sets.pps);
+    AppendSets(record, kReservedThreeBits, sets.sps);
+    AppendSets(record, 0, sets.pps);
     if (HasChroma(*head)) {
         AppendChroma(record, *head, sets.spsExtensions);
     }
@@ -98,7 +98,7 @@ std::optional<Record> Build(const Units& units, const SequenceFacts& facts) {
 
 // The sets of a record whose every byte is told by its counts and lengths, one sequence parameter set at least.
 std::optional<AvcConfiguration> TakeRecord(ByteView header) {
-    if (header.empty() || header.front() != kConfigurationVersion) {
+    if (header.empty() || header.front() != kWholeAvcVersion) {
         return std::nullopt;
     }
     AvcConfiguration parsed = ParseAvcConfiguration(header);
@@ -113,10 +113,10 @@ std::optional<AvcConfiguration> TakeRecord(ByteView header) {
 std::optional<Record> BuildWholeAvcConfiguration(ByteView header, const SequenceFacts& facts) {
     if (const std::optional<AvcConfiguration> inside = TakeRecord(header)) {
         const std::optional<Units> units = FindHeaderUnits(inside->parameterSets);
-        return units ? Build(*units, {inside->profile, inside->level, inside->lengthBytes}) : std::nullopt;
+        return units ? BuildAvc(*units, {inside->profile, inside->level, inside->lengthBytes}) : std::nullopt;
     }
     const std::optional<Units> units = FindHeaderUnits(header);
-    return units ? Build(*units, facts) : std::nullopt;
+    return units ? BuildAvc(*units, facts) : std::nullopt;
 }
 
 } // namespace codecs

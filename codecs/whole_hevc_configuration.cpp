@@ -15,11 +15,11 @@ namespace codecs {
 
 namespace {
 
-constexpr uint8_t kVersion = 1;
+constexpr uint8_t kWholeHevcVersion = 1;
 constexpr size_t kMaxUnitsOfAType = 255; // those of the parameter sets are fewer
 constexpr uint32_t kMaxSpatialSegmentation = 4095;
 constexpr uint32_t kMaxChromaFormat = 3;
-constexpr uint32_t kMaxBitDepthMinus8 = 7;
+constexpr uint32_t kMaxHevcBitDepthMinus8 = 7;
 constexpr uint8_t kMaxTemporalLayers = 7;
 
 // How pictures can be decoded in parallel; 0 is mixed, or not known.
@@ -42,7 +42,7 @@ bool BelongsIntoRecord(ByteView unit) {
            (nal.HevcType() != kHevcPrefixSei || IsDeclarativeHevcSei(unit));
 }
 
-Arrays SortOut(const Units& units) {
+Arrays SortOutArrays(const Units& units) {
     Arrays arrays;
     for (const ByteView unit : units) {
         const auto type = std::ranges::find(kArrayTypes, NALUnit(unit).HevcType());
@@ -92,7 +92,7 @@ uint32_t Within(uint32_t value, uint32_t maximum) {
 }
 
 void AppendHead(Record& record, const HevcSps& sps, uint8_t parallelism, uint8_t lengthSizeMinusOne) {
-    record.push_back(kVersion);
+    record.push_back(kWholeHevcVersion);
     record.push_back(
         static_cast<uint8_t>(sps.generalProfileSpace << 6 | sps.generalTierFlag << 5 | sps.generalProfileIdc));
     AppendBigEndian(record, sps.generalProfileCompatibilityFlags, 4);
@@ -101,8 +101,8 @@ void AppendHead(Record& record, const HevcSps& sps, uint8_t parallelism, uint8_t
     AppendBigEndian(record, 0xf000U | Within(sps.minSpatialSegmentationIdc, kMaxSpatialSegmentation), 2);
     AppendBigEndian(record, 0xfcU | parallelism, 1);
     AppendBigEndian(record, 0xfcU | Within(sps.chromaFormatIdc, kMaxChromaFormat), 1);
-    AppendBigEndian(record, 0xf8U | Within(sps.bitDepthLumaMinus8, kMaxBitDepthMinus8), 1);
-    AppendBigEndian(record, 0xf8U | Within(sps.bitDepthChromaMinus8, kMaxBitDepthMinus8), 1);
+    AppendBigEndian(record, 0xf8U | Within(sps.bitDepthLumaMinus8, kMaxHevcBitDepthMinus8), 1);
+    AppendBigEndian(record, 0xf8U | Within(sps.bitDepthChromaMinus8, kMaxHevcBitDepthMinus8), 1);
     AppendBigEndian(record, 0, 2); // average frame rate: not told
     // The frame rate may be constant or not: not told either.
     const unsigned temporalLayers = std::min<unsigned>(sps.maxSubLayersMinus1 + 1U, kMaxTemporalLayers);
@@ -119,8 +119,8 @@ void AppendArray(Record& record, uint8_t type, const Units& units) {
     }
 }
 
-Record Build(const Units& units, const SequenceFacts& facts) {
-    const Arrays arrays = SortOut(units);
+Record BuildHevc(const Units& units, const SequenceFacts& facts) {
+    const Arrays arrays = SortOutArrays(units);
     const HevcSps sps = SpsOf(arrays, facts);
     const uint32_t segmentation = Within(sps.minSpatialSegmentationIdc, kMaxSpatialSegmentation);
     Record record;
@@ -140,10 +140,10 @@ Record Build(const Units& units, const SequenceFacts& facts) {
 std::optional<Record> BuildWholeHevcConfiguration(ByteView header, const SequenceFacts& facts) {
     if (const std::optional<HevcRecord> inside = ParseHevcRecord(header)) {
         return inside->isSound ? Record(header.begin(), header.end())
-                               : Build(inside->units, {facts.profile, facts.level, inside->lengthBytes});
+                               : BuildHevc(inside->units, {facts.profile, facts.level, inside->lengthBytes});
     }
     const std::optional<Units> units = FindHeaderUnits(header);
-    return units ? std::optional(Build(*units, facts)) : std::nullopt;
+    return units ? std::optional(BuildHevc(*units, facts)) : std::nullopt;
 }
 
 } // namespace codecs
