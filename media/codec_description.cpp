@@ -1,6 +1,7 @@
 #include "media/codec_description.h"
 
 #include "media/codec_table.h"
+#include "media/strict_description.h"
 #include "media/track_type.h"
 
 namespace media {
@@ -54,7 +55,8 @@ CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type) {
 }
 
 CodecDescription DescribeStrictCodec(const AM_MEDIA_TYPE& type) {
-    return DescribeCodec(type);
+    const CodecRow* const row = FindCodecRow(type);
+    return row == nullptr ? CodecDescription() : StrictDescriptionOf(*row, type);
 }
 
 std::string CodecIdOf(const AM_MEDIA_TYPE& type) {

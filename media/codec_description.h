@@ -31,6 +31,8 @@ struct AudioDescription {
     UINT32 samplingFrequencyHz = 0;
     UINT32 channels = 0;
     std::optional<UINT32> bitDepth;
+    // What comes out of a codec that replicates the upper half of the spectrum; the strict description alone.
+    std::optional<UINT32> outputSamplingFrequencyHz{};
 };
 
 struct CodecDescription {
@@ -49,7 +51,8 @@ struct CodecDescription {
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);
 
 // As the standards ask, instead of as this muxer has always written: display sizes in pixels, whole decoder records,
-// and nothing that says nothing.
+// and nothing that says nothing. What is absent is not to be written; private data is never empty. No codec identifier
+// as well for a picture without a size, sound without a rate or channels, and damaged decoder records.
 [[nodiscard]] CodecDescription DescribeStrictCodec(const AM_MEDIA_TYPE& type);
 
 // As one kind of track each. Every other major type is one without a mapping: the description then holds what all
