@@ -52,4 +52,26 @@ std::vector<uint8_t> ConvertAnnexBUnits(ByteView byteStream) {
     return output;
 }
 
+std::optional<std::span<uint8_t>> ConvertAnnexBUnitsInPlace(std::span<uint8_t> byteStream) {
+    const std::vector<ByteView> units = FindAnnexBUnits(byteStream);
+    const auto placeOf = [&byteStream](ByteView unit) { return static_cast<size_t>(unit.data() - byteStream.data()); };
+    const size_t first = units.empty() ? 0 : placeOf(units.front());
+    const size_t begin = first - std::min(first, kSampleLengthSizeBytes);
+    for (size_t to = begin; const ByteView unit : units) {
+        to += kSampleLengthSizeBytes;
+        if (to > placeOf(unit)) {
+            return std::nullopt;
+        }
+        to += unit.size();
+    }
+    size_t end = begin;
+    for (const ByteView unit : units) {
+        WriteBigEndian(byteStream.subspan(end, kSampleLengthSizeBytes), unit.size());
+        end += kSampleLengthSizeBytes;
+        std::copy(unit.begin(), unit.end(), byteStream.begin() + static_cast<std::ptrdiff_t>(end));
+        end += unit.size();
+    }
+    return byteStream.subspan(begin, end - begin);
+}
+
 } // namespace codecs

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "codecs/byte_view.h"
@@ -19,5 +20,9 @@ namespace codecs {
 
 // The units with lengths of kSampleLengthSizeBytes in front of them. One that is too long for its length is left out.
 [[nodiscard]] std::vector<uint8_t> ConvertAnnexBUnits(ByteView byteStream);
+
+// The same in place, for a stream below 4 GiB: what of it is left. None when a unit has no room for its length in front
+// of it, as with a start code of three bytes; the stream is as it was then.
+[[nodiscard]] std::optional<std::span<uint8_t>> ConvertAnnexBUnitsInPlace(std::span<uint8_t> byteStream);
 
 } // namespace codecs

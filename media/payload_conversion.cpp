@@ -1,7 +1,9 @@
 #include "media/payload_conversion.h"
 
 #include "codecs/annexb_converter.h"
+#include "codecs/annexb_units.h"
 #include "media/codec_table.h"
+#include "media/plain_text.h"
 
 namespace media {
 
@@ -23,6 +25,25 @@ std::vector<BYTE> ConvertPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
 
 std::optional<std::span<BYTE>> ConvertAnnexBInPlace(std::span<BYTE> payload) {
     return codecs::ReplaceStartCodes(payload);
+}
+
+bool NeedsStrictConversion(const AM_MEDIA_TYPE& type) {
+    return type.majortype == MEDIATYPE_Text || NeedsAnnexBConversion(type);
+}
+
+std::vector<BYTE> ConvertStrictPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
+    if (type.majortype == MEDIATYPE_Text) {
+        return Utf8Of(payload);
+    }
+    return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnits(payload) : CopyOf(payload);
+}
+
+std::optional<std::span<BYTE>> ConvertStrictInPlace(const AM_MEDIA_TYPE& type, std::span<BYTE> payload) {
+    if (type.majortype == MEDIATYPE_Text) {
+        const ByteView text = WithoutEnd(payload);
+        return IsUtf8(text) ? std::optional(payload.first(text.size())) : std::nullopt;
+    }
+    return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnitsInPlace(payload) : std::optional(payload);
 }
 
 } // namespace media

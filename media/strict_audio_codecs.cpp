@@ -107,12 +107,8 @@ bool RefineReal(const CodecRow& row, const FormatBlock& /*block*/, CodecDescript
 }
 
 constexpr StrictCodec kAudioCodecs[] = {
-    {"A_AAC", RefineAac},
-    {"A_OPUS", RefineOpus},
-    {"A_FLAC", RefineFlac},
-    {"A_PCM/INT/LIT", RefinePcm},
-    {"A_PCM/FLOAT/IEEE", RefinePcm},
-    {"A_MPEG/L2", RefineMpegAudio},
+    {"A_AAC", RefineAac},         {"A_OPUS", RefineOpus},          {"A_FLAC", RefineFlac},
+    {"A_PCM/INT/LIT", RefinePcm}, {"A_PCM/FLOAT/IEEE", RefinePcm}, {"A_MPEG/L2", RefineMpegAudio},
     {"A_REAL/", RefineReal},
 };
 

@@ -1,5 +1,5 @@
-// StrictCodec: what the strict description does to one codec. Private data gets the form that the standards ask for, and
-// what the codec's own header knows better than the format block comes from there.
+// StrictCodec: what the strict description does to one codec. Private data gets the form that the standards ask for,
+// and what the codec's own header knows better than the format block comes from there.
 #pragma once
 
 #include <string_view>

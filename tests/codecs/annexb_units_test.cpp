@@ -50,9 +50,35 @@ TEST(AnnexBUnitsTest, AStreamBeginsWithTwoZerosAtLeastAndAOne) {
 }
 
 TEST(AnnexBUnitsTest, ConvertedUnitsHaveLengthsOfFourBytes) {
-    EXPECT_EQ(ToHex(codecs::ConvertAnnexBUnits(FromHex("000001 0910 000001 6588aa 00"))),
-              "000000020910"
-              "000000036588aa");
+    EXPECT_EQ(ToHex(codecs::ConvertAnnexBUnits(FromHex("000001 0910 000001 6588aa 00"))), "000000020910"
+                                                                                          "000000036588aa");
+}
+
+std::string InPlace(const char* hex) {
+    Bytes stream = FromHex(hex);
+    const auto left = codecs::ConvertAnnexBUnitsInPlace(stream);
+    EXPECT_TRUE(left || stream == FromHex(hex)) << "changed";
+    return left ? ToHex(Bytes(left->begin(), left->end())) : "none";
+}
+
+TEST(AnnexBUnitsTest, InPlaceLengthsStandWhereStartCodesStood) {
+    EXPECT_EQ(InPlace("00000001 0910 00000001 6588aa"), "000000020910"
+                                                        "000000036588aa");
+    EXPECT_EQ(InPlace("0000 00000001 0910 0000 000001 6588aa 00"), "000000020910"
+                                                                   "000000036588aa");
+    EXPECT_EQ(InPlace(""), "");
+    EXPECT_EQ(InPlace("00000001"), "");
+}
+
+TEST(AnnexBUnitsTest, InPlaceAUnitWithoutRoomForItsLengthLeavesTheStreamAlone) {
+    EXPECT_EQ(InPlace("000001 0910"), "none");
+    EXPECT_EQ(InPlace("00000001 0910 000001 6588aa"), "none");
+    EXPECT_EQ(InPlace("6588aa"), "none");
+    // Zeros that are left out in front make room for a short start code behind them.
+    EXPECT_EQ(InPlace("00000001 09 00 000001 65 000001 41"), "none");
+    EXPECT_EQ(InPlace("00000001 09 0000 000001 65 000001 41"), "0000000109"
+                                                               "0000000165"
+                                                               "0000000141");
 }
 
 } // namespace

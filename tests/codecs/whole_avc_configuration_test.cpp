@@ -64,9 +64,9 @@ TEST(WholeAvcConfigurationTest, ExtensionsOfTheSpsFollowTheDepthsOfHighProfilesO
 TEST(WholeAvcConfigurationTest, TheProfileIsReadWithoutEmulationPrevention) {
     // Profile 66, no constraints and level 0 stand as 42 00 00 03; the identifier 0 is the one bit that follows.
     EXPECT_EQ(RecordOf(LengthPrefixed({FromHex("67 42 0000 03 80")})), "01420000ffe1"
-                                                                      "0006"
-                                                                      "674200000380"
-                                                                      "00");
+                                                                       "0006"
+                                                                       "674200000380"
+                                                                       "00");
 }
 
 TEST(WholeAvcConfigurationTest, ADamagedHeadOfTheFirstSpsMakesNoRecord) {
@@ -147,7 +147,8 @@ TEST(WholeAvcConfigurationTest, ARecordThatIsCutIsNone) {
     const Bytes whole = FromHex(kHighRecord);
     for (size_t size = 1; size < whole.size() - 4; ++size) {
         EXPECT_EQ(RecordOf(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))),
-                  size == 1 ? RecordOf({}) : "none") << size;
+                  size == 1 ? RecordOf({}) : "none")
+            << size;
     }
 }
 

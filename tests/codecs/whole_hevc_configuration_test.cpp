@@ -24,8 +24,7 @@ constexpr size_t kHeadBytes = 23;
 
 // By libx265: range extensions, 4:4:4, 10 bits. The record is the one that ffmpeg writes.
 const Bytes kVps = FromHex("40010c01ffff0408000003009c0800000300001e959809");
-const Bytes kSps =
-    FromHex("4201010408000003009c0800000300001e900410626cb2b35c995e02d0100000030010000003019080");
+const Bytes kSps = FromHex("4201010408000003009c0800000300001e900410626cb2b35c995e02d0100000030010000003019080");
 const Bytes kPps = FromHex("4401c17318310890");
 constexpr const char* kRecord = "0104080000009c08000000001ef000fcfffafa00000f03"
                                 "200001001740010c01ffff0408000003009c0800000300001e959809"
@@ -52,7 +51,7 @@ Bytes WritePps(bool hasTiles, bool hasWavefronts, uint8_t id = 0) {
     bits.Bits(0, 7);
     bits.UE(0);
     bits.UE(0);
-    bits.UE(0); // signed numbers: 0, -2, 2
+    bits.UE(0);      // signed numbers: 0, -2, 2
     bits.Bits(1, 3); // with a depth of quantisers
     bits.UE(1);
     bits.UE(4);
@@ -113,9 +112,20 @@ TEST(WholeHevcConfigurationTest, UnitsOfATypeShareAnArrayInTheOrderOfTheStandard
     const std::string record = RecordOf(ByteStream({kUserData, kPps, kSps, pps2, kVps, kPps}));
     EXPECT_EQ(record.substr(44, 2), "04");
     const std::string arrays = record.substr(2 * kHeadBytes);
-    EXPECT_EQ(arrays.find("200001" "0017" + ToHex(kVps)), 0u);
-    EXPECT_NE(arrays.find("210001" "0029" + ToHex(kSps)), std::string::npos);
-    EXPECT_NE(arrays.find("220002" "0008" + ToHex(kPps) + "0003" + ToHex(pps2) + "270001" "0007" + ToHex(kUserData)),
+    EXPECT_EQ(arrays.find("200001"
+                          "0017" +
+                          ToHex(kVps)),
+              0u);
+    EXPECT_NE(arrays.find("210001"
+                          "0029" +
+                          ToHex(kSps)),
+              std::string::npos);
+    EXPECT_NE(arrays.find("220002"
+                          "0008" +
+                          ToHex(kPps) + "0003" + ToHex(pps2) +
+                          "270001"
+                          "0007" +
+                          ToHex(kUserData)),
               std::string::npos);
 }
 
@@ -127,18 +137,23 @@ TEST(WholeHevcConfigurationTest, MessagesAboutPicturesAndUnitsOfOtherLayersAreLe
     const Bytes empty = FromHex("4e01");
     const Bytes slice = FromHex("2601 af");
     const Bytes headless = FromHex("44");
-    EXPECT_EQ(RecordOf(ByteStream({kVps, kSps, kPps, kPictureTiming, otherLayer, suffix, mixed, cut, empty, slice,
-                                   headless})),
+    EXPECT_EQ(RecordOf(ByteStream(
+                  {kVps, kSps, kPps, kPictureTiming, otherLayer, suffix, mixed, cut, empty, slice, headless})),
               kRecord);
 }
 
 TEST(WholeHevcConfigurationTest, SeveralDeclarativeMessagesOfOneUnitAreKept) {
     const Bytes both = FromHex("4e01 89 01 aa 90 01 bb 80");
     const Bytes twoDeclared = FromHex("4e01 89 01 aa 05 01 bb 80");
-    EXPECT_EQ(RecordOf(ByteStream({kVps, kSps, kPps, both})).substr(std::string(kRecord).size()),
-              "27" "0001" "0009" + ToHex(both));
+    EXPECT_EQ(RecordOf(ByteStream({kVps, kSps, kPps, both})).substr(std::string(kRecord).size()), "27"
+                                                                                                  "0001"
+                                                                                                  "0009" +
+                                                                                                      ToHex(both));
     EXPECT_EQ(RecordOf(ByteStream({kVps, kSps, kPps, twoDeclared})).substr(std::string(kRecord).size()),
-              "27" "0001" "0009" + ToHex(twoDeclared));
+              "27"
+              "0001"
+              "0009" +
+                  ToHex(twoDeclared));
 }
 
 TEST(WholeHevcConfigurationTest, ParallelismIsWhatThePicturesShare) {
@@ -195,9 +210,9 @@ TEST(WholeHevcConfigurationTest, LengthsThatContradictTheBytesMakeNoRecord) {
 
 TEST(WholeHevcConfigurationTest, ASoundRecordStaysAsItIs) {
     Bytes record = FromHex(kRecord);
-    record[12] = 0x77;   // whatever it says
-    record[21] = 0x4d;   // lengths of two bytes, too
-    record[23] |= 0x80;  // arrays that are complete
+    record[12] = 0x77;  // whatever it says
+    record[21] = 0x4d;  // lengths of two bytes, too
+    record[23] |= 0x80; // arrays that are complete
     EXPECT_EQ(RecordOf(record), ToHex(record));
     EXPECT_EQ(RecordOf(FromHex("0101600000009000000000001ef000fcfdf8f800000f00")),
               "0101600000009000000000001ef000fcfdf8f800000f00");

@@ -41,9 +41,9 @@ TEST(StrictAudioTest, OnlyWhatHasADepthTellsOne) {
                                 mediasubtype::kWavPack4, mediasubtype::kFlacFramed, mediasubtype::kMuLaw}) {
         EXPECT_EQ(WaveDescription(subtype).audio->bitDepth, 16u) << ToHex(Bytes{static_cast<BYTE>(subtype.Data1)});
     }
-    for (const GUID& subtype : {mediasubtype::kDolbyAc3, mediasubtype::kDolbyDdPlus, mediasubtype::kDolbyTrueHd,
-                                mediasubtype::kMp3, mediasubtype::kMpeg1Audio, mediasubtype::kRawAac,
-                                mediasubtype::kOpus}) {
+    for (const GUID& subtype :
+         {mediasubtype::kDolbyAc3, mediasubtype::kDolbyDdPlus, mediasubtype::kDolbyTrueHd, mediasubtype::kMp3,
+          mediasubtype::kMpeg1Audio, mediasubtype::kRawAac, mediasubtype::kOpus}) {
         EXPECT_FALSE(WaveDescription(subtype).audio->bitDepth) << ToHex(Bytes{static_cast<BYTE>(subtype.Data1)});
     }
     EXPECT_FALSE(WaveDescription(mediasubtype::kDts, {48000, 2, 0}).audio->bitDepth);
@@ -145,17 +145,22 @@ TEST(StrictAudioTest, OpusTellsItsDelayAndPreRoll) {
 }
 
 TEST(StrictAudioTest, ADelayIsRoundedToTheNearestNanosecond) {
-    EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 0100 44ac0000 0000 00")).codecDelayNs,
-              20833u);
-    EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 0200 44ac0000 0000 00")).codecDelayNs,
-              41667u);
-    EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 ffff 44ac0000 0000 00")).codecDelayNs,
-              1'365'312'500u);
+    EXPECT_EQ(
+        WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 0100 44ac0000 0000 00")).codecDelayNs,
+        20833u);
+    EXPECT_EQ(
+        WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 0200 44ac0000 0000 00")).codecDelayNs,
+        41667u);
+    EXPECT_EQ(
+        WaveDescription(mediasubtype::kOpus, {}, FromHex("4f70757348656164 01 02 ffff 44ac0000 0000 00")).codecDelayNs,
+        1'365'312'500u);
 }
 
 TEST(StrictAudioTest, OpusWithoutAHeaderGetsOneOfUpToTwoChannels) {
     EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kOpus, {44100, 2})), "4f707573486561640102000044ac0000000000");
-    EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kOpus, {48000, 1})), "4f7075734865616401010000" "80bb0000" "000000");
+    EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kOpus, {48000, 1})), "4f7075734865616401010000"
+                                                                           "80bb0000"
+                                                                           "000000");
     EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {48000, 2}).codecDelayNs, 0u);
     EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {48000, 3}).codecId, "");
     EXPECT_EQ(WaveDescription(mediasubtype::kOpus, {48000, 0}).codecId, "");
@@ -168,10 +173,10 @@ TEST(StrictAudioTest, AHeaderThatIsNoneIsReplaced) {
         const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
         EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kOpus, {48000, 2}, cut)), made) << size;
     }
-    for (const char* other : {"4f70757348656165 01 02 3801 44ac0000 0000 00",       // another magic
-                              "4f70757348656164 11 02 3801 44ac0000 0000 00",       // another version
-                              "4f70757348656164 01 00 3801 44ac0000 0000 00",       // no channel
-                              "4f70757348656164 01 03 3801 44ac0000 0000 00",       // too many without a mapping
+    for (const char* other : {"4f70757348656165 01 02 3801 44ac0000 0000 00", // another magic
+                              "4f70757348656164 11 02 3801 44ac0000 0000 00", // another version
+                              "4f70757348656164 01 00 3801 44ac0000 0000 00", // no channel
+                              "4f70757348656164 01 03 3801 44ac0000 0000 00", // too many without a mapping
                               "4f70757348656164 01 03 3801 44ac0000 0000 01 02 01 00 02"}) { // a mapping that is cut
         EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kOpus, {48000, 2}, FromHex(other))), made) << other;
     }
@@ -188,7 +193,9 @@ TEST(StrictAudioTest, AMappingOfManyChannelsIsKept) {
 
 TEST(StrictAudioTest, FlacGetsItsMarker) {
     const Bytes info(34, 0x11);
-    const std::string whole = "664c6143" "80000022" + ToHex(info);
+    const std::string whole = "664c6143"
+                              "80000022" +
+                              ToHex(info);
     EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kFlacFramed, {}, info)), whole);
     EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kFlacFramed, {}, Concat({FromHex("80000022"), info}))), whole);
     EXPECT_EQ(PrivateOf(WaveDescription(mediasubtype::kFlacFramed, {}, FromHex(whole))), whole);

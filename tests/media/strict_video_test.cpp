@@ -39,9 +39,9 @@ std::string DisplayOf(const VideoShape& shape) {
     }
     const auto& video = *described.video;
     const std::string pixels = std::to_string(video.pixelWidth) + 'x' + std::to_string(video.pixelHeight);
-    return video.display ? pixels + " as " + std::to_string(video.display->width) + 'x' +
-                               std::to_string(video.display->height)
-                         : pixels;
+    return video.display
+               ? pixels + " as " + std::to_string(video.display->width) + 'x' + std::to_string(video.display->height)
+               : pixels;
 }
 
 std::string PrivateOf(const MediaTypeValue& type) {
@@ -191,9 +191,13 @@ TEST(StrictVideoTest, TheHeadersOfTheoraAreLaced) {
     const Bytes head = FromHex("80 7468656f7261 03");
     const Bytes comment = FromHex("81aa");
     const Bytes setup = FromHex("82bbcc");
-    const std::string laced = "02" "08" "02" + ToHex(Concat({head, comment, setup}));
-    EXPECT_EQ(PrivateOf(test_support::Mpeg2VideoType(mediasubtype::kTheora, {}, LengthPrefixed({head, comment, setup}))),
-              laced);
+    const std::string laced = "02"
+                              "08"
+                              "02" +
+                              ToHex(Concat({head, comment, setup}));
+    EXPECT_EQ(
+        PrivateOf(test_support::Mpeg2VideoType(mediasubtype::kTheora, {}, LengthPrefixed({head, comment, setup}))),
+        laced);
     EXPECT_EQ(PrivateOf(test_support::Mpeg2VideoType(mediasubtype::kTheora, {}, FromHex(laced))), laced);
     const Bytes tooShort = LengthPrefixed({head, comment});
     EXPECT_EQ(PrivateOf(test_support::Mpeg2VideoType(mediasubtype::kTheora, {}, tooShort)), ToHex(tooShort));
@@ -203,7 +207,8 @@ TEST(StrictVideoTest, VpCodecsAreThemselvesInEitherBlock) {
     EXPECT_EQ(DescribeStrictCodec(test_support::VideoInfoType(mediasubtype::kVp8).Get()).codecId, "V_VP8");
     EXPECT_EQ(DescribeStrictCodec(test_support::VideoInfo2Type(mediasubtype::kVp8).Get()).codecId, "V_VP8");
     EXPECT_EQ(DescribeStrictCodec(test_support::VideoInfoType(mediasubtype::kVp9).Get()).codecId, "V_VP9");
-    const auto described = DescribeStrictCodec(test_support::VideoInfo2Type(mediasubtype::kVp9, {720, 576, 0, 16, 9}).Get());
+    const auto described =
+        DescribeStrictCodec(test_support::VideoInfo2Type(mediasubtype::kVp9, {720, 576, 0, 16, 9}).Get());
     EXPECT_EQ(described.codecId, "V_VP9");
     EXPECT_EQ(described.video->display->width, 1024u);
 }
@@ -249,10 +254,10 @@ TEST(StrictVideoTest, APaletteIsNoPartOfTheBitmapHeader) {
 }
 
 TEST(StrictVideoTest, ABlockThatIsTooShortHasNoCodec) {
-    for (MediaTypeValue type : {test_support::VideoInfoType(kXvid), test_support::VideoInfo2Type(kXvid),
-                                test_support::VideoInfoType(mediasubtype::kVp9),
-                                test_support::VideoInfo2Type(mediasubtype::kVp8),
-                                test_support::Mpeg2VideoType(mediasubtype::kAvc1, {}, LengthPrefixed({kAvcSps}))}) {
+    for (MediaTypeValue type :
+         {test_support::VideoInfoType(kXvid), test_support::VideoInfo2Type(kXvid),
+          test_support::VideoInfoType(mediasubtype::kVp9), test_support::VideoInfo2Type(mediasubtype::kVp8),
+          test_support::Mpeg2VideoType(mediasubtype::kAvc1, {}, LengthPrefixed({kAvcSps}))}) {
         EXPECT_NE(DescribeStrictCodec(type.Get()).codecId, "");
         const ULONG whole = type->cbFormat;
         type->cbFormat = whole - 1;
