@@ -33,7 +33,7 @@ constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff
 
 CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& options)
     : m_options(options), m_identifiers(options.seed), m_io(io), m_gathering(io),
-      m_clusters(m_gathering, m_segment, m_cues) {
+      m_clusters(MakeClusters(options.isStrict(), m_gathering, m_segment, m_cues)) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
 
@@ -91,7 +91,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
     if (size > 0) { // without tracks there is no element either
         m_seekHead.IndexThis(element, m_segment);
     }
-    m_clusters.setTracks(tracks, entries, cueTrack);
+    m_clusters->setTracks(tracks, entries, cueTrack);
 }
 
 // Forced, since the library otherwise insists on mandatory children that were left out on purpose.
@@ -121,7 +121,7 @@ void CMatroskaFile::resume(const CutRecording& recording) {
         m_cues.announce(point.timeNs, point.track);
         m_cues.keepAnnounced(point.clusterPosition);
     }
-    m_clusters.resumeBehind(recording.endNs);
+    m_clusters->resumeBehind(recording.endNs);
     m_gathering.moveTo(recording.end);
 }
 
@@ -136,10 +136,10 @@ void CMatroskaFile::indexAt(UINT64 position) {
 
 void CMatroskaFile::finalise(double durationNs) {
     m_isFinished = false;
-    m_clusters.flushCluster();
+    m_clusters->flushCluster();
     libmatroska::KaxInfo info;
     // Not longer than what is there: the last clusters may be lost.
-    WriteSegmentInfo(info, std::min(durationNs, static_cast<double>(m_clusters.writtenEndNs())));
+    WriteSegmentInfo(info, std::min(durationNs, static_cast<double>(m_clusters->writtenEndNs())));
     m_isFinished = true;
     if (!m_gathering.isPositionSure()) {
         return; // patches could hit anything

@@ -6,13 +6,14 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include <ebml/EbmlVoid.h>
 #include <matroska/KaxSeekHead.h>
 #include <matroska/KaxSegment.h>
 
-#include "mkv/cluster_writer.h"
+#include "mkv/clusters.h"
 #include "mkv/cut_recording.h"
 #include "mkv/gathering_io.h"
 #include "mkv/identifiers.h"
@@ -45,12 +46,12 @@ class CMatroskaFile {
     void writeTracks(const TrackList& tracks);
     // A further element of the Segment's own level, such as the attachments; it is not kept.
     void writeElement(libebml::EbmlMaster& element);
-    void startFirstCluster() { m_clusters.startCluster(0); }
+    void startFirstCluster() { m_clusters->startCluster(0); }
 
     // Instead of all of them: the output holds such a recording, which finalise finishes. Writes nothing itself.
     void resume(const CutRecording& recording);
 
-    [[nodiscard]] CClusterWriter& clusters() { return m_clusters; }
+    [[nodiscard]] CClusters& clusters() { return *m_clusters; }
 
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
     [[nodiscard]] bool takeUntoldLoss() { return m_gathering.takeUntoldLoss(); }
@@ -87,7 +88,7 @@ class CMatroskaFile {
     libebml::EbmlVoid m_seekHeadPlace;
     libebml::EbmlVoid m_infoPlace;
     CMkvCues m_cues;
-    CClusterWriter m_clusters; // the last, since it uses the others until its end
+    std::unique_ptr<CClusters> m_clusters; // the last, since it uses the others until its end
 };
 
 } // namespace mkv

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 
+#include "mkv/cluster_writer.h"
 #include "mkv/matroska_file.h"
 #include "mkv/mkv_cues.h"
 #include "tests/support/media_types.h"
