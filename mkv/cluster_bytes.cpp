@@ -54,6 +54,10 @@ void CClusterBytes::reset() noexcept {
     m_takenBytes = 0;
 }
 
+void CClusterBytes::overwrite(size_t place, std::span<const BYTE> bytes) {
+    std::copy(bytes.begin(), bytes.end(), m_buffer.begin() + static_cast<ptrdiff_t>(place));
+}
+
 UINT64 CClusterBytes::totalBytes() const {
     return std::max(m_buffer.size(), kMaxHeadBytes) - kMaxHeadBytes + m_takenBytes;
 }

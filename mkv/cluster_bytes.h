@@ -4,6 +4,7 @@
 // Errors: std::bad_alloc; append has added nothing then.
 #pragma once
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -33,6 +34,10 @@ class CClusterBytes {
     [[nodiscard]] UINT64 payloadBytes() const { return m_payloadBytes; }
     // With the heads and tails.
     [[nodiscard]] UINT64 totalBytes() const;
+
+    // Where the head of the block to come will lie, for overwrite; what was appended stays there.
+    [[nodiscard]] size_t nextPlace() const { return std::max(m_buffer.size(), kMaxHeadBytes); }
+    void overwrite(size_t place, std::span<const BYTE> bytes);
 
     using Parts = std::vector<std::span<const BYTE>>;
     // Everything in its order behind the cluster's head, in as few pieces as it lies in; valid until the next append or

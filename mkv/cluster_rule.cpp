@@ -16,4 +16,9 @@ bool FitsBlockOffset(UINT64 timeNs, UINT64 clusterStartNs) {
     return offset >= std::numeric_limits<INT16>::min() && offset <= std::numeric_limits<INT16>::max();
 }
 
+bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks) {
+    return blocks > 1 &&
+           (spanMs >= kMaxStrictSpanMs || dataBytes > kMaxStrictClusterBytes || blocks > kMaxStrictBlocks);
+}
+
 } // namespace mkv

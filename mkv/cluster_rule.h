@@ -17,4 +17,15 @@ inline constexpr UINT64 kMaxClusterPayloadBytes = UINT64{4} << 20;
 // offset from its cluster's.
 [[nodiscard]] bool FitsBlockOffset(UINT64 timeNs, UINT64 clusterStartNs);
 
+// ---- Strict ----
+
+inline constexpr INT64 kMaxStrictSpanMs = 5000;
+inline constexpr UINT64 kMaxStrictClusterBytes = UINT64{5} << 20; // of its data
+// So that what is remembered of each stays small; a hundred tracks have fewer in five seconds.
+inline constexpr size_t kMaxStrictBlocks = 65536;
+
+// Whether so much is too much for one cluster: from the start of its earliest block to that of its latest, and bytes
+// and blocks together with the one that comes. A block alone never is.
+[[nodiscard]] bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks);
+
 } // namespace mkv

@@ -7,6 +7,7 @@
 #include "media/payload_conversion.h"
 #include "mkv/cluster_writer.h"
 #include "mkv/debug_trace.h"
+#include "mkv/strict_cluster_writer.h"
 #include "mkv/writer_errors.h"
 
 namespace mkv {
@@ -17,8 +18,11 @@ constexpr size_t kTraceBufferChars = 200;
 
 } // namespace
 
-std::unique_ptr<CClusters> MakeClusters(bool /*isStrict*/, CGatheringIO& io, const libmatroska::KaxSegment& segment,
+std::unique_ptr<CClusters> MakeClusters(bool isStrict, CGatheringIO& io, const libmatroska::KaxSegment& segment,
                                         CMkvCues& cues) {
+    if (isStrict) {
+        return std::make_unique<CStrictClusterWriter>(io, segment, cues);
+    }
     return std::make_unique<CClusterWriter>(io, segment, cues);
 }
 

@@ -26,6 +26,12 @@ class CElementBytes {
         addHead(id, length);
         addBigEndian(value, length);
     }
+    // The same of an element whose number is signed; the value is none below 0, and less than 62 bits.
+    void addSigned(const libebml::EbmlId& id, UINT64 value) {
+        const size_t length = numberLength(value << 1);
+        addHead(id, length);
+        addBigEndian(value, length);
+    }
     void addBigEndian(UINT64 value, size_t length) {
         for (size_t i = length; i-- > 0; value >>= kBitsInByte) {
             end()[i] = static_cast<BYTE>(value);

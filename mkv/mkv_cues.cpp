@@ -1,6 +1,7 @@
 #include "mkv/mkv_cues.h"
 
 #include <algorithm>
+#include <array>
 
 #include "mkv/cluster_rule.h"
 #include "mkv/element_values.h"
@@ -12,36 +13,46 @@ namespace {
 constexpr size_t kFirstPoints = 16;
 
 using libmatroska::KaxCueClusterPosition;
+using libmatroska::KaxCueDuration;
 using libmatroska::KaxCuePoint;
+using libmatroska::KaxCueRelativePosition;
 using libmatroska::KaxCueTime;
 using libmatroska::KaxCueTrack;
 using libmatroska::KaxCueTrackPositions;
 
-// One cue point after the other in the library's own form.
-class CPointElement {
+} // namespace
+
+// One cue point after the other in the library's own form; one object for those that say the same elements.
+class CMkvCues::CPointElement {
   public:
-    KaxCuePoint& of(UINT64 time, UINT64 track, UINT64 clusterPosition) {
-        SetChild<KaxCueTime>(m_point, time);
-        auto& positions = libebml::GetChild<KaxCueTrackPositions>(m_point);
-        SetChild<KaxCueTrack>(positions, track);
-        SetChild<KaxCueClusterPosition>(positions, clusterPosition);
-        return m_point;
+    KaxCuePoint& of(const Point& kept) {
+        KaxCuePoint& element = m_points[(kept.relativePosition > 0 ? 1U : 0U) + (kept.duration > 0 ? 2U : 0U)];
+        SetChild<KaxCueTime>(element, kept.time);
+        auto& positions = libebml::GetChild<KaxCueTrackPositions>(element);
+        SetChild<KaxCueTrack>(positions, kept.track);
+        SetChild<KaxCueClusterPosition>(positions, kept.clusterPosition);
+        if (kept.relativePosition > 0) {
+            SetChild<KaxCueRelativePosition>(positions, kept.relativePosition);
+        }
+        if (kept.duration > 0) {
+            SetChild<KaxCueDuration>(positions, kept.duration);
+        }
+        return element;
     }
 
   private:
-    KaxCuePoint m_point;
+    std::array<KaxCuePoint, 4> m_points;
 };
 
-} // namespace
-
-void CMkvCues::makeRoom() {
-    if (m_points.size() == m_points.capacity()) {
-        m_points.reserve(std::max(2 * m_points.size(), kFirstPoints));
+void CMkvCues::makeRoom(size_t points) {
+    if (m_points.capacity() - m_points.size() < points) {
+        m_points.reserve(std::max({2 * m_points.size(), kFirstPoints, m_points.size() + points}));
     }
 }
 
-void CMkvCues::announce(UINT64 timeNs, UINT64 track) {
-    m_points.push_back({timeNs / kTimecodeScaleNs, 0, track});
+void CMkvCues::announce(const CuePointFacts& point) {
+    m_points.push_back(
+        {point.timeNs / kTimecodeScaleNs, 0, point.track, point.relativePosition, point.durationNs / kTimecodeScaleNs});
 }
 
 void CMkvCues::keepAnnounced(UINT64 clusterPosition) noexcept {
@@ -60,8 +71,7 @@ filepos_t CMkvCues::UpdateSize(bool withDefaults, bool force) {
     CPointElement element;
     filepos_t size = 0;
     for (size_t i = 0; i < m_keptPoints; ++i) {
-        const Point& kept = m_points[i];
-        KaxCuePoint& point = element.of(kept.time, kept.track, kept.clusterPosition);
+        KaxCuePoint& point = element.of(m_points[i]);
         point.UpdateSize(withDefaults, force);
         size += point.ElementSize(withDefaults);
     }
@@ -73,8 +83,7 @@ filepos_t CMkvCues::RenderData(libebml::IOCallback& io, bool force, bool withDef
     CPointElement element;
     filepos_t size = 0;
     for (size_t i = 0; i < m_keptPoints; ++i) {
-        const Point& kept = m_points[i];
-        size += element.of(kept.time, kept.track, kept.clusterPosition).Render(io, withDefaults, false, force);
+        size += element.of(m_points[i]).Render(io, withDefaults, false, force);
     }
     return size;
 }

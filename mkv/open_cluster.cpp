@@ -5,36 +5,10 @@
 #include <matroska/KaxCluster.h>
 #include <matroska/KaxClusterData.h>
 
+#include "mkv/block_head.h"
 #include "mkv/cluster_rule.h"
-#include "mkv/element_bytes.h"
 
 namespace mkv {
-
-namespace {
-
-constexpr UINT16 kFirstTwoByteTrack = 0x80;
-constexpr UINT16 kOneByteTrackMark = 0x80;
-constexpr UINT16 kTwoByteTrackMark = 0x4000;
-constexpr BYTE kKeyframeFlag = 0x80; // of simple blocks; all other flags stay clear: visible, kept, not laced
-constexpr size_t kOffsetBytes = 2;
-
-size_t TrackBytes(UINT16 track) {
-    return track < kFirstTwoByteTrack ? 1 : 2;
-}
-
-// What a block's data begin with: track, offset, flags.
-UINT64 BlockDataBytes(UINT16 track, const FrameBytes& frame) {
-    return TrackBytes(track) + kOffsetBytes + 1 + frame.bytes.size();
-}
-
-void AddBlockHead(CElementBytes& bytes, UINT16 track, INT16 offset, BYTE flags) {
-    const UINT16 mark = track < kFirstTwoByteTrack ? kOneByteTrackMark : kTwoByteTrackMark;
-    bytes.addBigEndian(static_cast<UINT64>(track | mark), TrackBytes(track));
-    bytes.addBigEndian(static_cast<UINT16>(offset), kOffsetBytes);
-    bytes.addBigEndian(flags, 1);
-}
-
-} // namespace
 
 void COpenCluster::start(UINT64 startNs) noexcept {
     close();
@@ -49,14 +23,14 @@ void COpenCluster::close() noexcept {
 
 void COpenCluster::addSimpleBlock(UINT16 track, UINT64 timeNs, const FrameBytes& frame, bool keyframe) {
     CElementBytes head;
-    head.addHead(EBML_ID(libmatroska::KaxSimpleBlock), BlockDataBytes(track, frame));
+    head.addHead(EBML_ID(libmatroska::KaxSimpleBlock), BlockDataBytes(track, frame.bytes.size()));
     AddBlockHead(head, track, offsetOf(timeNs), keyframe ? kKeyframeFlag : BYTE{0});
     m_blocks.append(head.bytes(), frame, {});
 }
 
 void COpenCluster::addBlockGroup(UINT16 track, const BlockTimes& times, const FrameBytes& frame) {
     const libebml::EbmlId& blockId = EBML_ID(libmatroska::KaxBlock);
-    const UINT64 dataBytes = BlockDataBytes(track, frame);
+    const UINT64 dataBytes = BlockDataBytes(track, frame.bytes.size());
     CElementBytes duration;
     duration.addNumber(EBML_ID(libmatroska::KaxBlockDuration), times.durationNs / kTimecodeScaleNs);
     CElementBytes head;
