@@ -158,7 +158,7 @@ TEST_F(StrictClustersTest, WhatComesInFrontOfTheFirstPictureStaysWithItInTheFirs
     Write(1, 20 * kMs, 40 * kMs);
     Write(0, 33 * kMs, 66 * kMs, true);
     Write(0, 5100 * kMs, 5140 * kMs, true);
-    Write(1, 10200 * kMs, 10220 * kMs);     // more than 5 s later
+    Write(1, 10200 * kMs, 10220 * kMs);       // more than 5 s later
     Write(0, 10210 * kMs, 10220 * kMs, true); // begins one of its own all the same
     EXPECT_EQ(ClusterTimes(), (ClusterTimeList{0, 5100, 10200, 10210}));
     EXPECT_EQ(BlocksOfClusters(), (Counts{3, 1, 1, 1}));
@@ -244,8 +244,9 @@ constexpr uint32_t kDiscardPadding = 0x75a2;
 class StrictOpusTest : public StrictTest {
   protected:
     static test_support::MediaTypeValue OpusType() {
-        return test_support::WaveType(mediasubtype::kOpus, {},
-                                      {'O', 'p', 'u', 's', 'H', 'e', 'a', 'd', 1, 2, 0x38, 1, 0x80, 0xbb, 0, 0, 0, 0, 0});
+        return test_support::WaveType(
+            mediasubtype::kOpus, {},
+            {'O', 'p', 'u', 's', 'H', 'e', 'a', 'd', 1, 2, 0x38, 1, 0x80, 0xbb, 0, 0, 0, 0, 0});
     }
     static Bytes Packet() { return {31 << 3, 1, 2, 3}; } // 20 ms
 

@@ -126,7 +126,8 @@ TEST_F(StrictCuesTest, TheyLeadToTheirBlocksBehindLargeOnesToo) {
     RegisterSubtitle();
     OpenStrict();
     for (INT64 i = 0; i < 30; ++i) {
-        Write(0, (70000 + i * 40) * kMs, (70040 + i * 40) * kMs, i % 10 == 0, Bytes(static_cast<size_t>(1) << (i % 18)));
+        Write(0, (70000 + i * 40) * kMs, (70040 + i * 40) * kMs, i % 10 == 0,
+              Bytes(static_cast<size_t>(1) << (i % 18)));
         WriteGroup(1, (70001 + i * 40) * kMs, (70040 + i * 40) * kMs, Bytes(static_cast<size_t>(i) * 5000 + 1));
     }
     EXPECT_EQ(Cues().size(), 33u);
