@@ -24,6 +24,7 @@ class MuxGraph {
 
     // Of the inputs to come that do not say.
     void UseFrameRate(const annexb::FrameRate& rate) { m_sources.UseFrameRate(rate); }
+    void UseExactTimes(bool exactTimes) { m_sources.UseExactTimes(exactTimes); }
     // Connects every stream of the file to an input of the muxer, in order. A stream that cannot be written is
     // skipped when it is disabled, and a Failure otherwise.
     void AddInput(const std::wstring& path, const std::set<size_t>& disabled = {});

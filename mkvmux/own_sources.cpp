@@ -19,13 +19,18 @@ HRESULT OpenTimed(const std::wstring& path, const OwnSourceOptions& /*options*/,
     return Open(path, opened);
 }
 
+HRESULT OpenMatroska(const std::wstring& path, const OwnSourceOptions& options, source::OpenedSource& opened) {
+    const auto rule = options.exactTimes ? matroska::TimeRule::Exact : matroska::TimeRule::AsStored;
+    return matroska::OpenSource(path, opened, rule);
+}
+
 template <annexb::Codec Codec>
 HRESULT OpenByteStream(const std::wstring& path, const OwnSourceOptions& options, source::OpenedSource& opened) {
     return annexb::OpenSource(path, Codec, options.frameRate, opened);
 }
 
 constexpr OwnSource kAvi{"AVI", OpenTimed<avi::OpenSource>};
-constexpr OwnSource kMatroska{"Matroska", OpenTimed<matroska::OpenSource>};
+constexpr OwnSource kMatroska{"Matroska", OpenMatroska};
 constexpr OwnSource kAvc{"H.264", OpenByteStream<annexb::Codec::Avc>};
 constexpr OwnSource kHevc{"H.265", OpenByteStream<annexb::Codec::Hevc>};
 constexpr OwnSource kSrt{"SubRip", OpenTimed<subtitles::OpenSrtSource>};

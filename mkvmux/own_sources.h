@@ -13,6 +13,7 @@ namespace mkvmux {
 
 struct OwnSourceOptions {
     annexb::FrameRate frameRate; // of files that do not say
+    bool exactTimes = false;     // as strict files have them
 };
 
 struct OwnSource {

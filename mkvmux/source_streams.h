@@ -53,6 +53,7 @@ class SourceStreams {
 
     // Of files to be opened that do not say.
     void UseFrameRate(const annexb::FrameRate& rate) { m_options.frameRate = rate; }
+    void UseExactTimes(bool exactTimes) { m_options.exactTimes = exactTimes; }
 
     // The streams of the file in the order of the splitter's pins, still unconnected and compressed as they are.
     [[nodiscard]] std::vector<SourceStream> Open(const std::wstring& path);

@@ -10,6 +10,7 @@
 #include <matroska/KaxClusterData.h>
 #include <matroska/KaxContexts.h>
 #include <matroska/KaxSegment.h>
+#include <matroska/KaxSemantic.h>
 
 #include "codecs/big_endian.h"
 #include "sources/matroska/resync.h"
@@ -24,6 +25,7 @@ constexpr BYTE kKeyframeFlag = 0x80;
 constexpr BYTE kLacingMask = 0x06;
 constexpr size_t kMaxTrackNumberBytes = 8;
 constexpr size_t kTimeAndFlagsBytes = 3;
+constexpr UINT64 kBitsInByte = 8;
 // So that a sum with a block's offset stays far from the end of 64 bits.
 constexpr UINT64 kMaxClusterTicks = UINT64{1} << 62;
 
@@ -106,12 +108,15 @@ std::optional<Block> BlockWalker::ReadPart(const Element& part) {
 std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
     std::optional<Block> block;
     std::optional<UINT64> duration;
+    UINT64 paddingNs = 0;
     bool refersToOthers = false;
     const bool intact = m_reader.ForEachChild(group, [&](const Element& child) {
         if (child.id == IdOf<KaxBlock>() && !block) {
             block = ReadBlock(child);
         } else if (child.id == IdOf<KaxBlockDuration>()) {
             duration = m_reader.ReadUnsigned(child);
+        } else if (child.id == IdOf<KaxDiscardPadding>()) {
+            paddingNs = PaddingOf(child);
         } else if (child.id == IdOf<KaxReferenceBlock>()) {
             refersToOthers = true;
         }
@@ -119,9 +124,18 @@ std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
     m_damaged = m_damaged || !intact;
     if (block) {
         block->durationTicks = duration;
+        block->paddingNs = paddingNs;
         block->keyframe = !refersToOthers;
     }
     return block;
+}
+
+// A negative number is padding at the block's start, which no time of a packet can tell.
+UINT64 BlockWalker::PaddingOf(const Element& element) const {
+    const UINT64 value = m_reader.ReadUnsigned(element);
+    const bool isNegative =
+        element.Size() > 0 && element.Size() <= sizeof(value) && (value >> (element.Size() * kBitsInByte - 1) & 1) != 0;
+    return isNegative ? 0 : value;
 }
 
 std::optional<Block> BlockWalker::ReadBlock(const Element& element) {

@@ -17,7 +17,8 @@ struct Block {
     std::optional<UINT64> durationTicks;
     BYTE lacing = 0; // as in the flags
     bool keyframe = false;
-    UINT64 data = 0; // position of the frames
+    UINT64 paddingNs = 0; // what its end has beyond the stream
+    UINT64 data = 0;      // position of the frames
     UINT64 size = 0;
 };
 
@@ -40,6 +41,7 @@ class BlockWalker {
     [[nodiscard]] std::optional<Block> ReadPart(const Element& part);
     [[nodiscard]] std::optional<Block> ReadGroup(const Element& group);
     [[nodiscard]] std::optional<Block> ReadBlock(const Element& element);
+    [[nodiscard]] UINT64 PaddingOf(const Element& element) const;
     void LookForCluster();
 
     const EbmlReader& m_reader;

@@ -26,9 +26,9 @@ size_t BytesOf(const std::vector<source::Packet>& frames) {
 
 } // namespace
 
-void FrameQueue::AddStream(bool isSubtitle, UINT64 defaultDurationNs) {
+void FrameQueue::AddStream(bool isSubtitle, UINT64 defaultDurationNs, INT64 delayNs) {
     const bool isSane = defaultDurationNs <= static_cast<UINT64>(kMaxFrameNs);
-    m_streams.push_back({isSubtitle, isSane ? static_cast<INT64>(defaultDurationNs) : 0, {}, 0, 0});
+    m_streams.push_back({isSubtitle, isSane ? static_cast<INT64>(defaultDurationNs) : 0, delayNs, {}, 0, 0});
 }
 
 void FrameQueue::Clear() {
@@ -63,6 +63,17 @@ void FrameQueue::Add(size_t index, INT64 startNs, std::optional<INT64> blockNs, 
     }
 }
 
+void FrameQueue::AddTimed(size_t index, INT64 startNs, std::span<const INT64> lengthsNs,
+                          std::vector<source::Packet>&& frames) {
+    ReleaseBefore(m_streams[index], startNs);
+    ReleaseLate(startNs);
+    for (size_t i = 0; i < std::min(frames.size(), lengthsNs.size()); ++i) {
+        SendFrame(frames[i], startNs, lengthsNs[i] > 0 ? std::optional(lengthsNs[i]) : std::nullopt);
+        startNs += lengthsNs[i];
+    }
+    frames.clear();
+}
+
 void FrameQueue::End() {
     for (Stream& stream : m_streams) {
         ReleaseBefore(stream, {});
@@ -84,7 +95,7 @@ bool FrameQueue::Take(source::Packet& packet) {
 void FrameQueue::ReleaseBefore(Stream& stream, std::optional<INT64> nextStartNs) {
     const size_t count = stream.waiting.size();
     if (count == 1) {
-        SendWaiting(stream, nextStartNs ? std::nullopt : LastFrameNs(stream.startNs));
+        SendWaiting(stream, nextStartNs ? std::nullopt : LastFrameNs(stream));
         return;
     }
     if (count > 0 && nextStartNs && *nextStartNs > stream.startNs) {
@@ -115,24 +126,27 @@ void FrameQueue::SendWaiting(Stream& stream, std::optional<INT64> frameNs) {
     Send(stream.waiting, stream.startNs, frameNs);
 }
 
-std::optional<INT64> FrameQueue::LastFrameNs(INT64 startNs) const {
-    const double lastNs = m_fileEndNs - static_cast<double>(startNs);
+std::optional<INT64> FrameQueue::LastFrameNs(const Stream& stream) const {
+    const double lastNs = m_fileEndNs - static_cast<double>(stream.startNs - stream.delayNs);
     const bool isSane = lastNs > 0 && lastNs <= kMaxLastFrameNs;
     return isSane ? std::optional(static_cast<INT64>(lastNs)) : std::nullopt;
 }
 
 void FrameQueue::Send(std::vector<source::Packet>& frames, INT64 startNs, std::optional<INT64> frameNs) {
     for (source::Packet& packet : frames) {
-        const INT64 stopNs = startNs + frameNs.value_or(0);
-        packet.start = FrameTimes::RefTimeOf(startNs) + m_shift;
-        packet.stop = FrameTimes::RefTimeOf(stopNs) + m_shift;
-        packet.hasStop = frameNs.has_value();
-        startNs = stopNs;
-        if (!packet.data.empty()) {
-            m_queue.push_back(std::move(packet));
-        }
+        SendFrame(packet, startNs, frameNs);
+        startNs += frameNs.value_or(0);
     }
     frames.clear();
+}
+
+void FrameQueue::SendFrame(source::Packet& packet, INT64 startNs, std::optional<INT64> frameNs) {
+    packet.start = FrameTimes::RefTimeOf(startNs) + m_shift;
+    packet.stop = FrameTimes::RefTimeOf(startNs + frameNs.value_or(0)) + m_shift;
+    packet.hasStop = frameNs.has_value();
+    if (!packet.data.empty()) {
+        m_queue.push_back(std::move(packet));
+    }
 }
 
 } // namespace matroska

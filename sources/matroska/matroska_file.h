@@ -32,6 +32,7 @@ struct Track : media::TrackFacts {
     bool isDefault = true;
     bool isForced = false;
     bool isEnabled = true;
+    UINT64 codecDelayNs = 0;  // to be taken off its blocks' times
     UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
     bool hasAlpha = false;    // in additions to its blocks
     std::vector<ContentEncoding> encodings;

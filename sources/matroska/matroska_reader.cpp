@@ -7,7 +7,10 @@
 #include "codecs/avc_configuration.h"
 #include "codecs/lacing.h"
 #include "codecs/unit_lengths.h"
+#include "dshow/ref_time.h"
+#include "media/codec_description.h"
 #include "media/media_types_of.h"
+#include "media/opus_padding.h"
 #include "sources/base/printable.h"
 
 namespace matroska {
@@ -19,6 +22,13 @@ constexpr UINT64 kMaxAttachmentBytes = 0x7FFFFFFE;
 constexpr size_t kMaxCodecIdChars = 64;
 // A block's time is at most this much before that of its cluster.
 constexpr UINT64 kMaxTicksBelowCluster = 32768;
+// No codec needs as much; a longer one is damage, and none.
+constexpr UINT64 kMaxDelayNs = 1'000'000'000;
+constexpr const char* kOpusId = "A_OPUS";
+
+UINT64 SaneDelay(UINT64 delayNs) {
+    return delayNs <= kMaxDelayNs ? delayNs : 0;
+}
 
 size_t AvcLengthBytes(const Track& track) {
     if (track.codecId != "V_MPEG4/ISO/AVC") {
@@ -35,9 +45,10 @@ std::string ShownCodecId(const Track& track) {
 
 } // namespace
 
-MatroskaReader::MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file)
+MatroskaReader::MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file, TimeRule rule)
     : m_bytes(std::move(bytes)), m_file(std::move(file)), m_ebml(*m_bytes), m_times(m_file.timestampScaleNs),
-      m_walker(m_ebml, m_file.segment), m_queue(m_file.durationTicks * static_cast<double>(m_file.timestampScaleNs)) {
+      m_rule(rule), m_walker(m_ebml, m_file.segment),
+      m_queue(m_file.durationTicks * static_cast<double>(m_file.timestampScaleNs)) {
     for (Track track : m_file.tracks) {
         AddStream(track);
     }
@@ -79,24 +90,46 @@ void MatroskaReader::AddStream(Track& track) {
     } else {
         m_streamOf[track.number] = m_streams.size();
     }
+    const bool isExactOpus = m_rule == TimeRule::Exact && track.codecId == kOpusId;
+    const INT64 delayNs = DelayOf(track, description);
     description.properties = {true, track.name, track.language, track.isDefault, track.isForced, track.isEnabled};
     m_streams.push_back(std::move(description));
-    m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track)});
-    m_queue.AddStream(track.IsSubtitle(), track.defaultDurationNs);
+    m_states.push_back(
+        {ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track), delayNs, isExactOpus});
+    m_queue.AddStream(track.IsSubtitle(), track.defaultDurationNs, delayNs);
+}
+
+// What the media type makes of the track is what the muxer will write of it.
+INT64 MatroskaReader::DelayOf(const Track& track, const source::StreamDescription& description) const {
+    if (m_rule != TimeRule::Exact || description.types.empty()) {
+        return 0;
+    }
+    const UINT64 ownNs = media::DescribeStrictCodec(description.types.front()).codecDelayNs;
+    return static_cast<INT64>(SaneDelay(ownNs)) - static_cast<INT64>(SaneDelay(track.codecDelayNs));
+}
+
+std::optional<INT64> MatroskaReader::StartOf(const Block& block, const Stream& stream) const {
+    const std::optional<INT64> ns = m_times.NsOf(block.ticks);
+    return ns ? std::optional(*ns + stream.delayNs) : std::nullopt;
 }
 
 // Only blocks of the first clusters can lie below zero.
 void MatroskaReader::FindShift() {
-    INT64 least = 0;
+    INT64 leastNs = 0;
+    const UINT64 delayTicks = m_rule == TimeRule::Exact ? kMaxDelayNs / m_file.timestampScaleNs : 0;
     while (const std::optional<Block> block = m_walker.Next()) {
-        if (m_walker.ClusterTicks() > kMaxTicksBelowCluster) {
+        if (m_walker.ClusterTicks() > kMaxTicksBelowCluster + delayTicks) {
             break;
         }
-        if (m_streamOf.contains(block->track)) {
-            least = std::min(least, block->ticks);
+        if (const auto found = m_streamOf.find(block->track); found != m_streamOf.end()) {
+            leastNs = std::min(leastNs, StartOf(*block, m_states[found->second]).value_or(0));
         }
     }
-    m_queue.SetShift(-FrameTimes::RefTimeOf(m_times.NsOf(least).value_or(0)));
+    REFERENCE_TIME shift = -FrameTimes::RefTimeOf(leastNs);
+    if (m_rule == TimeRule::Exact) {
+        shift = (shift + kReferenceTimesPerMs - 1) / kReferenceTimesPerMs * kReferenceTimesPerMs;
+    }
+    m_queue.SetShift(shift);
 }
 
 void MatroskaReader::StartOver() {
@@ -128,7 +161,7 @@ void MatroskaReader::ReadBlock(const Block& block) {
     if (found == m_streamOf.end()) {
         return;
     }
-    const std::optional<INT64> startNs = m_times.NsOf(block.ticks);
+    const std::optional<INT64> startNs = StartOf(block, m_states[found->second]);
     if (!startNs) {
         m_lostFrames = true;
         return;
@@ -138,7 +171,23 @@ void MatroskaReader::ReadBlock(const Block& block) {
         blockNs = m_times.NsOf(static_cast<INT64>(*block.durationTicks));
     }
     ReadFrames(block, found->second);
+    if (m_states[found->second].isExactOpus) {
+        QueueOpus(found->second, *startNs, block.paddingNs);
+        return;
+    }
     m_queue.Add(found->second, *startNs, blockNs, std::move(m_frames));
+}
+
+// Each lasts as long as it says itself; the padding is the last one's. One that is padding all over keeps a stop time.
+void MatroskaReader::QueueOpus(size_t index, INT64 startNs, UINT64 paddingNs) {
+    m_lengths.clear();
+    for (const source::Packet& packet : m_frames) {
+        const bool isLast = &packet == &m_frames.back();
+        const REFERENCE_TIME whole = media::OpusLengthWithout(packet.data, 0);
+        const REFERENCE_TIME length = media::OpusLengthWithout(packet.data, isLast ? paddingNs : 0);
+        m_lengths.push_back((whole > 0 ? std::max<REFERENCE_TIME>(length, 1) : 0) * kNsPerReferenceTime);
+    }
+    m_queue.AddTimed(index, startNs, m_lengths, std::move(m_frames));
 }
 
 void MatroskaReader::ReadFrames(const Block& block, size_t index) {

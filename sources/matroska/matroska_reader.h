@@ -14,12 +14,13 @@
 #include "sources/matroska/frame_queue.h"
 #include "sources/matroska/frame_times.h"
 #include "sources/matroska/matroska_file.h"
+#include "sources/matroska/time_rule.h"
 
 namespace matroska {
 
 class MatroskaReader final : public source::PacketReader {
   public:
-    MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file);
+    MatroskaReader(std::unique_ptr<source::ByteSource> bytes, MatroskaFile file, TimeRule rule = TimeRule::AsStored);
 
     [[nodiscard]] const std::vector<source::StreamDescription>& Streams() const override { return m_streams; }
 
@@ -37,6 +38,8 @@ class MatroskaReader final : public source::PacketReader {
     struct Stream {
         ContentDecoder decoder;
         size_t avcLengthBytes = 0; // 0: the lengths of units stay as they are
+        INT64 delayNs = 0;         // added to its blocks' times
+        bool isExactOpus = false;
 
         [[nodiscard]] bool KeepsFrames() const { return decoder.ChangesNothing() && avcLengthBytes == 0; }
     };
@@ -44,6 +47,9 @@ class MatroskaReader final : public source::PacketReader {
     void AddStream(Track& track);
     [[nodiscard]] std::string PrepareTrack(Track& track);
     void FindShift();
+    [[nodiscard]] INT64 DelayOf(const Track& track, const source::StreamDescription& description) const;
+    [[nodiscard]] std::optional<INT64> StartOf(const Block& block, const Stream& stream) const;
+    void QueueOpus(size_t index, INT64 startNs, UINT64 paddingNs);
     void ReadBlock(const Block& block);
     void ReadFrames(const Block& block, size_t index);
     void TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
@@ -56,12 +62,14 @@ class MatroskaReader final : public source::PacketReader {
     const MatroskaFile m_file;
     const EbmlReader m_ebml;
     const FrameTimes m_times;
+    const TimeRule m_rule;
     BlockWalker m_walker;
     std::vector<source::StreamDescription> m_streams;
     std::vector<Stream> m_states;        // one a stream
     std::map<UINT64, size_t> m_streamOf; // by track number; the streams that have types
     FrameQueue m_queue;
     std::vector<source::Packet> m_frames; // of the block that is read
+    std::vector<INT64> m_lengths;         // of them
     std::vector<BYTE> m_spare;            // memory for the next one
     DecodingBudget m_budget;
     size_t m_privateRoom = source::kMaxPrivateBytes; // for what the private data of further tracks become

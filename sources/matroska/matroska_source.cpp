@@ -43,7 +43,7 @@ void TellLostAttachments(const std::vector<std::string>& names, bool othersAreLo
 
 } // namespace
 
-HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened) {
+HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened, TimeRule rule) {
     return ComGuard([&] {
         auto buffered = std::make_unique<source::BufferedSource>(std::move(bytes));
         std::optional<MatroskaFile> file = ReadMatroskaFile(*buffered);
@@ -53,7 +53,7 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
         for (const Track& track : file->tracks) {
             TellLosses(track, opened.warnings);
         }
-        auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file));
+        auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file), rule);
         std::vector<std::string> leftOut;
         opened.attachments = reader->ReadAttachments(leftOut);
         TellLostAttachments(leftOut, reader->LacksAttachments(), opened.warnings);
@@ -61,11 +61,11 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
     });
 }
 
-HRESULT OpenSource(const WideString& path, source::OpenedSource& opened) {
+HRESULT OpenSource(const WideString& path, source::OpenedSource& opened, TimeRule rule) {
     return ComGuard([&] {
         auto bytes = std::make_unique<source::FileSource>();
         const HRESULT hr = bytes->Open(path);
-        return FAILED(hr) ? hr : MakeSource(std::move(bytes), opened);
+        return FAILED(hr) ? hr : MakeSource(std::move(bytes), opened, rule);
     });
 }
 

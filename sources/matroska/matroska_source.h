@@ -7,12 +7,15 @@
 
 #include "sources/base/byte_source.h"
 #include "sources/base/opened_source.h"
+#include "sources/matroska/time_rule.h"
 #include "win/wide_string.h"
 
 namespace matroska {
 
-[[nodiscard]] HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened);
+[[nodiscard]] HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSource& opened,
+                                 TimeRule rule = TimeRule::AsStored);
 // The file of that name.
-[[nodiscard]] HRESULT OpenSource(const WideString& path, source::OpenedSource& opened);
+[[nodiscard]] HRESULT OpenSource(const WideString& path, source::OpenedSource& opened,
+                                 TimeRule rule = TimeRule::AsStored);
 
 } // namespace matroska

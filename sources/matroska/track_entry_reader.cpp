@@ -116,6 +116,8 @@ void ReadNumbers(const EbmlReader& reader, const Element& child, Track& track) {
         track.isEnabled = reader.ReadUnsigned(child, 1) != 0;
     } else if (child.id == IdOf<KaxTrackDefaultDuration>()) {
         track.defaultDurationNs = reader.ReadUnsigned(child);
+    } else if (child.id == IdOf<KaxCodecDelay>()) {
+        track.codecDelayNs = reader.ReadUnsigned(child);
     }
 }
 
