@@ -15,8 +15,11 @@ UINT64 CIdentifiers::draw() {
     if (m_isSeeded) {
         return m_seeded();
     }
-    const UINT64 high = m_system();
-    return high << kBitsPerDraw | m_system();
+    if (!m_system) {
+        m_system.emplace();
+    }
+    const UINT64 high = (*m_system)();
+    return high << kBitsPerDraw | (*m_system)();
 }
 
 UINT64 CIdentifiers::next() {

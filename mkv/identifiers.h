@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <random>
 #include <set>
 
@@ -27,7 +28,7 @@ class CIdentifiers {
 
     bool m_isSeeded;
     std::mt19937_64 m_seeded;
-    std::random_device m_system;
+    std::optional<std::random_device> m_system; // opened when the first number is asked for
     std::set<UINT64> m_given;
 };
 
