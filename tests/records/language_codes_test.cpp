@@ -44,7 +44,8 @@ TEST(LanguageCodes, OfTheRangeForLocalUseTheFirst) {
 
 TEST(LanguageCodes, NoLanguageAndAnUnknownOneAreUndetermined) {
     const WCHAR kanji[] = {0x65e5, 0x672c, 0x8a9e, 0};
-    for (const WCHAR* name : {static_cast<const WCHAR*>(nullptr), OLESTR(""), OLESTR("english"), OLESTR("eng"), kanji}) {
+    for (const WCHAR* name :
+         {static_cast<const WCHAR*>(nullptr), OLESTR(""), OLESTR("english"), OLESTR("eng"), kanji}) {
         ExpectCodes(name, "und", "und");
     }
 }
@@ -57,7 +58,8 @@ TEST(LanguageCodes, EachRowHasOneOfThreeLettersAndATag) {
         EXPECT_TRUE(IsCode(codes.tag, 2) || codes.tag == codes.bibliographic) << row.name << ' ' << codes.tag;
         EXPECT_EQ(IsCode(codes.tag, 2), *row.twoLetterCode != 0) << row.name;
         // No row would need a second code of three letters for its tag.
-        EXPECT_TRUE(std::string_view(row.code).find('/') == std::string_view::npos || *row.twoLetterCode != 0) << row.name;
+        EXPECT_TRUE(std::string_view(row.code).find('/') == std::string_view::npos || *row.twoLetterCode != 0)
+            << row.name;
     }
 }
 
