@@ -16,6 +16,13 @@ void SetChild(libebml::EbmlMaster& parent, const Value& value) {
     libebml::GetChild<Child>(parent).SetValue(value);
 }
 
+// Written even where it is the format's default, which the library leaves out otherwise.
+template <typename Child, typename Value>
+void SetToldChild(libebml::EbmlMaster& parent, const Value& value) {
+    SetChild<Child>(parent, value);
+    libebml::GetChild<Child>(parent).ForceNoDefault();
+}
+
 template <typename Child>
 void SetUtf8Child(libebml::EbmlMaster& parent, const std::string& value) {
     libebml::GetChild<Child>(parent).SetValueUTF8(value);

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include <ebml/EbmlHead.h>
@@ -17,6 +18,7 @@
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
 #include "mkv/segment_info.h"
+#include "mkv/strict_track_entry.h"
 #include "mkv/track_entry_builder.h"
 
 namespace mkv {
@@ -27,6 +29,7 @@ constexpr UINT64 kDocTypeVersion = 2;
 constexpr UINT64 kPlaceholderHeadBytes = 3;
 constexpr UINT64 kPlaceholderDataBytes = kPlaceBytes - kPlaceholderHeadBytes;
 constexpr int kPatchTries = 2;
+constexpr const char* kWebMDocType = "webm";
 constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
 
 } // namespace
@@ -38,6 +41,7 @@ CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& option
 }
 
 void CMatroskaFile::writeHead(const char* docType) {
+    m_isWebm = std::string_view(docType) == kWebMDocType;
     m_gathering.moveTo(0);
     libebml::EbmlHead head;
     SetChild<libebml::EDocType>(head, std::string(docType));
@@ -72,6 +76,14 @@ void CMatroskaFile::writePlaceholder(libebml::EbmlVoid& placeholder) {
     placeholder.Render(m_gathering);
 }
 
+void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
+    if (m_options.isStrict()) {
+        FillStrictTrackEntry(entry, number, track, m_identifiers, m_isWebm);
+    } else {
+        FillTrackEntry(entry, number, track);
+    }
+}
+
 void CMatroskaFile::writeTracks(const TrackList& tracks) {
     std::srand(static_cast<unsigned>(std::time(nullptr))); // for the track UIDs
     auto& element = libebml::GetChild<libmatroska::KaxTracks>(m_segment);
@@ -81,7 +93,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
         auto& entry = entries.empty() ? libebml::GetChild<libmatroska::KaxTrackEntry>(element)
                                       : libebml::GetNextChild(element, *entries.back());
         entries.push_back(&entry);
-        FillTrackEntry(entry, entries.size(), track);
+        fillTrackEntry(entry, entries.size(), track);
         if (TrackTypeOf(track.type) == media::kTrackTypeVideo) {
             cueTrack = static_cast<INT32>(entries.size()) - 1; // the last video track wins
         }

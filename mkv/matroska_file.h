@@ -66,6 +66,8 @@ class CMatroskaFile {
     void writeSegmentHead();
     void writePlaceholder(libebml::EbmlVoid& placeholder);
     void flushHeadPart();
+    // As the profile wants it.
+    void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
     template <typename Element>
     void indexAt(UINT64 position);
     void patch(libmatroska::KaxInfo& info, UINT64 dataStart);
@@ -81,6 +83,7 @@ class CMatroskaFile {
     CGatheringIO m_gathering;
     std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
     bool m_isFinished = false;
+    bool m_isWebm = false;
     UINT64 m_dataStart = 0; // of the Segment, behind its head
     UINT64 m_end = 0;       // of the file, without what is patched
     libmatroska::KaxSegment m_segment;
