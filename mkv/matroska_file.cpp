@@ -14,10 +14,12 @@
 #include <matroska/KaxInfo.h>
 
 #include "media/track_type.h"
+#include "mkv/attachments_element.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
 #include "mkv/segment_info.h"
+#include "mkv/strict_attachments.h"
 #include "mkv/strict_track_entry.h"
 #include "mkv/track_entry_builder.h"
 
@@ -104,6 +106,22 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
         m_seekHead.IndexThis(element, m_segment);
     }
     m_clusters->setTracks(tracks, entries, cueTrack);
+}
+
+void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& records) {
+    if (m_options.isStrict()) {
+        const CStrictAttachments strict(records, m_identifiers);
+        writeAttachmentsElement(strict.all());
+    } else {
+        writeAttachmentsElement(records);
+    }
+}
+
+void CMatroskaFile::writeAttachmentsElement(const std::vector<const MuxAttachment*>& records) {
+    if (!records.empty()) {
+        CAttachmentsElement element(records);
+        writeElement(element);
+    }
 }
 
 // Forced, since the library otherwise insists on mandatory children that were left out on purpose.

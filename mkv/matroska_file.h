@@ -44,7 +44,9 @@ class CMatroskaFile {
     // The steps of opening, in this order. The tracks outlive the file. It begins at the output's start.
     void writeHead(const char* docType);
     void writeTracks(const TrackList& tracks);
-    // A further element of the Segment's own level, such as the attachments; it is not kept.
+    // Nothing is written of none.
+    void writeAttachments(const std::vector<const MuxAttachment*>& records);
+    // A further element of the Segment's own level; it is not kept.
     void writeElement(libebml::EbmlMaster& element);
     void startFirstCluster() { m_clusters->startCluster(0); }
 
@@ -66,6 +68,7 @@ class CMatroskaFile {
     void writeSegmentHead();
     void writePlaceholder(libebml::EbmlVoid& placeholder);
     void flushHeadPart();
+    void writeAttachmentsElement(const std::vector<const MuxAttachment*>& records);
     // As the profile wants it.
     void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
     template <typename Element>

@@ -1,7 +1,6 @@
 #include "mkv/mkv_writer.h"
 
 #include "log/logger.h"
-#include "mkv/attachments_element.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/debug_trace.h"
 #include "mkv/writer_errors.h"
@@ -48,10 +47,7 @@ void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     m_io = io;
     writeMatroskaHead(options);
     m_file->writeTracks(m_tracks);
-    if (const auto attachments = m_attachments.All(); !attachments.empty()) {
-        mkv::CAttachmentsElement element(attachments);
-        m_file->writeElement(element);
-    }
+    m_file->writeAttachments(m_attachments.All());
     m_file->startFirstCluster();
 }
 

@@ -164,7 +164,8 @@ TEST_F(StrictTrackEntryTest, WebmHasNeitherTheTagNorTheNewerFlags) {
     OpenStrict();
     EXPECT_EQ(Text(Entry(), kLanguage), "ger");
     EXPECT_EQ(Number(Entry(), kFlagForced), 1u);
-    for (const uint32_t id : {kLanguageTag, kFlagHearingImpaired, kFlagVisualImpaired, kFlagOriginal, kFlagCommentary}) {
+    for (const uint32_t id :
+         {kLanguageTag, kFlagHearingImpaired, kFlagVisualImpaired, kFlagOriginal, kFlagCommentary}) {
         EXPECT_EQ(Entry().Child(id), nullptr) << id;
     }
 }
