@@ -89,6 +89,22 @@ enum MuxTrackType {
     MuxTrackType_Subtitle = 17 // texts too
 };
 
+// ---- Results ----------------------------------------------------------------------------------------------------
+
+// Why the strict profile does not begin a WebM file, as Pause answers it: the filter stays stopped, and nothing is
+// written. The low byte tells the input, so filter graphs hand that on, too; the log names the input with its codec.
+inline constexpr HRESULT MUX_E_NOT_WEBM = static_cast<HRESULT>(0x80045700U); // input 0 carries what is no codec of WebM
+inline constexpr HRESULT MUX_E_NOT_WEBM_ATTACHMENT = MUX_E_NOT_WEBM + 0xFF;  // WebM has no attachments
+
+// That of an input, from 0; those from 254 on share one.
+constexpr HRESULT MuxNotWebmInput(INT32 input) {
+    return MUX_E_NOT_WEBM + (input >= 0 && input < 0xFE ? input : 0xFE);
+}
+// Whether it is one of them.
+constexpr bool MuxIsNotWebm(HRESULT hr) {
+    return hr >= MUX_E_NOT_WEBM && hr <= MUX_E_NOT_WEBM_ATTACHMENT;
+}
+
 // ---- Events for the filter graph --------------------------------------------------------------------------------
 
 // Numbers from EC_USER on. IMediaEvent::GetEvent gives them to the application; the graph does nothing about them.

@@ -4,7 +4,10 @@
 #include <new>
 #include <string_view>
 
+#include <qrx_mkvmuxer.h>
+
 #include "log/logger.h"
+#include "mkv/webm_refusal.h"
 #include "mkv/writer_errors.h"
 
 namespace {
@@ -12,6 +15,10 @@ namespace {
 HRESULT ResultOfText(std::string_view text) {
     const bool unsupported = text == mkv::kUnsupportedCodecError || text == mkv::kUnsupportedTypeError;
     return unsupported ? VFW_E_INVALIDMEDIATYPE : E_FAIL;
+}
+
+HRESULT ResultOf(const mkv::NotWebmError& error) {
+    return error.input ? MuxNotWebmInput(*error.input) : MUX_E_NOT_WEBM_ATTACHMENT;
 }
 
 void Log(const WCHAR* step, std::string_view text) noexcept {
@@ -34,6 +41,9 @@ HRESULT ResultOfWriterException(const WCHAR* step) noexcept {
     } catch (const std::bad_alloc&) {
         Log(step, "out of memory");
         return E_OUTOFMEMORY;
+    } catch (const mkv::NotWebmError& error) {
+        Log(step, error.what());
+        return ResultOf(error);
     } catch (const std::exception& error) {
         Log(step, error.what());
         return E_FAIL;

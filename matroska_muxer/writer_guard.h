@@ -1,6 +1,7 @@
 // The doorway between the writer, which throws fixed C strings, and the filter, which answers HRESULTs.
 //
-// Errors: VFW_E_INVALIDMEDIATYPE for a type or a codec that cannot be written, E_OUTOFMEMORY, E_FAIL for the rest.
+// Errors: VFW_E_INVALIDMEDIATYPE for a type or a codec that cannot be written, MUX_E_NOT_WEBM and the codes behind it
+// for what WebM has not, E_OUTOFMEMORY, E_FAIL for the rest.
 #pragma once
 
 #include "win/platform.h"

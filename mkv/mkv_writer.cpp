@@ -3,6 +3,7 @@
 #include "log/logger.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/debug_trace.h"
+#include "mkv/webm_refusal.h"
 #include "mkv/writer_errors.h"
 
 namespace {
@@ -45,18 +46,24 @@ void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     m_file.reset(); // of an open that failed
     m_durationNs = 0.0;
     m_io = io;
-    writeMatroskaHead(options);
+    // Asked once, since any thread may set them.
+    const bool isWebm = m_outputFormat == kWebMFormat;
+    const auto attachments = m_attachments.All();
+    if (isWebm && options.isStrict()) {
+        mkv::RefuseWhatIsNotWebm(m_tracks, !attachments.empty());
+    }
+    writeMatroskaHead(options, isWebm);
     m_file->writeTracks(m_tracks);
-    m_file->writeAttachments(m_attachments.All());
+    m_file->writeAttachments(attachments);
     m_file->startFirstCluster();
 }
 
-void CMkvWriter::writeMatroskaHead(const records::FileOptions& options) {
+void CMkvWriter::writeMatroskaHead(const records::FileOptions& options, bool isWebm) {
     if (m_io == nullptr) {
         throw mkv::kNoOutputError;
     }
     m_file = std::make_unique<mkv::CMatroskaFile>(*m_io, options);
-    m_file->writeHead(m_outputFormat == kWebMFormat ? kWebMDocType : kMatroskaDocType);
+    m_file->writeHead(isWebm ? kWebMDocType : kMatroskaDocType);
 }
 
 void CMkvWriter::WritePacket(const mkv::Packet& packet) {

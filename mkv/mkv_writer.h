@@ -2,7 +2,7 @@
 // while it is closed, packets are written while it is open.
 // Units: packets in 100 ns, the duration in nanoseconds. Owner: the filter; the output is not owned.
 // Threads: under the filter's writer lock; duration, output format and attachments from any thread.
-// Errors: the C strings of writer_errors.h, std::bad_alloc; after a failed Open or Close call abandon.
+// Errors: the C strings of writer_errors.h, NotWebmError, std::bad_alloc; after a failed Open or Close call abandon.
 #pragma once
 
 #include <atomic>
@@ -40,7 +40,8 @@ class CMkvWriter {
     void setOutputFormat(UINT32 format);
     [[nodiscard]] UINT32 outputFormat() const { return m_outputFormat; }
 
-    // Writes the head of the file; what was written stays there when it throws.
+    // Writes the head of the file; what was written stays there when it throws. A strict WebM file that cannot be one
+    // is not begun.
     void Open(CMkvIO* io, const records::FileOptions& options = {});
     // A packet of a stream that is no track is dropped.
     void WritePacket(const mkv::Packet& packet);
@@ -60,7 +61,7 @@ class CMkvWriter {
     [[nodiscard]] double duration() const { return m_durationNs; }
 
   private:
-    void writeMatroskaHead(const records::FileOptions& options);
+    void writeMatroskaHead(const records::FileOptions& options, bool isWebm);
     void releaseFile() noexcept;
 
     CMkvIO* m_io = nullptr;

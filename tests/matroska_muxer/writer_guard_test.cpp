@@ -2,10 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <optional>
 #include <stdexcept>
+
+#include <qrx_mkvmuxer.h>
 
 #include "log/logger.h"
 #include "matroska_muxer/writer_guard.h"
+#include "mkv/webm_refusal.h"
 #include "mkv/writer_errors.h"
 #include "tests/log/log_directory.h"
 
@@ -27,6 +31,11 @@ TEST(WriterGuard, TypesAndCodecsThatCannotBeWrittenAreInvalidMediaTypes) {
     EXPECT_EQ(ResultOf(mkv::kSeekFailedError), E_FAIL);
 }
 
+TEST(WriterGuard, WhatWebmHasNotIsToldByItsInput) {
+    EXPECT_EQ(ResultOf(mkv::NotWebmError("input 2 (A_AAC)", 2)), MuxNotWebmInput(2));
+    EXPECT_EQ(ResultOf(mkv::NotWebmError("an attachment", std::nullopt)), MUX_E_NOT_WEBM_ATTACHMENT);
+}
+
 TEST(WriterGuard, OtherExceptionsAreOutOfMemoryOrFailures) {
     EXPECT_EQ(ResultOf(std::bad_alloc()), E_OUTOFMEMORY);
     EXPECT_EQ(ResultOf(std::runtime_error("surprise")), E_FAIL);
@@ -41,13 +50,15 @@ TEST(WriterGuard, TheLogTellsStepAndReason) {
     (void)ResultOf(std::bad_alloc());
     (void)ResultOf(std::runtime_error("surprise"));
     (void)ResultOf(7);
+    (void)ResultOf(mkv::NotWebmError("input 2 (A_AAC)", 2));
     g_Logger.CloseLog();
     g_Logger.SetEnabled(false);
     const std::string log = ReadWholeFile(directory.Path() + OLESTR("\\QRX_MKVMuxer.log"));
     EXPECT_NE(log.find("CMatroskaMuxer::Step failed: CMkvIO::setFilePointer failed\r\n"
                        "CMatroskaMuxer::Step failed: out of memory\r\n"
                        "CMatroskaMuxer::Step failed: surprise\r\n"
-                       "CMatroskaMuxer::Step failed: unknown exception\r\n"),
+                       "CMatroskaMuxer::Step failed: unknown exception\r\n"
+                       "CMatroskaMuxer::Step failed: input 2 (A_AAC) cannot go into a WebM file\r\n"),
               std::string::npos)
         << log;
 }
