@@ -30,6 +30,10 @@ void FillVideo(EbmlMaster& video, const media::VideoDescription& description, bo
 
 void FillAudio(EbmlMaster& audio, const media::AudioDescription& description) {
     SetToldChild<libmatroska::KaxAudioSamplingFreq>(audio, static_cast<double>(description.samplingFrequencyHz));
+    if (description.outputSamplingFrequencyHz) {
+        const auto outputHz = static_cast<double>(*description.outputSamplingFrequencyHz);
+        SetChild<libmatroska::KaxAudioOutputSamplingFreq>(audio, outputHz);
+    }
     SetToldChild<libmatroska::KaxAudioChannels>(audio, description.channels);
     if (description.bitDepth) {
         SetChild<libmatroska::KaxAudioBitDepth>(audio, *description.bitDepth);

@@ -104,8 +104,17 @@ TEST_F(StrictCodecTest, RateAndChannelsAreWrittenWhateverTheyAre) {
     Fill(Audio({.samplingFrequencyHz = 8000, .channels = 1, .bitDepth = std::nullopt})); // both the format's defaults
     EXPECT_EQ(OfAudio<libmatroska::KaxAudioSamplingFreq>(), 8000.0);
     EXPECT_EQ(OfAudio<libmatroska::KaxAudioChannels>(), 1.0);
+    EXPECT_EQ(OfAudio<libmatroska::KaxAudioOutputSamplingFreq>(), std::nullopt);
     EXPECT_EQ(OfAudio<libmatroska::KaxAudioBitDepth>(), std::nullopt);
     EXPECT_EQ(libebml::FindChild<libmatroska::KaxTrackVideo>(m_entry), nullptr);
+}
+
+TEST_F(StrictCodecTest, TheRateThatComesOutIsWrittenBesideTheCoresOwn) {
+    media::AudioDescription audio{.samplingFrequencyHz = 24000, .channels = 2, .bitDepth = std::nullopt};
+    audio.outputSamplingFrequencyHz = 48000;
+    Fill(Audio(audio));
+    EXPECT_EQ(OfAudio<libmatroska::KaxAudioSamplingFreq>(), 24000.0);
+    EXPECT_EQ(OfAudio<libmatroska::KaxAudioOutputSamplingFreq>(), 48000.0);
 }
 
 TEST_F(StrictCodecTest, DelaysAndPrivateDataAreWritten) {
