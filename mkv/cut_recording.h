@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include <qrx_mkvmuxer.h>
+
 #include "win/platform.h"
 
 namespace mkv {
@@ -16,6 +18,7 @@ struct CutRecording {
         UINT64 clusterPosition = 0; // from the Segment's content
     };
 
+    MuxProfile profile = MuxProfile_Compatible;
     UINT64 segment = 0; // where the element begins
     UINT64 tracks = 0;  // and this one
     std::optional<UINT64> attachments;

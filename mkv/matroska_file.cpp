@@ -1,7 +1,6 @@
 #include "mkv/matroska_file.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <new>
@@ -11,14 +10,12 @@
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxAttachments.h>
-#include <matroska/KaxInfo.h>
 
 #include "media/track_type.h"
 #include "mkv/attachments_element.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
-#include "mkv/segment_info.h"
 #include "mkv/strict_attachments.h"
 #include "mkv/strict_track_entry.h"
 #include "mkv/track_entry_builder.h"
@@ -27,17 +24,25 @@ namespace mkv {
 
 namespace {
 
-constexpr UINT64 kDocTypeVersion = 2;
-constexpr UINT64 kPlaceholderHeadBytes = 3;
-constexpr UINT64 kPlaceholderDataBytes = kPlaceBytes - kPlaceholderHeadBytes;
+constexpr UINT64 kSeekHeadPlaceHeadBytes = 3;
 constexpr int kPatchTries = 2;
 constexpr const char* kWebMDocType = "webm";
-constexpr std::array<BYTE, kSegmentSizeFieldBytes> kUnknownSize{0x0f, 0xff, 0xff, 0xff, 0xff};
+
+// All ones behind the mark of the field's length.
+std::vector<BYTE> UnknownSize(int fieldBytes) {
+    std::vector<BYTE> size(static_cast<size_t>(fieldBytes), BYTE{0xff});
+    size[0] = static_cast<BYTE>(size[0] >> (fieldBytes - 1));
+    return size;
+}
 
 } // namespace
 
 CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& options)
-    : m_options(options), m_identifiers(options.seed), m_io(io), m_gathering(io),
+    : m_options(options), m_form(FormOf(options.profile)), m_origin(OriginNow(options.seed)),
+      m_identifiers(options.seed), m_io(io), m_gathering(io),
+      m_arrives([this](const std::function<void()>& write) { return arrives(write); }),
+      m_list([this](const libebml::EbmlElement& element) { m_seekHead.IndexThis(element, m_segment); }),
+      m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)),
       m_clusters(MakeClusters(options.isStrict(), m_gathering, m_segment, m_cues)) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
@@ -47,12 +52,12 @@ void CMatroskaFile::writeHead(const char* docType) {
     m_gathering.moveTo(0);
     libebml::EbmlHead head;
     SetChild<libebml::EDocType>(head, std::string(docType));
-    SetChild<libebml::EDocTypeVersion>(head, kDocTypeVersion);
-    SetChild<libebml::EDocTypeReadVersion>(head, kDocTypeVersion);
+    SetChild<libebml::EDocTypeVersion>(head, m_form.docTypeVersion);
+    SetChild<libebml::EDocTypeReadVersion>(head, m_form.docTypeReadVersion);
     head.Render(m_gathering, true);
     writeSegmentHead();
-    writePlaceholder(m_seekHeadPlace);
-    writePlaceholder(m_infoPlace);
+    writeSeekHeadPlace();
+    m_info->open(m_isWebm, m_list);
     flushHeadPart();
 }
 
@@ -68,14 +73,14 @@ void CMatroskaFile::flushHeadPart() {
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
 void CMatroskaFile::writeSegmentHead() {
-    m_segment.WriteHead(m_gathering, kSegmentSizeFieldBytes);
-    m_gathering.overwriteTail(kUnknownSize);
+    m_segment.WriteHead(m_gathering, m_form.segmentSizeFieldBytes);
+    m_gathering.overwriteTail(UnknownSize(m_form.segmentSizeFieldBytes));
     m_dataStart = m_gathering.getFilePointer();
 }
 
-void CMatroskaFile::writePlaceholder(libebml::EbmlVoid& placeholder) {
-    placeholder.SetSize(kPlaceholderDataBytes);
-    placeholder.Render(m_gathering);
+void CMatroskaFile::writeSeekHeadPlace() {
+    m_seekHeadPlace.SetSize(m_form.seekHeadPlaceBytes - kSeekHeadPlaceHeadBytes);
+    m_seekHeadPlace.Render(m_gathering);
 }
 
 void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
@@ -140,8 +145,8 @@ void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
 void CMatroskaFile::resume(const CutRecording& recording) {
     m_gathering.moveTo(recording.segment);
     writeSegmentHead();
-    writePlaceholder(m_seekHeadPlace);
-    writePlaceholder(m_infoPlace);
+    writeSeekHeadPlace();
+    m_info->resume(recording.tracks, m_list);
     m_gathering.discard();
     indexAt<libmatroska::KaxTracks>(recording.tracks);
     if (recording.attachments) {
@@ -167,16 +172,15 @@ void CMatroskaFile::indexAt(UINT64 position) {
 void CMatroskaFile::finalise(double durationNs) {
     m_isFinished = false;
     m_clusters->flushCluster();
-    libmatroska::KaxInfo info;
     // Not longer than what is there: the last clusters may be lost.
-    WriteSegmentInfo(info, std::min(durationNs, static_cast<double>(m_clusters->writtenEndNs())));
+    m_info->setDuration(std::min(durationNs, static_cast<double>(m_clusters->writtenEndNs())));
     m_isFinished = true;
     if (!m_gathering.isPositionSure()) {
         return; // patches could hit anything
     }
     m_end = m_gathering.getFilePointer();
     try {
-        patch(info, m_dataStart + m_gathering.skippedBytes());
+        patch(m_dataStart + m_gathering.skippedBytes());
     } catch (const std::bad_alloc&) {
         m_isFinished = false;
         m_gathering.discard();
@@ -187,13 +191,11 @@ void CMatroskaFile::finalise(double durationNs) {
 }
 
 // The data's start tells the Segment's size: all between it and the end belongs to the Segment.
-void CMatroskaFile::patch(libmatroska::KaxInfo& info, UINT64 dataStart) {
+void CMatroskaFile::patch(UINT64 dataStart) {
     writeLostHeadParts();
-    if (fillPlace(m_infoPlace, info, true)) {
-        m_seekHead.IndexThis(info, m_segment);
-    }
+    m_info->patch(m_arrives, m_list);
     writeCues();
-    (void)fillPlace(m_seekHeadPlace, m_seekHead, false);
+    fillSeekHeadPlace();
     overwriteSegmentSize(m_end - dataStart);
 }
 
@@ -207,22 +209,25 @@ void CMatroskaFile::writeLostHeadParts() {
     m_gathering.moveTo(m_end);
 }
 
-// False when the element does not fit or was lost; the place then stays as it is, and is as long.
-bool CMatroskaFile::fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults) {
-    UINT64 replaced = INVALID_FILEPOS_T;
-    const bool arrived = arrives([&] { replaced = place.ReplaceWith(element, m_gathering, true, withDefaults); });
-    return arrived && replaced != INVALID_FILEPOS_T;
+// Behind all that the file has.
+template <typename Element>
+void CMatroskaFile::writeBehind(Element& element) {
+    UINT64 size = 0;
+    if (arrives([&] { size = element.Render(m_gathering, false); })) {
+        m_end += size;
+        m_list(element);
+    }
 }
 
 void CMatroskaFile::writeCues() {
-    if (m_cues.pointCount() == 0) {
-        return;
+    if (m_cues.pointCount() > 0) {
+        writeBehind(m_cues);
     }
-    UINT64 size = 0;
-    if (arrives([&] { size = m_cues.Render(m_gathering, false); })) {
-        m_end += size;
-        m_seekHead.IndexThis(m_cues, m_segment);
-    }
+}
+
+// One that does not fit or was lost leaves the place as it is, and as long.
+void CMatroskaFile::fillSeekHeadPlace() {
+    (void)arrives([this] { m_seekHeadPlace.ReplaceWith(m_seekHead, m_gathering, true, false); });
 }
 
 // Nobody is told of a write that fails now, so it is made once more.
@@ -240,7 +245,7 @@ bool CMatroskaFile::arrives(const std::function<void()>& write) {
 
 // The library would accept a size that the field cannot hold, and write a wrong one.
 void CMatroskaFile::overwriteSegmentSize(UINT64 dataBytes) {
-    if (FitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
+    if (m_form.fitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
         (void)arrives([this] { m_segment.OverwriteHead(m_gathering); });
     }
 }

@@ -15,24 +15,15 @@
 
 #include "mkv/clusters.h"
 #include "mkv/cut_recording.h"
+#include "mkv/file_form.h"
+#include "mkv/file_origin.h"
 #include "mkv/gathering_io.h"
 #include "mkv/identifiers.h"
 #include "mkv/mkv_cues.h"
+#include "mkv/segment_info.h"
 #include "mkv/writer_input.h"
 
 namespace mkv {
-
-// The Segment's size field is this long, so that it can be overwritten in place.
-inline constexpr int kSegmentSizeFieldBytes = 5;
-// All ones in it mean an unknown size.
-inline constexpr UINT64 kMaxSegmentDataBytes = (UINT64{1} << (7 * kSegmentSizeFieldBytes)) - 2;
-
-[[nodiscard]] constexpr bool FitsSegmentSizeField(UINT64 dataBytes) {
-    return dataBytes <= kMaxSegmentDataBytes;
-}
-
-// Two places of this size lie in front of the tracks: one is for the seek head, the other for the information.
-inline constexpr UINT64 kPlaceBytes = 303;
 
 class CMatroskaFile {
   public:
@@ -66,24 +57,30 @@ class CMatroskaFile {
 
   private:
     void writeSegmentHead();
-    void writePlaceholder(libebml::EbmlVoid& placeholder);
+    void writeSeekHeadPlace();
     void flushHeadPart();
     void writeAttachmentsElement(const std::vector<const MuxAttachment*>& records);
     // As the profile wants it.
     void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
     template <typename Element>
     void indexAt(UINT64 position);
-    void patch(libmatroska::KaxInfo& info, UINT64 dataStart);
+    void patch(UINT64 dataStart);
     void writeLostHeadParts();
     [[nodiscard]] bool arrives(const std::function<void()>& write);
-    [[nodiscard]] bool fillPlace(libebml::EbmlVoid& place, libebml::EbmlMaster& element, bool withDefaults);
     void writeCues();
+    template <typename Element>
+    void writeBehind(Element& element);
+    void fillSeekHeadPlace();
     void overwriteSegmentSize(UINT64 dataBytes);
 
     const records::FileOptions m_options;
+    const FileForm& m_form;
+    const FileOrigin m_origin;
     CIdentifiers m_identifiers;
     CFileOutput& m_io;
     CGatheringIO m_gathering;
+    const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
+    const CSegmentInfo::Listing m_list;
     std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
     bool m_isFinished = false;
     bool m_isWebm = false;
@@ -92,7 +89,7 @@ class CMatroskaFile {
     libmatroska::KaxSegment m_segment;
     libmatroska::KaxSeekHead m_seekHead;
     libebml::EbmlVoid m_seekHeadPlace;
-    libebml::EbmlVoid m_infoPlace;
+    std::unique_ptr<CSegmentInfo> m_info;
     CMkvCues m_cues;
     std::unique_ptr<CClusters> m_clusters; // the last, since it uses the others until its end
 };

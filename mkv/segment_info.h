@@ -1,15 +1,48 @@
-// The Info element of the file.
+// CSegmentInfo: the Info element of the file, in its place in front of the tracks, from the file's first byte to its
+// last. Each profile has its own.
+// Units: nanoseconds, bytes from the output's start. Owner: the file being written; the output is not owned.
+// Threads: the writer's. Errors: what the output throws, std::bad_alloc.
 #pragma once
 
-#include <matroska/KaxInfo.h>
+#include <functional>
+#include <memory>
+
+#include <ebml/EbmlElement.h>
+
+#include "mkv/file_origin.h"
+#include "mkv/gathering_io.h"
+#include "mkv/identifiers.h"
+#include "records/file_options.h"
 
 namespace mkv {
 
-// As the applications that read it see it; not asked of the library.
+// As the applications that read a compatible file see it; not asked of the library.
 inline constexpr const char* kMuxingAppText = "libmatroska 1.4.1";
-// The module's version text follows; the name ends with the blank when there is none.
-inline constexpr const char* kWritingAppPrefix = "Quorlex Matroska Muxer ";
 
-void WriteSegmentInfo(libmatroska::KaxInfo& info, double durationNs);
+class CSegmentInfo {
+  public:
+    // Lists an element in the seek head, where it lies.
+    using Listing = std::function<void(const libebml::EbmlElement&)>;
+    // Makes a write until it arrives; false when it did not.
+    using Patch = std::function<bool(const std::function<void()>& write)>;
+
+    [[nodiscard]] static std::unique_ptr<CSegmentInfo> of(const records::FileOptions& options, const FileOrigin& origin,
+                                                          CGatheringIO& io, CIdentifiers& identifiers);
+
+    virtual ~CSegmentInfo() = default;
+
+    // Writes what stands there while the file is recorded.
+    virtual void open(bool isWebM, const Listing& list) = 0;
+    // Instead of that, it was written there before, and the tracks begin behind it; renders what must be discarded.
+    virtual void resume(UINT64 tracks, const Listing& list) = 0;
+    // What patch is to write.
+    virtual void setDuration(double durationNs) = 0;
+    virtual void patch(const Patch& arrives, const Listing& list) = 0;
+
+  protected:
+    CSegmentInfo() = default;
+    CSegmentInfo(const CSegmentInfo&) = delete;
+    CSegmentInfo& operator=(const CSegmentInfo&) = delete;
+};
 
 } // namespace mkv

@@ -29,7 +29,9 @@ void FinishRecording(IStream& stream, const Recording& recording) {
     CMkvIO io;
     io.setStream(&stream);
     io.cutOffAt(recording.cut.end); // first: nothing may lie behind a Segment once its size is known
-    mkv::CMatroskaFile file(io);
+    records::FileOptions options;
+    options.profile = recording.cut.profile;
+    mkv::CMatroskaFile file(io, options);
     file.resume(recording.cut);
     file.finalise(static_cast<double>(recording.cut.endNs));
     if (!file.isFinished()) {

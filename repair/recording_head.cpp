@@ -9,7 +9,10 @@
 #include <matroska/KaxSegment.h>
 #include <matroska/KaxTracks.h>
 
-#include "mkv/matroska_file.h"
+#include "mkv/compatible_info.h"
+#include "mkv/file_form.h"
+#include "mkv/file_origin.h"
+#include "mkv/strict_info.h"
 #include "repair/refusal.h"
 #include "sources/base/limits.h"
 #include "sources/matroska/track_entry_reader.h"
@@ -32,7 +35,7 @@ bool IsWhole(const std::optional<Element>& element, UINT32 id) {
 }
 
 // Empty, or filled by a finalisation that did not come to its end, perhaps with no more than the first byte.
-bool IsPlace(const EbmlReader& reader, UINT64 position, UINT32 content) {
+bool IsPlace(const EbmlReader& reader, UINT64 position, UINT64 size, UINT32 content) {
     BYTE first = 0;
     if (reader.Source().ReadAt(position, {&first, 1}) != 1) {
         return false;
@@ -40,7 +43,16 @@ bool IsPlace(const EbmlReader& reader, UINT64 position, UINT32 content) {
     constexpr int kFirstByteShift = 24; // of an identifier of four bytes
     const auto element = reader.ElementAt(position, reader.Source().Size());
     const bool isEmpty = element && element->id == IdOf<libebml::EbmlVoid>();
-    return isEmpty ? element->end == position + mkv::kPlaceBytes : first == content >> kFirstByteShift;
+    return isEmpty ? element->end == position + size : first == content >> kFirstByteShift;
+}
+
+// The version that follows may be another one.
+bool IsOurName(const EbmlReader& reader, const Element& writingApp) {
+    constexpr std::string_view kName(mkv::kWritingAppPrefix,
+                                     std::char_traits<char>::length(mkv::kWritingAppPrefix) - 1);
+    Element start = writingApp;
+    start.end = std::min(start.end, start.data + kName.size());
+    return reader.ReadString(start) == kName;
 }
 
 void ReadTracks(const EbmlReader& reader, RecordingHead& head) {
@@ -58,6 +70,46 @@ void ReadTracks(const EbmlReader& reader, RecordingHead& head) {
     });
 }
 
+// The profile whose files have such a Segment.
+std::optional<MuxProfile> ProfileOf(const Element& segment) {
+    for (const MuxProfile profile : {MuxProfile_Compatible, MuxProfile_Strict}) {
+        const auto fieldBytes = static_cast<UINT64>(mkv::FormOf(profile).segmentSizeFieldBytes);
+        if (segment.id == IdOf<KaxSegment>() && segment.data - segment.start == kElementIdBytes + fieldBytes) {
+            return profile;
+        }
+    }
+    return std::nullopt;
+}
+
+// Where the tracks begin when this is such an Info: ours, with the room for the duration at its end.
+std::optional<UINT64> EndOfStrictInfo(const EbmlReader& reader, UINT64 position) {
+    const auto info = reader.ElementAt(position, reader.Source().Size());
+    if (!IsWhole(info, IdOf<KaxInfo>()) || info->Size() < mkv::CStrictInfo::kDurationBytes) {
+        return std::nullopt;
+    }
+    Element named = *info; // without that room, of which a finalisation may have written a part
+    named.end -= mkv::CStrictInfo::kDurationBytes;
+    bool isOurs = false;
+    const bool isIntact = reader.ForEachChild(named, [&](const Element& child) {
+        isOurs = isOurs || (child.id == IdOf<KaxWritingApp>() && IsOurName(reader, child));
+    });
+    return isIntact && isOurs ? std::optional(info->end) : std::nullopt;
+}
+
+std::optional<UINT64> TracksPosition(const EbmlReader& reader, const Element& segment, MuxProfile profile) {
+    const UINT64 placeBytes = mkv::FormOf(profile).seekHeadPlaceBytes;
+    if (!IsPlace(reader, segment.data, placeBytes, IdOf<KaxSeekHead>())) {
+        return std::nullopt;
+    }
+    const UINT64 info = segment.data + placeBytes;
+    if (profile == MuxProfile_Strict) {
+        return EndOfStrictInfo(reader, info);
+    }
+    constexpr UINT64 kInfoPlaceBytes = mkv::CCompatibleInfo::kPlaceBytes;
+    return IsPlace(reader, info, kInfoPlaceBytes, IdOf<KaxInfo>()) ? std::optional(info + kInfoPlaceBytes)
+                                                                   : std::nullopt;
+}
+
 } // namespace
 
 RecordingHead ReadRecordingHead(const EbmlReader& reader) {
@@ -67,18 +119,18 @@ RecordingHead ReadRecordingHead(const EbmlReader& reader) {
         throw Refusal("it is no Matroska file");
     }
     const auto segment = reader.ElementAt(ebmlHead->end, size);
-    if (!segment || segment->id != IdOf<KaxSegment>() ||
-        segment->data - segment->start != kElementIdBytes + mkv::kSegmentSizeFieldBytes ||
-        !IsPlace(reader, segment->data, IdOf<KaxSeekHead>()) ||
-        !IsPlace(reader, segment->data + mkv::kPlaceBytes, IdOf<KaxInfo>())) {
+    const auto profile = segment ? ProfileOf(*segment) : std::nullopt;
+    const auto tracksPosition = profile ? TracksPosition(reader, *segment, *profile) : std::nullopt;
+    if (!tracksPosition) {
         throw Refusal(std::string("it is no recording of this muxer, and may have no room for what is missing") +
                       kAdvice);
     }
-    const auto tracks = reader.ElementAt(segment->data + 2 * mkv::kPlaceBytes, size);
+    const auto tracks = reader.ElementAt(*tracksPosition, size);
     if (!IsWhole(tracks, IdOf<KaxTracks>())) {
         throw Refusal("it was cut off before its tracks were written; nothing can be saved");
     }
     RecordingHead head;
+    head.profile = *profile;
     head.segment = *segment;
     head.tracks = *tracks;
     head.hasSeekHead = IsWhole(reader.ElementAt(segment->data, size), IdOf<KaxSeekHead>());

@@ -5,6 +5,8 @@
 
 #include <map>
 
+#include "mkv/file_form.h"
+
 #include "sources/matroska/ebml_reader.h"
 
 namespace repair {
@@ -15,6 +17,7 @@ struct RecordedTrack {
 };
 
 struct RecordingHead {
+    MuxProfile profile = MuxProfile_Compatible;
     matroska::Element segment;
     matroska::Element tracks;
     std::map<UINT64, RecordedTrack> trackOf; // by their numbers

@@ -6,7 +6,7 @@
 
 #include "media/track_type.h"
 #include "mkv/cluster_rule.h"
-#include "mkv/matroska_file.h"
+#include "mkv/file_form.h"
 #include "repair/block_walk.h"
 #include "repair/end_time.h"
 #include "repair/refusal.h"
@@ -40,6 +40,7 @@ Recording RecordingSurvey::Read() {
         m_recording.isFinished = true;
         return std::move(m_recording);
     }
+    m_recording.cut.profile = m_head.profile;
     m_recording.cut.segment = m_head.segment.start;
     m_recording.cut.tracks = m_head.tracks.start;
     m_recording.cut.end = m_head.tracks.end;
@@ -138,7 +139,7 @@ void RecordingSurvey::CheckTail(UINT64 position) const {
 
 // What a Segment whose size does not fit its field looks like when it is finished.
 bool RecordingSurvey::EndsFinished(UINT64 position) const {
-    if (!m_head.segment.unknownSize || mkv::FitsSegmentSizeField(Size() - m_head.segment.data)) {
+    if (!m_head.segment.unknownSize || mkv::FormOf(m_head.profile).fitsSegmentSizeField(Size() - m_head.segment.data)) {
         return false;
     }
     const auto cues = m_reader.ElementAt(position, Size());

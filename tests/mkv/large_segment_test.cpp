@@ -45,6 +45,7 @@ class SparseOutput : public mkv::CFileOutput {
 
 constexpr UINT64 kSegmentOffset = 40;
 constexpr UINT64 kSegmentHeadBytes = 9;
+constexpr UINT64 kStrictSegmentHeadBytes = 12;
 constexpr UINT32 kGreatestAttachmentBytes = 0x7ffffffe;
 
 class LargeSegmentTest : public testing::Test {
@@ -53,7 +54,7 @@ class LargeSegmentTest : public testing::Test {
     LargeSegmentTest() : m_data(static_cast<BYTE*>(std::calloc(1, kGreatestAttachmentBytes)), &std::free) {}
 
     // The Segment head of a finished file with so many bytes of attached data.
-    std::vector<BYTE> SegmentHeadWith(UINT64 attachedBytes) {
+    std::vector<BYTE> SegmentHeadWith(UINT64 attachedBytes, MuxProfile profile = MuxProfile_Compatible) {
         m_output = SparseOutput();
         std::vector<std::unique_ptr<MuxAttachment>> records;
         std::vector<const MuxAttachment*> pointers;
@@ -65,7 +66,9 @@ class LargeSegmentTest : public testing::Test {
             attachedBytes -= size;
         }
         const mkv::TrackList noTracks;
-        mkv::CMatroskaFile file(m_output);
+        records::FileOptions options;
+        options.profile = profile;
+        mkv::CMatroskaFile file(m_output, options);
         file.writeHead("matroska");
         file.writeTracks(noTracks);
         mkv::CAttachmentsElement attachments(pointers);
@@ -92,18 +95,24 @@ constexpr std::array<BYTE, 9> kUnknownSizeHead{0x18, 0x53, 0x80, 0x67, 0x0f, 0xf
 constexpr std::array<BYTE, 9> kGreatestSizeHead{0x18, 0x53, 0x80, 0x67, 0x0f, 0xff, 0xff, 0xff, 0xfe};
 
 TEST(SegmentSizeTest, SizesAboveTheFiveByteFieldAreRefused) {
-    EXPECT_EQ(mkv::kMaxSegmentDataBytes, 34359738366u);
-    EXPECT_TRUE(mkv::FitsSegmentSizeField(0));
-    EXPECT_TRUE(mkv::FitsSegmentSizeField(34359738366u));
-    EXPECT_FALSE(mkv::FitsSegmentSizeField(34359738367u)); // all ones: unknown
-    EXPECT_FALSE(mkv::FitsSegmentSizeField(34359738368u));
+    EXPECT_EQ(mkv::kCompatibleForm.maxSegmentDataBytes(), 34359738366u);
+    EXPECT_TRUE(mkv::kCompatibleForm.fitsSegmentSizeField(0));
+    EXPECT_TRUE(mkv::kCompatibleForm.fitsSegmentSizeField(34359738366u));
+    EXPECT_FALSE(mkv::kCompatibleForm.fitsSegmentSizeField(34359738367u)); // all ones: unknown
+    EXPECT_FALSE(mkv::kCompatibleForm.fitsSegmentSizeField(34359738368u));
+}
+
+TEST(SegmentSizeTest, AStrictFileHasASizeHoweverLargeItIs) {
+    EXPECT_TRUE(mkv::kStrictForm.fitsSegmentSizeField(34359738367u));
+    EXPECT_TRUE(mkv::kStrictForm.fitsSegmentSizeField((UINT64{1} << 56) - 2));
+    EXPECT_FALSE(mkv::kStrictForm.fitsSegmentSizeField((UINT64{1} << 56) - 1));
 }
 
 TEST_F(LargeSegmentTest, TheSizeFieldIsFilledUpToItsGreatestValueAndLeftUnknownAboveIt) {
     ASSERT_NE(m_data, nullptr);
-    const UINT64 nearTheLimit = mkv::kMaxSegmentDataBytes - 100000;
+    const UINT64 nearTheLimit = mkv::kCompatibleForm.maxSegmentDataBytes() - 100000;
     SegmentHeadWith(nearTheLimit);
-    const UINT64 attachedAtTheLimit = nearTheLimit + mkv::kMaxSegmentDataBytes - SegmentDataBytes();
+    const UINT64 attachedAtTheLimit = nearTheLimit + mkv::kCompatibleForm.maxSegmentDataBytes() - SegmentDataBytes();
 
     const auto atTheLimit = SegmentHeadWith(attachedAtTheLimit);
     EXPECT_EQ(SegmentDataBytes(), 34359738366u);
@@ -115,6 +124,18 @@ TEST_F(LargeSegmentTest, TheSizeFieldIsFilledUpToItsGreatestValueAndLeftUnknownA
 
     const auto farAbove = SegmentHeadWith(attachedAtTheLimit + 3000000000);
     EXPECT_TRUE(std::equal(farAbove.begin(), farAbove.end(), kUnknownSizeHead.begin(), kUnknownSizeHead.end()));
+}
+
+TEST_F(LargeSegmentTest, AStrictFileFarAboveThatHasItsSize) {
+    ASSERT_NE(m_data, nullptr);
+    const auto head = SegmentHeadWith(mkv::kCompatibleForm.maxSegmentDataBytes() + 3000000000, MuxProfile_Strict);
+    const UINT64 dataBytes = m_output.end() - kSegmentOffset - kStrictSegmentHeadBytes;
+    ASSERT_GT(dataBytes, mkv::kCompatibleForm.maxSegmentDataBytes());
+    std::vector<BYTE> expected{0x18, 0x53, 0x80, 0x67, 0x01};
+    for (int shift = 48; shift >= 0; shift -= 8) {
+        expected.push_back(static_cast<BYTE>(dataBytes >> shift));
+    }
+    EXPECT_EQ(head, expected);
 }
 
 } // namespace

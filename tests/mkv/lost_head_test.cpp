@@ -8,13 +8,15 @@ namespace {
 
 using test_support::StreamOperation;
 
-class LostHeadTest : public WriterTest {
+class LostHeadTest : public WriterTest, public testing::WithParamInterface<MuxProfile> {
   protected:
     // The head leaves in two writes: all before the tracks, and the tracks.
     void LoseWrite(UINT64 number) {
         m_stream.FailNth(StreamOperation::Write, number, STG_E_MEDIUMFULL);
         RegisterVideo();
-        Open();
+        records::FileOptions options;
+        options.profile = GetParam();
+        Open(options);
         for (INT64 frame = 0; frame < 3; ++frame) {
             Write(0, frame * 40 * kMs, (frame + 1) * 40 * kMs, true);
         }
@@ -26,12 +28,14 @@ class LostHeadTest : public WriterTest {
     }
 };
 
-TEST_F(LostHeadTest, WhatStandsBeforeTheTracksIsWrittenToItsPlaceAtTheEnd) {
+TEST_P(LostHeadTest, WhatStandsBeforeTheTracksIsWrittenToItsPlaceAtTheEnd) {
     LoseWrite(1);
 }
 
-TEST_F(LostHeadTest, TheTracksAreWrittenToTheirPlaceAtTheEnd) {
+TEST_P(LostHeadTest, TheTracksAreWrittenToTheirPlaceAtTheEnd) {
     LoseWrite(2);
 }
+
+INSTANTIATE_TEST_SUITE_P(Profiles, LostHeadTest, testing::Values(MuxProfile_Compatible, MuxProfile_Strict));
 
 } // namespace

@@ -27,9 +27,10 @@ UINT32 WriterTest::Register(const MediaTypeValue& type, const records::CTrackSet
     return m_tracks++;
 }
 
-void WriterTest::Open() {
+void WriterTest::Open(const records::FileOptions& options) {
+    m_isStrict = options.isStrict();
     m_io.setStream(&m_stream);
-    m_writer.Open(&m_io);
+    m_writer.Open(&m_io, options);
 }
 
 void WriterTest::Write(UINT32 stream, INT64 start, INT64 stop, bool syncPoint, const Bytes& payload) {
@@ -60,7 +61,8 @@ const WriterTest::Layout& WriterTest::File() {
         }
         const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
         if (m_forJudges) {
-            test_support::SaveForJudges(std::string(test->test_suite_name()) + "." + test->name(), m_bytes);
+            test_support::SaveForJudges(
+                std::string(test->test_suite_name()) + "." + test->name() + (m_isStrict ? ".strict" : ""), m_bytes);
         }
     }
     return *m_layout;

@@ -33,7 +33,7 @@ class WriterTest : public testing::Test {
     UINT32 RegisterAudio() { return Register(PcmType()); }
     UINT32 RegisterSubtitle() { return Register(Utf8Type()); }
 
-    void Open();
+    void Open(const records::FileOptions& options = {});
     // Times in units of 100 ns.
     void Write(UINT32 stream, INT64 start, INT64 stop, bool syncPoint = false, const Bytes& payload = {1, 2, 3});
     void WriteGroup(UINT32 stream, INT64 start, INT64 stop, const Bytes& payload = {'t', 'e', 'x', 't'});
@@ -59,6 +59,7 @@ class WriterTest : public testing::Test {
   private:
     UINT32 m_tracks = 0;
     bool m_forJudges = true;
+    bool m_isStrict = false; // the last file that was opened
     test_support::LayoutExpectations m_expected;
     Bytes m_bytes;
     Bytes m_snapshot;

@@ -1,0 +1,44 @@
+#include "mkv/compatible_info.h"
+
+#include <matroska/KaxInfoData.h>
+
+#include "mkv/cluster_rule.h"
+#include "mkv/element_values.h"
+#include "win/module_version.h"
+
+namespace mkv {
+
+namespace {
+
+constexpr UINT64 kPlaceHeadBytes = 3;
+
+} // namespace
+
+void CCompatibleInfo::open(bool /*isWebM*/, const Listing& /*list*/) {
+    m_place.SetSize(kPlaceBytes - kPlaceHeadBytes);
+    m_place.Render(m_io);
+}
+
+void CCompatibleInfo::resume(UINT64 /*tracks*/, const Listing& list) {
+    open(false, list);
+}
+
+void CCompatibleInfo::setDuration(double durationNs) {
+    SetChild<libmatroska::KaxTimecodeScale>(m_element, kTimecodeScaleNs);
+    // 4 bytes, the library's default, lose milliseconds after five hours.
+    libebml::GetChild<libmatroska::KaxDuration>(m_element).SetPrecision(libebml::EbmlFloat::FLOAT_64);
+    SetChild<libmatroska::KaxDuration>(m_element, durationNs / static_cast<double>(kTimecodeScaleNs));
+    SetUtf8Child<libmatroska::KaxMuxingApp>(m_element, kMuxingAppText);
+    SetUtf8Child<libmatroska::KaxWritingApp>(m_element, kWritingAppPrefix + win::ModuleVersionText());
+}
+
+// One that does not fit or was lost is not listed; the place then stays as it is, and is as long.
+void CCompatibleInfo::patch(const Patch& arrives, const Listing& list) {
+    UINT64 replaced = INVALID_FILEPOS_T;
+    const bool arrived = arrives([&] { replaced = m_place.ReplaceWith(m_element, m_io, true, true); });
+    if (arrived && replaced != INVALID_FILEPOS_T) {
+        list(m_element);
+    }
+}
+
+} // namespace mkv

@@ -1,0 +1,69 @@
+#include "mkv/strict_info.h"
+
+#include <ebml/EbmlVoid.h>
+
+#include "mkv/cluster_rule.h"
+#include "mkv/element_values.h"
+#include "win/utf8_text.h"
+
+namespace mkv {
+
+namespace {
+
+constexpr UINT64 kVoidHeadBytes = 2;
+
+} // namespace
+
+// WebM has no identifier of the segment.
+void CStrictInfo::open(bool isWebM, const Listing& list) {
+    fill();
+    if (!isWebM) {
+        const CIdentifiers::Uuid uuid = m_identifiers.nextUuid();
+        libebml::GetChild<libmatroska::KaxSegmentUID>(m_element).CopyBuffer(uuid.data(),
+                                                                            static_cast<uint32>(uuid.size()));
+    }
+    if (const std::string title = win::Utf8FromWide(m_options.title.c_str()); !title.empty()) {
+        SetUtf8Child<libmatroska::KaxTitle>(m_element, title);
+    }
+    libebml::AddNewChild<libebml::EbmlVoid>(m_element).SetSize(kDurationBytes - kVoidHeadBytes);
+    render(list);
+    m_durationPlace = m_io.getFilePointer() - kDurationBytes;
+}
+
+// What lies there says more, and stays.
+void CStrictInfo::resume(UINT64 tracks, const Listing& list) {
+    fill();
+    render(list);
+    m_durationPlace = tracks - kDurationBytes;
+}
+
+void CStrictInfo::fill() {
+    SetChild<libmatroska::KaxTimecodeScale>(m_element, kTimecodeScaleNs);
+    SetUtf8Child<libmatroska::KaxMuxingApp>(m_element, m_origin.muxingApp);
+    SetUtf8Child<libmatroska::KaxWritingApp>(m_element, m_origin.writingApp);
+    SetChild<libmatroska::KaxDateUTC>(m_element, m_origin.startedS);
+}
+
+void CStrictInfo::render(const Listing& list) {
+    m_element.Render(m_io, true);
+    list(m_element);
+}
+
+// A file without any block has none: it is never 0.
+void CStrictInfo::setDuration(double durationNs) {
+    m_hasDuration = durationNs > 0;
+    m_duration.SetPrecision(libebml::EbmlFloat::FLOAT_64);
+    m_duration.SetValue(durationNs / static_cast<double>(kTimecodeScaleNs));
+}
+
+void CStrictInfo::patch(const Patch& arrives, const Listing& /*list*/) {
+    if (!m_hasDuration) {
+        return;
+    }
+    (void)arrives([this] {
+        m_io.moveTo(m_durationPlace);
+        m_duration.Render(m_io);
+    });
+}
+
+} // namespace mkv
