@@ -1,8 +1,7 @@
 // CStrictCluster: the open cluster of the strict profile. Its time is the start of its earliest block, which is known
 // only when it is written: until then blocks have the times of their packets, and rooms for their offsets.
-// Units: ms of the packets, bytes. Owner: the strict cluster writer. Threads: the writer's. Its memory is used again for
-// the next cluster.
-// Errors: std::bad_alloc, nothing is added then; what the output throws.
+// Units: ms of the packets, bytes. Owner: the strict cluster writer. Threads: the writer's. Its memory is used again
+// for the next cluster. Errors: std::bad_alloc, nothing is added then; what the output throws.
 #pragma once
 
 #include <span>
@@ -21,7 +20,7 @@ class CStrictCluster {
         PacketTimes times;
         bool isKeyframe = true;
         bool isCuePoint = false;
-        bool isText = false;       // a block group; its cue point has its duration
+        bool isText = false;         // a block group; its cue point has its duration
         UINT64 discardPaddingNs = 0; // makes it a block group, too
     };
     // A block with what is known once it stands in the cluster.

@@ -14,9 +14,8 @@ namespace {
 constexpr INT64 kSoundCueDistanceMs = 2000;
 
 std::optional<UINT32> FirstOf(INT32 trackType, const TrackList& tracks) {
-    const auto found = std::find_if(tracks.begin(), tracks.end(), [trackType](const Track& track) {
-        return TrackTypeOf(track.type) == trackType;
-    });
+    const auto found = std::find_if(tracks.begin(), tracks.end(),
+                                    [trackType](const Track& track) { return TrackTypeOf(track.type) == trackType; });
     return found == tracks.end() ? std::nullopt : std::optional(static_cast<UINT32>(found - tracks.begin()));
 }
 
