@@ -88,7 +88,7 @@ HRESULT CPersistStream::LoadFrom(IStream* pStream) {
     }
     if (SUCCEEDED(hr)) {
         mPS_dwFileVersion = version;
-        hr = ReadFromStream(pStream);
+        hr = ReadVersionFromStream(pStream, version);
     }
     if (SUCCEEDED(hr)) {
         mPS_fDirty = FALSE; // it is what the stream holds
@@ -97,9 +97,10 @@ HRESULT CPersistStream::LoadFrom(IStream* pStream) {
 }
 
 HRESULT CPersistStream::SaveTo(IStream* pStream, BOOL fClearDirty) {
-    HRESULT hr = WriteVersion(pStream, GetSoftwareVersion());
+    const DWORD version = GetSoftwareVersion();
+    HRESULT hr = WriteVersion(pStream, version);
     if (SUCCEEDED(hr)) {
-        hr = WriteToStream(pStream);
+        hr = WriteVersionToStream(pStream, version);
     }
     if (SUCCEEDED(hr) && fClearDirty) {
         mPS_fDirty = FALSE;
@@ -113,6 +114,14 @@ HRESULT CPersistStream::WriteToStream(IStream* /*pStream*/) {
 
 HRESULT CPersistStream::ReadFromStream(IStream* /*pStream*/) {
     return S_OK;
+}
+
+HRESULT CPersistStream::WriteVersionToStream(IStream* pStream, DWORD /*dwVersion*/) {
+    return WriteToStream(pStream);
+}
+
+HRESULT CPersistStream::ReadVersionFromStream(IStream* pStream, DWORD /*dwVersion*/) {
+    return ReadFromStream(pStream);
 }
 
 HRESULT CPersistStream::SetDirty(BOOL fDirty) {

@@ -24,6 +24,10 @@ class CPersistStream : public IPersistStream {
     virtual int SizeMax() { return 0; }
     virtual HRESULT WriteToStream(IStream* pStream);
     virtual HRESULT ReadFromStream(IStream* pStream);
+    // The same for objects whose body has more than one form: told what the header of this very stream says, whatever
+    // other threads save or load meanwhile.
+    virtual HRESULT WriteVersionToStream(IStream* pStream, DWORD dwVersion);
+    virtual HRESULT ReadVersionFromStream(IStream* pStream, DWORD dwVersion);
     // Written before the body; mPS_dwFileVersion holds what Load found there.
     virtual DWORD GetSoftwareVersion() { return 0; }
 

@@ -44,15 +44,17 @@ DEFINE_GUID(MKVMUX_InputCount, 0xf2573ec4, 0x0896, 0x4ab3, 0xbd, 0x54, 0x3e, 0x1
 // Set and get, VARIANT::ulVal: a MuxProfile; E_INVALIDARG for others.
 DEFINE_GUID(MKVMUX_Profile, 0xeaa75000, 0x2f0b, 0x4a2f, 0xb6, 0x92, 0xad, 0x15, 0x74, 0x62, 0x17, 0x4f);
 // Set and get, VARIANT::byref: a MuxTrackFlags record; its index chooses the input. E_INVALIDARG for an index without
-// a row and for a value that is no MuxFlag. Written by the strict profile alone.
+// a row and for a value that is no MuxFlag; nothing is changed then. Written by the strict profile alone.
 DEFINE_GUID(MKVMUX_TrackFlags, 0x0535d624, 0x29dc, 0x441c, 0xb1, 0x97, 0xf5, 0x10, 0x94, 0xc6, 0xde, 0x27);
-// Set and get, VARIANT::bstrVal: the title of the file; empty for none. What is got is the caller's to free. Written by
-// the strict profile alone.
+// Set and get, VARIANT::bstrVal: the title of the file; null or empty for none. E_INVALIDARG for more than 32,767
+// characters and for a null character within. What is got is the caller's to free; what stood in the VARIANT is not
+// freed. Written by the strict profile alone.
 DEFINE_GUID(MKVMUX_Title, 0x8e381704, 0x0ef5, 0x4d3a, 0x8a, 0xc8, 0x3b, 0x55, 0xb7, 0x10, 0x5d, 0xaa);
 // Set and get, VARIANT::ullVal: where the strict profile takes its identifiers and its date from, so that the same
 // packets make the same file; 0 for the system's random numbers and clock.
 DEFINE_GUID(MKVMUX_Seed, 0x9ad118ee, 0xd9ac, 0x4810, 0x85, 0xec, 0x5c, 0xa1, 0x3f, 0xbc, 0xee, 0xa0);
-// Set and get, VARIANT::ulVal: whether the strict profile writes statistics tags; 1, as at first, or 0; E_INVALIDARG for others.
+// Set and get, VARIANT::ulVal: whether the strict profile writes statistics tags: 1, as at first, or 0; E_INVALIDARG for
+// others.
 DEFINE_GUID(MKVMUX_TrackStatistics, 0xa461331f, 0xa1cf, 0x4494, 0x82, 0x35, 0x94, 0xfc, 0x75, 0xda, 0xd4, 0x78);
 
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
@@ -151,8 +153,9 @@ struct MuxAttachment {
 // ---- The parameter interface ------------------------------------------------------------------------------------
 
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
-// rows, document type and attachments reach the file when streaming starts, and a file that is being written keeps what
-// it began with. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
+// rows, document type, attachments, profile, flags, title, seed and statistics reach the file when streaming starts,
+// and a file that is being written keeps what it began with. The log directory takes effect at once. The VARIANT's type
+// tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

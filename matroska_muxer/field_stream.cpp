@@ -1,6 +1,7 @@
 #include "matroska_muxer/field_stream.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "dshow/stream_io.h"
@@ -8,6 +9,7 @@
 namespace {
 
 constexpr UINT64 kPieceBytes = 1048576; // 1 MiB
+constexpr size_t kSkippedBytes = 4096;  // at a time
 
 } // namespace
 
@@ -44,4 +46,13 @@ win::Bstr CFieldReader::ReadText(UINT64 bytes) {
         std::memcpy(text.data(), raw.data(), text.size() * sizeof(WCHAR));
     }
     return win::Bstr(text);
+}
+
+void CFieldReader::Skip(UINT64 size) {
+    std::array<BYTE, kSkippedBytes> bytes{};
+    while (size > 0) {
+        const auto piece = static_cast<ULONG>(std::min<UINT64>(bytes.size(), size));
+        ReadInto(bytes.data(), piece);
+        size -= piece;
+    }
 }

@@ -46,6 +46,8 @@ class CFieldReader {
     [[nodiscard]] std::vector<BYTE> ReadBytes(UINT64 size);
     // The code units that those bytes hold; an odd last byte is read and dropped.
     [[nodiscard]] win::Bstr ReadText(UINT64 bytes);
+    // By reading: not every stream can seek.
+    void Skip(UINT64 size);
 
   private:
     void ReadInto(void* buffer, ULONG size);

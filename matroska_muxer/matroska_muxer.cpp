@@ -87,12 +87,16 @@ HRESULT CMatroskaMuxer::GetValue(const GUID* key, VARIANT* value) noexcept {
     return ComGuard([&] { return m_parameters->Get(*key, *value); });
 }
 
-HRESULT CMatroskaMuxer::WriteToStream(IStream* stream) {
-    return m_parameters->Save(*stream);
+DWORD CMatroskaMuxer::GetSoftwareVersion() {
+    return m_parameters->FormatToSave();
 }
 
-HRESULT CMatroskaMuxer::ReadFromStream(IStream* stream) {
-    return m_parameters->Load(*stream);
+HRESULT CMatroskaMuxer::WriteVersionToStream(IStream* stream, DWORD version) {
+    return m_parameters->Save(*stream, version);
+}
+
+HRESULT CMatroskaMuxer::ReadVersionFromStream(IStream* stream, DWORD version) {
+    return m_parameters->Load(*stream, version);
 }
 
 int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {

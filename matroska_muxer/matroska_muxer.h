@@ -47,8 +47,9 @@ class CMatroskaMuxer final : public CBaseMux,
     STDMETHODIMP GetValue(const GUID* key, VARIANT* value) noexcept override;
 
     // CPersistStream
-    HRESULT WriteToStream(IStream* stream) override;
-    HRESULT ReadFromStream(IStream* stream) override;
+    DWORD GetSoftwareVersion() override;
+    HRESULT WriteVersionToStream(IStream* stream, DWORD version) override;
+    HRESULT ReadVersionFromStream(IStream* stream, DWORD version) override;
 
     // CBaseMux
     int CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) override;

@@ -9,6 +9,8 @@
 #include "dshow/ref_time.h"
 #include "log/logger.h"
 #include "matroska_muxer/field_stream.h"
+#include "matroska_muxer/option_parameters.h"
+#include "matroska_muxer/options_block.h"
 #include "matroska_muxer/record_fields.h"
 #include "mkv/mkv_writer.h"
 #include "mux/connected_inputs.h"
@@ -113,29 +115,6 @@ void ReadAttachments(const ParameterTargets& targets, CFieldReader& in) {
     }
 }
 
-// ---- What the strict profile writes ---------------------------------------------------------------------------------
-
-template <typename Change>
-bool ChangeOptions(const ParameterTargets& targets, Change change) {
-    records::FileOptions options = targets.options.Get();
-    change(options);
-    return targets.options.Set(std::move(options));
-}
-
-HRESULT SetProfile(const ParameterTargets& targets, const VARIANT& value, bool& changed) {
-    const UINT32 profile = V_UI4(&value);
-    if (profile != MuxProfile_Compatible && profile != MuxProfile_Strict) {
-        return E_INVALIDARG;
-    }
-    changed = ChangeOptions(targets, [&](auto& options) { options.profile = static_cast<MuxProfile>(profile); });
-    return S_OK;
-}
-
-HRESULT GetProfile(const ParameterTargets& targets, VARIANT& value) {
-    V_UI4(&value) = targets.options.Get().profile;
-    return S_OK;
-}
-
 // ---- What is not saved ---------------------------------------------------------------------------------------------
 
 HRESULT SetLogDirectory(const ParameterTargets& /*targets*/, const VARIANT& value, bool& /*changed*/) {
@@ -179,14 +158,18 @@ constexpr Saved kSavedRows{WriteRows, ReadRows};
 constexpr Saved kSavedDocType{WriteDocType, ReadDocType};
 constexpr Saved kSavedAttachments{WriteAttachments, ReadAttachments};
 
-// The rows that are saved are saved in this order, which every graph file out there has. What a later version adds is
-// saved behind them all, in a block with a tag of its own that is written only when a value differs from its default;
-// so configurations that do not use it stay as they are.
+// The rows that are saved are saved in this order, which every graph file out there has. The options follow in a block
+// (options_block.h), which is written only when one of them differs from its default; so configurations that do not use
+// them stay as they are. What a later version adds gets a tag in that block.
 constexpr Parameter kParameters[] = {
     {MKVMUX_TrackInfo, SetTrackInfo, GetTrackInfo, &kSavedRows},
     {MKVMUX_DocType, SetDocType, GetDocType, &kSavedDocType},
     {MKVMUX_Attachment, AddAttachment, nullptr, &kSavedAttachments},
     {MKVMUX_Profile, SetProfile, GetProfile},
+    {MKVMUX_TrackFlags, SetTrackFlags, GetTrackFlags},
+    {MKVMUX_Title, SetTitle, GetTitle},
+    {MKVMUX_Seed, SetSeed, GetSeed},
+    {MKVMUX_TrackStatistics, SetTrackStatistics, GetTrackStatistics},
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},
@@ -199,15 +182,20 @@ const Parameter* Find(const GUID& key) {
     return found == std::end(kParameters) ? nullptr : found;
 }
 
+template <typename Body>
+void ForEverySaved(Body body) {
+    for (const Parameter& parameter : kParameters) {
+        if (parameter.saved != nullptr) {
+            body(*parameter.saved);
+        }
+    }
+}
+
 // What the body throws as a failure of the stream becomes its HRESULT.
 template <typename Body>
-HRESULT OnEverySaved(Body body) {
+HRESULT GuardStream(Body body) {
     try {
-        for (const Parameter& parameter : kParameters) {
-            if (parameter.saved != nullptr) {
-                body(*parameter.saved);
-            }
-        }
+        body();
         return S_OK;
     } catch (const StreamFailure& failure) {
         return failure.hr;
@@ -230,12 +218,30 @@ HRESULT CMuxerParameters::Get(const GUID& key, VARIANT& value) const {
     return parameter == nullptr || parameter->get == nullptr ? E_FAIL : parameter->get(m_targets, value);
 }
 
-HRESULT CMuxerParameters::Save(IStream& stream) const {
-    CFieldWriter out(stream);
-    return OnEverySaved([&](const Saved& saved) { saved.write(m_targets, out); });
+DWORD CMuxerParameters::FormatToSave() const {
+    return m_options.All().IsDefault() ? kPlainFormat : kFormatWithOptions;
 }
 
-HRESULT CMuxerParameters::Load(IStream& stream) {
-    CFieldReader in(stream);
-    return OnEverySaved([&](const Saved& saved) { saved.read(m_targets, in); });
+HRESULT CMuxerParameters::Save(IStream& stream, DWORD format) const {
+    return GuardStream([&] {
+        CFieldWriter out(stream);
+        ForEverySaved([&](const Saved& saved) { saved.write(m_targets, out); });
+        if (format == kFormatWithOptions) {
+            WriteOptionsBlock(out, m_options.All());
+        }
+    });
+}
+
+HRESULT CMuxerParameters::Load(IStream& stream, DWORD format) {
+    return GuardStream([&] {
+        CFieldReader in(stream);
+        ForEverySaved([&](const Saved& saved) { saved.read(m_targets, in); });
+        records::AllOptions options;
+        if (format == kFormatWithOptions) {
+            options = ReadOptionsBlock(in);
+        }
+        // As SetValue would refuse them.
+        std::erase_if(options.flags, [this](const auto& flags) { return !m_rows.Has(flags.first); });
+        m_options.ReplaceAll(std::move(options));
+    });
 }

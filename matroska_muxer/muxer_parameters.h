@@ -31,10 +31,16 @@ class CMuxerParameters {
     // Only the key's own field of the value is written, its type tag is not.
     [[nodiscard]] HRESULT Get(const GUID& key, VARIANT& value) const;
 
-    // The saved parameters as bytes, the body behind the version header of the filter's persisted stream.
-    [[nodiscard]] HRESULT Save(IStream& stream) const;
-    // Replaces the rows, sets the document type and adds the attachments. Rows that were read before an error stay.
-    [[nodiscard]] HRESULT Load(IStream& stream);
+    // The number in the version header of the filter's persisted stream tells whether the options' block follows the
+    // fields that every stream has; a reader of those alone does not look at it.
+    static constexpr DWORD kPlainFormat = 0;
+    static constexpr DWORD kFormatWithOptions = 1;
+    [[nodiscard]] DWORD FormatToSave() const;
+    // The saved parameters as bytes, the body behind that header.
+    [[nodiscard]] HRESULT Save(IStream& stream, DWORD format) const;
+    // Replaces rows and options, sets the document type and adds the attachments. Rows that were read before an error
+    // stay; the options change all or none.
+    [[nodiscard]] HRESULT Load(IStream& stream, DWORD format);
 
     // One for each of the first 100 inputs.
     [[nodiscard]] const records::CTrackSettingsTable& Rows() const { return m_rows; }

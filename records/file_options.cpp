@@ -1,14 +1,18 @@
 #include "records/file_options.h"
 
-#include <tuple>
-#include <utility>
+#include <algorithm>
+#include <array>
 
 namespace records {
 
 namespace {
 
-auto ValuesOf(const MuxTrackFlags& flags) {
-    return std::tuple(flags.forced, flags.hearingImpaired, flags.visualImpaired, flags.original, flags.commentary);
+std::array<BYTE, 5> ValuesOf(const MuxTrackFlags& flags) {
+    return {flags.forced, flags.hearingImpaired, flags.visualImpaired, flags.original, flags.commentary};
+}
+
+bool IsFlag(BYTE value) {
+    return value == MuxFlag_Off || value == MuxFlag_On || value == MuxFlag_Unset;
 }
 
 } // namespace
@@ -17,38 +21,57 @@ MuxTrackFlags UnsetTrackFlags(INT32 index) {
     return {index, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset};
 }
 
-FileOptions CFileOptions::Get() const {
-    const win::LockGuard lock(m_lock);
-    return m_options;
+bool AreAllUnset(const MuxTrackFlags& flags) {
+    return ValuesOf(flags) == ValuesOf(UnsetTrackFlags(flags.index));
 }
 
-bool CFileOptions::Set(FileOptions options) {
+bool IsProfile(UINT32 value) {
+    return value == MuxProfile_Compatible || value == MuxProfile_Strict;
+}
+
+bool IsTitle(WideStringView text) {
+    return text.size() <= kMaxTitleLength && text.find(WCHAR{}) == WideStringView::npos;
+}
+
+bool AreTrackFlags(const MuxTrackFlags& flags) {
+    const auto values = ValuesOf(flags);
+    return std::all_of(values.begin(), values.end(), IsFlag);
+}
+
+FileOptions CFileOptions::Get() const {
     const win::LockGuard lock(m_lock);
-    const bool changed = !(m_options == options);
-    m_options = std::move(options);
-    return changed;
+    return m_all.file;
 }
 
 MuxTrackFlags CFileOptions::FlagsOf(INT32 index) const {
     const win::LockGuard lock(m_lock);
-    const auto found = m_flags.find(index);
-    return found == m_flags.end() ? UnsetTrackFlags(index) : found->second;
+    const auto found = m_all.flags.find(index);
+    return found == m_all.flags.end() ? UnsetTrackFlags(index) : found->second;
 }
 
 bool CFileOptions::SetFlags(const MuxTrackFlags& flags) {
     const win::LockGuard lock(m_lock);
-    const auto found = m_flags.find(flags.index);
-    const MuxTrackFlags unset = UnsetTrackFlags(flags.index);
-    const MuxTrackFlags before = found == m_flags.end() ? unset : found->second;
+    const auto found = m_all.flags.find(flags.index);
+    const MuxTrackFlags before = found == m_all.flags.end() ? UnsetTrackFlags(flags.index) : found->second;
     if (ValuesOf(before) == ValuesOf(flags)) {
         return false;
     }
-    if (ValuesOf(flags) == ValuesOf(unset)) {
-        m_flags.erase(found);
+    if (AreAllUnset(flags)) {
+        m_all.flags.erase(found);
     } else {
-        m_flags[flags.index] = flags;
+        m_all.flags[flags.index] = flags;
     }
     return true;
+}
+
+AllOptions CFileOptions::All() const {
+    const win::LockGuard lock(m_lock);
+    return m_all;
+}
+
+void CFileOptions::ReplaceAll(AllOptions all) {
+    const win::LockGuard lock(m_lock);
+    m_all = std::move(all);
 }
 
 } // namespace records

@@ -1,21 +1,24 @@
 // FileOptions: what the application asks of the files to come, beside rows, document type and attachments.
-// CFileOptions: the same with a lock, together with the flags of the tracks.
+// AllOptions: the same with the flags of the tracks. CFileOptions: all of them with a lock.
 //
 // Owner: the filter; values are copied in and out. Threads: CFileOptions any, one lock. Errors: std::bad_alloc.
 #pragma once
 
 #include <map>
-#include <string>
+#include <utility>
 
 #include <qrx_mkvmuxer.h>
 
 #include "win/critical_section.h"
+#include "win/wide_string.h"
 
 namespace records {
 
+constexpr size_t kMaxTitleLength = 32767; // UTF-16 code units
+
 struct FileOptions {
     MuxProfile profile = MuxProfile_Compatible;
-    std::wstring title;
+    WideString title;
     UINT64 seed = 0; // 0: none
     bool trackStatistics = true;
 
@@ -23,22 +26,45 @@ struct FileOptions {
     bool operator==(const FileOptions&) const = default;
 };
 
+struct AllOptions {
+    FileOptions file;
+    std::map<INT32, MuxTrackFlags> flags; // by input; those that are not all unset
+
+    [[nodiscard]] bool IsDefault() const { return flags.empty() && file == FileOptions(); }
+};
+
 // All unset.
 [[nodiscard]] MuxTrackFlags UnsetTrackFlags(INT32 index);
+[[nodiscard]] bool AreAllUnset(const MuxTrackFlags& flags);
+
+// What may be set. A title ends where a null character stands in it; one that has any is none.
+[[nodiscard]] bool IsProfile(UINT32 value);
+[[nodiscard]] bool IsTitle(WideStringView text);
+[[nodiscard]] bool AreTrackFlags(const MuxTrackFlags& flags);
 
 class CFileOptions {
   public:
     [[nodiscard]] FileOptions Get() const;
-    // Whether anything changed.
-    [[nodiscard]] bool Set(FileOptions options);
+    // Whether the edit, which is called with the options and the lock, changed any.
+    template <typename Edit>
+    bool Change(Edit edit) {
+        const win::LockGuard lock(m_lock);
+        FileOptions changed = m_all.file;
+        edit(changed);
+        const bool isChange = !(changed == m_all.file);
+        m_all.file = std::move(changed);
+        return isChange;
+    }
     [[nodiscard]] MuxTrackFlags FlagsOf(INT32 index) const;
     // Whether anything changed.
-    [[nodiscard]] bool SetFlags(const MuxTrackFlags& flags);
+    bool SetFlags(const MuxTrackFlags& flags);
+
+    [[nodiscard]] AllOptions All() const;
+    void ReplaceAll(AllOptions all);
 
   private:
     mutable win::CriticalSection m_lock;
-    FileOptions m_options QRX_GUARDED_BY(m_lock);
-    std::map<INT32, MuxTrackFlags> m_flags QRX_GUARDED_BY(m_lock); // by input; those that are not all unset
+    AllOptions m_all QRX_GUARDED_BY(m_lock);
 };
 
 } // namespace records

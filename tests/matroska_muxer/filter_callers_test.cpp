@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "tests/matroska_muxer/caller_rig.h"
+#include "tests/matroska_muxer/golden_configuration.h"
 #include "tests/support/known_interfaces.h"
 
 using namespace test_support;
@@ -154,6 +155,12 @@ std::vector<BYTE> HeaderAndRubbish() {
     return bytes;
 }
 
+// Where the options should be, rubbish.
+std::vector<BYTE> OptionsThatAreNone() {
+    golden::Golden bytes;
+    return bytes.HeaderOfOptions().Append(golden::FreshBody()).Append(std::vector<BYTE>(64, 0xff)).Get();
+}
+
 template <typename Interface>
 void AddPersistRows(InterfaceTable<Interface>& table) {
     const HRESULT tooShort = HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
@@ -167,6 +174,9 @@ void AddPersistRows(InterfaceTable<Interface>& table) {
         .With(
             "Load of no number", &Interface::Load,
             [](Interface& p) { return LoadBytes(p, std::vector<BYTE>(500, 0xee)); }, VFW_E_INVALID_FILE_FORMAT)
+        .With(
+            "Load of options that are none", &Interface::Load,
+            [](Interface& p) { return LoadBytes(p, OptionsThatAreNone()); }, VFW_E_INVALID_FILE_FORMAT)
         .With(
             "Load of rows without end", &Interface::Load, [](Interface& p) { return LoadBytes(p, HeaderAndRubbish()); },
             tooShort);
@@ -221,6 +231,46 @@ HRESULT SetWildDocType(IModuleConfig& config) {
     const HRESULT hr = config.SetValue(&MKVMUX_DocType, &value);
     EXPECT_EQ(S_OK, config.GetValue(&MKVMUX_DocType, &value));
     EXPECT_EQ(0u, V_UI4(&value)) << "as it was";
+    return hr;
+}
+
+HRESULT SetNumber(IModuleConfig& config, const GUID& key, UINT32 number) {
+    VARIANT value{};
+    V_UI4(&value) = number;
+    return config.SetValue(&key, &value);
+}
+
+HRESULT GetAny(IModuleConfig& config, const GUID& key) {
+    VARIANT value{};
+    return config.GetValue(&key, &value);
+}
+
+HRESULT SetFlags(IModuleConfig& config, INT32 index, BYTE forced) {
+    MuxTrackFlags flags{index, forced, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset};
+    const HRESULT hr = SetBy(config, MKVMUX_TrackFlags, &flags);
+    flags = {0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(S_OK, GetBy(config, MKVMUX_TrackFlags, &flags));
+    EXPECT_EQ(MuxFlag_Unset, flags.forced) << "as it was";
+    return hr;
+}
+
+HRESULT GetFlags(IModuleConfig& config, INT32 index) {
+    MuxTrackFlags flags{index, 0, 0, 0, 0, 0};
+    return GetBy(config, MKVMUX_TrackFlags, &flags);
+}
+
+// A string that says that it is 4 GiB long, and has room for nothing.
+HRESULT SetMonsterTitle(IModuleConfig& config) {
+    alignas(8) UINT32 memory[4] = {0, 0xfffffffe, 0, 0};
+    return SetBy(config, MKVMUX_Title, &memory[2]);
+}
+
+HRESULT GetTitle(IModuleConfig& config) {
+    VARIANT value{};
+    V_BSTR(&value) = reinterpret_cast<BSTR>(8); // not followed, not freed
+    const HRESULT hr = config.GetValue(&MKVMUX_Title, &value);
+    EXPECT_EQ(0u, SysStringLen(V_BSTR(&value)));
+    SysFreeString(V_BSTR(&value));
     return hr;
 }
 
@@ -292,10 +342,58 @@ void AddValueRows(InterfaceTable<IModuleConfig>& table) {
             "a number of inputs", set, [](IModuleConfig& c) { return SetBy(c, MKVMUX_InputCount, nullptr); }, E_FAIL);
 }
 
+void AddOptionRows(InterfaceTable<IModuleConfig>& table) {
+    const auto set = &IModuleConfig::SetValue;
+    const auto get = &IModuleConfig::GetValue;
+    table
+        .With(
+            "a profile that is none", set, [](IModuleConfig& c) { return SetNumber(c, MKVMUX_Profile, 2); },
+            E_INVALIDARG)
+        .With(
+            "a profile back", get, [](IModuleConfig& c) { return GetAny(c, MKVMUX_Profile); }, S_OK)
+        .With(
+            "flags that are none", set, [](IModuleConfig& c) { return SetBy(c, MKVMUX_TrackFlags, nullptr); },
+            E_POINTER)
+        .With(
+            "flags into nothing", get, [](IModuleConfig& c) { return GetBy(c, MKVMUX_TrackFlags, nullptr); }, E_POINTER)
+        .With(
+            "flags of row -1", set, [](IModuleConfig& c) { return SetFlags(c, -1, MuxFlag_On); }, E_INVALIDARG)
+        .With(
+            "flags of row 100", set, [](IModuleConfig& c) { return SetFlags(c, 100, MuxFlag_On); }, E_INVALIDARG)
+        .With(
+            "flags of the least row", set, [](IModuleConfig& c) { return SetFlags(c, kLeast, MuxFlag_On); },
+            E_INVALIDARG)
+        .With(
+            "flags of the last row of all", set, [](IModuleConfig& c) { return SetFlags(c, kMost, MuxFlag_On); },
+            E_INVALIDARG)
+        .With(
+            "a flag that is none", set, [](IModuleConfig& c) { return SetFlags(c, 0, 2); }, E_INVALIDARG)
+        .With(
+            "flags of row -1 back", get, [](IModuleConfig& c) { return GetFlags(c, -1); }, E_INVALIDARG)
+        .With(
+            "flags of row 100 back", get, [](IModuleConfig& c) { return GetFlags(c, 100); }, E_INVALIDARG)
+        .With(
+            "flags that nobody set", get, [](IModuleConfig& c) { return GetFlags(c, 99); }, S_OK)
+        .With(
+            "no title", set, [](IModuleConfig& c) { return SetBy(c, MKVMUX_Title, nullptr); }, S_OK)
+        .With("a title of 4 GiB", set, SetMonsterTitle, E_INVALIDARG)
+        .With("a title back, over rubbish", get, GetTitle, S_OK)
+        .With(
+            "a seed", set, [](IModuleConfig& c) { return SetNumber(c, MKVMUX_Seed, 0xffffffff); }, S_OK)
+        .With(
+            "a seed back", get, [](IModuleConfig& c) { return GetAny(c, MKVMUX_Seed); }, S_OK)
+        .With(
+            "statistics that are neither", set,
+            [](IModuleConfig& c) { return SetNumber(c, MKVMUX_TrackStatistics, 2); }, E_INVALIDARG)
+        .With(
+            "statistics back", get, [](IModuleConfig& c) { return GetAny(c, MKVMUX_TrackStatistics); }, S_OK);
+}
+
 InterfaceTable<IModuleConfig> ConfigTable() {
     InterfaceTable<IModuleConfig> table("IModuleConfig");
     AddPersistRows(table);
     AddValueRows(table);
+    AddOptionRows(table);
     table.Nulls("DescribeValue", &IModuleConfig::DescribeValue, E_NOTIMPL)
         .With(
             "DescribeValue", &IModuleConfig::DescribeValue,

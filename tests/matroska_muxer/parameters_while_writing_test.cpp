@@ -33,9 +33,17 @@ class Asker {
   private:
     void AskValues() {
         VARIANT value{};
-        for (const GUID* key : {&MKVMUX_InputCount, &MKVMUX_DocType, &MKVMUX_Position}) {
+        for (const GUID* key : {&MKVMUX_InputCount, &MKVMUX_DocType, &MKVMUX_Position, &MKVMUX_Profile, &MKVMUX_Seed,
+                                &MKVMUX_TrackStatistics}) {
             EXPECT_EQ(S_OK, m_config->GetValue(key, &value));
         }
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_Title, &value));
+        SysFreeString(V_BSTR(&value));
+        MuxTrackFlags flags{};
+        V_BYREF(&value) = &flags;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackFlags, &value));
+        flags.forced = MuxFlag_On;
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackFlags, &value));
         TrackSettings row{};
         V_BYREF(&value) = &row;
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackInfo, &value));
@@ -47,7 +55,13 @@ class Asker {
     void SetValues() {
         VARIANT value{};
         V_UI4(&value) = 0;
-        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_DocType, &value));
+        for (const GUID* key : {&MKVMUX_DocType, &MKVMUX_Profile, &MKVMUX_TrackStatistics}) {
+            EXPECT_EQ(S_OK, m_config->SetValue(key, &value));
+        }
+        V_UI8(&value) = static_cast<UINT64>(m_rounds.load());
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Seed, &value));
+        V_BSTR(&value) = nullptr;
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Title, &value));
         V_BSTR(&value) = nullptr;
         EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_LogDirectory, &value));
         MuxAttachment attachment{};
