@@ -26,14 +26,23 @@ def encoded(codec, container, *options):
     return done.stdout
 
 
-def configuration(rows):
-    """As the filter saves it: a version text, rows of track settings, the document type, no attachment."""
-    text = "00000000000 ".encode("utf-16-le")
+def configuration(rows, options=b""):
+    """As the filter saves it: a version text, rows of track settings, the document type, an attachment, and behind it
+    the block of options, which the version tells of."""
+    text = ("00000000001 " if options else "00000000000 ").encode("utf-16-le")
     row = lambda i: (struct.pack("<BBBIi", 1, 0, 0, i, -1) + struct.pack("<I", 7) + "English".encode("utf-16-le") +
                      struct.pack("<I", 1) + "n".encode("utf-16-le"))
     attachment = b"".join(struct.pack("<I", len(part)) + part for part in (b"a\0", b"", b"text/plain", b"data"))
     return (text + struct.pack("<Q", rows) + b"".join(map(row, range(rows))) + struct.pack("<I", 0) +
-            struct.pack("<I", 1) + attachment + struct.pack("<Q", 7))
+            struct.pack("<I", 1) + attachment + struct.pack("<Q", 7) + options)
+
+
+def options_block():
+    """A field of each tag, and one that nobody knows."""
+    fields = [(1, struct.pack("<I", 1)), (2, "t".encode("utf-16-le")), (3, struct.pack("<Q", 5)), (4, b"\0"),
+              (5, struct.pack("<IBBBBB", 1, 1, 0, 255, 1, 255)), (6, b"later")]
+    body = b"".join(struct.pack("<II", tag, len(value)) + value for tag, value in fields)
+    return b"QRXO" + struct.pack("<II", 1, len(body)) + body
 
 
 def track(kind, size):
@@ -107,6 +116,7 @@ def seeds():
     yield "text", "whole.ass", ASS
     yield "text", "whole.srt", SRT
     yield "configuration", "two_rows", configuration(2)
+    yield "configuration", "options", configuration(2, options_block())
     for number in range(20):
         for size in (0, 18, 40, 88, 140, 300):
             yield "format_blocks", f"{number}_{size}", bytes([number, number, number, 0, 0]) + bytes(size)
