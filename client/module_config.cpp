@@ -121,6 +121,73 @@ HRESULT ModuleConfig::SetDocType(MuxDocType docType) const {
     return SetNumber(MKVMUX_DocType, static_cast<UINT32>(docType));
 }
 
+HRESULT ModuleConfig::GetProfile(MuxProfile& profile) const {
+    UINT32 number = 0;
+    const HRESULT hr = GetNumber(MKVMUX_Profile, number);
+    if (SUCCEEDED(hr)) {
+        profile = number == MuxProfile_Strict ? MuxProfile_Strict : MuxProfile_Compatible;
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::SetProfile(MuxProfile profile) const {
+    return SetNumber(MKVMUX_Profile, static_cast<UINT32>(profile));
+}
+
+HRESULT ModuleConfig::GetFlags(INT32 index, MuxTrackFlags& flags) const {
+    MuxTrackFlags read{index, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset};
+    VARIANT value = ReferenceTo(&read);
+    const HRESULT hr = Get(MKVMUX_TrackFlags, value);
+    flags = SUCCEEDED(hr) ? read : flags;
+    return hr;
+}
+
+HRESULT ModuleConfig::SetFlags(const MuxTrackFlags& flags) const {
+    return Set(MKVMUX_TrackFlags, ReferenceTo(&flags));
+}
+
+HRESULT ModuleConfig::GetTitle(WideString& title) const {
+    VARIANT value = Tagged(VT_BSTR);
+    const HRESULT hr = Get(MKVMUX_Title, value);
+    if (SUCCEEDED(hr)) {
+        win::Bstr text;
+        *text.Put() = V_BSTR(&value);
+        title = text.View();
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::SetTitle(WideStringView title) const {
+    const win::Bstr text(title);
+    VARIANT value = Tagged(VT_BSTR);
+    V_BSTR(&value) = text.Get();
+    return Set(MKVMUX_Title, value);
+}
+
+HRESULT ModuleConfig::GetSeed(UINT64& seed) const {
+    VARIANT value = Tagged(VT_UI8);
+    const HRESULT hr = Get(MKVMUX_Seed, value);
+    seed = SUCCEEDED(hr) ? V_UI8(&value) : seed;
+    return hr;
+}
+
+HRESULT ModuleConfig::SetSeed(UINT64 seed) const {
+    VARIANT value = Tagged(VT_UI8);
+    V_UI8(&value) = seed;
+    return Set(MKVMUX_Seed, value);
+}
+
+HRESULT ModuleConfig::GetTrackStatistics(bool& isWritten) const {
+    UINT32 number = 0;
+    const HRESULT hr = GetNumber(MKVMUX_TrackStatistics, number);
+    isWritten = SUCCEEDED(hr) ? number != 0 : isWritten;
+    return hr;
+}
+
+HRESULT ModuleConfig::SetTrackStatistics(bool isWritten) const {
+    return SetNumber(MKVMUX_TrackStatistics, isWritten ? 1 : 0);
+}
+
 HRESULT ModuleConfig::SetLogDirectory(WideStringView directory) const {
     const win::Bstr text(directory);
     VARIANT value = Tagged(VT_BSTR);

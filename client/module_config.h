@@ -38,6 +38,19 @@ class ModuleConfig {
     // What is not WebM counts as Matroska.
     [[nodiscard]] HRESULT GetDocType(MuxDocType& docType) const;
     [[nodiscard]] HRESULT SetDocType(MuxDocType docType) const;
+    [[nodiscard]] HRESULT GetProfile(MuxProfile& profile) const;
+    [[nodiscard]] HRESULT SetProfile(MuxProfile profile) const;
+    // Those of that input; the record that is set names its own.
+    [[nodiscard]] HRESULT GetFlags(INT32 index, MuxTrackFlags& flags) const;
+    [[nodiscard]] HRESULT SetFlags(const MuxTrackFlags& flags) const;
+    // Of the file; empty for none.
+    [[nodiscard]] HRESULT GetTitle(WideString& title) const;
+    [[nodiscard]] HRESULT SetTitle(WideStringView title) const;
+    // 0: none.
+    [[nodiscard]] HRESULT GetSeed(UINT64& seed) const;
+    [[nodiscard]] HRESULT SetSeed(UINT64 seed) const;
+    [[nodiscard]] HRESULT GetTrackStatistics(bool& isWritten) const;
+    [[nodiscard]] HRESULT SetTrackStatistics(bool isWritten) const;
     // An empty one switches the log off.
     [[nodiscard]] HRESULT SetLogDirectory(WideStringView directory) const;
     // The length written so far.

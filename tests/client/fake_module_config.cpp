@@ -24,6 +24,11 @@ FakeModuleConfig::Attached CopyOf(const MuxAttachment& record) {
     return copy;
 }
 
+bool IsOption(const GUID& key) {
+    return key == MKVMUX_Profile || key == MKVMUX_TrackFlags || key == MKVMUX_Title || key == MKVMUX_Seed ||
+           key == MKVMUX_TrackStatistics;
+}
+
 } // namespace
 
 void FakeModuleConfig::AddInputs(std::initializer_list<INT32> trackTypes) {
@@ -58,6 +63,9 @@ HRESULT FakeModuleConfig::SetValue(const GUID* key, const VARIANT* value) {
         attachments.push_back(CopyOf(*static_cast<const MuxAttachment*>(V_BYREF(value))));
         return S_OK;
     }
+    if (IsOption(*key)) {
+        return SetOption(*key, *value);
+    }
     const auto& record = *static_cast<const TrackSettings*>(V_BYREF(value));
     writes.push_back({record.index,
                       {record.bEnabled, record.bDefault, record.bReserved, TextOf(record.language), TextOf(record.name),
@@ -83,7 +91,56 @@ HRESULT FakeModuleConfig::GetValue(const GUID* key, VARIANT* value) {
         V_I8(value) = position;
         return S_OK;
     }
+    if (IsOption(*key)) {
+        return GetOption(*key, *value);
+    }
     return GetRow(*static_cast<TrackSettings*>(V_BYREF(value)));
+}
+
+HRESULT FakeModuleConfig::SetOption(const GUID& key, const VARIANT& value) {
+    if (!options) {
+        return E_FAIL;
+    }
+    ++optionWrites;
+    if (FAILED(optionAnswer)) {
+        return optionAnswer;
+    }
+    if (key == MKVMUX_Profile) {
+        options->profile = V_UI4(&value);
+    } else if (key == MKVMUX_Title) {
+        options->title = TextOf(V_BSTR(&value)).value_or(WideString());
+    } else if (key == MKVMUX_Seed) {
+        options->seed = V_UI8(&value);
+    } else if (key == MKVMUX_TrackStatistics) {
+        options->statistics = V_UI4(&value);
+    } else {
+        const auto& flags = *static_cast<const MuxTrackFlags*>(V_BYREF(&value));
+        options->flags[flags.index] = flags;
+    }
+    return S_OK;
+}
+
+HRESULT FakeModuleConfig::GetOption(const GUID& key, VARIANT& value) const {
+    if (!options) {
+        return E_FAIL;
+    }
+    if (key == MKVMUX_Profile) {
+        V_UI4(&value) = options->profile;
+    } else if (key == MKVMUX_Title) {
+        V_BSTR(&value) = SysAllocStringLen(options->title.data(), static_cast<UINT>(options->title.size()));
+    } else if (key == MKVMUX_Seed) {
+        V_UI8(&value) = options->seed;
+    } else if (key == MKVMUX_TrackStatistics) {
+        V_UI4(&value) = options->statistics;
+    } else {
+        auto& flags = *static_cast<MuxTrackFlags*>(V_BYREF(&value));
+        const auto found = options->flags.find(flags.index);
+        if (found == options->flags.end()) {
+            return E_INVALIDARG;
+        }
+        flags = found->second;
+    }
+    return S_OK;
 }
 
 HRESULT FakeModuleConfig::GetRow(TrackSettings& record) const {

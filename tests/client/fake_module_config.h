@@ -40,10 +40,22 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
         UINT64 uid = 0;
     };
 
+    // What strict files are told.
+    struct Options {
+        UINT32 profile = MuxProfile_Compatible;
+        WideString title;
+        UINT64 seed = 0;
+        UINT32 statistics = 1;
+        std::map<INT32, MuxTrackFlags> flags; // what is not here is out of range
+    };
+
     std::map<INT32, Row> rows; // what is not here is out of range
     USHORT inputCount = 0;
     ULONG docType = MuxDocType_Matroska;
     LONGLONG position = 0;
+    std::optional<Options> options; // none: a filter of older days, which does not know the keys
+    HRESULT optionAnswer = S_OK;    // to writes of options
+    size_t optionWrites = 0;
     HRESULT trackAnswer = S_OK; // to writes
     HRESULT docTypeAnswer = S_OK;
     HRESULT readAnswer = S_OK; // to reads
@@ -73,6 +85,8 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
 
   private:
     HRESULT GetRow(TrackSettings& record) const;
+    HRESULT SetOption(const GUID& key, const VARIANT& value);
+    HRESULT GetOption(const GUID& key, VARIANT& value) const;
 
     test_support::ReferenceCount m_references{"a fake configuration"};
 };

@@ -59,6 +59,28 @@ TEST_F(ModuleConfigTest, WithoutAFilterEveryCallAnswersThatThereIsNoInterface) {
     }
 }
 
+TEST_F(ModuleConfigTest, WithoutAFilterTheOptionsAnswerThatThereIsNoInterface) {
+    const ModuleConfig none(nullptr);
+    MuxProfile profile{};
+    MuxTrackFlags flags{};
+    WideString title;
+    UINT64 seed = 0;
+    bool statistics = false;
+    const std::array answers{none.GetProfile(profile),
+                             none.SetProfile(profile),
+                             none.GetFlags(0, flags),
+                             none.SetFlags(flags),
+                             none.GetTitle(title),
+                             none.SetTitle(title),
+                             none.GetSeed(seed),
+                             none.SetSeed(seed),
+                             none.GetTrackStatistics(statistics),
+                             none.SetTrackStatistics(statistics)};
+    for (const HRESULT hr : answers) {
+        EXPECT_EQ(E_NOINTERFACE, hr);
+    }
+}
+
 TEST_F(ModuleConfigTest, ARowIsWrittenFieldByField) {
     EXPECT_EQ(S_OK, m_config.SetTrack({7, 0, 1, 9, Text(OLESTR("French")), Text(OLESTR("Commentary")), 5}));
     ASSERT_EQ(1u, m_filter.writes.size());
@@ -148,6 +170,71 @@ TEST_F(ModuleConfigTest, TheDocumentTypeGoesBothWaysAndWhatIsNotWebmIsMatroska) 
     }
 }
 
+TEST_F(ModuleConfigTest, ProfileAndStatisticsGoBothWays) {
+    m_filter.options.emplace();
+    for (const auto profile : {MuxProfile_Strict, MuxProfile_Compatible}) {
+        ASSERT_EQ(S_OK, m_config.SetProfile(profile));
+        EXPECT_EQ(UINT32{profile}, m_filter.options->profile);
+        MuxProfile read{};
+        ASSERT_EQ(S_OK, m_config.GetProfile(read));
+        EXPECT_EQ(profile, read);
+    }
+    for (const bool statistics : {false, true}) {
+        ASSERT_EQ(S_OK, m_config.SetTrackStatistics(statistics));
+        EXPECT_EQ(statistics ? 1u : 0u, m_filter.options->statistics);
+        bool read = !statistics;
+        ASSERT_EQ(S_OK, m_config.GetTrackStatistics(read));
+        EXPECT_EQ(statistics, read);
+    }
+    EXPECT_EQ(VT_UI4, m_filter.lastTag);
+    m_filter.optionAnswer = kRefused;
+    EXPECT_EQ(kRefused, m_config.SetProfile(MuxProfile_Strict));
+}
+
+TEST_F(ModuleConfigTest, TitleAndSeedGoBothWaysWhole) {
+    m_filter.options.emplace();
+    ASSERT_EQ(S_OK, m_config.SetTitle(OLESTR("A film")));
+    EXPECT_EQ(VT_BSTR, m_filter.lastTag);
+    EXPECT_EQ(WideString(OLESTR("A film")), m_filter.options->title);
+    WideString title;
+    ASSERT_EQ(S_OK, m_config.GetTitle(title));
+    EXPECT_EQ(WideString(OLESTR("A film")), title);
+    ASSERT_EQ(S_OK, m_config.SetSeed(0xfedcba9876543210ULL));
+    EXPECT_EQ(VT_UI8, m_filter.lastTag);
+    UINT64 seed = 0;
+    ASSERT_EQ(S_OK, m_config.GetSeed(seed));
+    EXPECT_EQ(0xfedcba9876543210ULL, seed);
+}
+
+TEST_F(ModuleConfigTest, FlagsAreThoseOfTheInputThatIsAskedFor) {
+    m_filter.options.emplace();
+    ASSERT_EQ(S_OK, m_config.SetFlags({7, 1, 0, MuxFlag_Unset, 1, 0}));
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+    MuxTrackFlags flags{3, 9, 9, 9, 9, 9};
+    ASSERT_EQ(S_OK, m_config.GetFlags(7, flags));
+    EXPECT_EQ(7, flags.index);
+    EXPECT_EQ(1, flags.forced);
+    EXPECT_EQ(0, flags.hearingImpaired);
+    EXPECT_EQ(MuxFlag_Unset, flags.visualImpaired);
+    EXPECT_EQ(1, flags.original);
+    EXPECT_EQ(0, flags.commentary);
+}
+
+TEST_F(ModuleConfigTest, AFilterThatDoesNotKnowTheOptionsLeavesTheCallersValues) {
+    MuxProfile profile = MuxProfile_Strict;
+    EXPECT_EQ(E_FAIL, m_config.GetProfile(profile));
+    EXPECT_EQ(MuxProfile_Strict, profile);
+    WideString title = OLESTR("mine");
+    EXPECT_EQ(E_FAIL, m_config.GetTitle(title));
+    EXPECT_EQ(WideString(OLESTR("mine")), title);
+    MuxTrackFlags flags{3, 9, 9, 9, 9, 9};
+    EXPECT_EQ(E_FAIL, m_config.GetFlags(0, flags));
+    EXPECT_EQ(3, flags.index);
+    bool statistics = false;
+    EXPECT_EQ(E_FAIL, m_config.GetTrackStatistics(statistics));
+    EXPECT_FALSE(statistics);
+}
+
 TEST_F(ModuleConfigTest, TheLogDirectoryIsATextAndAnEmptyOneIsNotNull) {
     EXPECT_EQ(S_OK, m_config.SetLogDirectory(OLESTR("C:\\traces")));
     EXPECT_EQ(VT_BSTR, m_filter.lastTag);
@@ -204,6 +291,16 @@ TEST(PublicHeader, TheNumbersOfDocumentAndTrackTypesStand) {
 }
 
 // Records are laid out for every compiler that includes the header: 64 bits, natural alignment.
+TEST(PublicHeader, TheNumbersOfProfilesAndFlagsStand) {
+    EXPECT_EQ(0, MuxProfile_Compatible);
+    EXPECT_EQ(1, MuxProfile_Strict);
+    EXPECT_EQ(0, MuxFlag_Off);
+    EXPECT_EQ(1, MuxFlag_On);
+    EXPECT_EQ(0xFF, MuxFlag_Unset);
+    EXPECT_EQ(12u, sizeof(MuxTrackFlags));
+    EXPECT_EQ(8u, offsetof(MuxTrackFlags, commentary));
+}
+
 TEST(PublicHeader, TheRecordsKeepTheirLayout) {
     EXPECT_EQ(32u, sizeof(TrackSettings));
     EXPECT_EQ(8u, offsetof(TrackSettings, language));
