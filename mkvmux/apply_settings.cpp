@@ -22,24 +22,53 @@ std::string TrackText(size_t number) {
     return "track " + std::to_string(number);
 }
 
-// The muxer writes default tracks as forced ones too. Players show forced subtitles to everybody, so those that were
-// not forced are not made so.
+// A compatible file has default tracks as forced ones too. Players show forced subtitles to everybody, so those that
+// were not forced are not made so.
 bool CarriesDefault(const SourceStream& stream) {
     const GUID& kind = stream.type.majortype;
     const bool isPlain = kind == MEDIATYPE_Video || kind == MEDIATYPE_Audio;
     return stream.tags->isDefault && (isPlain || stream.tags->isForced);
 }
 
+// Where the rows begin without the flag, only a flag that is set need be carried over.
+void CarryDefaultOnly(const SourceStream& stream, TrackOptions& change) {
+    if (!change.isDefault && CarriesDefault(stream)) {
+        change.isDefault = true;
+    }
+}
+
+// A strict file has a place for each flag.
+void CarryEachFlag(const StreamTags& tags, TrackOptions& change) {
+    change.isDefault = change.isDefault.value_or(tags.isDefault);
+    change.flags.forced = change.flags.forced.value_or(tags.isForced);
+    const auto carry = [](std::optional<bool>& flag, const std::optional<bool>& said) { flag = flag ? flag : said; };
+    carry(change.flags.hearingImpaired, tags.hearingImpaired);
+    carry(change.flags.visualImpaired, tags.visualImpaired);
+    carry(change.flags.original, tags.original);
+    carry(change.flags.commentary, tags.commentary);
+}
+
 // What the input says is the default of what the user says. A saved configuration has said it all already.
-TrackOptions ChangeOf(const SourceStream& stream, const Options& options) {
+TrackOptions ChangeOf(const SourceStream& stream, const Options& options, bool isStrict) {
     const auto given = options.tracks.find(stream.number);
     TrackOptions change = given != options.tracks.end() ? given->second : TrackOptions();
     if (stream.tags && options.loadConfig.empty()) {
         change.name = change.name.value_or(stream.tags->name);
         change.language = change.language.value_or(stream.tags->language);
-        change.makeDefault = change.makeDefault || CarriesDefault(stream);
+        if (isStrict) {
+            CarryEachFlag(*stream.tags, change);
+        } else {
+            CarryDefaultOnly(stream, change);
+        }
     }
     return change;
+}
+
+// False when the muxer has no settings for that input.
+bool ChangeTrack(size_t input, const TrackOptions& change, MuxerSettings& settings) {
+    const bool isRowDone = !change.ChangesRow() || settings.ChangeTrack(input, change);
+    const bool areFlagsDone = change.flags == TrackFlagOptions() || settings.ChangeFlags(input, change.flags);
+    return isRowDone && areFlagsDone;
 }
 
 void WarnOfTracksThatAreNotThere(const MuxGraph& graph, const Options& options, Console& console) {
@@ -109,14 +138,14 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
     WarnOfTracksThatAreNotThere(graph, options, console);
     std::vector<TrackOptions> changes;
     for (const SourceStream& stream : graph.Streams()) {
-        changes.push_back(ChangeOf(stream, options));
+        changes.push_back(ChangeOf(stream, options, settings.IsStrict()));
     }
     SpellLanguages(changes);
     bool anyEnabled = false;
     for (size_t input = 0; input < graph.Streams().size(); ++input) {
         const SourceStream& stream = graph.Streams()[input];
         const TrackOptions& change = changes[input];
-        if (change != TrackOptions() && !settings.ChangeTrack(input, change)) {
+        if (!ChangeTrack(input, change, settings)) {
             console.Warn(TrackText(stream.number) + ": the muxer has no settings for input " + std::to_string(input) +
                          "; what was said of the track is ignored");
         }
@@ -124,6 +153,17 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
     }
     if (!anyEnabled) {
         throw Failure("every track is disabled: nothing is left to write");
+    }
+}
+
+void ApplyTitle(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
+    if (options.title) {
+        if (!settings.UseTitle(*options.title)) {
+            throw Failure("--title: the muxer refuses the title: it is too long");
+        }
+    } else if (settings.IsStrict() && options.loadConfig.empty() && !graph.InputTitle().empty() &&
+               !settings.UseTitle(graph.InputTitle())) {
+        console.Warn("the title of the inputs is too long and left out");
     }
 }
 

@@ -30,6 +30,13 @@ void AddFacts(Json& track, const AM_MEDIA_TYPE& type) {
     }
 }
 
+// What the input does not say is not there.
+void AddFlag(Json& track, const char* name, const std::optional<bool>& flag) {
+    if (flag) {
+        track[name] = *flag;
+    }
+}
+
 Json TrackOf(const SourceStream& stream) {
     Json track;
     track["number"] = stream.number;
@@ -47,6 +54,10 @@ Json TrackOf(const SourceStream& stream) {
         track["default"] = stream.tags->isDefault;
         track["forced"] = stream.tags->isForced;
         track["enabled"] = stream.tags->isEnabled;
+        AddFlag(track, "hearing_impaired", stream.tags->hearingImpaired);
+        AddFlag(track, "visual_impaired", stream.tags->visualImpaired);
+        AddFlag(track, "original", stream.tags->original);
+        AddFlag(track, "commentary", stream.tags->commentary);
     }
     return track;
 }

@@ -40,6 +40,7 @@ class MuxGraph {
     [[nodiscard]] size_t StreamCount() const { return m_streams.size() + m_skipped.size(); }
     // What the inputs carry besides streams.
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_sources.Attachments(); }
+    [[nodiscard]] const std::wstring& InputTitle() const { return m_sources.Title(); }
     [[nodiscard]] const std::vector<std::string>& InputWarnings() const { return m_sources.Warnings(); }
     [[nodiscard]] std::vector<std::string> Damages() const { return m_sources.Damages(); }
     [[nodiscard]] const win::ComPtr<IGraphBuilder>& Graph() const { return m_graph; }

@@ -15,6 +15,7 @@
 #include "mkvmux/mux_run.h"
 #include "mkvmux/muxer_loader.h"
 #include "mkvmux/muxer_settings.h"
+#include "mkvmux/profile_checks.h"
 #include "mkvmux/progress_display.h"
 #include "mkvmux/property_pages.h"
 #include "mkvmux/text.h"
@@ -50,8 +51,14 @@ void PrepareMuxer(const Options& options, MuxerSettings& settings) {
     if (options.webm) {
         settings.UseDocTypeWebm();
     }
-    if (options.strict) {
-        settings.UseProfile(MuxProfile_Strict);
+    if (options.isProfileGiven || options.loadConfig.empty()) {
+        settings.UseProfile(options.strict ? MuxProfile_Strict : MuxProfile_Compatible);
+    }
+    if (options.seed) {
+        settings.UseSeed(*options.seed);
+    }
+    if (!options.trackStatistics) {
+        settings.WriteNoStatistics();
     }
 }
 
@@ -63,11 +70,13 @@ void SaveConfiguration(const Options& options, const MuxerSettings& settings, In
 
 void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
     ApplyTrackSettings(graph, options, settings, console);
+    ApplyTitle(graph, options, settings, console);
     CarryAttachments(graph, options, settings);
     AttachFiles(options, settings);
     if (options.showProperties) {
         ShowPropertyPages(graph.Muxer().Get());
     }
+    WarnOfOptionsWithoutEffect(options, settings, console);
     CheckLanguages(graph, settings, console);
 }
 

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <limits>
-#include <random>
 
 #include <shlwapi.h>
 
@@ -15,6 +14,9 @@
 namespace mkvmux {
 
 namespace {
+
+// Not the numbers that the muxer takes from the same seed.
+constexpr UINT64 kSeedOfAttachments = 0x6174746163686564;
 
 UINT64 RandomUid() {
     std::random_device source;
@@ -47,8 +49,38 @@ void MuxerSettings::UseDocTypeWebm() {
 }
 
 void MuxerSettings::UseProfile(MuxProfile profile) {
-    if (const HRESULT hr = m_config.SetNumber(MKVMUX_Profile, profile); FAILED(hr)) {
+    if (IsStrict() == (profile == MuxProfile_Strict)) {
+        return;
+    }
+    if (const HRESULT hr = m_config.SetProfile(profile); FAILED(hr)) {
         throw Failure("--profile: the muxer refuses the profile: " + DescribeResult(hr));
+    }
+}
+
+bool MuxerSettings::IsStrict() const {
+    MuxProfile profile = MuxProfile_Compatible;
+    return SUCCEEDED(m_config.GetProfile(profile)) && profile == MuxProfile_Strict;
+}
+
+bool MuxerSettings::IsWebm() const {
+    MuxDocType docType = MuxDocType_Matroska;
+    return SUCCEEDED(m_config.GetDocType(docType)) && docType == MuxDocType_Webm;
+}
+
+bool MuxerSettings::UseTitle(const std::wstring& title) {
+    return SUCCEEDED(m_config.SetTitle(title));
+}
+
+void MuxerSettings::UseSeed(UINT64 seed) {
+    m_seeded.emplace(seed ^ kSeedOfAttachments);
+    if (const HRESULT hr = m_config.SetSeed(seed); FAILED(hr)) {
+        throw Failure("--deterministic: the muxer refuses the seed: " + DescribeResult(hr));
+    }
+}
+
+void MuxerSettings::WriteNoStatistics() {
+    if (const HRESULT hr = m_config.SetTrackStatistics(false); FAILED(hr)) {
+        throw Failure("--disable-track-statistics-tags: the muxer refuses it: " + DescribeResult(hr));
     }
 }
 
@@ -72,6 +104,16 @@ bool MuxerSettings::ChangeTrack(size_t input, const TrackOptions& change) {
     return row && SUCCEEDED(m_config.SetTrack(*row));
 }
 
+bool MuxerSettings::ChangeFlags(size_t input, const TrackFlagOptions& change) {
+    MuxTrackFlags flags{};
+    if (input > static_cast<size_t>(std::numeric_limits<INT32>::max()) ||
+        FAILED(m_config.GetFlags(static_cast<INT32>(input), flags))) {
+        return false;
+    }
+    change.ApplyTo(flags);
+    return SUCCEEDED(m_config.SetFlags(flags));
+}
+
 std::optional<std::wstring> MuxerSettings::LanguageOf(size_t input) const {
     const std::optional<client::TrackRow> row = RowOf(input);
     if (!row) {
@@ -88,7 +130,7 @@ bool MuxerSettings::IsEnabled(size_t input) const {
 UINT64 MuxerSettings::UniqueUid(UINT64 wanted) {
     UINT64 uid = wanted;
     while (uid == 0 || !m_uids.insert(uid).second) {
-        uid = RandomUid();
+        uid = m_seeded ? (*m_seeded)() : RandomUid();
     }
     return uid;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <optional>
+#include <random>
 #include <set>
 #include <string>
 
@@ -21,16 +22,27 @@ class MuxerSettings {
 
     void UseDocTypeWebm();
     void UseProfile(MuxProfile profile);
+    // A muxer of older days knows no profile and writes compatible files.
+    [[nodiscard]] bool IsStrict() const;
+    [[nodiscard]] bool IsWebm() const;
+    // False for one that the muxer refuses, such as one that is too long.
+    [[nodiscard]] bool UseTitle(const std::wstring& title);
+    // For the muxer's identifiers and for those that are made here.
+    void UseSeed(UINT64 seed);
+    void WriteNoStatistics();
     // The directory is created where it is missing.
     void LogTo(const std::wstring& directory);
     // False when the muxer has no settings row for that input, in which case nothing is changed.
     [[nodiscard]] bool ChangeTrack(size_t input, const TrackOptions& change);
+    // As above.
+    [[nodiscard]] bool ChangeFlags(size_t input, const TrackFlagOptions& change);
     // As the muxer is told it; nothing for an input without a row.
     [[nodiscard]] std::optional<std::wstring> LanguageOf(size_t input) const;
     // An input without a row is written.
     [[nodiscard]] bool IsEnabled(size_t input) const;
     // A unique identifier of 0, or one that another attachment has already, is replaced by a new one.
     void Attach(client::Attachment attachment);
+    [[nodiscard]] bool HasAttached() const { return !m_uids.empty(); }
 
     // What LogTo writes in its directory.
     static constexpr const wchar_t* kLogFileName = L"QRX_MKVMuxer.log";
@@ -48,7 +60,8 @@ class MuxerSettings {
     [[nodiscard]] UINT64 UniqueUid(UINT64 wanted);
 
     client::ModuleConfig m_config;
-    std::set<UINT64> m_uids; // of the attachments so far
+    std::set<UINT64> m_uids;                 // of the attachments so far
+    std::optional<std::mt19937_64> m_seeded; // none: the system's random numbers
 };
 
 } // namespace mkvmux

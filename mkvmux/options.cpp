@@ -32,6 +32,9 @@ struct RawOptions {
     std::string progress = "auto";
     std::string profile = "compatible";
     std::vector<std::string> inputs;
+    std::string title;
+    std::string seed;
+    bool noStatistics = false;
     bool listLanguages = false;
 };
 
@@ -41,7 +44,19 @@ void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
         ->check(NoOption());
     app.add_flag("-y,--yes", options.overwrite, "overwrite what exists");
     app.add_flag("--webm", options.webm, "write the document type webm");
-    app.add_option("--profile", raw.profile, "how the file is written: strict or compatible")->type_name("PROFILE");
+    app.add_option("--profile", raw.profile,
+                   "how the file is written: strict, as the format's standards ask, or compatible, as this muxer has "
+                   "always written (default " +
+                       raw.profile + ")")
+        ->type_name("PROFILE");
+    app.add_option("--title", raw.title, "the title of the file; an empty one removes that of the inputs")
+        ->type_name("TEXT")
+        ->check(NoOptionOf(app));
+    app.add_option("--deterministic", raw.seed,
+                   "take identifiers and date from this text, so that the same inputs make the same file")
+        ->type_name("SEED")
+        ->check(NoOptionOf(app));
+    app.add_flag("--disable-track-statistics-tags", raw.noStatistics, "write no statistics of the tracks");
     app.add_option("INPUT", raw.inputs,
                    "the files whose streams go into the output; @FILE reads arguments from a "
                    "JSON array of strings")
@@ -108,11 +123,33 @@ bool ReadIsStrict(const std::string& text) {
     return profile->second;
 }
 
+// FNV-1a of 64 bits; 0 stands for no seed.
+UINT64 SeedOf(const std::string& text) {
+    constexpr UINT64 kOffsetBasis = 0xCBF29CE484222325;
+    constexpr UINT64 kPrime = 0x100000001B3;
+    UINT64 hash = kOffsetBasis;
+    for (const char c : text) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * kPrime;
+    }
+    return hash == 0 ? 1 : hash;
+}
+
+void CompleteWhatStrictWrites(Options& options, const RawOptions& raw, const CLI::App& app) {
+    options.strict = ReadIsStrict(raw.profile);
+    options.isProfileGiven = app.count("--profile") > 0;
+    if (app.count("--title") > 0) {
+        options.title = WideFromUtf8(raw.title);
+    }
+    if (app.count("--deterministic") > 0) {
+        options.seed = SeedOf(raw.seed);
+    }
+    options.trackStatistics = !raw.noStatistics;
+}
+
 void Complete(Options& options, const RawOptions& raw) {
     options.output = WideFromUtf8(raw.output);
     options.repair = WideFromUtf8(raw.repair);
     options.webm = options.webm || EndsInWebm(options.output);
-    options.strict = ReadIsStrict(raw.profile);
     options.logDirectory = WideFromUtf8(raw.logDirectory);
     options.saveConfig = WideFromUtf8(raw.saveConfig);
     options.loadConfig = WideFromUtf8(raw.loadConfig);
@@ -182,6 +219,7 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
     }
     options.tracks = tracks.Read();
     Complete(options, raw);
+    CompleteWhatStrictWrites(options, raw, app);
     options.attachments = attachments.Read();
     if (const std::string reason = Contradiction(options); !reason.empty()) {
         return Refuse(reason);

@@ -25,7 +25,11 @@ struct Options {
     std::wstring repair; // the recording to finish, and nothing else; empty: none
     bool overwrite = false;
     bool webm = false;
-    bool strict = false; // the profile of the file
+    bool strict = false;               // the profile of the file
+    bool isProfileGiven = false;       // else that of a loaded configuration counts
+    std::optional<std::wstring> title; // none: that of the inputs
+    std::optional<UINT64> seed;        // where identifiers and dates come from; none: the system
+    bool trackStatistics = true;
     bool identify = false;
     bool json = false;       // the identification as JSON
     bool noRegister = false; // load the module from beside the program

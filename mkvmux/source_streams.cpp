@@ -65,6 +65,10 @@ StreamTags TagsOf(const source::TrackProperties& properties) {
     tags.isDefault = properties.isDefault;
     tags.isForced = properties.isForced;
     tags.isEnabled = properties.isEnabled;
+    tags.hearingImpaired = properties.hearingImpaired;
+    tags.visualImpaired = properties.visualImpaired;
+    tags.original = properties.original;
+    tags.commentary = properties.commentary;
     return tags;
 }
 
@@ -162,6 +166,7 @@ std::vector<SourceStream> SourceStreams::OpenWith(const OwnSource& kind, source:
         streams.back().readerName = kind.name;
     }
     std::move(opened.attachments.begin(), opened.attachments.end(), std::back_inserter(m_attachments));
+    m_title = m_title.empty() ? WideFromUtf8(opened.title) : m_title;
     for (const std::string& warning : opened.warnings) {
         m_warnings.push_back(Utf8FromWide(path) + ": " + warning);
     }

@@ -24,6 +24,11 @@ struct StreamTags {
     bool isDefault = false;
     bool isForced = false;
     bool isEnabled = true;
+    // None: not said.
+    std::optional<bool> hearingImpaired = {};
+    std::optional<bool> visualImpaired = {};
+    std::optional<bool> original = {};
+    std::optional<bool> commentary = {};
 };
 
 struct SourceStream {
@@ -59,6 +64,8 @@ class SourceStreams {
     [[nodiscard]] std::vector<SourceStream> Open(const std::wstring& path);
     // Those of all files opened so far.
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_attachments; }
+    // Of the first file that has one; empty: none.
+    [[nodiscard]] const std::wstring& Title() const { return m_title; }
     // What the files opened so far lose, a line each.
     [[nodiscard]] const std::vector<std::string>& Warnings() const { return m_warnings; }
     // Those that have turned out to be damaged while they were read by sources of our own, a line each.
@@ -84,6 +91,7 @@ class SourceStreams {
     win::ComPtr<IFilterMapper2> m_mapper;
     std::vector<win::ComPtr<IBaseFilter>> m_filters; // added for the file that is being opened
     std::vector<source::Attachment> m_attachments;
+    std::wstring m_title;
     std::vector<std::string> m_warnings;
     std::vector<Watched> m_watched;
 };

@@ -15,6 +15,7 @@ struct OpenedSource {
     win::ComPtr<IBaseFilter> filter;
     std::vector<StreamDescription> streams; // those without a pin too, in the order of the input
     std::vector<Attachment> attachments;
+    std::string title;                 // UTF-8; empty: none
     std::vector<std::string> warnings; // what is lost; UTF-8
     // A failure once the source has found damage, which it can only while it streams; set before the graph is told.
     std::shared_ptr<const std::atomic<HRESULT>> damage;

@@ -3,6 +3,7 @@
 // Units: texts are UTF-8, languages ISO 639-2 codes.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,11 @@ struct TrackProperties {
     bool isDefault = true;
     bool isForced = false;
     bool isEnabled = true;
+    // None: not said.
+    std::optional<bool> hearingImpaired;
+    std::optional<bool> visualImpaired;
+    std::optional<bool> original;
+    std::optional<bool> commentary;
 };
 
 struct Attachment {

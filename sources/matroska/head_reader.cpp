@@ -103,6 +103,8 @@ void HeadReader::ReadInfo(const Element& info) {
             m_file.timestampScaleNs = std::max<UINT64>(m_reader.ReadUnsigned(child, m_file.timestampScaleNs), 1);
         } else if (child.id == IdOf<KaxDuration>()) {
             m_file.durationTicks = m_reader.ReadFloat(child);
+        } else if (child.id == IdOf<KaxTitle>()) {
+            m_file.title = m_reader.ReadString(child);
         }
     });
 }

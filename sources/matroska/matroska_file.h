@@ -33,6 +33,10 @@ struct Track : media::TrackFacts {
     bool isForced = false;
     bool isEnabled = true;
     UINT64 codecDelayNs = 0;  // to be taken off its blocks' times
+    std::optional<bool> hearingImpaired; // none: not said
+    std::optional<bool> visualImpaired;
+    std::optional<bool> original;
+    std::optional<bool> commentary;
     UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
     bool hasAlpha = false;    // in additions to its blocks
     std::vector<ContentEncoding> encodings;
@@ -53,7 +57,8 @@ struct AttachedFile {
 struct MatroskaFile {
     Element segment;
     UINT64 timestampScaleNs = 1'000'000;
-    double durationTicks = 0;  // 0: not said
+    double durationTicks = 0; // 0: not said
+    std::string title;
     std::vector<Track> tracks; // each number once
     std::vector<AttachedFile> attachments;
     bool lacksAttachments = false; // some could not even be found

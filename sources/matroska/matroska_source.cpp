@@ -53,6 +53,7 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
         for (const Track& track : file->tracks) {
             TellLosses(track, opened.warnings);
         }
+        opened.title = file->title;
         auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file), rule);
         std::vector<std::string> leftOut;
         opened.attachments = reader->ReadAttachments(leftOut);

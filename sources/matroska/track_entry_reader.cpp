@@ -121,6 +121,18 @@ void ReadNumbers(const EbmlReader& reader, const Element& child, Track& track) {
     }
 }
 
+void ReadFlags(const EbmlReader& reader, const Element& child, Track& track) {
+    if (child.id == IdOf<KaxFlagHearingImpaired>()) {
+        track.hearingImpaired = reader.ReadUnsigned(child) != 0;
+    } else if (child.id == IdOf<KaxFlagVisualImpaired>()) {
+        track.visualImpaired = reader.ReadUnsigned(child) != 0;
+    } else if (child.id == IdOf<KaxFlagOriginal>()) {
+        track.original = reader.ReadUnsigned(child) != 0;
+    } else if (child.id == IdOf<KaxFlagCommentary>()) {
+        track.commentary = reader.ReadUnsigned(child) != 0;
+    }
+}
+
 void ReadParts(const EbmlReader& reader, const Element& child, Track& track) {
     if (child.id == IdOf<KaxTrackVideo>()) {
         ReadVideo(reader, child, track);
@@ -138,6 +150,7 @@ Track ReadTrackEntry(const EbmlReader& reader, const Element& entry, UINT64 priv
     (void)reader.ForEachChild(entry, [&](const Element& child) {
         ReadTexts(reader, child, privateRoom, track);
         ReadNumbers(reader, child, track);
+        ReadFlags(reader, child, track);
         ReadParts(reader, child, track);
     });
     if (track.language.empty()) { // the tag's first part, or what the format says of a track that does not say

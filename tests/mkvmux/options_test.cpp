@@ -86,14 +86,71 @@ TEST(Options, TracksAreNamedByNumber) {
     ASSERT_EQ(options.tracks.size(), 3u);
     EXPECT_EQ(options.tracks.at(0).name, L"Main: the film");
     EXPECT_EQ(options.tracks.at(0).language, L"French");
-    EXPECT_FALSE(options.tracks.at(0).makeDefault);
+    EXPECT_EQ(options.tracks.at(0).isDefault, std::nullopt);
     EXPECT_FALSE(options.tracks.at(0).disable);
     EXPECT_EQ(options.tracks.at(1).name, L"");
     EXPECT_EQ(options.tracks.at(1).language, L"German");
-    EXPECT_TRUE(options.tracks.at(1).makeDefault);
+    EXPECT_EQ(options.tracks.at(1).isDefault, true);
     EXPECT_TRUE(options.tracks.at(2).disable);
     EXPECT_EQ(options.tracks.at(2).name, std::nullopt);
     ASSERT_EQ(options.inputs.size(), 1u) << "an option takes one value and leaves the inputs alone";
+}
+
+TEST(Options, FlagsAreOnUnlessTheyAreSaidToBeOff) {
+    const Options options = Parsed({"-o", "o", "--forced", "0", "--forced", "1:0", "--default", "0:0", "--default=1:1",
+                                    "--hearing-impaired", "0:1", "--visual-impaired", "0", "--original", "1:0",
+                                    "--commentary", "1", "a.avi"});
+    const TrackOptions& first = options.tracks.at(0);
+    const TrackOptions& second = options.tracks.at(1);
+    EXPECT_EQ(first.isDefault, false);
+    EXPECT_EQ(second.isDefault, true);
+    EXPECT_EQ(first.flags, (TrackFlagOptions{true, true, true, std::nullopt, std::nullopt}));
+    EXPECT_EQ(second.flags, (TrackFlagOptions{false, std::nullopt, std::nullopt, false, true}));
+    ASSERT_EQ(options.inputs.size(), 1u);
+}
+
+TEST(Options, FlagsHaveTheNamesThatOtherProgramsHaveForThem) {
+    const Options options =
+        Parsed({"-o", "o", "--forced-display-flag", "0", "--hearing-impaired-flag", "0", "--visual-impaired-flag", "0",
+                "--original-flag", "0", "--commentary-flag", "0:0", "--default-track-flag", "0:0", "a.avi"});
+    EXPECT_EQ(options.tracks.at(0).flags, (TrackFlagOptions{true, true, true, true, false}));
+    EXPECT_EQ(options.tracks.at(0).isDefault, false);
+}
+
+TEST(Options, AFlagThatIsNeitherOnNorOffIsOneLine) {
+    for (const char* option :
+         {"--default", "--forced", "--hearing-impaired", "--visual-impaired", "--original", "--commentary"}) {
+        for (const char* value : {"1:2", "1:", "1:yes", ":1", "x", "1:0:1", "-1:1"}) {
+            const EarlyExit exit = Refused({"-o", "o", std::string(option) + "=" + value, "a.avi"});
+            EXPECT_EQ(exit.status, 2);
+            EXPECT_THAT(exit.output, testing::StartsWith(std::string(option) + ": '"));
+        }
+    }
+}
+
+TEST(Options, WhatStrictFilesAreToldIsUnsaidUntilItIsSaid) {
+    const Options silent = Parsed({"-o", "o", "a"});
+    EXPECT_EQ(silent.title, std::nullopt);
+    EXPECT_EQ(silent.seed, std::nullopt);
+    EXPECT_TRUE(silent.trackStatistics);
+    EXPECT_FALSE(silent.isProfileGiven);
+    const Options said = Parsed({"-o", "o", "--title", "\xC3\x84 film", "--disable-track-statistics-tags", "--profile",
+                                 "strict", "--deterministic", "s", "a"});
+    EXPECT_EQ(said.title, L"\u00c4 film");
+    EXPECT_FALSE(said.trackStatistics);
+    EXPECT_TRUE(said.isProfileGiven);
+    EXPECT_TRUE(said.strict);
+    EXPECT_TRUE(Parsed({"-o", "o", "--profile", "compatible", "a"}).isProfileGiven);
+    EXPECT_EQ(Parsed({"-o", "o", "--title=", "a"}).title, L"");
+    EXPECT_THAT(Refused({"-o", "o", "--profile", "lax", "a"}).output, HasSubstr("'lax' is not strict or compatible"));
+    EXPECT_THAT(Refused({"-o", "o", "--title", "--webm", "a"}).output, HasSubstr("--title"));
+}
+
+// The values of the algorithm's own description for "", "a" and "foobar".
+TEST(Options, ASeedIsTheFnv1aHashOfItsText) {
+    EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "a", "x"}).seed, 0xaf63dc4c8601ec8cULL);
+    EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "foobar", "x"}).seed, 0x85944171f73967e8ULL);
+    EXPECT_EQ(Parsed({"-o", "o", "--deterministic=", "x"}).seed, 0xcbf29ce484222325ULL);
 }
 
 TEST(Options, OfTwoNamesForATrackTheLaterCounts) {

@@ -32,6 +32,31 @@ TEST(TrackOptionsTest, WhatIsSaidReplacesWhatTheRowHas) {
     EXPECT_EQ(row.name.View(), L"after");
 }
 
+TEST(TrackOptionsTest, ADefaultFlagThatIsSaidToBeOffIsTakenAway) {
+    client::TrackRow row = Row();
+    row.isDefault = 1;
+    TrackOptions options;
+    options.isDefault = false;
+    options.ApplyTo(row);
+    EXPECT_EQ(row.isDefault, 0);
+    EXPECT_TRUE(options.ChangesRow());
+}
+
+TEST(TrackOptionsTest, FlagsChangeWhatTheySayAndNoRow) {
+    TrackOptions options;
+    options.flags = {true, false, std::nullopt, std::nullopt, true};
+    MuxTrackFlags flags{3, MuxFlag_Off, MuxFlag_Unset, MuxFlag_On, MuxFlag_Unset, MuxFlag_Unset};
+    options.flags.ApplyTo(flags);
+    EXPECT_EQ(flags.index, 3);
+    EXPECT_EQ(flags.forced, MuxFlag_On);
+    EXPECT_EQ(flags.hearingImpaired, MuxFlag_Off);
+    EXPECT_EQ(flags.visualImpaired, MuxFlag_On);
+    EXPECT_EQ(flags.original, MuxFlag_Unset);
+    EXPECT_EQ(flags.commentary, MuxFlag_On);
+    EXPECT_FALSE(options.ChangesRow());
+    EXPECT_NE(options, TrackOptions());
+}
+
 TEST(TrackOptionsTest, AnEmptyNameRemovesTheName) {
     client::TrackRow row = Row();
     TrackOptions options;

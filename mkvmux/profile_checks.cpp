@@ -1,0 +1,46 @@
+#include "mkvmux/profile_checks.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace mkvmux {
+
+namespace {
+
+// As the user wrote them, but for the names that other programs have for them.
+std::vector<std::string> StrictOptionsIn(const Options& options) {
+    std::vector<std::string> names;
+    if (options.title) {
+        names.emplace_back("--title");
+    }
+    if (!options.trackStatistics) {
+        names.emplace_back("--disable-track-statistics-tags");
+    }
+    for (const TrackFlagOption& option : TrackFlagOptionTable()) {
+        const auto says = [&option](const auto& track) { return (track.second.flags.*option.flag).has_value(); };
+        if (std::any_of(options.tracks.begin(), options.tracks.end(), says)) {
+            names.emplace_back(option.name);
+        }
+    }
+    if (options.seed) {
+        names.emplace_back("--deterministic");
+    }
+    return names;
+}
+
+} // namespace
+
+void WarnOfOptionsWithoutEffect(const Options& options, const MuxerSettings& settings, Console& console) {
+    const std::vector<std::string> names = StrictOptionsIn(options);
+    if (names.empty() || settings.IsStrict()) {
+        return;
+    }
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    console.Warn(text + ": no effect with the compatible profile");
+}
+
+} // namespace mkvmux
