@@ -141,7 +141,7 @@ TEST(Options, WhatStrictFilesAreToldIsUnsaidUntilItIsSaid) {
     EXPECT_TRUE(said.isProfileGiven);
     EXPECT_TRUE(said.strict);
     EXPECT_TRUE(Parsed({"-o", "o", "--profile", "compatible", "a"}).isProfileGiven);
-    EXPECT_EQ(Parsed({"-o", "o", "--title=", "a"}).title, L"");
+    EXPECT_EQ(Parsed({"-o", "o", "--title", "", "a"}).title, L"");
     EXPECT_THAT(Refused({"-o", "o", "--profile", "lax", "a"}).output, HasSubstr("'lax' is not strict or compatible"));
     EXPECT_THAT(Refused({"-o", "o", "--title", "--webm", "a"}).output, HasSubstr("--title"));
 }
@@ -150,7 +150,7 @@ TEST(Options, WhatStrictFilesAreToldIsUnsaidUntilItIsSaid) {
 TEST(Options, ASeedIsTheFnv1aHashOfItsText) {
     EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "a", "x"}).seed, 0xaf63dc4c8601ec8cULL);
     EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "foobar", "x"}).seed, 0x85944171f73967e8ULL);
-    EXPECT_EQ(Parsed({"-o", "o", "--deterministic=", "x"}).seed, 0xcbf29ce484222325ULL);
+    EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "", "x"}).seed, 0xcbf29ce484222325ULL);
 }
 
 TEST(Options, OfTwoNamesForATrackTheLaterCounts) {

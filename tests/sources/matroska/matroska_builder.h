@@ -16,6 +16,11 @@ namespace id {
 using namespace test_support::ebml_id;
 inline constexpr uint32_t kFlagEnabled = 0xb9;
 inline constexpr uint32_t kLanguageTag = 0x22b59d;
+inline constexpr uint32_t kFlagHearingImpaired = 0x55ab;
+inline constexpr uint32_t kFlagVisualImpaired = 0x55ac;
+inline constexpr uint32_t kFlagOriginal = 0x55ae;
+inline constexpr uint32_t kFlagCommentary = 0x55af;
+inline constexpr uint32_t kTitle = 0x7ba9;
 inline constexpr uint32_t kDisplayWidth = 0x54b0;
 inline constexpr uint32_t kDisplayHeight = 0x54ba;
 inline constexpr uint32_t kSamplingFrequency = 0xb5;

@@ -286,6 +286,34 @@ TEST(MatroskaReader, TellsWhatTheFileSaysOfItsTracks) {
     EXPECT_EQ(propertiesOf(2).language, "pt");
 }
 
+TEST(MatroskaReader, TellsTheFlagsThatATrackHasAndNoOthers) {
+    const auto reader = ReaderOf(FileOf(
+        {Audio(1, {RawUnsigned(id::kFlagHearingImpaired, 1), RawUnsigned(id::kFlagOriginal, 0)}),
+         Audio(2, {RawUnsigned(id::kFlagVisualImpaired, 0), RawUnsigned(id::kFlagCommentary, 1)})},
+        {}));
+    const source::TrackProperties& first = reader->Streams()[0].properties;
+    EXPECT_EQ(first.hearingImpaired, true);
+    EXPECT_EQ(first.visualImpaired, std::nullopt);
+    EXPECT_EQ(first.original, false);
+    EXPECT_EQ(first.commentary, std::nullopt);
+    const source::TrackProperties& second = reader->Streams()[1].properties;
+    EXPECT_EQ(second.hearingImpaired, std::nullopt);
+    EXPECT_EQ(second.visualImpaired, false);
+    EXPECT_EQ(second.original, std::nullopt);
+    EXPECT_EQ(second.commentary, true);
+}
+
+TEST(MatroskaReader, TheTitleOfTheFileEndsAtItsFirstZero) {
+    const auto titleOf = [](const std::string& title) {
+        const RawBytes info = Master(id::kInfo, {RawText(id::kTitle, title)});
+        const source::BufferedSource bytes(std::make_unique<MemorySource>(FileOf({Audio(1)}, {info})));
+        return ReadMatroskaFile(bytes)->title;
+    };
+    EXPECT_EQ(titleOf("Ein Film"), "Ein Film");
+    EXPECT_EQ(titleOf(std::string("Ein\0Film", 8)), "Ein");
+    EXPECT_EQ(titleOf(""), "");
+}
+
 TEST(MatroskaReader, HandsOutAttachments) {
     const RawBytes attachments =
         Master(id::kAttachments,
