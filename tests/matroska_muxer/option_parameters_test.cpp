@@ -151,7 +151,7 @@ TEST_F(OptionParameters, FlagsOfNoRowAndValuesThatAreNoneAreRefusedAndChangeNoth
         EXPECT_EQ(E_INVALIDARG, GetFlags(outside));
         EXPECT_EQ(std::to_string(index) + ": 0 1 0 1 0", Shown(outside)) << "the caller's stays, too";
     }
-    for (BYTE MuxTrackFlags::* const flag :
+    for (BYTE MuxTrackFlags::*const flag :
          {&MuxTrackFlags::forced, &MuxTrackFlags::hearingImpaired, &MuxTrackFlags::visualImpaired,
           &MuxTrackFlags::original, &MuxTrackFlags::commentary}) {
         MuxTrackFlags wrong{0, 0, 0, 0, 0, 0};
@@ -171,8 +171,12 @@ TEST_F(OptionParameters, AChangeMakesTheFilterDirtyAndTheSameValueDoesNot) {
         [this] { return SetNumber(MKVMUX_TrackStatistics, 0); },
         [this] { return SetSeed(77); },
         [this] { return SetTitle(WideStringView(OLESTR("A film"))); },
-        [this] { return SetFlags({4, 1, 0xff, 0xff, 0xff, 0xff}); },
-        [this] { return SetFlags({4, 0xff, 0xff, 0xff, 0xff, 0xff}); },
+        [this] {
+            return SetFlags({4, 1, 0xff, 0xff, 0xff, 0xff});
+        },
+        [this] {
+            return SetFlags({4, 0xff, 0xff, 0xff, 0xff, 0xff});
+        },
     };
     Clean();
     for (const auto& change : changes) {

@@ -124,8 +124,12 @@ TEST_F(PersistedOptions, EveryOptionIsAFieldOfTheBlockAndComesBack) {
 }
 
 TEST_F(PersistedOptions, EachOptionAloneIsABlockOfOneField) {
-    const Bytes fields[] = {Profile(),     Title("x"),           Seed(1),
-                            Statistics(0), Flags(0, {0, 0, 0, 0, 0}), Flags(99, {0xff, 0xff, 0xff, 0xff, 1})};
+    const Bytes fields[] = {Profile(),
+                            Title("x"),
+                            Seed(1),
+                            Statistics(0),
+                            Flags(0, {0, 0, 0, 0, 0}),
+                            Flags(99, {0xff, 0xff, 0xff, 0xff, 1})};
     for (const Bytes& field : fields) {
         ASSERT_EQ(S_OK, LoadBytes(WithFields(field)));
         EXPECT_EQ(WithFields(field), Saved()) << &field - fields;

@@ -50,7 +50,7 @@ TEST(FileOptionsTest, FlagsAreUnsetUntilTheyAreSetAndAgainWhenTheyAreUnset) {
 }
 
 TEST(FileOptionsTest, EachOfTheFlagsIsAChange) {
-    for (BYTE MuxTrackFlags::* const flag :
+    for (BYTE MuxTrackFlags::*const flag :
          {&MuxTrackFlags::forced, &MuxTrackFlags::hearingImpaired, &MuxTrackFlags::visualImpaired,
           &MuxTrackFlags::original, &MuxTrackFlags::commentary}) {
         MuxTrackFlags flags = records::UnsetTrackFlags(0);
