@@ -71,7 +71,8 @@ def pictures_matroska():
 
 def mkvmux(source, output, raw):
     rate = ["--fps", "25"] if raw else []
-    return [WINE, MKVMUX, "--no-register", "-q", "-y", *rate, "-o", output, source]
+    # The profile that the figures to reach were measured with.
+    return [WINE, MKVMUX, "--no-register", "--profile", "compatible", "-q", "-y", *rate, "-o", output, source]
 
 
 def mkvmerge(source, output, raw):

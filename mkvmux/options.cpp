@@ -30,7 +30,7 @@ struct RawOptions {
     std::string loadConfig;
     std::string frameRate;
     std::string progress = "auto";
-    std::string profile = "compatible";
+    std::string profile = "strict";
     std::vector<std::string> inputs;
     std::string title;
     std::string seed;

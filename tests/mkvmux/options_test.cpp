@@ -43,6 +43,12 @@ TEST(Options, DefaultsAreSafe) {
     EXPECT_EQ(options.progress, ProgressMode::Auto);
 }
 
+TEST(Options, TheProfileIsStrictUnlessCompatibleIsAskedFor) {
+    EXPECT_TRUE(Parsed({"-o", "o", "a"}).strict);
+    EXPECT_TRUE(Parsed({"-o", "o", "--profile", "strict", "a"}).strict);
+    EXPECT_FALSE(Parsed({"-o", "o", "--profile", "compatible", "a"}).strict);
+}
+
 TEST(Options, EachSwitchIsSeen) {
     const Options options =
         Parsed({"--output=o.mkv", "-y", "--webm", "--no-register", "-q", "--progress", "never", "a.avi"});

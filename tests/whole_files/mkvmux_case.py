@@ -81,15 +81,17 @@ def pcm_wave(seconds=4):
 
 
 class MkvmuxCase(unittest.TestCase):
+    profile = "compatible"  # of the files that mkvmux writes
+
     def setUp(self):
         self.directory = Path(tempfile.mkdtemp(prefix="qrx_files_"))
         self.addCleanup(shutil.rmtree, self.directory, ignore_errors=True)
 
     # ---- running
 
-    @staticmethod
-    def command(*arguments, registered=False):
-        return [BIN / "mkvmux.exe", *([] if registered else ["--no-register"]), *arguments]
+    @classmethod
+    def command(cls, *arguments, registered=False):
+        return [BIN / "mkvmux.exe", *([] if registered else ["--no-register"]), "--profile", cls.profile, *arguments]
 
     def start(self, *arguments, registered=False, **more):
         """A run in the background; it is killed when the test ends."""
