@@ -104,7 +104,7 @@ constexpr EbmlElementInfo kElements[] = {
     {kCodecPrivate, kTrackEntry, Binary, "CodecPrivate"},
     {0x258688, kTrackEntry, Utf8, "CodecName"},
     {0xaa, kTrackEntry, Unsigned, "CodecDecodeAll"},
-    {0x56aa, kTrackEntry, Unsigned, "CodecDelay"},
+    {kCodecDelay, kTrackEntry, Unsigned, "CodecDelay"},
     {0x56bb, kTrackEntry, Unsigned, "SeekPreRoll"},
 
     {kVideo, kTrackEntry, Master, "Video"},
@@ -157,7 +157,7 @@ constexpr EbmlElementInfo kElements[] = {
     {kCueTrack, kCueTrackPositions, Unsigned, "CueTrack"},
     {kCueClusterPosition, kCueTrackPositions, Unsigned, "CueClusterPosition"},
     {kCueRelativePosition, kCueTrackPositions, Unsigned, "CueRelativePosition"},
-    {0xb2, kCueTrackPositions, Unsigned, "CueDuration"},
+    {kCueDuration, kCueTrackPositions, Unsigned, "CueDuration"},
     {kCueBlockNumber, kCueTrackPositions, Unsigned, "CueBlockNumber"},
     {0xea, kCueTrackPositions, Unsigned, "CueCodecState"},
     {kCueReference, kCueTrackPositions, Master, "CueReference"},

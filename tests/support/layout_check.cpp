@@ -159,7 +159,10 @@ std::vector<std::string> CheckLayout(const MatroskaLayout& layout, const LayoutE
         CheckSeekHead(layout, *segment, findings);
     }
     CheckClusters(layout, *segment, expected.clustersMayGoBack, findings);
-    CheckCues(layout, *segment, findings);
+    CheckCues(layout, *segment, expected.strict, findings);
+    if (expected.strict) {
+        CheckStrictLayout(layout, *segment, expected.cut, findings);
+    }
     return findings.Take();
 }
 

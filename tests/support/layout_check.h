@@ -15,6 +15,8 @@ struct LayoutExpectations {
     bool cut = false;
     // Files that put a late block into a cluster of its own go back in time there.
     bool clustersMayGoBack = false;
+    // The strict profile: the head's order, clusters that begin with their earliest block, cues that are exact.
+    bool strict = false;
 };
 
 [[nodiscard]] std::vector<std::string> CheckLayout(const MatroskaLayout& layout,

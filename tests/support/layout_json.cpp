@@ -36,6 +36,7 @@ void DescribeTrack(JsonWriter& json, const LayoutTrack& track) {
     json.OptionalNumber("flagLacing", track.flagLacing);
     json.OptionalNumber("defaultDurationNs", track.defaultDurationNs);
     json.OptionalNumber("codecPrivateSize", track.codecPrivateSize);
+    json.OptionalNumber("codecDelayNs", track.codecDelayNs);
     json.EndObject();
 }
 
@@ -94,6 +95,7 @@ void DescribePositions(JsonWriter& json, const MatroskaLayout& layout) {
         json.Number("track", cue.track);
         json.Number("clusterOffset", base + cue.clusterPosition);
         json.OptionalNumber("relativePosition", cue.relativePosition);
+        json.OptionalNumber("durationTicks", cue.duration);
         json.OptionalNumber("blockNumber", cue.blockNumber);
         json.EndObject();
     }

@@ -29,15 +29,15 @@ std::string Describe(const LayoutCue& cue) {
 
 // A cue's time is rounded down. So is a block's, unless it lies before its cluster's time: its offset is then cut off
 // towards zero, which is zero itself for less than a tick, and a fraction of a tick makes it one tick later.
-bool IsFor(const LayoutBlock& block, const LayoutCue& cue) {
+bool IsFor(const LayoutBlock& block, const LayoutCue& cue, bool exact) {
     const int64_t later = block.time - static_cast<int64_t>(cue.time);
-    return block.track == cue.track && (later == 0 || (later == 1 && block.relativeTime <= 0));
+    return block.track == cue.track && (later == 0 || (!exact && later == 1 && block.relativeTime <= 0));
 }
 
 class CueChecker {
   public:
-    CueChecker(const MatroskaLayout& layout, const EbmlElement& segment, Findings& findings)
-        : m_layout(layout), m_segment(segment), m_findings(findings) {
+    CueChecker(const MatroskaLayout& layout, const EbmlElement& segment, bool exact, Findings& findings)
+        : m_layout(layout), m_segment(segment), m_exact(exact), m_findings(findings) {
         for (const LayoutCluster& cluster : layout.clusters) {
             m_clusters[cluster.offset] = &cluster;
         }
@@ -50,6 +50,7 @@ class CueChecker {
 
     const MatroskaLayout& m_layout;
     const EbmlElement& m_segment;
+    const bool m_exact;
     Findings& m_findings;
     std::map<uint64_t, const LayoutCluster*> m_clusters; // by offset
 };
@@ -61,7 +62,7 @@ void CueChecker::CheckRelativePosition(const LayoutCue& cue, const EbmlElement& 
     };
     const auto found =
         target == nullptr ? cluster.blocks.end() : std::find_if(cluster.blocks.begin(), cluster.blocks.end(), begins);
-    if (found == cluster.blocks.end() || !IsFor(*found, cue)) {
+    if (found == cluster.blocks.end() || !IsFor(*found, cue, m_exact)) {
         m_findings.Add(element.DataOffset() + *cue.relativePosition,
                        Describe(cue) + " points here, where no such block begins");
     }
@@ -69,7 +70,8 @@ void CueChecker::CheckRelativePosition(const LayoutCue& cue, const EbmlElement& 
 
 void CueChecker::CheckBlockNumber(const LayoutCue& cue, const LayoutCluster& cluster) {
     const uint64_t number = *cue.blockNumber; // counted from 1
-    if (number == 0 || number > cluster.blocks.size() || !IsFor(cluster.blocks[static_cast<size_t>(number - 1)], cue)) {
+    if (number == 0 || number > cluster.blocks.size() ||
+        !IsFor(cluster.blocks[static_cast<size_t>(number - 1)], cue, m_exact)) {
         m_findings.Add(cluster.offset, Describe(cue) + " names block " + std::to_string(number) + ", which is another");
     }
 }
@@ -86,7 +88,7 @@ void CueChecker::Check(const LayoutCue& cue) {
     }
     const LayoutCluster& cluster = *m_clusters.at(element->offset);
     if (std::none_of(cluster.blocks.begin(), cluster.blocks.end(),
-                     [&cue](const LayoutBlock& block) { return IsFor(block, cue); })) {
+                     [this, &cue](const LayoutBlock& block) { return IsFor(block, cue, m_exact); })) {
         m_findings.Add(cluster.offset, Describe(cue) + " points at this Cluster, which has no such block");
         return;
     }
@@ -119,8 +121,8 @@ void CheckSeekHead(const MatroskaLayout& layout, const EbmlElement& segment, Fin
     }
 }
 
-void CheckCues(const MatroskaLayout& layout, const EbmlElement& segment, Findings& findings) {
-    CueChecker checker(layout, segment, findings);
+void CheckCues(const MatroskaLayout& layout, const EbmlElement& segment, bool exact, Findings& findings) {
+    CueChecker checker(layout, segment, exact, findings);
     for (const LayoutCue& cue : layout.cues) {
         checker.Check(cue);
     }

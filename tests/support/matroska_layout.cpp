@@ -100,6 +100,7 @@ void LayoutReader::ReadTrack(const EbmlElement& entry) {
     track.flagForced = OptionalUnsigned(entry, kFlagForced);
     track.flagLacing = OptionalUnsigned(entry, kFlagLacing);
     track.defaultDurationNs = OptionalUnsigned(entry, kDefaultDuration);
+    track.codecDelayNs = OptionalUnsigned(entry, kCodecDelay);
     if (const EbmlElement* const codecPrivate = entry.Child(kCodecPrivate)) {
         track.codecPrivateSize = codecPrivate->dataSize;
     }
@@ -172,6 +173,7 @@ void LayoutReader::ReadCuePoint(const EbmlElement& point) {
         cue.track = Unsigned(*position, kCueTrack);
         cue.clusterPosition = Unsigned(*position, kCueClusterPosition);
         cue.relativePosition = OptionalUnsigned(*position, kCueRelativePosition);
+        cue.duration = OptionalUnsigned(*position, kCueDuration);
         cue.blockNumber = OptionalUnsigned(*position, kCueBlockNumber);
         m_layout.cues.push_back(cue);
     }

@@ -31,6 +31,7 @@ struct LayoutTrack {
     std::optional<uint64_t> flagLacing;
     std::optional<uint64_t> defaultDurationNs;
     std::optional<uint64_t> codecPrivateSize;
+    std::optional<uint64_t> codecDelayNs;
 };
 
 struct LayoutBlock {
@@ -57,6 +58,7 @@ struct LayoutCue {
     uint64_t track = 0;
     uint64_t clusterPosition = 0; // from the Segment's data
     std::optional<uint64_t> relativePosition;
+    std::optional<uint64_t> duration; // ticks
     std::optional<uint64_t> blockNumber;
 };
 

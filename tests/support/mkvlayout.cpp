@@ -1,5 +1,5 @@
-// mkvlayout [--cut] [--clusters-may-go-back] [--dump] FILE: reads a Matroska file with the tests' own reader and
-// prints what it found as JSON, or as the text of the golden files.
+// mkvlayout [--cut] [--strict] [--clusters-may-go-back] [--dump] FILE: reads a Matroska file with the tests' own reader
+// and prints what it found as JSON, or as the text of the golden files.
 // Exit status: 0 the layout is right, 1 there are findings, 2 the file cannot be read.
 #include <cstdio>
 #include <fstream>
@@ -30,6 +30,8 @@ bool Parse(int count, char** texts, Arguments& arguments) {
         const std::string_view text = texts[i];
         if (text == "--cut") {
             arguments.expected.cut = true;
+        } else if (text == "--strict") {
+            arguments.expected.strict = true;
         } else if (text == "--clusters-may-go-back") {
             arguments.expected.clustersMayGoBack = true;
         } else if (text == "--dump") {
@@ -64,7 +66,7 @@ int Describe(const Arguments& arguments) {
 int main(int count, char** texts) {
     Arguments arguments;
     if (!Parse(count, texts, arguments)) {
-        std::fprintf(stderr, "usage: mkvlayout [--cut] [--clusters-may-go-back] [--dump] FILE\n");
+        std::fprintf(stderr, "usage: mkvlayout [--cut] [--strict] [--clusters-may-go-back] [--dump] FILE\n");
         return kExitFailed;
     }
     return Describe(arguments);
