@@ -10,7 +10,7 @@ PACKAGES_WINE=(
   wine wine64 gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly
 )
 # The programs that judge our files, the encoder that makes the inputs, and the sources of other locales.
-PACKAGES_JUDGES=(mkvtoolnix ffmpeg mediaconch iso-codes python3 locales)
+PACKAGES_JUDGES=(mkvtoolnix ffmpeg mediaconch libwebm-tools iso-codes python3 locales)
 # The programs that play them.
 PACKAGES_PLAYERS=(
   ffmpeg python3 chromium chromium-driver chromium-sandbox

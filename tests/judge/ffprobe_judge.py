@@ -53,8 +53,10 @@ def overlapping_subtitles(track, blocks, tick_ns):
 
 def our_packets(track, blocks, tick_ns):
     overlapping = overlapping_subtitles(track, blocks, tick_ns)
+    # It takes the codec's delay off, in whole ticks.
+    delay_ns = ((track["codecDelayNs"] or 0) + tick_ns // 2) // tick_ns * tick_ns
     # Of the frames of a laced block only the first carries the time and the flag.
-    return [(round(block["timeNs"]), block["keyframe"] and block["offset"] not in overlapping,
+    return [(round(block["timeNs"]) - delay_ns, block["keyframe"] and block["offset"] not in overlapping,
              block["frameSizes"][0], f"{block['frameCrcs'][0]:08x}") for block in blocks]
 
 

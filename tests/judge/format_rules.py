@@ -29,6 +29,9 @@ class Element:
     def child(self, name):
         return next((child for child in self.children if child.name == name), None)
 
+    def bytes(self):
+        return self._bytes
+
     def number(self):
         return int.from_bytes(self._bytes, "big")
 

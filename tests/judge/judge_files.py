@@ -7,8 +7,9 @@ known_complaints.json explains it; so is, with --whole, an explanation that noth
 
 usage: judge_files.py --mkvlayout COMMAND DIRECTORY
 
-A file whose name ends in .cut.mkv or .cut.webm was not finalised on purpose. Exit status: 0 all files pass, 1 one
-fails, 2 nothing could be judged.
+A file whose name ends in .cut.mkv or .cut.webm was not finalised on purpose. One whose name ends in .strict.mkv,
+.strict.cut.mkv or the like is of the strict profile: more is asked of it, and the explanations for files of the
+compatible profile are none for it. Exit status: 0 all files pass, 1 one fails, 2 nothing could be judged.
 """
 
 import argparse
@@ -25,9 +26,11 @@ import mediaconch_judge
 import mkvinfo_judge
 import mkvmerge_judge
 import our_layout
+import strict_rules
+import webm_info_judge
 
-TOOLS = ("mkvinfo", "mkvmerge", "ffprobe", "mediaconch")
-JUDGES = (mkvinfo_judge, mkvmerge_judge, ffprobe_judge, format_rules)
+TOOLS = ("mkvinfo", "mkvmerge", "ffprobe", "mediaconch", "webm_info")
+JUDGES = (mkvinfo_judge, mkvmerge_judge, ffprobe_judge, format_rules, strict_rules, webm_info_judge)
 MAX_REASONS = 10  # of one file that are printed
 
 

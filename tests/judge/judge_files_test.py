@@ -15,10 +15,13 @@ import unittest
 
 import complaints
 import format_rules
+from strict_rules_test import StrictRules  # noqa: F401, one of the cases that run here
 
 JUDGE = pathlib.Path(__file__).with_name("judge_files.py")
 TIMESTAMP_ZERO = bytes.fromhex("e78100")  # a cluster's time
 CUE_CLUSTER_POSITION = bytes.fromhex("f182")  # two bytes follow
+CUE_RELATIVE_POSITION = bytes.fromhex("f081")  # one byte follows
+PADDING = bytes.fromhex("ec")
 SEEK_POSITION = bytes.fromhex("53ac82")
 SIMPLE_BLOCK_OF_TRACK_1 = bytes.fromhex("81000080")  # at the cluster's time, a keyframe
 CUES = bytes.fromhex("1c53bb6b")
@@ -60,7 +63,7 @@ class JudgeTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             (pathlib.Path(folder) / name).write_bytes(content)
             explained = pathlib.Path(folder) / "known.json"
-            explained.write_text(json.dumps([{"files": "*", "reason": "a test", **entry} for entry in known]))
+            explained.write_text(json.dumps([{"files": "*", "profile": "compatible", "reason": "a test", "defect": "a test", **entry} for entry in known]))
             outcome = subprocess.run([sys.executable, str(JUDGE), "--mkvlayout", os.environ["QRX_MKVLAYOUT"],
                                       "--known", str(explained), *options, folder],
                                      capture_output=True, text=True, check=False)
@@ -153,6 +156,37 @@ class JudgeTest(unittest.TestCase):
         self.assert_explained(True, {})
         self.assert_explained(False, {"files": "other*"})
         self.assert_explained(False, {"tool": "mkvinfo"})
+        self.assert_explained(False, {"profile": "strict"})
+        self.assert_explained(True, {"profile": "both"})
+
+    def test_an_explanation_is_for_its_profile_alone(self):
+        content = self.replaced(LANGUAGE_UND, LANGUAGE_UND[:-3] + b"u/d")
+        for profile, is_explained in (("compatible", False), ("strict", True), ("both", True)):
+            entry = {"tool": "format rules", "pattern": "Language is 'u/d'$", "profile": profile}
+            _, text = self.judge("made.strict.mkv", content, known=[entry])
+            self.assertEqual("Language is 'u/d'" not in text, is_explained, text)
+
+    def test_a_strict_file_is_explained_by_a_defect_of_the_judge_only(self):
+        known = [{"tool": "mkvinfo", "profile": profile, "files": "*", "pattern": "x", "reason": "on purpose"}
+                 for profile in ("compatible", "strict", "both")]
+        complaints.check_entry(known[0], "list")
+        for entry in known[1:]:
+            with self.assertRaisesRegex(ValueError, "lacks defect"):
+                complaints.check_entry(entry, "list")
+        with self.assertRaisesRegex(ValueError, "lacks profile"):
+            complaints.check_entry({key: value for key, value in known[0].items() if key != "profile"} | {"defect": ""}, "list")
+
+    def test_more_is_asked_of_a_strict_file(self):
+        self.assertEqual(self.judge("made.mkv", self.made)[0], 0)
+        status, text = self.judge("made.strict.mkv", self.made)
+        self.assertEqual(status, 1, text)
+        self.assertIn("strict rules: track 1: there is no FlagEnabled", text)
+        # Its layout is as strict; a cue whose relative position becomes padding is not.
+        self.assertNotIn("mkvlayout", text)
+        place = self.made.index(CUE_RELATIVE_POSITION, self.made.index(CUES, len(self.made) // 2))
+        content = self.made[:place] + PADDING + self.made[place + 1:]
+        self.assertEqual(self.judge("made.mkv", content)[0], 0)
+        self.assertIn("mkvlayout: ", self.judge("made.strict.mkv", content)[1])
 
     def assert_explained(self, expected, change):
         entry = {"tool": "format rules", "pattern": "Language is 'u/d'$", **change}

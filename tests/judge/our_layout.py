@@ -52,7 +52,8 @@ def run_program(arguments):
 
 def read(command, path, cut, verdict):
     """Runs mkvlayout; its findings are complaints. None when it fails."""
-    arguments = shlex.split(command) + (["--cut"] if cut else []) + [str(path)]
+    options = (["--cut"] if cut else []) + (["--strict"] if verdict.is_strict else [])
+    arguments = shlex.split(command) + options + [str(path)]
     status, printed, complaints = run_program(arguments)
     if status not in (0, 1) or not printed:
         verdict.complain(TOOL, f"failed with status {status}: {complaints.strip()}")

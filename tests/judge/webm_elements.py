@@ -1,0 +1,21 @@
+"""The elements that the WebM guidelines list as supported."""
+
+ELEMENTS = frozenset("""
+EBML EBMLVersion EBMLReadVersion EBMLMaxIDLength EBMLMaxSizeLength DocType DocTypeVersion DocTypeReadVersion Void
+Segment SeekHead Seek SeekID SeekPosition
+Info TimestampScale Duration DateUTC Title MuxingApp WritingApp
+Tracks TrackEntry TrackNumber TrackUID TrackType FlagEnabled FlagDefault FlagForced FlagLacing DefaultDuration Name
+Language CodecID CodecPrivate CodecName CodecDelay SeekPreRoll
+Video FlagInterlaced StereoMode AlphaMode PixelWidth PixelHeight PixelCropBottom PixelCropTop PixelCropLeft
+PixelCropRight DisplayWidth DisplayHeight DisplayUnit Colour MatrixCoefficients BitsPerChannel ChromaSubsamplingHorz
+ChromaSubsamplingVert CbSubsamplingHorz CbSubsamplingVert ChromaSitingHorz ChromaSitingVert Range
+TransferCharacteristics Primaries MaxCLL MaxFALL MasteringMetadata Projection ProjectionType ProjectionPrivate
+ProjectionPoseYaw ProjectionPosePitch ProjectionPoseRoll
+Audio SamplingFrequency OutputSamplingFrequency Channels BitDepth
+Cluster Timestamp PrevSize SimpleBlock BlockGroup Block BlockAdditions BlockMore BlockAddID BlockAdditional
+BlockDuration ReferenceBlock DiscardPadding
+Cues CuePoint CueTime CueTrackPositions CueTrack CueClusterPosition CueRelativePosition CueDuration CueBlockNumber
+Tags Tag Targets TargetTypeValue TargetType TagTrackUID SimpleTag TagName TagLanguage TagDefault TagString TagBinary
+Chapters EditionEntry ChapterAtom ChapterUID ChapterStringUID ChapterTimeStart ChapterTimeEnd ChapterDisplay
+ChapString ChapLanguage ChapCountry
+""".split())
