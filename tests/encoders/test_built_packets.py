@@ -5,6 +5,7 @@ import struct
 from whole_files.codec_case import CodecCase
 from whole_files.mkv_builder import block_group, cluster, matroska, track_entry
 from whole_files.mkvmux_case import run_tool
+from whole_files.profiles import in_both_profiles
 
 SSA = """[Script Info]
 ScriptType: v4.00
@@ -54,6 +55,7 @@ def pgs_nothing(time_ms, number):
     return b"".join(pgs_segment(time_ms, kind, data) for kind, data in ((0x16, show), (0x17, window), (0x80, b"")))
 
 
+@in_both_profiles
 class Subtitles(CodecCase):
     def write(self, name, content):
         path = self.directory / name

@@ -5,6 +5,7 @@ import json
 from whole_files.codec_case import CodecCase
 from whole_files.codec_matrix import SRT
 from whole_files.mkvmux_case import make_input, pcm_wave, picture, run_tool, sound
+from whole_files.profiles import in_both_profiles
 
 H264 = ("-c:v", "libx264", "-g", "25", "-bf", "3", "-x264-params", "b-pyramid=normal:scenecut=0")
 H265 = ("-c:v", "libx265", "-x265-params", "log-level=error:keyint=25:bframes=3")
@@ -23,6 +24,7 @@ Dialogue: 1,0:00:00.50,0:00:01.25,Default,actor,0,0,0,,{\\i1}First
 """
 
 
+@in_both_profiles
 class RawVideo(CodecCase):
     """The elementary stream gives the same frames at the same times as the file it was taken from."""
 
@@ -74,6 +76,7 @@ class RawVideo(CodecCase):
         self.assert_decodes(output)
 
 
+@in_both_profiles
 class TextSubtitles(CodecCase):
     def remuxed(self, name, content):
         source = self.directory / name
@@ -105,6 +108,7 @@ class TextSubtitles(CodecCase):
         self.assert_remuxes(output)
 
 
+@in_both_profiles
 class CarriedOver(CodecCase):
     """A remux keeps names, languages, flags and attachments, unless options say otherwise."""
 
@@ -165,7 +169,8 @@ class CarriedOver(CodecCase):
                 output = self.directory / f"forced_{forced}.mkv"
                 self.mux(output, source)
                 track = self.identify(output)["tracks"][0]["properties"]
-                self.assertEqual((track["default_track"], track["forced_track"]), (forced, forced))
+                # The compatible profile has one flag for both; in a strict file each is its own.
+                self.assertEqual((track["default_track"], track["forced_track"]), (self.is_strict or forced, forced))
 
     def test_a_track_that_is_not_to_be_used_goes_on_with_a_warning(self):
         source = self.remerged(self.source(), "--track-enabled-flag", "1:no")

@@ -6,6 +6,7 @@ from whole_files.codec_case import CodecCase
 from whole_files.mkv_builder import (audio_fields, block_group, cluster, matroska, simple_block, stripped_headers,
                                      track_entry)
 from whole_files.mkvmux_case import make_input, picture, run_tool, sound
+from whole_files.profiles import in_both_profiles
 
 ULTRAFAST = ("-preset", "ultrafast")
 VARIABLE_RATE = "select='not(eq(mod(n,7),3))*not(eq(mod(n,11),5))'"
@@ -16,6 +17,7 @@ def made(name, *arguments):
     return make_input(name, *arguments)
 
 
+@in_both_profiles
 class Unusual(CodecCase):
     def check(self, source, kinds="va", ending=".mkv", keys=True):
         output = self.remux(source, ending=ending)

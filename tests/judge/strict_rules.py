@@ -21,11 +21,11 @@ UUID_BYTES = 16
 RANDOM_BITS = 64
 FLAGS = ("FlagEnabled", "FlagDefault", "FlagForced", "FlagLacing", "FlagHearingImpaired", "FlagVisualImpaired",
          "FlagTextDescriptions", "FlagOriginal", "FlagCommentary")
-VIDEO, AUDIO, SUBTITLE = 1, 2, 17
+VIDEO, AUDIO = 1, 2
 INTERLACED = 1
 FIELD_ORDERS = {0, 1, 2, 6, 9, 14}
 OPUS_RATE, OPUS_SEEK_PRE_ROLL_NS = 48_000, 80_000_000
-HIGH_PROFILES = {100, 110, 122, 144}
+LOW_PROFILES = {66, 77, 88}  # whose decoder records say nothing of chroma and depths
 STATISTICS = {"BPS", "DURATION", "NUMBER_OF_FRAMES", "NUMBER_OF_BYTES"}
 STATISTICS_DURATION = re.compile(r"^\d{2,}:[0-5]\d:[0-5]\d\.\d{9}$")
 MUXING_APP = re.compile(r"^libebml v\d+\.\d+\.\d+ \+ libmatroska v\d+\.\d+\.\d+$")
@@ -110,7 +110,7 @@ def check_avc(record, where, verdict):
             count, place = record[place], place + 1
         for _ in range(count):
             place += 2 + int.from_bytes(record[place:place + 2], "big")
-    expected = 4 if record[1] in HIGH_PROFILES else 0
+    expected = 0 if record[1] in LOW_PROFILES else 4
     more = record[place:]
     if len(more) != expected or (more and (more[0] >> 2 != 0x3F or more[1] >> 3 != 0x1F or more[2] >> 3 != 0x1F)):
         verdict.complain(TOOL, f"{where}: the decoder record of profile {record[1]} ends with {more.hex()!r}")
@@ -162,10 +162,10 @@ def check_track(track, is_webm, verdict):
 
 
 def check_blocks(layout, verdict):
-    types = {track["number"]: track["type"] for track in layout.tracks}
+    texts = {track["number"] for track in layout.tracks if track["codecId"].startswith("S_TEXT/")}
     for block in layout.blocks:
-        if types.get(block["track"]) == SUBTITLE and block["durationTicks"] is None:
-            verdict.complain(TOOL, f"@{block['offset']}: a subtitle without a duration")
+        if block["track"] in texts and block["durationTicks"] is None:
+            verdict.complain(TOOL, f"@{block['offset']}: a text without a duration")
 
 
 def check_statistics(tag, layout, by_uid, verdict):

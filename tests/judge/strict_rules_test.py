@@ -62,6 +62,7 @@ class Sample:
         self.blocks = [simple_block(1, 0, b"abc"), simple_block(2, 0, b"ab"), simple_block(2, 20, b"abc"),
                        block_group(3, 20, b"a", 20)]
         self.statistics = {1: (1, 3), 2: (2, 5), 3: (1, 1)}
+        self.uid_error = 0  # of the tags
 
     def tag(self, number, uid):
         frames, size = self.statistics[number]
@@ -70,9 +71,9 @@ class Sample:
         return element(TAG, element(TARGETS, unsigned(TAG_UID, uid)) + simple)
 
     def content(self):
-        entries = [self.pictures, self.sound, self.text]
+        entries = [entry for entry in (self.pictures, self.sound, self.text) if entry]
         tracks = b"".join(element(0xAE, master(entry)) for entry in entries)
-        tags = b"".join(self.tag(number, entry[UID]) for number, entry in enumerate(entries, 1) if number in self.statistics)
+        tags = b"".join(self.tag(number, entry[UID] + self.uid_error) for number, entry in enumerate(entries, 1) if number in self.statistics)
         segment = (element(INFO, master(self.info)) + element(TRACKS, tracks)
                    + element(CLUSTER, unsigned(0xE7, 0) + b"".join(self.blocks))
                    + (element(TAGS, tags) if tags else b""))
@@ -174,15 +175,24 @@ class StrictRules(unittest.TestCase):
     def test_subtitles_last(self):
         def change(sample):
             sample.blocks[3] = block_group(3, 20, b"a")
-        self.assert_finds("a subtitle without a duration", change)
+        self.assert_finds("a text without a duration", change)
 
     def test_statistics(self):
         self.assert_finds("'NUMBER_OF_FRAMES': '2'", lambda s: s.statistics.update({2: (3, 5)}))
         self.assert_finds("'NUMBER_OF_BYTES': '5'", lambda s: s.statistics.update({2: (2, 6)}))
+        self.assert_finds("which there is not", self.lose_track)
         self.assert_finds("2 tags for 3 tracks", lambda s: s.statistics.pop(3))
         sample = Sample()
         sample.statistics.clear()
         self.assertEqual(self.complaints(sample), [])
+
+    @staticmethod
+    def lose_track(sample):
+        """Of one track there are statistics, under another's identifier."""
+        sample.uid_error = 5
+        sample.sound = sample.text = None
+        sample.statistics = {1: (1, 3)}
+        sample.blocks = sample.blocks[:1]
 
     def test_webm_has_fewer_elements(self):
         sample = Sample()

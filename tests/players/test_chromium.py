@@ -5,6 +5,7 @@ from pathlib import Path
 
 from browser import Browser
 from whole_files.mkvmux_case import MkvmuxCase, make_input, run_tool
+from whole_files.profiles import in_both_profiles
 from range_server import RangeServer
 
 HERE = Path(__file__).resolve().parent
@@ -33,6 +34,7 @@ def distance(one, other):
     return max(abs(a - b) for a, b in zip(one, other))
 
 
+@in_both_profiles
 class Chromium(MkvmuxCase):
     @classmethod
     def setUpClass(cls):

@@ -4,6 +4,7 @@ import gstreamer
 from whole_files.codec_matrix import AUDIO, SRT, SUBTITLES, VIDEO, encoded
 from whole_files.mkv_builder import block_group, cluster, matroska, track_entry
 from whole_files.mkvmux_case import MkvmuxCase, input_directory, make_input
+from whole_files.profiles import in_both_profiles
 
 SUBTITLE_TRACK = 17
 # What no encoder makes; the demultiplexer does not look into them.
@@ -51,6 +52,7 @@ class GStreamerCase(MkvmuxCase):
             self.assertEqual(len(playback.buffers), frames, "decoded frames")
 
 
+@in_both_profiles
 class VideoCodecs(GStreamerCase):
     def check(self, line):
         output = self.mux_to("out.mkv", encoded(line, "v"))
@@ -58,6 +60,7 @@ class VideoCodecs(GStreamerCase):
         self.assert_decodes_to(output, "video_0", frames=len(self.packet_times(output, 0)))
 
 
+@in_both_profiles
 class AudioCodecs(GStreamerCase):
     def check(self, line):
         source = encoded(line, "a")
@@ -69,6 +72,7 @@ class AudioCodecs(GStreamerCase):
             self.assert_decodes_to(output, "audio_0")
 
 
+@in_both_profiles
 class SubtitleCodecs(GStreamerCase):
     def encoded(self, line):
         text = input_directory() / "subtitles.srt"
@@ -86,6 +90,7 @@ class SubtitleCodecs(GStreamerCase):
         self.assert_demultiplexes(self.mux_to("out.mkv", source), "subtitle_0")
 
 
+@in_both_profiles
 class ManyTracks(GStreamerCase):
     def test_video_sound_and_subtitles_of_three_inputs(self):
         video, sound = (next(line for line in lines if line.name == name)

@@ -5,6 +5,7 @@ import struct
 
 from whole_files.mkv_builder import audio_fields, cluster, matroska, simple_block, track_entry, video_fields
 from whole_files.mkvmux_case import BIN, MkvmuxCase, make_input
+from whole_files.profiles import in_both_profiles
 from whole_files.wine_process import WineProcess
 
 SOUND_FIELDS = audio_fields(8000, 1, 16)
@@ -27,6 +28,7 @@ def pictures_and_sound(video_start_ms, audio_start_ms, seconds=2):
     return matroska(tracks, [cluster(0, *content)], seconds * 1000)
 
 
+@in_both_profiles
 class Offsets(MkvmuxCase):
     def first_times(self, path):
         """Of the first block of each track, in milliseconds."""

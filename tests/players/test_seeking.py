@@ -5,6 +5,7 @@ import json
 import os
 
 from whole_files.mkvmux_case import BIN, MkvmuxCase, make_input, run_tool
+from whole_files.profiles import in_both_profiles
 from whole_files.wine_process import WineProcess
 
 SECONDS = 10 * 60
@@ -22,6 +23,7 @@ def ten_minutes():
                       "-sc_threshold", "0", "-c:a", "libmp3lame", "-b:a", "8k")
 
 
+@in_both_profiles
 class Seeking(MkvmuxCase):
     def cue_times_ms(self, path):
         process = WineProcess(BIN / "mkvlayout.exe", path)

@@ -11,6 +11,7 @@ import time
 import unittest
 from pathlib import Path
 
+from whole_files.profiles import STRICT
 from whole_files.wine_process import BUILD, WAIT_SECONDS, WineProcess
 
 BIN = Path(os.environ.get("QRX_BIN_DIR", BUILD / "windows" / "bin"))
@@ -86,6 +87,11 @@ class MkvmuxCase(unittest.TestCase):
     def setUp(self):
         self.directory = Path(tempfile.mkdtemp(prefix="qrx_files_"))
         self.addCleanup(shutil.rmtree, self.directory, ignore_errors=True)
+        self.saved = {}  # outputs that the judges get, with their numbers
+
+    @property
+    def is_strict(self):
+        return self.profile == STRICT
 
     # ---- running
 
@@ -119,10 +125,12 @@ class MkvmuxCase(unittest.TestCase):
         return run
 
     def save_for_judges(self, output):
-        """A copy for the judges of all written files, where ./dev test names their directory."""
+        """A copy for the judges of all written files, where ./dev test names their directory. Its name tells its
+        profile, and is the test's, with a number from a test's second file on."""
         if directory := os.environ.get("QRX_JUDGE_DIR"):
-            name = self.id().replace("test_", "", 1) + Path(output).suffix
-            shutil.copy(output, Path(directory) / name)
+            number = self.saved.setdefault(Path(output), len(self.saved) + 1)
+            name = self.id().replace("test_", "", 1) + (f".{number}" if number > 1 else "")
+            shutil.copy(output, Path(directory) / (name + (".strict" if self.is_strict else "") + Path(output).suffix))
 
     def assert_fails(self, run, *texts):
         """Exit status 2 and exactly one line on standard error that names what and why."""
