@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
+#include "media/payload_conversion.h"
 #include "mkv/cluster_rule.h"
 
 namespace mkv {
 
 void CClusterWriter::setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
                                INT32 cueTrack) {
-    CClusters::setTracks(tracks, entries, cueTrack);
+    keepTracks(tracks, entries, media::NeedsAnnexBConversion);
     m_cueTrack = cueTrack;
 }
 

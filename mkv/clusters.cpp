@@ -4,7 +4,6 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "media/payload_conversion.h"
 #include "mkv/cluster_writer.h"
 #include "mkv/debug_trace.h"
 #include "mkv/strict_cluster_writer.h"
@@ -36,12 +35,12 @@ void TraceFrame(UINT32 stream, UINT64 timeNs, UINT64 durationNs) {
     DebugTrace(text);
 }
 
-void CClusters::setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
-                          INT32 /*cueTrack*/) {
+void CClusters::keepTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
+                           NeedsConversion needsConversion) {
     m_tracks.clear();
     for (size_t i = 0; i < std::min(tracks.size(), entries.size()); ++i) {
         const AM_MEDIA_TYPE& type = tracks[i].type;
-        m_tracks.push_back({type, static_cast<UINT16>(entries[i]->TrackNumber()), media::NeedsAnnexBConversion(type)});
+        m_tracks.push_back({type, static_cast<UINT16>(entries[i]->TrackNumber()), needsConversion(type)});
     }
 }
 

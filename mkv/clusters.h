@@ -31,7 +31,7 @@ class CClusters {
     // The entries of the tracks, in their order; the track whose keyframes begin clusters and are cue points, where the
     // profile does not choose itself.
     virtual void setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
-                           INT32 cueTrack);
+                           INT32 cueTrack) = 0;
     [[nodiscard]] size_t trackEntryCount() const { return m_tracks.size(); }
     // Where the profile tells of its blocks. It outlives this; null for nobody.
     void observe(CBlockObserver* observer) noexcept { m_observer = observer; }
@@ -57,6 +57,10 @@ class CClusters {
     // It was written.
     virtual void keepFacts() noexcept {}
 
+    // What of each track tells that its packets become other bytes.
+    using NeedsConversion = bool (*)(const AM_MEDIA_TYPE& type);
+    void keepTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
+                    NeedsConversion needsConversion);
     // Throws kTrackOutOfRangeError.
     [[nodiscard]] const TrackFacts& trackOf(const Packet& packet) const;
     [[nodiscard]] CMkvCues& cues() { return m_cues; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "media/opus_padding.h"
+#include "media/payload_conversion.h"
 #include "media/track_type.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
@@ -22,15 +23,15 @@ std::optional<UINT32> FirstOf(INT32 trackType, const TrackList& tracks) {
 } // namespace
 
 void CStrictClusterWriter::setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
-                                     INT32 cueTrack) {
-    CClusters::setTracks(tracks, entries, cueTrack);
+                                     INT32 /*cueTrack*/) {
+    keepTracks(tracks, entries, media::NeedsStrictConversion);
     m_cueVideo = FirstOf(media::kTrackTypeVideo, tracks);
     m_cueSound = m_cueVideo ? std::nullopt : FirstOf(media::kTrackTypeAudio, tracks);
 }
 
 std::optional<UINT64> CStrictClusterWriter::addFrameToCurrentCluster(const Packet& packet) {
     std::vector<BYTE> room;
-    const FrameBytes frame = PayloadOf(packet, trackOf(packet), room);
+    const FrameBytes frame = StrictPayloadOf(packet, trackOf(packet), room);
     if (frame.bytes.empty()) {
         return std::nullopt;
     }

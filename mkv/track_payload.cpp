@@ -1,5 +1,8 @@
 #include "mkv/track_payload.h"
 
+#include <optional>
+#include <span>
+
 #include "media/payload_conversion.h"
 #include "media/track_type.h"
 #include "mkv/codec_mapping.h"
@@ -11,16 +14,46 @@ namespace {
 // The library's readers refuse binary elements of 2 GiB - 1 byte, and a block has up to five bytes before its frame.
 constexpr UINT32 kMaxFrameBytes = 0x7ffffffe - 5;
 
+struct CompatibleConversion {
+    static std::optional<std::span<BYTE>> inPlace(const AM_MEDIA_TYPE& /*type*/, std::span<BYTE> payload) {
+        return media::ConvertAnnexBInPlace(payload);
+    }
+    static std::vector<BYTE> copy(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload) {
+        return media::ConvertPayload(type, payload);
+    }
+};
+
+struct StrictConversion {
+    static std::optional<std::span<BYTE>> inPlace(const AM_MEDIA_TYPE& type, std::span<BYTE> payload) {
+        return media::ConvertStrictInPlace(type, payload);
+    }
+    static std::vector<BYTE> copy(const AM_MEDIA_TYPE& type, std::span<const BYTE> payload) {
+        return media::ConvertStrictPayload(type, payload);
+    }
+};
+
 // In place where the packet's bytes are ours, else in that room.
+template <typename Conversion>
 FrameBytes ConvertedFrame(const Packet& packet, const AM_MEDIA_TYPE& type, std::vector<BYTE>& room) {
     if (packet.owned != nullptr) {
         BYTE* const bytes = packet.owned->get() + (packet.data - packet.owned->get());
-        if (const auto frame = media::ConvertAnnexBInPlace({bytes, packet.size})) {
+        if (const auto frame = Conversion::inPlace(type, {bytes, packet.size})) {
             return {*frame, packet.owned};
         }
     }
-    room = media::ConvertPayload(type, {packet.data, packet.size});
+    room = Conversion::copy(type, {packet.data, packet.size});
     return {room, nullptr};
+}
+
+template <typename Conversion>
+FrameBytes FrameOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room) {
+    if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
+        return {};
+    }
+    if (track.isConverted) {
+        return ConvertedFrame<Conversion>(packet, track.type, room);
+    }
+    return {{packet.data, packet.size}, packet.owned};
 }
 
 } // namespace
@@ -30,13 +63,11 @@ bool IsKeyframe(const Packet& packet, const TrackFacts& track) {
 }
 
 FrameBytes PayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room) {
-    if (packet.data == nullptr || packet.size > kMaxFrameBytes) {
-        return {};
-    }
-    if (track.hasStartCodes) {
-        return ConvertedFrame(packet, track.type, room);
-    }
-    return {{packet.data, packet.size}, packet.owned};
+    return FrameOf<CompatibleConversion>(packet, track, room);
+}
+
+FrameBytes StrictPayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room) {
+    return FrameOf<StrictConversion>(packet, track, room);
 }
 
 } // namespace mkv

@@ -12,7 +12,7 @@ namespace mkv {
 struct TrackFacts {
     const AM_MEDIA_TYPE& type;
     UINT16 number;
-    bool hasStartCodes;
+    bool isConverted; // its packets become other bytes
 };
 
 // Only video has blocks that depend on others. Throws kUnsupportedTypeError.
@@ -20,5 +20,7 @@ struct TrackFacts {
 
 // None is left of a packet without data, and of one that no reader would take. What had to be copied lies in the room.
 [[nodiscard]] FrameBytes PayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room);
+// As strict files have it.
+[[nodiscard]] FrameBytes StrictPayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room);
 
 } // namespace mkv

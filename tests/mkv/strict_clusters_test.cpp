@@ -237,6 +237,40 @@ TEST_F(StrictClustersTest, LargePayloadsAreTakenOverAndTheirOffsetsAreRightAllTh
     EXPECT_EQ(File().BlocksOf(1)[4].frames[0][size - 1], 4);
 }
 
+// ---- Payloads ------------------------------------------------------------------------------------------------------
+
+// Of a byte stream: a parameter set and a picture, behind a start code of four bytes and one of three.
+const std::vector<BYTE> kTwoUnits{0, 0, 0, 1, 0x67, 0x42, 0, 0, 1, 0x65, 0x88, 0};
+const std::vector<BYTE> kTwoUnitsWithLengths{0, 0, 0, 2, 0x67, 0x42, 0, 0, 0, 2, 0x65, 0x88};
+
+TEST_F(StrictClustersTest, UnitsBehindStartCodesOfEitherLengthGetLengths) {
+    const Bytes header{0,    0,    0,    1, 0x67, 0x64, 0, 0x1e, 0xac, 0xd9, 0x40, 0xa0, 0x2f,
+                       0xf9, 0x61, 0,    0, 3,    0,    1, 0,    0,    3,    0,    0x32, 0x0f,
+                       0x16, 0x2d, 0x96, 0, 0,    0,    1, 0x68, 0xeb, 0xe3, 0xcb, 0x22, 0xc0};
+    Register(test_support::Mpeg2VideoType(mediasubtype::kH264AnnexB, {}, header, 100, 30));
+    OpenStrict();
+    Write(0, 0, 40 * kMs, true, kTwoUnits);
+    auto owner = win::OwnedBytes(std::make_unique<BYTE[]>(kTwoUnits.size()));
+    std::copy(kTwoUnits.begin(), kTwoUnits.end(), owner.get());
+    mkv::Packet owned{40 * kMs, 80 * kMs, owner.get(), static_cast<UINT32>(kTwoUnits.size()), true, 0, false};
+    owned.owned = &owner;
+    m_writer.WritePacket(owned);
+    KeepStrictFromJudges(); // there is no picture in it
+    const auto blocks = File().BlocksOf(1);
+    ASSERT_EQ(blocks.size(), 2u);
+    for (const auto& block : blocks) {
+        EXPECT_EQ(Bytes(block.frames[0].begin(), block.frames[0].end()), kTwoUnitsWithLengths);
+    }
+}
+
+TEST_F(StrictClustersTest, PlainTextIsUtf8) {
+    Register(test_support::TextType());
+    OpenStrict();
+    WriteGroup(0, 0, 40 * kMs, {'n', 0xe9, 'e'});
+    const auto frame = File().BlocksOf(1).at(0).frames[0];
+    EXPECT_EQ(Bytes(frame.begin(), frame.end()), (Bytes{'n', 0xc3, 0xa9, 'e'}));
+}
+
 // ---- What is not to be heard ---------------------------------------------------------------------------------------
 
 constexpr uint32_t kDiscardPadding = 0x75a2;

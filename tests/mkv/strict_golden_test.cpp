@@ -55,8 +55,8 @@ TEST_F(StrictGoldenTest, TracksThatStartBelowZero) {
 }
 
 TEST_F(StrictGoldenTest, SoundAlone) {
-    Register(test_support::WaveType(mediasubtype::kOpus, {},
-                                    {'O', 'p', 'u', 's', 'H', 'e', 'a', 'd', 1, 2, 0x38, 1, 0x80, 0xbb, 0, 0, 0, 0, 0}));
+    Register(test_support::WaveType(
+        mediasubtype::kOpus, {}, {'O', 'p', 'u', 's', 'H', 'e', 'a', 'd', 1, 2, 0x38, 1, 0x80, 0xbb, 0, 0, 0, 0, 0}));
     OpenStrict();
     for (INT64 packet = 0; packet < 8; ++packet) {
         const INT64 start = packet * 900 * kMs;
