@@ -24,8 +24,8 @@ struct FileForm {
 };
 
 inline constexpr FileForm kCompatibleForm{2, 2, 5, 303};
-// Tracks have elements of version 4, all that a reader cannot skip (SimpleBlock) is of version 2. Five entries of a seek
-// head take 110 bytes; the rest is for those who add elements later.
+// Tracks have elements of version 4, all that a reader cannot skip (SimpleBlock) is of version 2. Five entries of a
+// seek head take 110 bytes; the rest is for those who add elements later.
 inline constexpr FileForm kStrictForm{4, 2, 8, 256};
 
 [[nodiscard]] constexpr const FileForm& FormOf(MuxProfile profile) {

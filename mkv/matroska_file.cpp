@@ -16,6 +16,7 @@
 #include "mkv/cluster_rule.h"
 #include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
+#include "mkv/statistics_tags.h"
 #include "mkv/strict_attachments.h"
 #include "mkv/strict_track_entry.h"
 #include "mkv/track_entry_builder.h"
@@ -111,6 +112,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
         m_seekHead.IndexThis(element, m_segment);
     }
     m_clusters->setTracks(tracks, entries, cueTrack);
+    observeBlocks(entries);
 }
 
 void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& records) {
@@ -195,6 +197,7 @@ void CMatroskaFile::patch(UINT64 dataStart) {
     writeLostHeadParts();
     m_info->patch(m_arrives, m_list);
     writeCues();
+    writeStatistics();
     fillSeekHeadPlace();
     overwriteSegmentSize(m_end - dataStart);
 }
@@ -209,6 +212,18 @@ void CMatroskaFile::writeLostHeadParts() {
     m_gathering.moveTo(m_end);
 }
 
+void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries) {
+    if (!m_options.isStrict() || !m_options.trackStatistics || m_isWebm) {
+        return;
+    }
+    std::vector<UINT64> uids;
+    for (libmatroska::KaxTrackEntry* const entry : entries) {
+        uids.push_back(libebml::GetChild<libmatroska::KaxTrackUID>(*entry).GetValue());
+    }
+    m_statistics.setTracks(uids);
+    m_clusters->observe(&m_statistics);
+}
+
 // Behind all that the file has.
 template <typename Element>
 void CMatroskaFile::writeBehind(Element& element) {
@@ -216,6 +231,17 @@ void CMatroskaFile::writeBehind(Element& element) {
     if (arrives([&] { size = element.Render(m_gathering, false); })) {
         m_end += size;
         m_list(element);
+    }
+}
+
+// None of a recording that is resumed, since it is not known what was written of its tracks.
+void CMatroskaFile::writeStatistics() {
+    libmatroska::KaxTags tags;
+    for (const CTrackStatistics::Track& track : m_statistics.tracks()) {
+        AddStatisticsTag(tags, track, m_origin);
+    }
+    if (tags.ListSize() > 0) {
+        writeBehind(tags);
     }
 }
 

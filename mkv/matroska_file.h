@@ -21,6 +21,7 @@
 #include "mkv/identifiers.h"
 #include "mkv/mkv_cues.h"
 #include "mkv/segment_info.h"
+#include "mkv/track_statistics.h"
 #include "mkv/writer_input.h"
 
 namespace mkv {
@@ -68,6 +69,8 @@ class CMatroskaFile {
     void writeLostHeadParts();
     [[nodiscard]] bool arrives(const std::function<void()>& write);
     void writeCues();
+    void observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries);
+    void writeStatistics();
     template <typename Element>
     void writeBehind(Element& element);
     void fillSeekHeadPlace();
@@ -91,6 +94,7 @@ class CMatroskaFile {
     libebml::EbmlVoid m_seekHeadPlace;
     std::unique_ptr<CSegmentInfo> m_info;
     CMkvCues m_cues;
+    CTrackStatistics m_statistics;         // without tracks when the file is to have none
     std::unique_ptr<CClusters> m_clusters; // the last, since it uses the others until its end
 };
 

@@ -116,7 +116,7 @@ TEST_F(StrictClustersTest, AFileWithoutPacketsHasNoCluster) {
     RegisterVideo();
     OpenStrict();
     EXPECT_TRUE(File().clusters.empty());
-    EXPECT_EQ(File().duration, 0.0);
+    EXPECT_FALSE(File().duration.has_value());
 }
 
 TEST_F(StrictClustersTest, AClusterHasTheTimeOfItsEarliestBlockAndBeginsAtAKeyframe) {

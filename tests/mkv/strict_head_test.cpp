@@ -88,7 +88,7 @@ TEST_F(StrictHeadTest, EbmlHeadSegmentHeadSeekHeadPlaceAndInfoComeFirst) {
     const auto layout = Snapshot();
     const size_t infoEnd = static_cast<size_t>(InfoOf(layout).End());
     EXPECT_EQ(Part(bytes, infoEnd - 11, 11), (Bytes{0xec, 0x89, 0, 0, 0, 0, 0, 0, 0, 0, 0})); // for the duration
-    EXPECT_EQ(Part(bytes, infoEnd, 4), (Bytes{0x16, 0x54, 0xae, 0x6b}));                     // Tracks
+    EXPECT_EQ(Part(bytes, infoEnd, 4), (Bytes{0x16, 0x54, 0xae, 0x6b}));                      // Tracks
     Finish();
 }
 
@@ -123,7 +123,8 @@ TEST_F(StrictHeadTest, TheFinishedHeadDiffersInSizeSeekHeadAndDurationAlone) {
     }
     EXPECT_EQ(Part(finished, kSegmentOffset + 4, 8), size);
     const size_t infoEnd = static_cast<size_t>(InfoOf(layout).End());
-    EXPECT_EQ(Part(finished, kInfoOffset, infoEnd - 11 - kInfoOffset), Part(opened, kInfoOffset, infoEnd - 11 - kInfoOffset));
+    EXPECT_EQ(Part(finished, kInfoOffset, infoEnd - 11 - kInfoOffset),
+              Part(opened, kInfoOffset, infoEnd - 11 - kInfoOffset));
     EXPECT_EQ(Part(finished, infoEnd, opened.size() - infoEnd), Part(opened, infoEnd, opened.size() - infoEnd));
     EXPECT_EQ(NamesIn(InfoOf(layout)).back(), "Duration");
     ASSERT_TRUE(layout.duration.has_value());
@@ -162,8 +163,7 @@ TEST_F(StrictHeadTest, ATitleIsWrittenWholeAndAnEmptyOneNotAtAll) {
     records::FileOptions options = Strict();
     EXPECT_EQ(InfoOf(Finished(options)).Child(kTitle), nullptr);
     options.title = L"Gr\u00fc\u00dfe \u65e5";
-    EXPECT_EQ(Value(Finished(options), kTitle),
-              (Bytes{'G', 'r', 0xc3, 0xbc, 0xc3, 0x9f, 'e', ' ', 0xe6, 0x97, 0xa5}));
+    EXPECT_EQ(Value(Finished(options), kTitle), (Bytes{'G', 'r', 0xc3, 0xbc, 0xc3, 0x9f, 'e', ' ', 0xe6, 0x97, 0xa5}));
     constexpr size_t kLong = 32767;
     options.title.assign(kLong, L'\u65e5');
     const auto layout = Finished(options);
