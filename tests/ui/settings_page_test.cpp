@@ -19,6 +19,22 @@ namespace {
 using Texts = std::vector<std::wstring>;
 using Row = FakeModuleConfig::Row;
 
+// What a track has in the order of its rows.
+const Texts kTrackRows{L"..bEnabled",         L"..Track Name",      L"..Track Language", L"..Forced",
+                       L"..Hearing impaired", L"..Visual impaired", L"..Original",       L"..Commentary"};
+
+// "Common" and what it has, and then the groups and tracks with their rows.
+Texts PageOf(const Texts& groupsAndTracks) {
+    Texts rows{L"Common", L".DocType", L".Profile", L".Title", L".Statistics"};
+    for (const std::wstring& row : groupsAndTracks) {
+        rows.push_back(row);
+        if (row[0] == L'.') {
+            rows.insert(rows.end(), kTrackRows.begin(), kTrackRows.end());
+        }
+    }
+    return rows;
+}
+
 class SettingsPageTest : public testing::Test {
   protected:
     // Both leave the row for "Common".
@@ -41,10 +57,10 @@ class SettingsPageTest : public testing::Test {
 
 // ---- What is shown -----------------------------------------------------------------------------------------------
 
-TEST_F(SettingsPageTest, AMuxerWithoutConnectedInputsShowsCommonWithDocTypeOnly) {
+TEST_F(SettingsPageTest, AMuxerWithoutConnectedInputsShowsCommonOnly) {
     MuxerUnderTest muxer;
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ((Texts{L"Common", L".DocType"}), m_rig.Tree().Rows());
+    EXPECT_EQ((Texts{L"Common", L".DocType", L".Profile", L".Title", L".Statistics"}), m_rig.Tree().Rows());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
@@ -55,11 +71,7 @@ TEST_F(SettingsPageTest, TwoVideoInputsWithAnAudioInputBetweenThemAreGroupedByKi
     muxer.ConnectAudio();
     muxer.ConnectVideo();
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ((Texts{L"Common", L".DocType",                                                  //
-                     L"Video", L".In 0", L"..bEnabled", L"..Track Name", L"..Track Language", //
-                     L".In 2", L"..bEnabled", L"..Track Name", L"..Track Language",           //
-                     L"Audio", L".In 1", L"..bEnabled", L"..Track Name", L"..Track Language"}),
-              m_rig.Tree().Rows());
+    EXPECT_EQ(PageOf({L"Video", L".In 0", L".In 2", L"Audio", L".In 1"}), m_rig.Tree().Rows());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
@@ -82,8 +94,7 @@ TEST_F(SettingsPageTest, AnInputThatWasDisconnectedIsNotShown) {
     muxer.ConnectAudio();
     muxer.Disconnect(0);
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ((Texts{L"Common", L".DocType", L"Audio", L".In 1", L"..bEnabled", L"..Track Name", L"..Track Language"}),
-              m_rig.Tree().Rows());
+    EXPECT_EQ(PageOf({L"Audio", L".In 1"}), m_rig.Tree().Rows());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
@@ -311,7 +322,7 @@ TEST_F(SettingsPageTest, AHundredConnectedInputsAreShownEditedAndWritten) {
         muxer.SetTrack({input, 1, 0, 0, win::Bstr(L"English"), win::Bstr(L"name " + std::to_wstring(input))});
     }
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ(2u + 2u + 100u * 4u, m_rig.Tree().Rows().size());
+    EXPECT_EQ(5u + 2u + 100u * 9u, m_rig.Tree().Rows().size());
     SendMessageW(m_rig.Tree().Tree(), WM_VSCROLL, SB_BOTTOM, 0);
     PumpMessages();
     m_rig.ClickValue(L"Audio/In 99/Track Name");
@@ -337,6 +348,113 @@ TEST_F(SettingsPageTest, AFilterThatAnswersNothingShowsCommonOnly) {
     m_config.readAnswer = E_FAIL;
     m_rig.Show(&m_config);
     EXPECT_EQ((Texts{L"Common", L".DocType"}), m_rig.Tree().Rows());
+}
+
+// ---- What strict files are told ------------------------------------------------------------------------------------
+
+// A filter with two inputs and everything set to something else than at first.
+class SettingsPageOptionsTest : public SettingsPageTest {
+  protected:
+    SettingsPageOptionsTest() {
+        m_config.AddInputs({MuxTrackType_Video, MuxTrackType_Audio});
+        m_config.options.emplace();
+        m_config.options->profile = MuxProfile_Strict;
+        m_config.options->title = L"A film";
+        m_config.options->statistics = 0;
+        m_config.options->flags[0] = {0, MuxFlag_On, MuxFlag_Off, MuxFlag_Unset, MuxFlag_On, MuxFlag_Off};
+        m_config.options->flags[1] = {1, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset};
+    }
+    [[nodiscard]] Texts FlagsOf(INT32 index) const {
+        const MuxTrackFlags& flags = m_config.options->flags.at(index);
+        Texts texts;
+        for (const BYTE flag :
+             {flags.forced, flags.hearingImpaired, flags.visualImpaired, flags.original, flags.commentary}) {
+            texts.push_back(std::to_wstring(flag));
+        }
+        return texts;
+    }
+};
+
+TEST_F(SettingsPageOptionsTest, ItsEditorsShowWhatTheFilterHasAndOfferTheirChoices) {
+    m_rig.Show(&m_config);
+    EXPECT_EQ(PageOf({L"Video", L".In 0", L"Audio", L".In 1"}), m_rig.Tree().Rows());
+    const std::pair<std::wstring, const WCHAR*> shown[] = {
+        {L"Common/Profile", L"strict"},          {L"Common/Title", L"A film"},
+        {L"Common/Statistics", L"False"},        {L"Video/In 0/Forced", L"yes"},
+        {L"Video/In 0/Hearing impaired", L"no"}, {L"Video/In 0/Visual impaired", L"unset"},
+        {L"Video/In 0/Original", L"yes"},        {L"Video/In 0/Commentary", L"no"}};
+    for (const auto& [path, value] : shown) {
+        m_rig.ClickValue(path);
+        EXPECT_EQ(value, TextOf(m_rig.Tree().Editor()));
+        m_rig.ClickLabel(L"Common"); // after a scroll, two clicks in one place would be a double click
+    }
+    m_rig.ClickValue(L"Video/In 0/Commentary");
+    EXPECT_EQ((Texts{L"unset", L"no", L"yes"}), m_rig.Tree().EditorChoices());
+    m_rig.ClickLabel(L"Common");
+    m_rig.ClickValue(L"Common/Profile");
+    EXPECT_EQ((Texts{L"compatible", L"strict"}), m_rig.Tree().EditorChoices());
+}
+
+TEST_F(SettingsPageOptionsTest, ApplyingWithoutAChangeChangesNothing) {
+    m_rig.Show(&m_config);
+    EXPECT_EQ(S_OK, Apply());
+    EXPECT_EQ(UINT32{MuxProfile_Strict}, m_config.options->profile);
+    EXPECT_EQ(L"A film", m_config.options->title);
+    EXPECT_EQ(0u, m_config.options->statistics);
+    EXPECT_EQ((Texts{L"1", L"0", L"255", L"1", L"0"}), FlagsOf(0));
+    EXPECT_EQ(Texts(5, L"255"), FlagsOf(1));
+    EXPECT_EQ(4u, m_config.optionWrites) << "the title is not written";
+}
+
+TEST_F(SettingsPageOptionsTest, WhatIsEditedIsSetByApplyAndNotBefore) {
+    m_rig.Show(&m_config);
+    Choose(L"Common/Profile", L"compatible");
+    TypeInto(L"Common/Title", L"Another");
+    Choose(L"Common/Statistics", L"True");
+    Choose(L"Video/In 0/Forced", L"no");
+    Choose(L"Video/In 0/Original", L"unset");
+    EXPECT_EQ(0u, m_config.optionWrites);
+    EXPECT_EQ(S_OK, Apply());
+    EXPECT_EQ(UINT32{MuxProfile_Compatible}, m_config.options->profile);
+    EXPECT_EQ(L"Another", m_config.options->title);
+    EXPECT_EQ(1u, m_config.options->statistics);
+    EXPECT_EQ((Texts{L"0", L"0", L"255", L"255", L"0"}), FlagsOf(0));
+    EXPECT_EQ(Texts(5, L"255"), FlagsOf(1));
+    TypeInto(L"Common/Title", L"A film");
+    EXPECT_EQ(S_OK, Apply());
+    EXPECT_EQ(L"A film", m_config.options->title) << "as it was when the page was opened";
+}
+
+TEST_F(SettingsPageOptionsTest, ARefusedOptionIsReportedAndTheDocTypeIsWrittenAllTheSame) {
+    m_config.optionAnswer = E_INVALIDARG;
+    m_rig.Show(&m_config);
+    Choose(L"Common/DocType", L"webm");
+    EXPECT_EQ(E_INVALIDARG, Apply());
+    EXPECT_EQ(S_OK, m_rig.Page().IsPageDirty());
+    EXPECT_EQ(1u, m_config.writes.back().docType);
+}
+
+TEST_F(SettingsPageTest, OptionsReachTheMuxer) {
+    MuxerUnderTest muxer;
+    muxer.ConnectVideo();
+    m_rig.Show(muxer.Filter());
+    Choose(L"Common/Profile", L"strict");
+    TypeInto(L"Common/Title", L"A film");
+    Choose(L"Video/In 0/Commentary", L"yes");
+    EXPECT_EQ(S_OK, Apply());
+    const client::ModuleConfig config(muxer.Filter());
+    MuxProfile profile{};
+    EXPECT_EQ(S_OK, config.GetProfile(profile));
+    EXPECT_EQ(MuxProfile_Strict, profile);
+    WideString title;
+    EXPECT_EQ(S_OK, config.GetTitle(title));
+    EXPECT_EQ(L"A film", title);
+    MuxTrackFlags flags{};
+    EXPECT_EQ(S_OK, config.GetFlags(0, flags));
+    EXPECT_EQ(MuxFlag_On, flags.commentary);
+    EXPECT_EQ(MuxFlag_Unset, flags.forced);
+    m_rig.Page().Deactivate();
+    m_rig.Page().SetObjects(0, nullptr);
 }
 
 // ---- Calls out of turn -------------------------------------------------------------------------------------------
