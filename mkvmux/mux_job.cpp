@@ -140,6 +140,7 @@ void Mux(const Options& options, Interruption& interruption, Console& console) {
         SaveConfiguration(options, settings, interruption); // with what was set in the property pages
     }
     ListTracks(graph, settings, console);
+    CheckWebmSubset(graph, settings);
     interruption.Enter(Interruption::Stage::Running);
     graph.OpenOutput(options.output, options.overwrite);
     Run(graph, options, interruption, console);

@@ -36,7 +36,10 @@ MuxRun::~MuxRun() {
 void MuxRun::Start() {
     m_started = true;
     if (const HRESULT hr = m_control->Run(); FAILED(hr)) {
-        throw Failure("the streams cannot start: " + DescribeResult(hr));
+        // Those of a loaded configuration; what is known of before is told before.
+        const std::string reason =
+            hr == MUX_E_NOT_WEBM_ATTACHMENT ? "attachments cannot go into a WebM file" : DescribeResult(hr);
+        throw Failure("the streams cannot start: " + reason);
     }
 }
 

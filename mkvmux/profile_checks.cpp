@@ -4,9 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "media/codec_description.h"
+#include "media/webm_subset.h"
+#include "mkvmux/failure.h"
+
 namespace mkvmux {
 
 namespace {
+
+constexpr const char* kWayOut = "; write a .mkv file, or use --profile compatible";
 
 // As the user wrote them, but for the names that other programs have for them.
 std::vector<std::string> StrictOptionsIn(const Options& options) {
@@ -41,6 +47,23 @@ void WarnOfOptionsWithoutEffect(const Options& options, const MuxerSettings& set
         text += (text.empty() ? "" : ", ") + name;
     }
     console.Warn(text + ": no effect with the compatible profile");
+}
+
+void CheckWebmSubset(const MuxGraph& graph, const MuxerSettings& settings) {
+    if (!settings.IsStrict() || !settings.IsWebm()) {
+        return;
+    }
+    for (size_t input = 0; input < graph.Streams().size(); ++input) {
+        const SourceStream& stream = graph.Streams()[input];
+        const std::string codec = media::CodecIdOf(stream.type);
+        if (settings.IsEnabled(input) && !media::IsInWebmSubset(codec)) {
+            throw Failure("track " + std::to_string(stream.number) + " (" + codec + ") cannot go into a WebM file" +
+                          kWayOut);
+        }
+    }
+    if (settings.HasAttached()) {
+        throw Failure(std::string("attachments cannot go into a WebM file") + kWayOut);
+    }
 }
 
 } // namespace mkvmux

@@ -141,6 +141,18 @@ class ProfileOptions(MkvmuxCase):
         self.assert_fails(self.mkvmux("-o", output, f"@{arguments}", pcm_wave()), "--title", "too long")
         self.assertFalse(output.exists())
 
+    def test_what_is_no_webm_is_one_line_that_names_the_track_and_no_file(self):
+        output = self.directory / "out.webm"
+        webm = make_input("webm.webm", *sound(1), "-c:a", "libopus")
+        run = self.mkvmux("-o", output, "--profile", "strict", webm, pcm_wave())
+        self.assert_fails(run, "track 1 (A_PCM/INT/LIT) cannot go into a WebM file", "--profile compatible")
+        run = self.mkvmux("-o", output, "--profile", "strict", "--attach", webm, webm)
+        self.assert_fails(run, "attachments cannot go into a WebM file", "--profile compatible")
+        self.assertFalse(output.exists())
+        for arguments in (["--profile", "strict", "--disable", "1"], ["--profile", "compatible"]):
+            run = self.mkvmux("-y", "-o", output, *arguments, webm, pcm_wave())
+            self.assertEqual((run.status, run.error_lines), (0, []), run)
+
     def test_identify_tells_the_flags_that_an_input_says(self):
         run = self.mkvmux("--identify", "--json", self.flagged())
         for text in ('"hearing_impaired": true', '"original": false', '"forced": true'):

@@ -287,10 +287,10 @@ TEST(MatroskaReader, TellsWhatTheFileSaysOfItsTracks) {
 }
 
 TEST(MatroskaReader, TellsTheFlagsThatATrackHasAndNoOthers) {
-    const auto reader = ReaderOf(FileOf(
-        {Audio(1, {RawUnsigned(id::kFlagHearingImpaired, 1), RawUnsigned(id::kFlagOriginal, 0)}),
-         Audio(2, {RawUnsigned(id::kFlagVisualImpaired, 0), RawUnsigned(id::kFlagCommentary, 1)})},
-        {}));
+    const auto reader =
+        ReaderOf(FileOf({Audio(1, {RawUnsigned(id::kFlagHearingImpaired, 1), RawUnsigned(id::kFlagOriginal, 0)}),
+                         Audio(2, {RawUnsigned(id::kFlagVisualImpaired, 0), RawUnsigned(id::kFlagCommentary, 1)})},
+                        {}));
     const source::TrackProperties& first = reader->Streams()[0].properties;
     EXPECT_EQ(first.hearingImpaired, true);
     EXPECT_EQ(first.visualImpaired, std::nullopt);
