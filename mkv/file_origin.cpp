@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 
 #include <ebml/EbmlVersion.h>
 #include <matroska/KaxVersion.h>
@@ -14,9 +15,9 @@ namespace {
 
 constexpr INT64 kMatroskaEpochS = 978307200; // 2001-01-01, 00:00:00
 
+// Not the clock of <chrono>: it brings the whole threads library of the toolchain into the module.
 INT64 NowS() {
-    using namespace std::chrono;
-    return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+    return static_cast<INT64>(std::time(nullptr));
 }
 
 std::string WithoutBlankEnd(std::string text) {
