@@ -68,9 +68,9 @@ TEST(ExactTimes, AllMoveByWholeMillisecondsWhereItLeadsBelowZero) {
 }
 
 TEST(ExactTimes, BlocksOfLaterClustersLieBelowZeroOnlyByTheDelay) {
-    const RawBytes file = FileOf({Sound(1, 0), Sound(2, 1'000'000'000)},
-                                 {Cluster(0, {SimpleBlock(1, 0, 0, "a")}),
-                                  Cluster(33500, {SimpleBlock(2, -32768, 0, "b")})});
+    const RawBytes file =
+        FileOf({Sound(1, 0), Sound(2, 1'000'000'000)},
+               {Cluster(0, {SimpleBlock(1, 0, 0, "a")}), Cluster(33500, {SimpleBlock(2, -32768, 0, "b")})});
     EXPECT_THAT(TimesOf(file), ElementsAre("0@2680000", "1@0"));
 }
 
@@ -90,9 +90,9 @@ TEST(ExactTimes, OpusPacketsStopWhereTheyEndAndWithPaddingBefore) {
 }
 
 TEST(ExactTimes, OfSeveralPacketsInABlockTheLastOneHasThePadding) {
-    const RawBytes file = FileOf(
-        {Opus(1)}, {Cluster(0, {BlockGroup(1, 0, kFixedLacing, "\x01" + OpusPacket() + OpusPacket(16 << 3),
-                                           {Padding({0x0f, 0x42, 0x40})})})}); // 1 ms of 2.5
+    const RawBytes file =
+        FileOf({Opus(1)}, {Cluster(0, {BlockGroup(1, 0, kFixedLacing, "\x01" + OpusPacket() + OpusPacket(16 << 3),
+                                                  {Padding({0x0f, 0x42, 0x40})})})}); // 1 ms of 2.5
     EXPECT_THAT(TimesOf(file), ElementsAre("0@0-200000", "0@200000-215000"));
 }
 
