@@ -15,7 +15,9 @@ struct CutRecording {
     struct CuePoint {
         UINT64 timeNs = 0;
         UINT64 track = 0;
-        UINT64 clusterPosition = 0; // from the Segment's content
+        UINT64 clusterPosition = 0;  // from the Segment's content
+        UINT64 relativePosition = 0; // of the block's element, from the cluster's content
+        UINT64 durationNs = 0;       // of a text
     };
 
     MuxProfile profile = MuxProfile_Compatible;

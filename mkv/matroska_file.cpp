@@ -155,7 +155,7 @@ void CMatroskaFile::resume(const CutRecording& recording) {
         indexAt<libmatroska::KaxAttachments>(*recording.attachments);
     }
     for (const CutRecording::CuePoint& point : recording.cuePoints) {
-        m_cues.announce(point.timeNs, point.track);
+        m_cues.announce({point.timeNs, point.track, point.relativePosition, point.durationNs});
         m_cues.keepAnnounced(point.clusterPosition);
     }
     m_clusters->resumeBehind(recording.endNs);

@@ -64,10 +64,30 @@ void ReadTracks(const EbmlReader& reader, RecordingHead& head) {
         const matroska::Track track = matroska::ReadTrackEntry(reader, child, privateRoom);
         privateRoom -= std::min<UINT64>(privateRoom, track.codecPrivate.size());
         head.trackOf[track.number] = {track.type, track.defaultDurationNs};
-        if (track.type == UINT64{media::kTrackTypeVideo}) {
-            head.cueTrack = track.number;
-        }
     });
+}
+
+// The last video track wins.
+UINT64 CompatibleCueTrack(const RecordingHead& head) {
+    UINT64 cueTrack = 0;
+    for (const auto& [number, track] : head.trackOf) {
+        if (track.type == UINT64{media::kTrackTypeVideo}) {
+            cueTrack = number;
+        }
+    }
+    return cueTrack;
+}
+
+// The first video track, else the first with sound.
+UINT64 StrictCueTrack(const RecordingHead& head) {
+    for (const INT32 type : {media::kTrackTypeVideo, media::kTrackTypeAudio}) {
+        for (const auto& [number, track] : head.trackOf) {
+            if (track.type == static_cast<UINT64>(type)) {
+                return number;
+            }
+        }
+    }
+    return 0;
 }
 
 // The profile whose files have such a Segment.
@@ -135,6 +155,7 @@ RecordingHead ReadRecordingHead(const EbmlReader& reader) {
     head.tracks = *tracks;
     head.hasSeekHead = IsWhole(reader.ElementAt(segment->data, size), IdOf<KaxSeekHead>());
     ReadTracks(reader, head);
+    head.cueTrack = head.profile == MuxProfile_Strict ? StrictCueTrack(head) : CompatibleCueTrack(head);
     return head;
 }
 

@@ -6,7 +6,6 @@
 #include <map>
 
 #include "mkv/file_form.h"
-
 #include "sources/matroska/ebml_reader.h"
 
 namespace repair {
@@ -21,7 +20,7 @@ struct RecordingHead {
     matroska::Element segment;
     matroska::Element tracks;
     std::map<UINT64, RecordedTrack> trackOf; // by their numbers
-    UINT64 cueTrack = 0;                     // the last video track, as while recording; 0: there is none
+    UINT64 cueTrack = 0;                     // as while recording; 0: there is none
     bool hasSeekHead = false;                // which is filled at the end
 };
 

@@ -1,10 +1,11 @@
 #include "repair/recording_survey.h"
 
+#include <algorithm>
+
 #include <matroska/KaxAttachments.h>
 #include <matroska/KaxCluster.h>
 #include <matroska/KaxCues.h>
 
-#include "media/track_type.h"
 #include "mkv/cluster_rule.h"
 #include "mkv/file_form.h"
 #include "repair/block_walk.h"
@@ -84,32 +85,32 @@ void RecordingSurvey::AddCluster(const Element& cluster) {
     if (m_last.size() > kLastClusters) {
         m_last.pop_front();
     }
-    // A keyframe begins a cluster, but for one at time 0.
-    AddCuePoints(cluster, m_recording.clusters == 0 && m_head.cueTrack != 0);
+    AddCuePoints(cluster, m_recording.clusters == 0);
     ++m_recording.clusters;
     if (points.size() > kMaxCuePoints) {
         Refuse("it has more than " + std::to_string(kMaxCuePoints) + " clusters");
     }
 }
 
-void RecordingSurvey::AddCuePoints(const Element& cluster, bool ofAllBlocks) {
+void RecordingSurvey::AddCuePoints(const Element& cluster, bool isFirst) {
     (void)WalkCluster(m_reader, cluster, [&](const Block& block) {
-        if (IsCuePoint(block)) {
-            m_recording.cut.cuePoints.push_back({static_cast<UINT64>(block.ticks) * mkv::kTimecodeScaleNs, block.track,
-                                                 cluster.start - m_head.segment.data});
+        if (m_head.trackOf.contains(block.track) && m_cueRule->IsPoint(block)) {
+            AddCuePoint(block, cluster);
         }
-        return ofAllBlocks && m_recording.cut.cuePoints.size() <= kMaxCuePoints;
+        return m_cueRule->GoesOnBehind(block, isFirst) && m_recording.cut.cuePoints.size() <= kMaxCuePoints;
     });
 }
 
-// Without video each cluster gets a point, so that a player can seek.
-bool RecordingSurvey::IsCuePoint(const Block& block) const {
-    const auto track = m_head.trackOf.find(block.track);
-    if (track == m_head.trackOf.end()) {
-        return false;
+void RecordingSurvey::AddCuePoint(const Block& block, const Element& cluster) {
+    mkv::CutRecording::CuePoint point;
+    point.timeNs = static_cast<UINT64>(block.ticks) * mkv::kTimecodeScaleNs;
+    point.track = block.track;
+    point.clusterPosition = cluster.start - m_head.segment.data;
+    if (m_head.profile == MuxProfile_Strict) {
+        point.relativePosition = block.start - cluster.data;
+        point.durationNs = std::min<UINT64>(block.durationTicks.value_or(0), kMaxTicks) * mkv::kTimecodeScaleNs;
     }
-    const bool isText = track->second.type == UINT64{media::kTrackTypeSubtitle};
-    return m_head.cueTrack == 0 || isText || (block.track == m_head.cueTrack && block.keyframe);
+    m_recording.cut.cuePoints.push_back(point);
 }
 
 // A file system may have made room for a cluster whose bytes never came.

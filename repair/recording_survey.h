@@ -7,8 +7,10 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 
 #include "mkv/cut_recording.h"
+#include "repair/cue_rule.h"
 #include "repair/recording_head.h"
 #include "sources/matroska/block_walker.h"
 
@@ -27,7 +29,8 @@ struct Recording {
 class RecordingSurvey {
   public:
     RecordingSurvey(const source::ByteSource& source, Progress progress)
-        : m_reader(source), m_progress(std::move(progress)), m_head(ReadRecordingHead(m_reader)) {}
+        : m_reader(source), m_progress(std::move(progress)), m_head(ReadRecordingHead(m_reader)),
+          m_cueRule(CueRule::Of(m_head)) {}
 
     [[nodiscard]] Recording Read();
 
@@ -39,8 +42,8 @@ class RecordingSurvey {
 
     [[nodiscard]] UINT64 ReadClusters(UINT64 position);
     void AddCluster(const matroska::Element& cluster);
-    void AddCuePoints(const matroska::Element& cluster, bool ofAllBlocks);
-    [[nodiscard]] bool IsCuePoint(const matroska::Block& block) const;
+    void AddCuePoints(const matroska::Element& cluster, bool isFirst);
+    void AddCuePoint(const matroska::Block& block, const matroska::Element& cluster);
     void DropTornClusters();
     void CheckTail(UINT64 position) const;
     [[nodiscard]] bool EndsFinished(UINT64 position) const;
@@ -50,6 +53,7 @@ class RecordingSurvey {
     const matroska::EbmlReader m_reader;
     const Progress m_progress;
     const RecordingHead m_head;
+    const std::unique_ptr<CueRule> m_cueRule;
     Recording m_recording;
     std::deque<Cluster> m_last; // of the clusters
 };

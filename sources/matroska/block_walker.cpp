@@ -123,6 +123,7 @@ std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
     });
     m_damaged = m_damaged || !intact;
     if (block) {
+        block->start = group.start;
         block->durationTicks = duration;
         block->paddingNs = paddingNs;
         block->keyframe = !refersToOthers;
@@ -149,6 +150,7 @@ std::optional<Block> BlockWalker::ReadBlock(const Element& element) {
         return {};
     }
     Block block;
+    block.start = element.start;
     block.track = codecs::ReadBigEndian(head.first(numberBytes)) & ((UINT64{1} << 7 * numberBytes) - 1);
     const auto offset = static_cast<INT16>(codecs::ReadBigEndian(head.subspan(numberBytes, sizeof(INT16))));
     block.ticks = static_cast<INT64>(m_clusterTicks) + offset;

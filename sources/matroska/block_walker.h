@@ -18,6 +18,7 @@ struct Block {
     BYTE lacing = 0; // as in the flags
     bool keyframe = false;
     UINT64 paddingNs = 0; // what its end has beyond the stream
+    UINT64 start = 0;     // position of its element, or of its group's
     UINT64 data = 0;      // position of the frames
     UINT64 size = 0;
 };

@@ -70,9 +70,9 @@ TEST_F(TrackStatisticsTest, EachTrackHasItsTagBehindTheCues) {
     }
     const std::vector<Texts> tags = Tags();
     ASSERT_EQ(tags.size(), 2u);
-    EXPECT_EQ(tags[0].names,
-              (std::vector<std::string>{"BPS", "DURATION", "NUMBER_OF_FRAMES", "NUMBER_OF_BYTES",
-                                        "_STATISTICS_WRITING_APP", "_STATISTICS_WRITING_DATE_UTC", "_STATISTICS_TAGS"}));
+    EXPECT_EQ(tags[0].names, (std::vector<std::string>{"BPS", "DURATION", "NUMBER_OF_FRAMES", "NUMBER_OF_BYTES",
+                                                       "_STATISTICS_WRITING_APP", "_STATISTICS_WRITING_DATE_UTC",
+                                                       "_STATISTICS_TAGS"}));
     EXPECT_EQ(tags[0].uid, File().tracks[0].uid);
     EXPECT_EQ(tags[0].of.at("BPS"), "20000");
     EXPECT_EQ(tags[0].of.at("DURATION"), "00:00:01.200000000");

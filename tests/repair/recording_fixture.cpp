@@ -26,18 +26,11 @@ void RecordingTest::Add(UINT32 stream, INT64 startMs, INT64 lengthMs, bool keyfr
                           static_cast<UINT32>(payload.size()), keyframe, stream, blockGroup});
 }
 
-void RecordingTest::Record(const RecordedContent& content) {
-    test_support::MemoryStream stream;
-    CMkvIO io;
-    io.setStream(&stream);
-    UINT32 tracks = 0;
-    const UINT32 sound = tracks++;
+void RecordingTest::Register(const RecordedContent& content) {
     m_writer.registerTrack(test_support::WaveType(mediasubtype::kPcm).Get(), Row().Get());
-    const UINT32 pictures = content.hasVideo ? tracks++ : 0;
     if (content.hasVideo) {
         m_writer.registerTrack(test_support::VideoInfoType(SubtypeFromFourCC('c', 'v', 'i', 'd')).Get(), Row().Get());
     }
-    const UINT32 lines = content.hasSubtitles ? tracks++ : 0;
     if (content.hasSubtitles) {
         m_writer.registerTrack(test_support::SubtitleType(mediasubtype::kUtf8).Get(), Row().Get());
     }
@@ -47,18 +40,40 @@ void RecordingTest::Record(const RecordedContent& content) {
         win::Bstr name(OLESTR("a.txt"));
         m_writer.addAttachment({name.Get(), nullptr, mimeType, sizeof(data), data, 7});
     }
-    m_writer.Open(&io);
+}
+
+void RecordingTest::WriteAll(const RecordedContent& content) {
+    constexpr UINT32 kSound = 0;
+    const UINT32 pictures = kSound + 1;
+    const UINT32 lines = content.hasVideo ? pictures + 1 : pictures;
+    const INT64 firstPicture = content.soundFirst ? kLinesMs : 0;
+    for (INT64 time = 0; time < firstPicture; time += kSoundMs) {
+        Add(kSound, time, kSoundMs, true);
+    }
     for (int i = 0; i < content.pictures; ++i) {
-        const INT64 time = i * kPictureMs;
+        const INT64 time = firstPicture + i * kPictureMs;
         if (content.hasVideo) {
             Add(pictures, time, kPictureMs, i % kPicturesAKeyframe == 0);
         }
-        Add(sound, time, kSoundMs, true);
-        Add(sound, time + kSoundMs, kSoundMs, true);
+        Add(kSound, time, kSoundMs, true);
+        Add(kSound, time + kSoundMs, kSoundMs, true);
         if (content.hasSubtitles && time % kLinesMs == 0) {
             Add(lines, time, kLinesMs, true, true);
         }
     }
+}
+
+void RecordingTest::Record(const RecordedContent& content) {
+    test_support::MemoryStream stream;
+    CMkvIO io;
+    io.setStream(&stream);
+    Register(content);
+    records::FileOptions options;
+    options.profile = GetParam();
+    options.title = L"A title";
+    options.trackStatistics = content.hasStatistics;
+    m_writer.Open(&io, options);
+    WriteAll(content);
     const Bytes open = stream.Bytes();
     m_writer.Close();
     m_writer.detach();

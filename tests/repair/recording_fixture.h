@@ -17,14 +17,17 @@ struct RecordedContent {
     bool hasVideo = true;
     bool hasSubtitles = false;
     bool hasAttachment = false;
-    int pictures = 60; // as long is the sound
+    bool hasStatistics = false; // where the profile has any
+    bool soundFirst = false;    // half a second of it comes in front of the first picture
+    int pictures = 60;          // as long is the sound
 };
 
-class RecordingTest : public testing::Test {
+class RecordingTest : public testing::TestWithParam<MuxProfile> {
   protected:
     using Bytes = std::vector<BYTE>;
 
-    // Writes it, and keeps the finished file and the one that was cut off behind its last cluster.
+    // Writes it in the test's profile, and keeps the finished file and the one that was cut off behind its last
+    // cluster.
     void Record(const RecordedContent& content = {});
 
     // Where elements of the finished file begin.
@@ -42,6 +45,8 @@ class RecordingTest : public testing::Test {
     test_support::MemoryStream m_stream;
 
   private:
+    void Register(const RecordedContent& content);
+    void WriteAll(const RecordedContent& content);
     void Add(UINT32 stream, INT64 startMs, INT64 lengthMs, bool keyframe, bool blockGroup = false);
 
     CMkvWriter m_writer;

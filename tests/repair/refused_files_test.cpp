@@ -5,14 +5,14 @@
 
 using testing::HasSubstr;
 
-using RefusedFilesTest = RecordingTest;
+class RefusedFilesTest : public RecordingTest {};
 
-TEST_F(RefusedFilesTest, WhatIsNoMatroskaFile) {
+TEST_P(RefusedFilesTest, WhatIsNoMatroskaFile) {
     EXPECT_EQ(RefusalOf({}), "it is no Matroska file");
     EXPECT_EQ(RefusalOf(Bytes(1000, 'x')), "it is no Matroska file");
 }
 
-TEST_F(RefusedFilesTest, WhatWasCutOffInItsHead) {
+TEST_P(RefusedFilesTest, WhatWasCutOffInItsHead) {
     Record();
     const UINT64 tracks = test_support::ReadLayout(m_finished).Segment()->Child(test_support::ebml_id::kTracks)->offset;
     for (UINT64 size = 0; size < HeadEnd(); ++size) {
@@ -25,7 +25,7 @@ TEST_F(RefusedFilesTest, WhatWasCutOffInItsHead) {
     }
 }
 
-TEST_F(RefusedFilesTest, ATornClusterAloneOfWhichMoreCanBeReadThanARepairWouldKeep) {
+TEST_P(RefusedFilesTest, ATornClusterAloneOfWhichMoreCanBeReadThanARepairWouldKeep) {
     Record();
     for (UINT64 size = HeadEnd() + 1; size < ClusterStarts()[1]; ++size) {
         ASSERT_THAT(RefusalOf(Bytes(m_cut.begin(), m_cut.begin() + static_cast<ptrdiff_t>(size))),
@@ -34,7 +34,7 @@ TEST_F(RefusedFilesTest, ATornClusterAloneOfWhichMoreCanBeReadThanARepairWouldKe
     }
 }
 
-TEST_F(RefusedFilesTest, TheFileOfAnotherWriterWithTheAdviceToWriteItAnew) {
+TEST_P(RefusedFilesTest, TheFileOfAnotherWriterWithTheAdviceToWriteItAnew) {
     Record();
     const auto layout = test_support::ReadLayout(m_cut);
     Bytes bytes = m_cut;
@@ -47,10 +47,29 @@ TEST_F(RefusedFilesTest, TheFileOfAnotherWriterWithTheAdviceToWriteItAnew) {
     EXPECT_THAT(RefusalOf(bytes), HasSubstr("writing it anew may help: mkvmux -o NEW.mkv FILE"));
 }
 
-TEST_F(RefusedFilesTest, WhatIsDamagedInTheMiddle) {
+TEST_P(RefusedFilesTest, WhatIsDamagedInTheMiddle) {
     Record();
     const UINT64 damage = ClusterStarts()[2];
     Bytes bytes = m_cut;
     bytes[damage] = 0xff;
     EXPECT_THAT(RefusalOf(bytes), HasSubstr("damaged at byte " + std::to_string(damage) + ", with more of it behind"));
 }
+
+class RefusedStrictFilesTest : public RecordingTest {};
+
+TEST_P(RefusedStrictFilesTest, InformationOfAnotherWriterOrWithoutRoomForTheDuration) {
+    Record();
+    const auto layout = test_support::ReadLayout(m_cut);
+    const auto* const info = layout.Segment()->Child(test_support::ebml_id::kInfo);
+    Bytes bytes = m_cut;
+    bytes[info->Child(test_support::ebml_id::kWritingApp)->DataOffset()] = 'q';
+    EXPECT_THAT(RefusalOf(bytes), HasSubstr("no recording of this muxer"));
+    constexpr uint32_t kTitle = 0x7ba9;
+    bytes = m_cut;
+    const auto* const title = info->Child(kTitle);
+    bytes[title->offset + title->idLength] += 1; // reaches into that room
+    EXPECT_THAT(RefusalOf(bytes), HasSubstr("no recording of this muxer"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Profiles, RefusedFilesTest, testing::Values(MuxProfile_Compatible, MuxProfile_Strict));
+INSTANTIATE_TEST_SUITE_P(Profiles, RefusedStrictFilesTest, testing::Values(MuxProfile_Strict));
