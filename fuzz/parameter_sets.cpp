@@ -8,7 +8,10 @@
 #include "codecs/avc_sei.h"
 #include "codecs/hevc_configuration.h"
 #include "codecs/hevc_picture_order.h"
+#include "codecs/hevc_record.h"
 #include "codecs/nal_unit.h"
+#include "codecs/whole_avc_configuration.h"
+#include "codecs/whole_hevc_configuration.h"
 #include "fuzz/plain_units.h"
 #include "fuzz/require.h"
 
@@ -82,6 +85,18 @@ void CheckAvc(codecs::ByteView header) {
     Require(any.parameterSets.size() <= header.size() && any.lengthBytes >= 1 && any.lengthBytes <= 4);
 }
 
+void CheckWholeAvc(codecs::ByteView header) {
+    const auto whole = codecs::BuildWholeAvcConfiguration(header, {kProfile, kLevel, 4});
+    if (!whole) {
+        return;
+    }
+    const codecs::AvcConfiguration parsed = codecs::ParseAvcConfiguration(*whole);
+    Require(parsed.isWhole && ((*whole)[4] & 0xfc) == 0xfc && ((*whole)[5] & 0xe0) == 0xe0);
+    // What is whole stays as it is; without a set there is nothing to know it by.
+    const bool hasSps = ((*whole)[5] & 0x1f) != 0;
+    Require(!hasSps || codecs::BuildWholeAvcConfiguration(*whole, {}) == whole);
+}
+
 // ---- H.265 -------------------------------------------------------------------------------------------------------
 
 void CheckHevc(codecs::ByteView header) {
@@ -102,6 +117,14 @@ void CheckHevc(codecs::ByteView header) {
         Require(std::equal(unit.begin(), unit.end(), stored.begin(), stored.end()));
     }
     Require(record.IsEmpty());
+}
+
+void CheckWholeHevc(codecs::ByteView header) {
+    if (const auto whole = codecs::BuildWholeHevcConfiguration(header, {1, kLevel, 4})) {
+        const auto parsed = codecs::ParseHevcRecord(*whole);
+        Require(parsed && parsed->isSound);
+        Require(codecs::BuildWholeHevcConfiguration(*whole, {}) == whole);
+    }
 }
 
 // ---- Units -------------------------------------------------------------------------------------------------------
@@ -166,7 +189,9 @@ void ReadHevcUnit(codecs::ByteView unit, HevcState& state) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     const Bytes header = fuzz::ExactCopy({data, size});
     CheckAvc(header);
+    CheckWholeAvc(header);
     CheckHevc(header);
+    CheckWholeHevc(header);
     AvcState avc;
     HevcState hevc;
     for (const Bytes& unit : fuzz::PlainUnits(header, codecs::kStartCodeLengthBytes)) {
