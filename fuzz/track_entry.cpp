@@ -27,7 +27,7 @@ struct WrittenFile {
     Bytes bytes;
 };
 
-WrittenFile Write(const CMediaType& type, const WideString& name) {
+WrittenFile Write(const CMediaType& type, const WideString& name, const records::FileOptions& options = {}) {
     WrittenFile file;
     test_support::MemoryStream stream;
     stream.SetRecording(false);
@@ -39,7 +39,7 @@ WrittenFile Write(const CMediaType& type, const WideString& name) {
     writer.registerTrack(type, settings);
     io.setStream(&stream);
     try {
-        writer.Open(&io);
+        writer.Open(&io, options);
         writer.Close();
         file.bytes = stream.Bytes();
     } catch (const char* error) {
@@ -85,6 +85,20 @@ void CheckFile(const Bytes& bytes, const media::CodecDescription& description) {
     CheckTrack(file->tracks[0], description);
 }
 
+// A strict file is written when the type has a strict description, and names its codec.
+void CheckStrictFile(const CMediaType& type, const WideString& name) {
+    records::FileOptions options;
+    options.profile = MuxProfile_Strict;
+    const media::CodecDescription description = media::DescribeStrictCodec(type);
+    const WrittenFile file = Write(type, name, options);
+    Require(file.error.empty() == !description.codecId.empty());
+    if (file.error.empty()) {
+        const auto layout = test_support::ReadLayout(file.bytes);
+        Require(layout.tracks.size() == 1 && layout.tracks[0].codecId == description.codecId);
+        Require(layout.tracks[0].codecPrivateSize.has_value() == description.codecPrivate.has_value());
+    }
+}
+
 // The name takes its characters from the block.
 WideString NameFrom(const std::uint8_t* data, size_t size, size_t chars) {
     WideString name(std::min(chars, size / sizeof(WCHAR)), 0);
@@ -109,5 +123,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
         Require(file.error.empty());
         CheckFile(file.bytes, description);
     }
+    CheckStrictFile(type, name);
     return 0;
 }
