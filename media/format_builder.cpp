@@ -43,6 +43,7 @@ VIDEOINFOHEADER InfoOf(const Picture& picture, const BITMAPINFOHEADER& bitmap) {
 VIDEOINFOHEADER2 Info2Of(const Picture& picture, const BITMAPINFOHEADER& bitmap) {
     VIDEOINFOHEADER2 info{};
     info.AvgTimePerFrame = picture.frameDuration;
+    info.dwInterlaceFlags = picture.interlaceFlags;
     info.dwPictAspectRatioX = picture.aspectX;
     info.dwPictAspectRatioY = picture.aspectY;
     info.bmiHeader = bitmap;

@@ -16,6 +16,7 @@ struct Picture {
     DWORD aspectX = 0; // shape of the whole picture
     DWORD aspectY = 0;
     REFERENCE_TIME frameDuration = 0;
+    DWORD interlaceFlags = 0; // of blocks that have them
 };
 
 // BITMAPINFOHEADER of a compressed picture.

@@ -5,6 +5,7 @@
 
 #include "dshow/ref_time.h"
 #include "media/format_block.h"
+#include "media/interlacing.h"
 
 namespace media {
 
@@ -14,13 +15,6 @@ constexpr REFERENCE_TIME kUnitsASecond = 10'000'000;
 constexpr REFERENCE_TIME kMaxFrameDuration = REFERENCE_TIME{1000} * 3600 * kUnitsASecond; // longer ones are damage
 constexpr INT64 kNsASecond = kUnitsASecond * kNsPerReferenceTime;
 constexpr INT64 kMaxExactRate = 240;
-
-// Matroska's values.
-constexpr UINT64 kInterlaced = 1;
-constexpr UINT64 kTopFieldFirst = 1; // both fields stand by themselves
-constexpr UINT64 kBottomFieldFirst = 6;
-constexpr UINT64 kTopFieldFirstInterleaved = 9; // line by line
-constexpr UINT64 kBottomFieldFirstInterleaved = 14;
 
 // Codecs whose samples have a depth, or whose encoders tell the source's.
 constexpr std::string_view kCodecsWithDepth[] = {"A_PCM/INT/LIT", "A_PCM/FLOAT/IEEE", "A_FLAC", "A_TTA1", "A_WAVPACK4",
@@ -62,20 +56,6 @@ std::optional<PictureHead> ReadPictureHead(const AM_MEDIA_TYPE& type) {
     }
     const auto header = block.Read<VIDEOINFOHEADER>();
     return header ? std::optional(PictureHead{header->bmiHeader, header->AvgTimePerFrame, {}, 0}) : std::nullopt;
-}
-
-// Of flags that are 0 nothing is said: most splitters set none for any picture.
-void RefineInterlacing(DWORD interlaceFlags, VideoDescription& video) {
-    if ((interlaceFlags & AMINTERLACE_IsInterlaced) == 0) {
-        return;
-    }
-    video.flagInterlaced = kInterlaced;
-    const bool isTopFirst = (interlaceFlags & AMINTERLACE_Field1First) != 0;
-    if ((interlaceFlags & AMINTERLACE_1FieldPerSample) != 0) {
-        video.fieldOrder = isTopFirst ? kTopFieldFirst : kBottomFieldFirst;
-    } else {
-        video.fieldOrder = isTopFirst ? kTopFieldFirstInterleaved : kBottomFieldFirstInterleaved;
-    }
 }
 
 bool HasDepth(std::string_view codecId) {
@@ -129,7 +109,7 @@ bool RefinePicture(const AM_MEDIA_TYPE& type, CodecDescription& description) {
     description.defaultDurationNs = FrameDurationNs(head->frameDuration);
     description.video = VideoDescription{
         .pixelWidth = pixels.width, .pixelHeight = pixels.height, .display = DisplayInPixels(pixels, head->aspect)};
-    RefineInterlacing(head->interlaceFlags, *description.video);
+    DescribeFields(head->interlaceFlags, *description.video);
     return true;
 }
 

@@ -18,6 +18,8 @@ struct VideoFacts {
     UINT64 cropHeight = 0;
     UINT64 displayWidth = 0; // 0: as the pixels
     UINT64 displayHeight = 0;
+    UINT64 flagInterlaced = 0; // Matroska's values
+    UINT64 fieldOrder = 2;
 };
 
 // At first what holds for a track that does not say.

@@ -5,7 +5,10 @@
 
 #include "dshow/media_subtypes.h"
 #include "media/codec_description.h"
+#include "media/interlacing.h"
+#include "media/media_types_of.h"
 #include "media/strict_fields.h"
+#include "media/track_type.h"
 #include "tests/support/hex_bytes.h"
 #include "tests/support/media_types.h"
 
@@ -131,6 +134,8 @@ TEST(StrictVideoTest, FieldsAreToldAsTheBlocksFlagsHaveThem) {
     EXPECT_EQ(FieldsOf(AMINTERLACE_Field1First | AMINTERLACE_1FieldPerSample), "- -"); // not said to be interlaced
     EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced), "1 14");
     EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced | AMINTERLACE_Field1First), "1 9");
+    EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced | AMINTERLACE_Field1First | AMINTERLACE_FieldPatBothRegular), "1 9");
+    EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced | AMINTERLACE_Field1First | AMINTERLACE_FieldPatBothIrregular), "1 -");
     EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced | AMINTERLACE_1FieldPerSample), "1 6");
     EXPECT_EQ(FieldsOf(AMINTERLACE_IsInterlaced | AMINTERLACE_1FieldPerSample | AMINTERLACE_Field1First), "1 1");
     EXPECT_FALSE(DescribeStrictCodec(test_support::VideoInfoType(kXvid).Get()).video->flagInterlaced);
@@ -219,6 +224,39 @@ TEST(StrictVideoTest, OfVp9FeaturesAloneAreKept) {
     for (const char* other : {"", "01", "000100", "050100", "010200", "0101000201", "76706343 01000000"}) {
         EXPECT_EQ(PrivateOf(test_support::VideoInfo2Type(mediasubtype::kVp9, {}, FromHex(other))), "none") << other;
     }
+}
+
+std::string FieldsFromTrack(UINT64 flagInterlaced, UINT64 fieldOrder) {
+    media::VideoFacts facts;
+    facts.flagInterlaced = flagInterlaced;
+    facts.fieldOrder = fieldOrder;
+    return FieldsOf(media::InterlaceFlagsOf(facts));
+}
+
+TEST(StrictVideoTest, WhatATrackTellsOfItsFieldsComesBack) {
+    for (const UINT64 order : {1, 6, 9, 14}) {
+        EXPECT_EQ(FieldsFromTrack(1, order), "1 " + std::to_string(order));
+    }
+    EXPECT_EQ(FieldsFromTrack(1, 2), "1 -"); // not known
+    EXPECT_EQ(FieldsFromTrack(1, 77), "1 -");
+    EXPECT_EQ(FieldsFromTrack(2, 9), "2 -"); // progressive: the order is of no use
+    EXPECT_EQ(FieldsFromTrack(0, 9), "- -");
+    EXPECT_EQ(FieldsFromTrack(3, 9), "- -");
+}
+
+TEST(StrictVideoTest, EveryBlockThatHasInterlaceFlagsTakesThoseOfTheTrack) {
+    media::TrackFacts track;
+    track.type = media::kTrackTypeVideo;
+    track.codecId = "V_MPEG2";
+    track.video.pixelWidth = 320;
+    track.video.pixelHeight = 240;
+    track.video.flagInterlaced = 1;
+    track.video.fieldOrder = 9;
+    const auto types = media::MediaTypesOf(track);
+    ASSERT_EQ(types.size(), 1u);
+    const auto video = DescribeStrictCodec(types[0]).video;
+    EXPECT_EQ(video->flagInterlaced, 1u);
+    EXPECT_EQ(video->fieldOrder, 9u);
 }
 
 // ---- Video for Windows
