@@ -145,7 +145,10 @@ class Unusual(CodecCase):
         done = run_tool(["mkvmerge", "-o", str(source), "--compression", "0:zlib", str(plain)])
         self.assertEqual(done.returncode, 0, done.stdout)
         output = self.check(source, "a")
-        self.assert_same_stream(plain, output)
+        if self.is_strict:  # mkvmerge has laced the frames, and told their times again by the first one of each block
+            self.assertEqual(self.packets(output, 0), self.packets(plain, 0))
+        else:
+            self.assert_same_stream(plain, output)
 
     def test_stripped_headers(self):
         frames = [b"\x11\x22" + bytes([n, 0]) * 400 for n in range(10)]
