@@ -1,6 +1,7 @@
 """GStreamer plays every codec that the muxer maps: as many buffers as packets, at their times, to the end."""
 
 import gstreamer
+from whole_files.codec_case import tracks_of
 from whole_files.codec_matrix import AUDIO, SRT, SUBTITLES, VIDEO, encoded
 from whole_files.mkv_builder import block_group, cluster, matroska, track_entry
 from whole_files.mkvmux_case import MkvmuxCase, input_directory, make_input
@@ -24,12 +25,16 @@ class GStreamerCase(MkvmuxCase):
         return output
 
     def packet_times(self, path, stream):
-        """Of the packets as they are in the file, in milliseconds."""
+        """Of the packets as they are in the file, in milliseconds. What the codec delays is taken off to the nanosecond,
+        and nothing is earlier than the start; ffprobe takes off whole milliseconds."""
+        delay_ns = tracks_of(path)[stream]["properties"].get("codec_delay", 0)
+        delay_ms = (delay_ns + 500_000) // 10**6
         text = self.run_ffprobe(path, "-fflags", "noparse+nofillin", "-select_streams", str(stream), "-show_entries",
                                 "packet=pts_time,dts_time", "-of", "csv=p=0")
         # Tracks that describe their codec by a structure of Windows have their times counted as decoding times.
-        return [round(1000 * float(next(field for field in line.split(",") if field not in ("N/A", ""))))
-                for line in text.split()]
+        seen_ms = [round(1000 * float(next(field for field in line.split(",") if field not in ("N/A", ""))))
+                   for line in text.split()]
+        return [max(0, (seen + delay_ms) * 10**6 - delay_ns) // 10**6 for seen in seen_ms]
 
     def assert_reaches_end(self, playback):
         self.assertEqual((playback.status, playback.remarks), (0, []), "\n".join(playback.lines[-20:]))
