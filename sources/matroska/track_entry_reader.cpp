@@ -31,6 +31,10 @@ void ReadVideo(const EbmlReader& reader, const Element& element, Track& track) {
             video.displayWidth = value;
         } else if (child.id == IdOf<KaxVideoDisplayHeight>()) {
             video.displayHeight = value;
+        } else if (child.id == IdOf<KaxVideoFlagInterlaced>()) {
+            video.flagInterlaced = value;
+        } else if (child.id == IdOf<KaxVideoFieldOrder>()) {
+            video.fieldOrder = value;
         } else if (child.id == IdOf<KaxVideoAlphaMode>()) {
             track.hasAlpha = value != 0;
         }

@@ -441,5 +441,24 @@ TEST(MatroskaReader, SurvivesFlippedBits) {
     test_source::CheckBitFlips(ReaderOf, RichFile());
 }
 
+// ---- Pictures
+
+DWORD InterlaceFlagsOf(std::initializer_list<RawBytes> video) {
+    const auto reader = ReaderOf(FileOf({TrackEntry(1, 1, "V_MPEG2", {Master(id::kVideo, video)})}, {}));
+    const CMediaType& type = reader->Streams().at(0).types.at(0);
+    return reinterpret_cast<const VIDEOINFOHEADER2*>(type.pbFormat)->dwInterlaceFlags;
+}
+
+TEST(MatroskaReader, PicturesTellTheirFields) {
+    const RawBytes width = RawUnsigned(id::kPixelWidth, 320);
+    const RawBytes height = RawUnsigned(id::kPixelHeight, 240);
+    const RawBytes interlaced = RawUnsigned(id::kFlagInterlaced, 1);
+    EXPECT_EQ(InterlaceFlagsOf({width, height}), 0u);
+    EXPECT_EQ(InterlaceFlagsOf({width, height, interlaced, RawUnsigned(id::kFieldOrder, 9)}),
+              static_cast<DWORD>(AMINTERLACE_IsInterlaced | AMINTERLACE_Field1First));
+    EXPECT_EQ(InterlaceFlagsOf({width, height, interlaced, RawUnsigned(id::kFieldOrder, 14)}),
+              static_cast<DWORD>(AMINTERLACE_IsInterlaced));
+}
+
 } // namespace
 } // namespace matroska
