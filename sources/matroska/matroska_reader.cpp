@@ -26,8 +26,11 @@ constexpr UINT64 kMaxTicksBelowCluster = 32768;
 constexpr UINT64 kMaxDelayNs = 1'000'000'000;
 constexpr const char* kOpusId = "A_OPUS";
 
-UINT64 SaneDelay(UINT64 delayNs) {
-    return delayNs <= kMaxDelayNs ? delayNs : 0;
+// In whole milliseconds, as players of files with such times take it off: so a time that is moved by it is rounded as
+// it was.
+INT64 SaneDelay(UINT64 delayNs) {
+    constexpr UINT64 kNsPerMs = 1'000'000;
+    return delayNs <= kMaxDelayNs ? static_cast<INT64>((delayNs + kNsPerMs / 2) / kNsPerMs * kNsPerMs) : 0;
 }
 
 size_t AvcLengthBytes(const Track& track) {
@@ -107,7 +110,7 @@ INT64 MatroskaReader::DelayOf(const Track& track, const source::StreamDescriptio
         return 0;
     }
     const UINT64 ownNs = media::DescribeStrictCodec(description.types.front()).codecDelayNs;
-    return static_cast<INT64>(SaneDelay(ownNs)) - static_cast<INT64>(SaneDelay(track.codecDelayNs));
+    return SaneDelay(ownNs) - SaneDelay(track.codecDelayNs);
 }
 
 std::optional<INT64> MatroskaReader::StartOf(const Block& block, const Stream& stream) const {

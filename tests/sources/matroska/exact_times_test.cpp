@@ -64,7 +64,17 @@ TEST(ExactTimes, ACodecDelayThatNobodyWillWriteIsTakenOff) {
 TEST(ExactTimes, AllMoveByWholeMillisecondsWhereItLeadsBelowZero) {
     const RawBytes file = FileOf({Sound(1, 0), Sound(2, 6'500'000)},
                                  {Cluster(0, {SimpleBlock(2, 0, 0, "b"), SimpleBlock(1, 0, 0, "a")})});
-    EXPECT_THAT(TimesOf(file), testing::UnorderedElementsAre("1@5000", "0@70000"));
+    EXPECT_THAT(TimesOf(file), testing::UnorderedElementsAre("1@0", "0@70000"));
+    const RawBytes fine = FileOf({Sound(1, 0)}, {Master(id::kInfo, {RawUnsigned(id::kTimestampScale, 300'000)}),
+                                                 Cluster(0, {SimpleBlock(1, -5, 0, "a"), SimpleBlock(1, 5, 0, "b")})});
+    EXPECT_THAT(TimesOf(fine), ElementsAre("0@5000", "0@35000"));
+}
+
+TEST(ExactTimes, DelaysAreRoundedToMilliseconds) {
+    const RawBytes file =
+        FileOf({Sound(1, 1'083'333), Sound(2, 6'500'000), Sound(3, 21'499'999)},
+               {Cluster(0, {SimpleBlock(1, 100, 0, "a"), SimpleBlock(2, 100, 0, "b"), SimpleBlock(3, 100, 0, "c")})});
+    EXPECT_THAT(TimesOf(file), ElementsAre("0@990000", "1@930000", "2@790000"));
 }
 
 TEST(ExactTimes, BlocksOfLaterClustersLieBelowZeroOnlyByTheDelay) {
