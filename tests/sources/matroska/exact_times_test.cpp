@@ -85,9 +85,9 @@ TEST(ExactTimes, BlocksOfLaterClustersLieBelowZeroOnlyByTheDelay) {
 }
 
 TEST(ExactTimes, ADelayOfMoreThanASecondIsDamageAndNone) {
-    const RawBytes file =
-        FileOf({Sound(1, 1'000'000'001)}, {Cluster(0, {SimpleBlock(1, 0, 0, "a"), SimpleBlock(1, 5, 0, "a")})});
-    EXPECT_THAT(TimesOf(file), ElementsAre("0@0", "0@50000"));
+    const RawBytes file = FileOf({Sound(1, 0), Sound(2, 1'000'000'001)},
+                                 {Cluster(0, {SimpleBlock(1, 0, 0, "a"), SimpleBlock(2, 0, 0, "b")})});
+    EXPECT_THAT(TimesOf(file), ElementsAre("0@0", "1@0"));
 }
 
 TEST(ExactTimes, OpusPacketsStopWhereTheyEndAndWithPaddingBefore) {
