@@ -8,6 +8,7 @@ import time
 
 from whole_files import ebml_clusters
 from whole_files.mkvmux_case import MkvmuxCase, long_mkv
+from whole_files.profiles import in_both_profiles
 
 KILL_AFTER_BYTES = 20_000_000
 HEAD_BYTES = 4096  # far more than the head of these files
@@ -17,6 +18,7 @@ LONG_BLOCK_BYTES = 4_000_000
 CUTS = int(os.environ.get("QRX_CUTS", "5"))
 
 
+@in_both_profiles
 class Repair(MkvmuxCase):
     def recording(self):
         """What a run leaves that was killed."""
