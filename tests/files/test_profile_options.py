@@ -153,6 +153,15 @@ class ProfileOptions(MkvmuxCase):
             run = self.mkvmux("-y", "-o", output, *arguments, webm, pcm_wave())
             self.assertEqual((run.status, run.error_lines), (0, []), run)
 
+    def test_attachments_of_a_configuration_that_are_no_webm_end_the_run_in_one_line(self):
+        note = self.directory / "note.txt"
+        note.write_bytes(b"a note")
+        sound_alone = make_input("webm.webm", *sound(1), "-c:a", "libopus")
+        self.configure("--profile", "strict", "--attach", note, sound_alone)
+        output = self.directory / "out.webm"
+        run = self.mkvmux("-o", output, "--load-config", self.directory / "saved.cfg", sound_alone)
+        self.assert_fails(run, "attachments cannot go into a WebM file")
+
     def test_identify_tells_the_flags_that_an_input_says(self):
         run = self.mkvmux("--identify", "--json", self.flagged())
         for text in ('"hearing_impaired": true', '"original": false', '"forced": true'):
