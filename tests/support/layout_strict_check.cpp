@@ -37,7 +37,7 @@ void CheckHeadOrder(const EbmlElement& segment, bool cut, Findings& findings) {
             findings.Add(first->offset, "there is no " + ElementName(id) + " before the first Cluster");
         }
     }
-    if (segment.Child(kInfo) == nullptr) {
+    if (cut && segment.Child(kInfo) == nullptr) { // a whole file is asked for it anyhow
         findings.Add(segment.offset, "there is no Info");
     }
     if (!cut && !segment.children.empty() && segment.children.front().id != kSeekHead) {

@@ -50,6 +50,7 @@ struct Scene {
         {1040, kSubtitles, {RawUnsigned(kCueRelativePosition, 14), RawUnsigned(kCueDuration, 100)}}};
     std::vector<uint8_t> trackTypes = {kPictures, 17, kPictures};
     bool infoLast = false;
+    RawBytes beforeSeekHead;
 };
 
 RawBytes CuesOf(const Scene& scene, uint64_t clusterPosition) {
@@ -82,10 +83,11 @@ RawBytes FileOf(const Scene& scene) {
     const RawBytes clusters = RawElement(kCluster, cluster, 4);
     // An empty seek head: that its entries are complete is another check's business, and not asked of a cut file.
     const RawBytes seekHead = RawElement(kSeekHead, RawBytes());
-    const uint64_t position = seekHead.size() + tracks.size() + (scene.infoLast ? 0 : info.size());
+    const uint64_t position =
+        scene.beforeSeekHead.size() + seekHead.size() + tracks.size() + (scene.infoLast ? 0 : info.size());
     const RawBytes cues = CuesOf(scene, position);
-    const RawBytes content = scene.infoLast ? Concatenate({seekHead, tracks, clusters, cues, info})
-                                            : Concatenate({seekHead, info, tracks, clusters, cues});
+    const RawBytes content = Concatenate({scene.beforeSeekHead, seekHead, scene.infoLast ? RawBytes() : info, tracks,
+                                          clusters, cues, scene.infoLast ? info : RawBytes()});
     return Concatenate({head, RawElement(kSegment, content, 5)});
 }
 
@@ -205,6 +207,23 @@ TEST(StrictLayout, TheHeadHasItsOrder) {
     Scene scene;
     scene.infoLast = true;
     EXPECT_THAT(FindingsOf(scene), ElementsAre(EndsWith("there is no Info before the first Cluster")));
+    scene = {};
+    scene.beforeSeekHead = RawElement(kVoid, {0});
+    EXPECT_THAT(FindingsOf(scene), ElementsAre(EndsWith("the Segment does not begin with its seek head")));
+}
+
+// It has an Info from its start.
+TEST(StrictLayout, ARecordingThatWasCutOffHasItsInfoAndNeedsNoSeekHead) {
+    const RawBytes open{0x0f, 0xff, 0xff, 0xff, 0xff};
+    const RawBytes head = RawElement(kHead, RawText(kDocType, "matroska"));
+    const RawBytes padding = RawElement(kVoid, {0});
+    const RawBytes info = RawElement(kInfo, Concatenate({RawUnsigned(kTimestampScale, 1000000),
+                                                         RawText(kMuxingApp, "m"), RawText(kWritingApp, "w")}));
+    const RawBytes with = Concatenate({head, RawId(kSegment), open, padding, info});
+    EXPECT_THAT(CheckLayout(with, {.cut = true, .strict = true}), IsEmpty());
+    const RawBytes without = Concatenate({head, RawId(kSegment), open, padding});
+    EXPECT_THAT(CheckLayout(without, {.cut = true}), IsEmpty());
+    EXPECT_THAT(CheckLayout(without, {.cut = true, .strict = true}), ElementsAre(EndsWith("there is no Info")));
 }
 
 } // namespace
