@@ -161,13 +161,6 @@ def check_track(track, is_webm, verdict):
             verdict.complain(TOOL, f"{where}: BitDepth or CodecDelay is 0")
 
 
-def check_blocks(layout, verdict):
-    texts = {track["number"] for track in layout.tracks if track["codecId"].startswith("S_TEXT/")}
-    for block in layout.blocks:
-        if block["track"] in texts and block["durationTicks"] is None:
-            verdict.complain(TOOL, f"@{block['offset']}: a text without a duration")
-
-
 def check_statistics(tag, layout, by_uid, verdict):
     uid = number_in(tag.child("Targets"), "TagTrackUID")
     if uid not in by_uid:
@@ -203,5 +196,4 @@ def judge(path, layout, verdict):
         check_info(info, is_webm, verdict)
     for track in elements_of(layout, content, "TrackEntry"):
         check_track(track, is_webm, verdict)
-    check_blocks(layout, verdict)
     check_tags(layout, content, verdict)

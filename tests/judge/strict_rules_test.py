@@ -172,11 +172,6 @@ class StrictRules(unittest.TestCase):
         changed = whole[:place] + bytes([value]) + whole[place + 1:]
         return lambda sample: sample.pictures.update({CODEC: codec, PRIVATE: changed})
 
-    def test_subtitles_last(self):
-        def change(sample):
-            sample.blocks[3] = block_group(3, 20, b"a")
-        self.assert_finds("a text without a duration", change)
-
     def test_statistics(self):
         self.assert_finds("'NUMBER_OF_FRAMES': '2'", lambda s: s.statistics.update({2: (3, 5)}))
         self.assert_finds("'NUMBER_OF_BYTES': '5'", lambda s: s.statistics.update({2: (2, 6)}))
