@@ -20,10 +20,37 @@ struct Stopping {
     [[nodiscard]] bool IsDoneWithin(DWORD ms) const { return WaitForSingleObject(done.Get(), ms) == WAIT_OBJECT_0; }
 };
 
+bool IsStopped(IBaseFilter& filter) {
+    FILTER_STATE state = State_Paused;
+    return SUCCEEDED(filter.GetState(0, &state)) && state == State_Stopped;
+}
+
+// A graph whose start one filter refused takes itself for stopped, and its Stop leaves the others paused. It cannot
+// disconnect those, and would try to for ever when it is released.
+void StopWhatIsLeft(IMediaControl& control) {
+    win::ComPtr<IFilterGraph> graph;
+    win::ComPtr<IEnumFilters> enumerator;
+    if (FAILED(control.QueryInterface(IID_IFilterGraph, graph.PutVoid())) ||
+        FAILED(graph->EnumFilters(enumerator.Put()))) {
+        return;
+    }
+    win::ComPtr<IBaseFilter> filter;
+    while (enumerator->Next(1, filter.Put(), nullptr) == S_OK) {
+        if (!IsStopped(*filter.Get())) {
+            filter->Stop();
+        }
+    }
+}
+
+void StopGraph(IMediaControl& control) {
+    control.Stop();
+    StopWhatIsLeft(control);
+}
+
 void StopOnThread(const std::shared_ptr<Stopping>& stopping) {
     {
         const win::ComApartment apartment(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
-        stopping->control->Stop();
+        StopGraph(*stopping->control.Get());
         stopping->control.Reset(); // before the caller goes on, who may hold the last reference
     }
     SetEvent(stopping->done.Get());
@@ -54,7 +81,7 @@ bool GraphStopper::Stop(const win::ComPtr<IMediaControl>& control, const win::Co
     const auto stopping = std::make_shared<Stopping>();
     stopping->control = control;
     if (!StartThread(stopping)) {
-        control->Stop(); // without patience rather than not at all
+        StopGraph(*control.Get()); // without patience rather than not at all
         return true;
     }
     while (!stopping->IsDoneWithin(m_patienceMs)) {

@@ -36,6 +36,9 @@ class SteppedFilter final : public CBaseFilter {
 
     STDMETHODIMP Pause() noexcept override {
         const CAutoLock lock(&m_changing);
+        if (FAILED(pauseResult)) {
+            return pauseResult;
+        }
         if (m_State == State_Running) {
             beforePause();
         }
@@ -53,6 +56,7 @@ class SteppedFilter final : public CBaseFilter {
         return hr;
     }
 
+    HRESULT pauseResult = S_OK;
     std::function<void()> beforePause = [] {};
     std::function<void()> beforeStopped = [] {};
     std::vector<std::string> calls;
@@ -111,6 +115,23 @@ TEST_F(GraphStopperTest, StopsEveryFilter) {
     EXPECT_TRUE(Stop(kLongPatienceMs));
     EXPECT_THAT(m_source->calls, ElementsAre("Pause", "Stop"));
     EXPECT_THAT(m_muxer->calls, ElementsAre("Pause", "Stop"));
+}
+
+TEST_F(GraphStopperTest, AfterARefusedStartNoFilterStaysPaused) {
+    ASSERT_TRUE(Stop(kLongPatienceMs));
+    m_source->calls.clear();
+    m_muxer->calls.clear();
+    for (SteppedFilter* const refusing : {m_muxer.Get(), m_source.Get()}) {
+        refusing->pauseResult = E_ACCESSDENIED;
+        EXPECT_EQ(m_control->Run(), E_ACCESSDENIED);
+        EXPECT_TRUE(Stop(kLongPatienceMs));
+        for (SteppedFilter* const filter : {m_muxer.Get(), m_source.Get()}) {
+            FILTER_STATE state = State_Paused;
+            EXPECT_EQ(filter->GetState(0, &state), S_OK);
+            EXPECT_EQ(state, State_Stopped);
+        }
+        refusing->pauseResult = S_OK;
+    }
 }
 
 TEST_F(GraphStopperTest, ASourceThatNeverStopsIsLeftBehindOnceTheMuxerHasStopped) {
