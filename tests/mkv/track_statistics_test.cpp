@@ -147,6 +147,7 @@ TEST_F(TrackStatisticsTest, TheSpanReachesFromTheEarliestStartToTheLatestEndAndB
     statistics.setTracks({77});
     statistics.blockWritten({.track = 1, .payloadBytes = 3, .timeNs = 2000000000, .endNs = 2500000000});
     statistics.blockWritten({.track = 1, .payloadBytes = 2, .timeNs = 1750000000, .endNs = 2000000000});
+    statistics.blockWritten({.track = 1, .payloadBytes = 0, .timeNs = 1900000000, .endNs = 1950000000});
     EXPECT_EQ(statistics.tracks()[0].durationNs(), 750000000u);
     EXPECT_EQ(statistics.tracks()[0].bitsPerSecond(), 53u); // of 53.3
 }
