@@ -1,7 +1,5 @@
 #include "ui/property_prop_page.h"
 
-#include <algorithm>
-#include <iterator>
 #include <new>
 
 #include "ui/language_names.h"
@@ -17,29 +15,6 @@ const std::wstring kEnabledLabel = L"bEnabled";
 const std::wstring kNameLabel = L"Track Name";
 const std::wstring kLanguageLabel = L"Track Language";
 
-const std::wstring kStrict = L"strict";
-
-struct FlagRow {
-    const wchar_t* label;
-    BYTE MuxTrackFlags::*flag;
-};
-
-constexpr FlagRow kFlagRows[] = {
-    {L"Forced", &MuxTrackFlags::forced},
-    {L"Hearing impaired", &MuxTrackFlags::hearingImpaired},
-    {L"Visual impaired", &MuxTrackFlags::visualImpaired},
-    {L"Original", &MuxTrackFlags::original},
-    {L"Commentary", &MuxTrackFlags::commentary},
-};
-
-// What the choices of a flag's row stand for.
-constexpr BYTE kFlagOfChoice[] = {MuxFlag_Unset, MuxFlag_Off, MuxFlag_On};
-
-UINT32 ChoiceOf(BYTE flag) {
-    const auto* const found = std::find(std::begin(kFlagOfChoice), std::end(kFlagOfChoice), flag);
-    return static_cast<UINT32>(found - std::begin(kFlagOfChoice));
-}
-
 } // namespace
 
 CUnknown* CPropertyPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* phr) {
@@ -52,8 +27,7 @@ CUnknown* CPropertyPropPage::CreateInstance(LPUNKNOWN outer, HRESULT* phr) {
 
 CPropertyPropPage::CPropertyPropPage(LPUNKNOWN outer)
     : CBasePropertyPage(OLESTR("Quorlex Matroska Muxer Property Page"), outer, IDD_SETTINGS_PAGE, IDS_SETTINGS_TITLE),
-      m_languageNames(LanguageNames()), m_docTypeNames{L"matroska", kWebm}, m_profileNames{L"compatible", kStrict},
-      m_flagNames{L"unset", L"no", L"yes"} {}
+      m_languageNames(LanguageNames()), m_docTypeNames{L"matroska", kWebm} {}
 
 CPropertyPropPage::~CPropertyPropPage() = default;
 
@@ -87,9 +61,7 @@ HRESULT CPropertyPropPage::OnDeactivate() {
     m_tree.reset();
     m_pinItems.clear();
     m_docTypeItem = nullptr;
-    m_profileItem = nullptr;
-    m_titleItem = nullptr;
-    m_statisticsItem = nullptr;
+    m_options.Forget();
     return S_OK;
 }
 
@@ -98,25 +70,7 @@ void CPropertyPropPage::AddCommon() {
     MuxDocType docType = MuxDocType_Matroska; // which a filter that does not answer counts as
     (void)m_config.GetDocType(docType);
     m_docTypeItem = m_tree->AddList(common, L"DocType", m_docTypeNames, docType == MuxDocType_Webm ? 1 : 0);
-    AddOptions(common);
-}
-
-// What a filter does not know is not shown.
-void CPropertyPropPage::AddOptions(HTREEITEM common) {
-    m_profileItem = nullptr;
-    m_titleItem = nullptr;
-    m_statisticsItem = nullptr;
-    MuxProfile profile = MuxProfile_Compatible;
-    if (SUCCEEDED(m_config.GetProfile(profile))) {
-        m_profileItem = m_tree->AddList(common, L"Profile", m_profileNames, profile == MuxProfile_Strict ? 1 : 0);
-    }
-    if (SUCCEEDED(m_config.GetTitle(m_title))) {
-        m_titleItem = m_tree->AddText(common, L"Title", m_title);
-    }
-    bool statistics = true;
-    if (SUCCEEDED(m_config.GetTrackStatistics(statistics))) {
-        m_statisticsItem = m_tree->AddBool(common, L"Statistics", statistics);
-    }
+    m_options.AddOfFile(*m_tree, common, m_config);
 }
 
 void CPropertyPropPage::ReadTracks() {
@@ -166,17 +120,7 @@ void CPropertyPropPage::AddTrack(HTREEITEM group, const client::TrackRow& track)
     m_tree->AddBool(item, kEnabledLabel, track.enabled != 0);
     m_tree->AddText(item, kNameLabel, std::wstring(track.name.View()));
     m_tree->AddList(item, kLanguageLabel, m_languageNames, LanguagePosition(std::wstring(track.language.View())));
-    AddFlags(item, track.index);
-}
-
-void CPropertyPropPage::AddFlags(HTREEITEM item, INT32 index) {
-    MuxTrackFlags flags{};
-    if (FAILED(m_config.GetFlags(index, flags))) {
-        return;
-    }
-    for (const FlagRow& row : kFlagRows) {
-        m_tree->AddList(item, row.label, m_flagNames, ChoiceOf(flags.*row.flag));
-    }
+    COptionRows::AddFlags(*m_tree, item, m_config, track.index);
 }
 
 HRESULT CPropertyPropPage::Apply() noexcept {
@@ -200,48 +144,12 @@ HRESULT CPropertyPropPage::OnApplyChanges() {
     for (const auto& [item, index] : m_pinItems) {
         // A track that the filter refuses does not keep the others from being written.
         (void)m_config.SetTrack(EditedTrack(item, index));
-        ApplyFlags(item, index);
+        (void)COptionRows::ApplyFlags(*m_tree, item, m_config, index);
     }
-    const HRESULT optionsHr = ApplyOptions();
+    const HRESULT optionsHr = m_options.ApplyOfFile(*m_tree, m_config);
     const HRESULT hr =
         m_config.SetDocType(CPropTree::GetSelectedText(*docType) == kWebm ? MuxDocType_Webm : MuxDocType_Matroska);
     return FAILED(hr) ? hr : optionsHr;
-}
-
-// As shown; nothing for a filter that does not know them.
-void CPropertyPropPage::ApplyFlags(HTREEITEM trackItem, INT32 index) const {
-    MuxTrackFlags flags{};
-    if (FAILED(m_config.GetFlags(index, flags))) {
-        return;
-    }
-    for (HTREEITEM child = m_tree->GetFirstChild(trackItem); child != nullptr; child = m_tree->GetNextSibling(child)) {
-        const PropTreeItem* const item = m_tree->GetItem(child);
-        for (const FlagRow& row : kFlagRows) {
-            if (item != nullptr && item->label == row.label && item->selection < std::size(kFlagOfChoice)) {
-                flags.*row.flag = kFlagOfChoice[item->selection];
-            }
-        }
-    }
-    (void)m_config.SetFlags(flags);
-}
-
-// A title that was not edited is not set, so that one that a program has set meanwhile stays.
-HRESULT CPropertyPropPage::ApplyOptions() {
-    HRESULT hr = S_OK;
-    if (const PropTreeItem* const profile = m_tree->GetItem(m_profileItem)) {
-        const bool isStrict = CPropTree::GetSelectedText(*profile) == kStrict;
-        hr = m_config.SetProfile(isStrict ? MuxProfile_Strict : MuxProfile_Compatible);
-    }
-    const PropTreeItem* const title = m_tree->GetItem(m_titleItem);
-    if (SUCCEEDED(hr) && title != nullptr && CPropTree::GetText(*title) != m_title) {
-        hr = m_config.SetTitle(CPropTree::GetText(*title));
-        m_title = SUCCEEDED(hr) ? CPropTree::GetText(*title) : m_title;
-    }
-    const PropTreeItem* const statistics = m_tree->GetItem(m_statisticsItem);
-    if (SUCCEEDED(hr) && statistics != nullptr) {
-        hr = m_config.SetTrackStatistics(CPropTree::GetBool(*statistics));
-    }
-    return hr;
 }
 
 const client::TrackRow* CPropertyPropPage::FindTrack(INT32 index) const {

@@ -1,6 +1,5 @@
-// CPropertyPropPage: the settings page. It shows the document type, profile, title and statistics and, for each
-// connected input, whether the track is written, its name, its language and its flags; Apply writes them back through
-// IModuleConfig.
+// CPropertyPropPage: the settings page. It shows the document type and, for each connected input, whether the track is
+// written, its name and its language, and what strict files are told; Apply writes all back through IModuleConfig.
 //
 // Owner: its references; it holds the filter while it is connected to it. Threads: the one that shows the page.
 // Errors: HRESULTs. Edits live in the tree alone until Apply.
@@ -13,6 +12,7 @@
 
 #include "client/module_config.h"
 #include "dshow/base_property_page.h"
+#include "ui/option_rows.h"
 #include "ui/prop_tree.h"
 
 class CPropertyPropPage final : public CBasePropertyPage {
@@ -35,14 +35,10 @@ class CPropertyPropPage final : public CBasePropertyPage {
 
   private:
     void AddCommon();
-    void AddOptions(HTREEITEM common);
     void ReadTracks();
     void AddToItsKind(client::TrackRow track);
     void AddGroup(const WCHAR* title, const std::vector<client::TrackRow>& tracks);
     void AddTrack(HTREEITEM group, const client::TrackRow& track);
-    void AddFlags(HTREEITEM item, INT32 index);
-    void ApplyFlags(HTREEITEM trackItem, INT32 index) const;
-    [[nodiscard]] HRESULT ApplyOptions();
     [[nodiscard]] const client::TrackRow* FindTrack(INT32 index) const;
     [[nodiscard]] client::TrackRow EditedTrack(HTREEITEM trackItem, INT32 index) const;
     void TakeOver(const PropTreeItem& item, client::TrackRow& track) const;
@@ -55,11 +51,6 @@ class CPropertyPropPage final : public CBasePropertyPage {
     std::map<HTREEITEM, INT32> m_pinItems; // "In %d" items and the inputs that they are for
     const std::vector<std::wstring> m_languageNames;
     const std::vector<std::wstring> m_docTypeNames;
-    const std::vector<std::wstring> m_profileNames;
-    const std::vector<std::wstring> m_flagNames; // of their values
-    std::wstring m_title;                        // as it was read or set
     HTREEITEM m_docTypeItem = nullptr;
-    HTREEITEM m_profileItem = nullptr; // this and those below: null when the filter does not know them
-    HTREEITEM m_titleItem = nullptr;
-    HTREEITEM m_statisticsItem = nullptr;
+    COptionRows m_options;
 };
