@@ -18,12 +18,14 @@ std::wstring Respelt(size_t input, const std::wstring& language, MuxerSettings& 
 }
 
 // Empty when readers will know the language.
-std::string DoubtAbout(const std::wstring& language) {
+std::string DoubtAbout(const std::wstring& language, bool isStrict) {
     const std::string code = CodeWrittenFor(language);
     if (code.empty()) {
-        return "the language '" + Shown(language) + "' is not in the list and is written empty";
+        return "the language '" + Shown(language) + "' is not in the list and is written " +
+               (isStrict ? "as unknown" : "empty");
     }
-    if (code.find('/') != std::string::npos) {
+    // A strict file has one of the two codes.
+    if (!isStrict && code.find('/') != std::string::npos) {
         return "the language is written as '" + code + "', which readers take for an unknown one";
     }
     return {};
@@ -37,7 +39,8 @@ void CheckLanguages(const MuxGraph& graph, MuxerSettings& settings, Console& con
         if (!language || !settings.IsEnabled(input)) {
             continue;
         }
-        if (const std::string doubt = DoubtAbout(Respelt(input, *language, settings)); !doubt.empty()) {
+        if (const std::string doubt = DoubtAbout(Respelt(input, *language, settings), settings.IsStrict());
+            !doubt.empty()) {
             console.Warn("track " + std::to_string(graph.Streams()[input].number) + ": " + doubt);
         }
     }

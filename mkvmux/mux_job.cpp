@@ -130,7 +130,7 @@ void Mux(const Options& options, Interruption& interruption, Console& console) {
     MuxerSettings settings(graph.Muxer());
     PrepareMuxer(options, settings);
     graph.UseFrameRate(options.frameRate);
-    graph.UseExactTimes(options.strict);
+    graph.UseExactTimes(settings.IsStrict());
     for (const InputOptions& input : options.inputs) {
         graph.AddInput(input.path, DisabledTracks(options));
         interruption.Check();

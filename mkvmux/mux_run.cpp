@@ -14,19 +14,6 @@ namespace {
 
 constexpr DWORD kProgressIntervalMs = 200;
 
-// A graph that could not start takes itself for stopped, while filters that were asked before the one that failed are
-// paused; it could never let go of those.
-void StopEachFilter(IFilterGraph& graph) {
-    win::ComPtr<IEnumFilters> filters;
-    if (FAILED(graph.EnumFilters(filters.Put()))) {
-        return;
-    }
-    win::ComPtr<IBaseFilter> filter;
-    while (filters->Next(1, filter.Put(), nullptr) == S_OK) {
-        filter->Stop();
-    }
-}
-
 } // namespace
 
 MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display)
@@ -49,7 +36,6 @@ MuxRun::~MuxRun() {
 void MuxRun::Start() {
     m_started = true;
     if (const HRESULT hr = m_control->Run(); FAILED(hr)) {
-        StopEachFilter(*m_graph.Graph().Get());
         // Those of a loaded configuration; what is known of before is told before.
         const std::string reason =
             hr == MUX_E_NOT_WEBM_ATTACHMENT ? "attachments cannot go into a WebM file" : DescribeResult(hr);

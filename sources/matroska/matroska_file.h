@@ -32,7 +32,7 @@ struct Track : media::TrackFacts {
     bool isDefault = true;
     bool isForced = false;
     bool isEnabled = true;
-    UINT64 codecDelayNs = 0;  // to be taken off its blocks' times
+    UINT64 codecDelayNs = 0;             // to be taken off its blocks' times
     std::optional<bool> hearingImpaired; // none: not said
     std::optional<bool> visualImpaired;
     std::optional<bool> original;

@@ -27,8 +27,8 @@ class Findings {
 void CheckSeekHead(const MatroskaLayout& layout, const EbmlElement& segment, Findings& findings);
 // Clusters have times in order, blocks belong to known tracks and lie at or after 0.
 void CheckClusters(const MatroskaLayout& layout, const EbmlElement& segment, bool mayGoBack, Findings& findings);
-// Every cue leads to a cluster that holds a block of its track and time, at the place that it names. Unless `exact`, the
-// block may be a tick later where both are rounded down.
+// Every cue leads to a cluster that holds a block of its track and time, at the place that it names. Unless `exact`,
+// the block may be a tick later where both are rounded down.
 void CheckCues(const MatroskaLayout& layout, const EbmlElement& segment, bool exact, Findings& findings);
 // What the strict profile asks of clusters, cues and the order of the head besides. Nothing of a file that was cut off
 // is asked that is written when a file is finished.
