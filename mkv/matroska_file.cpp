@@ -217,6 +217,7 @@ void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>
         return;
     }
     std::vector<UINT64> uids;
+    uids.reserve(entries.size());
     for (libmatroska::KaxTrackEntry* const entry : entries) {
         uids.push_back(libebml::GetChild<libmatroska::KaxTrackUID>(*entry).GetValue());
     }

@@ -22,8 +22,7 @@ class StrictAttachmentsTest : public WriterTest {
         options.profile = MuxProfile_Strict;
         options.seed = seed;
         RegisterAudio();
-        m_io.setStream(&m_stream);
-        m_writer.Open(&m_io, options);
+        Open(options);
         Write(0, 0, 10 * kMs);
     }
 

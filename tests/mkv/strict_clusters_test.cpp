@@ -46,7 +46,7 @@ TEST_F(StrictClustersTest, TheShiftGrowsUntilTheFirstClusterIsWritten) {
 
 TEST_F(StrictClustersTest, ThePacketThatEndsTheFirstClusterMayStillShiftIt) {
     Expect({.clustersMayGoBack = true});
-    KeepStrictFromJudges();
+    KeepFromJudges();
     RegisterAudio();
     RegisterAudio();
     OpenStrict();
@@ -97,7 +97,7 @@ TEST_F(StrictClustersTest, ATextWithoutAStopTimeHasNoDuration) {
 TEST_F(StrictClustersTest, ExtremeTimesAreWrittenWithoutWrapping) {
     constexpr INT64 kMin = std::numeric_limits<INT64>::min();
     constexpr INT64 kMax = std::numeric_limits<INT64>::max();
-    KeepStrictFromJudges(); // 292 years are more than the judges' players like
+    KeepFromJudges(); // 292 years are more than the judges' players like
     RegisterVideo();
     RegisterSubtitle();
     OpenStrict();
@@ -178,7 +178,7 @@ TEST_F(StrictClustersTest, AClusterLastsFiveSecondsAtMost) {
 
 TEST_F(StrictClustersTest, ABlockFiveSecondsBeforeAClustersLatestBeginsAnother) {
     Expect({.clustersMayGoBack = true});
-    KeepStrictFromJudges();
+    KeepFromJudges();
     RegisterAudio();
     RegisterSubtitle();
     OpenStrict();
@@ -255,7 +255,7 @@ TEST_F(StrictClustersTest, UnitsBehindStartCodesOfEitherLengthGetLengths) {
     mkv::Packet owned{40 * kMs, 80 * kMs, owner.get(), static_cast<UINT32>(kTwoUnits.size()), true, 0, false};
     owned.owned = &owner;
     m_writer.WritePacket(owned);
-    KeepStrictFromJudges(); // there is no picture in it
+    KeepFromJudges(); // there is no picture in it
     const auto blocks = File().BlocksOf(1);
     ASSERT_EQ(blocks.size(), 2u);
     for (const auto& block : blocks) {

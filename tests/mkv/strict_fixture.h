@@ -2,30 +2,15 @@
 #pragma once
 
 #include "tests/mkv/writer_fixture.h"
-#include "tests/support/written_files.h"
 
 class StrictTest : public WriterTest {
   protected:
-    StrictTest() { KeepFromJudges(); } // under their usual name, which is that of compatible files
-
-    void TearDown() override {
-        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-        if (m_isOpened && !m_writer.isOpen() && m_isJudged) {
-            test_support::SaveForJudges(std::string(test->test_suite_name()) + "." + test->name() + ".strict",
-                                        m_stream.Bytes());
-        }
-    }
-
     void OpenStrict() {
         records::FileOptions options;
         options.profile = MuxProfile_Strict;
         options.seed = 1;
-        m_io.setStream(&m_stream);
-        m_writer.Open(&m_io, options);
-        m_isOpened = true;
+        Open(options);
     }
-    // For files that players do not like and the format allows.
-    void KeepStrictFromJudges() { m_isJudged = false; }
 
     // In milliseconds, as are all times here.
     std::vector<uint64_t> ClusterTimes() {
@@ -53,8 +38,4 @@ class StrictTest : public WriterTest {
     using Times = std::vector<int64_t>;
     using ClusterTimeList = std::vector<uint64_t>;
     using Counts = std::vector<size_t>;
-
-  private:
-    bool m_isOpened = false;
-    bool m_isJudged = true;
 };

@@ -14,7 +14,7 @@ class StrictHeadGoldenTest : public WriterTest {
         records::FileOptions options;
         options.profile = MuxProfile_Strict;
         options.seed = 20261122;
-        options.title = L"Ein Titel: \u00e4\u65e5";
+        options.title = OLESTR("Ein Titel: \u00e4\u65e5");
         Open(options);
     }
 

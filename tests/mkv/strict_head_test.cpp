@@ -94,7 +94,7 @@ TEST_F(StrictHeadTest, EbmlHeadSegmentHeadSeekHeadPlaceAndInfoComeFirst) {
 
 TEST_F(StrictHeadTest, ARecordingThatIsCutOffHasItsScaleItsNamesAndItsTracks) {
     records::FileOptions options = Strict();
-    options.title = L"A title";
+    options.title = OLESTR("A title");
     Record(options);
     const auto cut = Snapshot();
     test_support::SaveForJudges("StrictHeadTest.ARecordingThatIsCutOff.strict", cut.file,
@@ -162,7 +162,7 @@ TEST_F(StrictHeadTest, AFileWithoutAnyBlockHasNoDuration) {
 TEST_F(StrictHeadTest, ATitleIsWrittenWholeAndAnEmptyOneNotAtAll) {
     records::FileOptions options = Strict();
     EXPECT_EQ(InfoOf(Finished(options)).Child(kTitle), nullptr);
-    options.title = L"Gr\u00fc\u00dfe \u65e5";
+    options.title = OLESTR("Gr\u00fc\u00dfe \u65e5");
     EXPECT_EQ(Value(Finished(options), kTitle), (Bytes{'G', 'r', 0xc3, 0xbc, 0xc3, 0x9f, 'e', ' ', 0xe6, 0x97, 0xa5}));
     constexpr size_t kLong = 32767;
     options.title.assign(kLong, L'\u65e5');
@@ -206,7 +206,7 @@ TEST_F(StrictHeadTest, WebmHasNoIdentifierOfTheSegment) {
     m_writer.setOutputFormat(CMkvWriter::kWebMFormat);
     Register(test_support::VideoInfoType(SubtypeFromFourCC('V', 'P', '8', '0')));
     records::FileOptions options = Strict();
-    options.title = L"T";
+    options.title = OLESTR("T");
     Open(options);
     Write(0, 0, 40 * kMs, true);
     EXPECT_EQ(File().docType, "webm");

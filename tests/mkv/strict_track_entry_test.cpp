@@ -34,8 +34,7 @@ class StrictTrackEntryTest : public WriterTest {
         records::FileOptions options;
         options.profile = MuxProfile_Strict;
         options.seed = seed;
-        m_io.setStream(&m_stream);
-        m_writer.Open(&m_io, options);
+        Open(options);
     }
 
     // Of the track at that position, from 0, in the file as it is.

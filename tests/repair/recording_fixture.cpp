@@ -70,7 +70,7 @@ void RecordingTest::Record(const RecordedContent& content) {
     Register(content);
     records::FileOptions options;
     options.profile = GetParam();
-    options.title = L"A title";
+    options.title = OLESTR("A title");
     options.trackStatistics = content.hasStatistics;
     m_writer.Open(&io, options);
     WriteAll(content);
