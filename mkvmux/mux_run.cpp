@@ -2,11 +2,11 @@
 
 #include <array>
 
-#include "include/qrx_mkvmuxer.h"
 #include "mkvmux/exit_status.h"
 #include "mkvmux/failure.h"
 #include "mkvmux/graph_stopper.h"
 #include "mkvmux/text.h"
+#include <qrx_mkvmuxer.h>
 
 namespace mkvmux {
 

@@ -4,11 +4,12 @@ import json
 
 from whole_files.mkvmux_case import MkvmuxCase, run_tool
 from whole_files.other_locale import environment_of
+from whole_files.profiles import STRICT
 
 TRACKS_OF_A_RUN = 100  # as many as have settings
 
 
-class Languages(MkvmuxCase):
+class LanguageCase(MkvmuxCase):
     def setUp(self):
         super().setUp()
         self.output = self.directory / "out.mkv"
@@ -22,10 +23,21 @@ class Languages(MkvmuxCase):
         for line in lines:
             if line.endswith("+ Track"):
                 codes.append("eng")  # what a track without the element has
-            elif "+ Language" in line:
+            elif "+ Language" in line and "IETF" not in line:
                 codes[-1] = line.partition("+ Language: ")[2]
         return codes
 
+    def german_respelt(self):
+        """A configuration whose language the list has with another spelling alone."""
+        config = self.directory / "muxer.cfg"
+        self.mkvmux("-o", self.output, "--save-config", config, "--language", "0:German", self.source)
+        content = config.read_bytes()
+        self.assertEqual(content.count("German".encode("utf-16-le")), 1)
+        config.write_bytes(content.replace("German".encode("utf-16-le"), "german".encode("utf-16-le")))
+        return config
+
+
+class Languages(LanguageCase):
     def listed(self):
         """(name, code) of each name; the first of two rows counts."""
         codes = {}
@@ -77,12 +89,7 @@ class Languages(MkvmuxCase):
         self.assertEqual(self.written(), ["vol", "nob"])
 
     def test_a_language_of_a_configuration_that_the_list_does_not_have_is_a_warning(self):
-        config = self.directory / "muxer.cfg"
-        self.mkvmux("-o", self.output, "--save-config", config, "--language", "0:German", self.source)
-        content = config.read_bytes()
-        self.assertEqual(content.count("German".encode("utf-16-le")), 1)
-        config.write_bytes(content.replace("German".encode("utf-16-le"), "german".encode("utf-16-le")))
-        run = self.mkvmux("-y", "-o", self.output, "--load-config", config, self.source)
+        run = self.mkvmux("-y", "-o", self.output, "--load-config", self.german_respelt(), self.source)
         self.assertEqual((run.status, len(run.error_lines)), (1, 1), run)
         self.assertIn("warning: track 0: the language 'german' is not in the list", run.error_lines[0])
         self.assertEqual(self.written(), [""])
@@ -105,3 +112,18 @@ class Languages(MkvmuxCase):
                 self.assertEqual(run.status, 2, run)
                 self.assertNotIn("\x1b", run.errors + run.output)
                 self.assertIn("?[2J", run.errors)
+
+
+class StrictLanguages(LanguageCase):
+    profile = STRICT
+
+    def test_a_language_with_two_codes_is_written_with_one_and_no_warning(self):
+        run = self.mkvmux("-o", self.output, "--language", "0:zh", self.source)
+        self.assertEqual((run.status, run.error_lines), (0, []), run)
+        self.assertEqual(self.written(), ["chi"])
+
+    def test_a_language_that_the_list_does_not_have_is_a_warning_and_unknown(self):
+        run = self.mkvmux("-y", "-o", self.output, "--load-config", self.german_respelt(), self.source)
+        self.assertEqual((run.status, len(run.error_lines)), (1, 1), run)
+        self.assertIn("track 0: the language 'german' is not in the list and is written as unknown", run.error_lines[0])
+        self.assertEqual(self.written(), ["und"])

@@ -121,6 +121,16 @@ class ProfileOptions(MkvmuxCase):
                 profile = [] if given is None else ["--profile", given]
                 self.assertEqual(self.configure("--load-config", first, *profile, pcm_wave()).options.get(PROFILE), effective)
 
+    def test_the_profile_of_a_loaded_configuration_decides_on_the_inputs_times(self):
+        # ffmpeg tells another delay than the codec's own header here, so that exact times differ from the stored ones.
+        delayed = make_input("opus8.mka", *sound(1, 8000), "-c:a", "libopus")
+        for profile in ("compatible", "strict"):
+            self.configure("--profile", profile, delayed)
+            expected = self.times(self.directory / "out.mkv", 0)
+            loaded = (self.directory / "saved.cfg").rename(self.directory / "first.cfg")
+            self.configure("--load-config", loaded, delayed)
+            self.assertEqual(self.times(self.directory / "out.mkv", 0), expected, profile)
+
     def test_a_seed_gives_attachments_the_same_identifiers_every_time(self):
         note = self.directory / "note.txt"
         note.write_bytes(b"a note")
