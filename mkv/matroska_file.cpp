@@ -5,7 +5,6 @@
 #include <ctime>
 #include <new>
 #include <string_view>
-#include <utility>
 
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
@@ -25,8 +24,6 @@ namespace mkv {
 
 namespace {
 
-constexpr UINT64 kSeekHeadPlaceHeadBytes = 3;
-constexpr int kPatchTries = 2;
 constexpr const char* kWebMDocType = "webm";
 
 // All ones behind the mark of the field's length.
@@ -40,9 +37,10 @@ std::vector<BYTE> UnknownSize(int fieldBytes) {
 
 CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& options)
     : m_options(options), m_form(FormOf(options.profile)), m_origin(OriginNow(options.seed)),
-      m_identifiers(options.seed), m_io(io), m_gathering(io),
-      m_arrives([this](const std::function<void()>& write) { return arrives(write); }),
-      m_list([this](const libebml::EbmlElement& element) { m_seekHead.IndexThis(element, m_segment); }),
+      m_identifiers(options.seed), m_io(io), m_gathering(io), m_patcher(m_gathering),
+      m_seekHead(m_gathering, m_segment),
+      m_arrives([this](const std::function<void()>& write) { return m_patcher.arrives(write); }),
+      m_list([this](const libebml::EbmlElement& element) { m_seekHead.list(element); }),
       m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)),
       m_clusters(MakeClusters(options.isStrict(), m_gathering, m_segment, m_cues)) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
@@ -57,19 +55,9 @@ void CMatroskaFile::writeHead(const char* docType) {
     SetChild<libebml::EDocTypeReadVersion>(head, m_form.docTypeReadVersion);
     head.Render(m_gathering, true);
     writeSegmentHead();
-    writeSeekHeadPlace();
+    m_seekHead.writePlace(m_form.seekHeadPlaceBytes);
     m_info->open(m_isWebm, m_list);
-    flushHeadPart();
-}
-
-// A part that was lost keeps its place, so that all behind it lies where it would.
-void CMatroskaFile::flushHeadPart() {
-    const UINT64 end = m_gathering.getFilePointer();
-    m_gathering.flush();
-    if (auto lost = m_gathering.takeLost()) {
-        m_lostHeadParts.push_back(std::move(*lost));
-        m_gathering.moveTo(end);
-    }
+    m_patcher.flushHeadPart();
 }
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
@@ -77,11 +65,6 @@ void CMatroskaFile::writeSegmentHead() {
     m_segment.WriteHead(m_gathering, m_form.segmentSizeFieldBytes);
     m_gathering.overwriteTail(UnknownSize(m_form.segmentSizeFieldBytes));
     m_dataStart = m_gathering.getFilePointer();
-}
-
-void CMatroskaFile::writeSeekHeadPlace() {
-    m_seekHeadPlace.SetSize(m_form.seekHeadPlaceBytes - kSeekHeadPlaceHeadBytes);
-    m_seekHeadPlace.Render(m_gathering);
 }
 
 void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
@@ -107,9 +90,9 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
         }
     }
     const UINT64 size = element.Render(m_gathering, false);
-    flushHeadPart();
+    m_patcher.flushHeadPart();
     if (size > 0) { // without tracks there is no element either
-        m_seekHead.IndexThis(element, m_segment);
+        m_seekHead.list(element);
     }
     m_clusters->setTracks(tracks, entries, cueTrack);
     observeBlocks(entries);
@@ -140,19 +123,19 @@ void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
         m_gathering.returnTo(place); // what comes next takes its place
         return;
     }
-    m_seekHead.IndexThis(element, m_segment);
+    m_seekHead.list(element);
 }
 
-// What was written then is rendered once more, since the library learns positions that way alone, and forgotten.
+// What was written then is rendered once more and forgotten.
 void CMatroskaFile::resume(const CutRecording& recording) {
     m_gathering.moveTo(recording.segment);
     writeSegmentHead();
-    writeSeekHeadPlace();
+    m_seekHead.writePlace(m_form.seekHeadPlaceBytes);
     m_info->resume(recording.tracks, m_list);
     m_gathering.discard();
-    indexAt<libmatroska::KaxTracks>(recording.tracks);
+    m_seekHead.listAt<libmatroska::KaxTracks>(recording.tracks);
     if (recording.attachments) {
-        indexAt<libmatroska::KaxAttachments>(*recording.attachments);
+        m_seekHead.listAt<libmatroska::KaxAttachments>(*recording.attachments);
     }
     for (const CutRecording::CuePoint& point : recording.cuePoints) {
         m_cues.announce({point.timeNs, point.track, point.relativePosition, point.durationNs});
@@ -160,15 +143,6 @@ void CMatroskaFile::resume(const CutRecording& recording) {
     }
     m_clusters->resumeBehind(recording.endNs);
     m_gathering.moveTo(recording.end);
-}
-
-template <typename Element>
-void CMatroskaFile::indexAt(UINT64 position) {
-    Element element;
-    m_gathering.moveTo(position);
-    element.Render(m_gathering, true, false, true); // without children it is a default, and not rendered else
-    m_gathering.discard();
-    m_seekHead.IndexThis(element, m_segment);
 }
 
 void CMatroskaFile::finalise(double durationNs) {
@@ -180,7 +154,7 @@ void CMatroskaFile::finalise(double durationNs) {
     if (!m_gathering.isPositionSure()) {
         return; // patches could hit anything
     }
-    m_end = m_gathering.getFilePointer();
+    m_patcher.begin();
     try {
         patch(m_dataStart + m_gathering.skippedBytes());
     } catch (const std::bad_alloc&) {
@@ -189,27 +163,17 @@ void CMatroskaFile::finalise(double durationNs) {
     } catch (...) { // whatever was written so far stays, and can be read
         m_gathering.discard();
     }
-    m_io.cutOffAt(m_end);
+    m_io.cutOffAt(m_patcher.end());
 }
 
 // The data's start tells the Segment's size: all between it and the end belongs to the Segment.
 void CMatroskaFile::patch(UINT64 dataStart) {
-    writeLostHeadParts();
+    m_patcher.writeLostHeadParts();
     m_info->patch(m_arrives, m_list);
     writeCues();
     writeStatistics();
-    fillSeekHeadPlace();
-    overwriteSegmentSize(m_end - dataStart);
-}
-
-void CMatroskaFile::writeLostHeadParts() {
-    for (const LostBytes& part : std::exchange(m_lostHeadParts, {})) {
-        m_gathering.moveTo(part.position);
-        m_gathering.write(part.bytes.data(), part.bytes.size());
-        m_gathering.flush();
-    }
-    (void)m_gathering.takeLost();
-    m_gathering.moveTo(m_end);
+    m_seekHead.fillPlace(m_patcher);
+    overwriteSegmentSize(m_patcher.end() - dataStart);
 }
 
 void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries) {
@@ -225,13 +189,10 @@ void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>
     m_clusters->observe(&m_statistics);
 }
 
-// Behind all that the file has.
 template <typename Element>
-void CMatroskaFile::writeBehind(Element& element) {
-    UINT64 size = 0;
-    if (arrives([&] { size = element.Render(m_gathering, false); })) {
-        m_end += size;
-        m_list(element);
+void CMatroskaFile::append(Element& element) {
+    if (m_patcher.append(element)) {
+        m_seekHead.list(element);
     }
 }
 
@@ -242,38 +203,20 @@ void CMatroskaFile::writeStatistics() {
         AddStatisticsTag(tags, track, m_origin);
     }
     if (tags.ListSize() > 0) {
-        writeBehind(tags);
+        append(tags);
     }
 }
 
 void CMatroskaFile::writeCues() {
     if (m_cues.pointCount() > 0) {
-        writeBehind(m_cues);
+        append(m_cues);
     }
-}
-
-// One that does not fit or was lost leaves the place as it is, and as long.
-void CMatroskaFile::fillSeekHeadPlace() {
-    (void)arrives([this] { m_seekHeadPlace.ReplaceWith(m_seekHead, m_gathering, true, false); });
-}
-
-// Nobody is told of a write that fails now, so it is made once more.
-bool CMatroskaFile::arrives(const std::function<void()>& write) {
-    for (int i = 0; i < kPatchTries; ++i) {
-        m_gathering.moveTo(m_end);
-        write();
-        m_gathering.flush();
-        if (!m_gathering.takeLost()) {
-            return true;
-        }
-    }
-    return false;
 }
 
 // The library would accept a size that the field cannot hold, and write a wrong one.
 void CMatroskaFile::overwriteSegmentSize(UINT64 dataBytes) {
     if (m_form.fitsSegmentSizeField(dataBytes) && m_segment.ForceSize(dataBytes)) {
-        (void)arrives([this] { m_segment.OverwriteHead(m_gathering); });
+        (void)m_patcher.arrives([this] { m_segment.OverwriteHead(m_gathering); });
     }
 }
 

@@ -9,17 +9,17 @@
 #include <memory>
 #include <vector>
 
-#include <ebml/EbmlVoid.h>
-#include <matroska/KaxSeekHead.h>
 #include <matroska/KaxSegment.h>
 
 #include "mkv/clusters.h"
 #include "mkv/cut_recording.h"
 #include "mkv/file_form.h"
 #include "mkv/file_origin.h"
+#include "mkv/file_patcher.h"
 #include "mkv/gathering_io.h"
 #include "mkv/identifiers.h"
 #include "mkv/mkv_cues.h"
+#include "mkv/seek_head.h"
 #include "mkv/segment_info.h"
 #include "mkv/track_statistics.h"
 #include "mkv/writer_input.h"
@@ -58,22 +58,16 @@ class CMatroskaFile {
 
   private:
     void writeSegmentHead();
-    void writeSeekHeadPlace();
-    void flushHeadPart();
     void writeAttachmentsElement(const std::vector<const MuxAttachment*>& records);
     // As the profile wants it.
     void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
-    template <typename Element>
-    void indexAt(UINT64 position);
     void patch(UINT64 dataStart);
-    void writeLostHeadParts();
-    [[nodiscard]] bool arrives(const std::function<void()>& write);
     void writeCues();
     void observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries);
     void writeStatistics();
+    // Behind all that the file has, and listed.
     template <typename Element>
-    void writeBehind(Element& element);
-    void fillSeekHeadPlace();
+    void append(Element& element);
     void overwriteSegmentSize(UINT64 dataBytes);
 
     const records::FileOptions m_options;
@@ -82,16 +76,14 @@ class CMatroskaFile {
     CIdentifiers m_identifiers;
     CFileOutput& m_io;
     CGatheringIO m_gathering;
+    libmatroska::KaxSegment m_segment;
+    CFilePatcher m_patcher;
+    CSeekHead m_seekHead;
     const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
     const CSegmentInfo::Listing m_list;
-    std::vector<LostBytes> m_lostHeadParts; // written again at the end: without them the file cannot be read
     bool m_isFinished = false;
     bool m_isWebm = false;
     UINT64 m_dataStart = 0; // of the Segment, behind its head
-    UINT64 m_end = 0;       // of the file, without what is patched
-    libmatroska::KaxSegment m_segment;
-    libmatroska::KaxSeekHead m_seekHead;
-    libebml::EbmlVoid m_seekHeadPlace;
     std::unique_ptr<CSegmentInfo> m_info;
     CMkvCues m_cues;
     CTrackStatistics m_statistics;         // without tracks when the file is to have none

@@ -1,0 +1,20 @@
+#include "mkv/seek_head.h"
+
+namespace mkv {
+
+namespace {
+
+constexpr UINT64 kPlaceHeadBytes = 3;
+
+} // namespace
+
+void CSeekHead::writePlace(UINT64 bytes) {
+    m_place.SetSize(bytes - kPlaceHeadBytes);
+    m_place.Render(m_io);
+}
+
+void CSeekHead::fillPlace(CFilePatcher& patcher) {
+    (void)patcher.arrives([this] { m_place.ReplaceWith(m_seekHead, m_io, true, false); });
+}
+
+} // namespace mkv
