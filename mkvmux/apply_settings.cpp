@@ -64,6 +64,24 @@ TrackOptions ChangeOf(const SourceStream& stream, const Options& options, bool i
     return change;
 }
 
+// A row begins with English, whatever the input is. What nobody said of a strict file's track is unknown.
+void LeaveLanguageUnknown(size_t input, const MuxerSettings& settings, TrackOptions& change) {
+    if (!change.language && settings.LanguageOf(input)) {
+        change.language = L"Undetermined"; // as the list names it
+    }
+}
+
+std::vector<TrackOptions> ChangesOf(const MuxGraph& graph, const Options& options, const MuxerSettings& settings) {
+    std::vector<TrackOptions> changes;
+    for (const SourceStream& stream : graph.Streams()) {
+        changes.push_back(ChangeOf(stream, options, settings.IsStrict()));
+        if (settings.IsStrict() && options.loadConfig.empty()) {
+            LeaveLanguageUnknown(changes.size() - 1, settings, changes.back());
+        }
+    }
+    return changes;
+}
+
 // False when the muxer has no settings for that input.
 bool ChangeTrack(size_t input, const TrackOptions& change, MuxerSettings& settings) {
     const bool isRowDone = !change.ChangesRow() || settings.ChangeTrack(input, change);
@@ -136,10 +154,7 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
         console.Warn(warning);
     }
     WarnOfTracksThatAreNotThere(graph, options, console);
-    std::vector<TrackOptions> changes;
-    for (const SourceStream& stream : graph.Streams()) {
-        changes.push_back(ChangeOf(stream, options, settings.IsStrict()));
-    }
+    std::vector<TrackOptions> changes = ChangesOf(graph, options, settings);
     SpellLanguages(changes);
     bool anyEnabled = false;
     for (size_t input = 0; input < graph.Streams().size(); ++input) {

@@ -127,3 +127,8 @@ class StrictLanguages(LanguageCase):
         self.assertEqual((run.status, len(run.error_lines)), (1, 1), run)
         self.assertIn("track 0: the language 'german' is not in the list and is written as unknown", run.error_lines[0])
         self.assertEqual(self.written(), ["und"])
+
+    def test_of_an_input_that_says_none_it_is_unknown(self):
+        run = self.mkvmux("-o", self.output, self.source)
+        self.assertEqual((run.status, run.error_lines), (0, []), run)
+        self.assertEqual(self.written(), ["und"])
