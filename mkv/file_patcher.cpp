@@ -21,18 +21,19 @@ void CFilePatcher::flushHeadPart() {
 
 void CFilePatcher::writeLostHeadParts() {
     for (const LostBytes& part : std::exchange(m_lostHeadParts, {})) {
-        m_io.moveTo(part.position);
+        m_io.bringTo(part.position);
         m_io.write(part.bytes.data(), part.bytes.size());
         m_io.flush();
     }
     (void)m_io.takeLost();
-    m_io.moveTo(m_end);
+    m_io.bringTo(m_end);
 }
 
-// Nobody is told of a write that fails now, so it is made once more.
+// Nobody is told of a write that fails now, so it is made once more. A seek that is refused ends all patches: what goes
+// elsewhere would destroy the file.
 bool CFilePatcher::arrives(const std::function<void()>& write) {
     for (int i = 0; i < kPatchTries; ++i) {
-        m_io.moveTo(m_end);
+        m_io.bringTo(m_end);
         write();
         m_io.flush();
         if (!m_io.takeLost()) {

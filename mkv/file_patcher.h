@@ -1,7 +1,8 @@
 // CFilePatcher: brings what is written into the head of a file and behind its clusters, where a lost write must not be
 // one: it is made again.
 // Units: bytes from the output's start. Owner: the file being written; the output is not owned.
-// Threads: the writer's. Errors: what the output throws, std::bad_alloc.
+// Threads: the writer's. Errors: what the output throws, as when it refuses to go where a patch belongs;
+// std::bad_alloc.
 #pragma once
 
 #include <functional>

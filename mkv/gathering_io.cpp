@@ -28,6 +28,13 @@ void CGatheringIO::moveTo(uint64 position) {
     }
 }
 
+void CGatheringIO::bringTo(uint64 position) {
+    moveTo(position);
+    if (m_where != Target::AtStart) {
+        setFilePointer(static_cast<int64>(position), libebml::seek_beginning);
+    }
+}
+
 // What was skipped behind the place is written over, too.
 void CGatheringIO::returnTo(const Place& place) {
     moveTo(place.position);

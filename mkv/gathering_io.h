@@ -30,6 +30,9 @@ class CGatheringIO : public libebml::IOCallback {
 
     // The next byte goes there; the target is asked to when there is one.
     void moveTo(uint64 position);
+    // The same for what may go nowhere else: the target is asked at once, unless it stands there, and throws when it
+    // refuses.
+    void bringTo(uint64 position);
     // Where the next byte goes, to come back to when what follows is lost.
     struct Place {
         uint64 position;

@@ -61,7 +61,7 @@ void CStrictInfo::patch(const Patch& arrives, const Listing& /*list*/) {
         return;
     }
     (void)arrives([this] {
-        m_io.moveTo(m_durationPlace);
+        m_io.bringTo(m_durationPlace);
         m_duration.Render(m_io);
     });
 }

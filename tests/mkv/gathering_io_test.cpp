@@ -142,6 +142,19 @@ TEST_F(GatheringIOTest, AStreamThatDoesNotSeekIsBelievedWhereItStands) {
     EXPECT_TRUE(m_gathering.isPositionSure());
 }
 
+TEST_F(GatheringIOTest, WhatMayGoNowhereElseIsNotWrittenWhenTheSeekIsRefused) {
+    m_io.write("0123", 4);
+    m_gathering.bringTo(1);
+    m_gathering.write("a", 1);
+    m_gathering.flush();
+    m_stream.FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
+    m_gathering.bringTo(2); // where it stands
+    m_gathering.write("b", 1);
+    m_gathering.flush();
+    EXPECT_THROW(m_gathering.bringTo(0), const char*);
+    EXPECT_EQ(Text(), "0ab3");
+}
+
 TEST_F(GatheringIOTest, ReturningToAPlaceForgetsWhatWasSkippedBehindIt) {
     m_io.write("0123", 4);
     m_gathering.moveTo(1);
