@@ -71,9 +71,13 @@ struct Scenario {
     const char* name;
     size_t videoBytes;
     bool logs;
+    MuxProfile profile;
 };
 
-constexpr Scenario kScenarios[] = {{"Small", kSmall, false}, {"LargeAndLogged", kLarge, true}};
+constexpr Scenario kScenarios[] = {{"Small", kSmall, false, MuxProfile_Compatible},
+                                   {"LargeAndLogged", kLarge, true, MuxProfile_Compatible},
+                                   {"SmallStrict", kSmall, false, MuxProfile_Strict},
+                                   {"LargeAndLoggedStrict", kLarge, true, MuxProfile_Strict}};
 
 void PrintTo(const Scenario& scenario, std::ostream* stream) {
     *stream << scenario.name;
@@ -83,8 +87,12 @@ class AllocationFaults : public testing::TestWithParam<Scenario> {
   protected:
     ~AllocationFaults() override { g_Logger.SetEnabled(false); }
 
+    [[nodiscard]] Recording What() const {
+        return {GetParam().videoBytes, GetParam().profile, GetParam().logs ? m_logs.Path() : WideString()};
+    }
+
     Result RunWithFault(size_t n) {
-        FaultRig rig(GetParam().videoBytes, GetParam().logs ? m_logs.Path() : WideString());
+        FaultRig rig(What());
         rig.Stream().KeepWrites();
         Result result;
         const AllocationFault fault(n);
@@ -122,7 +130,7 @@ void ExpectHonest(const Result& result, const FileJudge& judge) {
 TEST_P(AllocationFaults, EndTheRunInOrderTellOfItAndKeepWhatWasWritten) {
     const Result faultless = RunWithFault(0);
     ASSERT_EQ(S_OK, faultless.build);
-    const FaultRig payloads(GetParam().videoBytes);
+    const FaultRig payloads(What());
     const FileJudge judge(payloads, faultless.outcome);
     size_t strikes = 0;
     for (size_t n = 1;; ++n) {

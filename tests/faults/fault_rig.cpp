@@ -39,14 +39,41 @@ HRESULT SetByReference(IModuleConfig& config, const GUID& key, void* record) {
     return Call([&] { return config.SetValue(&key, &value); });
 }
 
+HRESULT SetText(IModuleConfig& config, const GUID& key, WideStringView text) {
+    const win::Bstr given(text);
+    VARIANT value{};
+    V_BSTR(&value) = given.Get();
+    return Call([&] { return config.SetValue(&key, &value); });
+}
+
+HRESULT SetRowAndAttachment(IModuleConfig& config) {
+    static char s_mimeType[] = "text/plain";
+    static BYTE s_data[] = {'h', 'i'};
+    const win::Bstr language{WideStringView(OLESTR("French"))};
+    const win::Bstr name{WideStringView(OLESTR("a name"))};
+    TrackSettings row{0, 1, 1, 0, language.Get(), name.Get(), -1};
+    MuxAttachment attachment{name.Get(), nullptr, s_mimeType, sizeof(s_data), s_data, 5};
+    const HRESULT hr = SetByReference(config, MKVMUX_TrackInfo, &row);
+    return FAILED(hr) ? hr : SetByReference(config, MKVMUX_Attachment, &attachment);
+}
+
+// The statistics of the tracks are written unless they are switched off.
+HRESULT AskForStrictFiles(IModuleConfig& config) {
+    VARIANT profile{};
+    V_UI4(&profile) = MuxProfile_Strict;
+    MuxTrackFlags flags{kSubtitle, MuxFlag_On, MuxFlag_On, MuxFlag_Unset, MuxFlag_Off, MuxFlag_Unset};
+    HRESULT hr = Call([&] { return config.SetValue(&MKVMUX_Profile, &profile); });
+    hr = FAILED(hr) ? hr : SetText(config, MKVMUX_Title, OLESTR("A title that no short string holds"));
+    return FAILED(hr) ? hr : SetByReference(config, MKVMUX_TrackFlags, &flags);
+}
+
 } // namespace
 
 bool Outcome::IsTold() const {
     return !events.empty() || pause != S_OK || std::ranges::any_of(refusals, [](HRESULT hr) { return hr != S_OK; });
 }
 
-FaultRig::FaultRig(size_t videoBytes, const WideString& logDirectory)
-    : m_videoBytes(videoBytes), m_logDirectory(logDirectory), m_objectsBefore(CBaseObject::ObjectsActive()) {
+FaultRig::FaultRig(const Recording& recording) : m_recording(recording), m_objectsBefore(CBaseObject::ObjectsActive()) {
     const auto types = Types();
     for (size_t i = 0; i < kInputs; ++i) {
         m_sources[i] = std::make_unique<FakeUpstreamPin>(types[i]);
@@ -105,26 +132,19 @@ HRESULT FaultRig::Connect() {
 }
 
 HRESULT FaultRig::Configure() {
-    static char s_mimeType[] = "text/plain";
-    static BYTE s_data[] = {'h', 'i'};
     const auto config = Call([&] { return m_filter.Query<IModuleConfig>(IID_IModuleConfig); });
-    const win::Bstr language{WideStringView(OLESTR("French"))};
-    const win::Bstr name{WideStringView(OLESTR("a name"))};
-    TrackSettings row{0, 1, 1, 0, language.Get(), name.Get(), -1};
-    MuxAttachment attachment{name.Get(), nullptr, s_mimeType, sizeof(s_data), s_data, 5};
-    HRESULT hr = SetByReference(*config.Get(), MKVMUX_TrackInfo, &row);
-    hr = FAILED(hr) ? hr : SetByReference(*config.Get(), MKVMUX_Attachment, &attachment);
-    if (FAILED(hr) || m_logDirectory.empty()) {
-        return hr;
+    HRESULT hr = SetRowAndAttachment(*config.Get());
+    if (SUCCEEDED(hr) && m_recording.IsStrict()) {
+        hr = AskForStrictFiles(*config.Get());
     }
-    const win::Bstr directory{WideStringView(m_logDirectory)};
-    VARIANT value{};
-    V_BSTR(&value) = directory.Get();
-    return Call([&] { return config->SetValue(&MKVMUX_LogDirectory, &value); });
+    if (SUCCEEDED(hr) && !m_recording.logDirectory.empty()) {
+        hr = SetText(*config.Get(), MKVMUX_LogDirectory, m_recording.logDirectory);
+    }
+    return hr;
 }
 
 Bytes FaultRig::PayloadOf(Input input, size_t frame) const {
-    Bytes payload(input == kVideo ? m_videoBytes : 20, static_cast<BYTE>(frame));
+    Bytes payload(input == kVideo ? m_recording.videoBytes : 20, static_cast<BYTE>(frame));
     payload[0] = static_cast<BYTE>('A' + input);
     return payload;
 }

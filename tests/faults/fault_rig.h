@@ -1,5 +1,6 @@
-// FaultRig: a muxer filter with video, audio, subtitles and an attachment between fakes, driven through COM alone, and
-// what it said to each call. Nothing that the filter refuses ends the program: a fault may lie behind any call.
+// FaultRig: a muxer filter with video, audio, subtitles and an attachment between fakes, and with title and flags where
+// its files are strict, driven through COM alone, and what it said to each call. Nothing that the filter refuses ends
+// the program: a fault may lie behind any call.
 //
 // Units: bytes. Owner: the test. Threads: one. Errors: as the filter answers; a run that does not end is aborted.
 #pragma once
@@ -53,11 +54,18 @@ struct Outcome {
     [[nodiscard]] bool IsTold() const;
 };
 
+// What a rig records.
+struct Recording {
+    size_t videoBytes = kSmall; // of each frame
+    MuxProfile profile = MuxProfile_Compatible;
+    WideString logDirectory; // a trace log is written there; empty for none
+
+    [[nodiscard]] bool IsStrict() const { return profile == MuxProfile_Strict; }
+};
+
 class FaultRig {
   public:
-    // The video's frames have so many bytes. A trace log is written into the directory; with an empty one there is
-    // none.
-    explicit FaultRig(size_t videoBytes, const WideString& logDirectory = {});
+    explicit FaultRig(const Recording& recording);
     // Takes everything apart.
     ~FaultRig();
     FaultRig(const FaultRig&) = delete;
@@ -69,6 +77,7 @@ class FaultRig {
     Outcome Run();
 
     [[nodiscard]] test_support::MemoryStream& Stream() { return m_sink.Stream(); }
+    [[nodiscard]] const Recording& What() const { return m_recording; }
     [[nodiscard]] Bytes PayloadOf(Input input, size_t frame) const;
 
   private:
@@ -81,8 +90,7 @@ class FaultRig {
     void Feed(Outcome& outcome);
 
     test_support::SystemCode m_notTheProduct; // but what ProductCode is said of
-    const size_t m_videoBytes;
-    const WideString m_logDirectory;
+    const Recording m_recording;
     const LONG m_objectsBefore;
     test_support::FakeGraph m_graph;
     test_support::FakeSinkPin m_sink;

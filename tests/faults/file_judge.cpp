@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <iterator>
+#include <optional>
+#include <string>
 
 #include "tests/support/layout_check.h"
 
@@ -15,6 +18,11 @@ namespace faults {
 namespace {
 
 constexpr BYTE kClusterId[] = {0x1f, 0x43, 0xb6, 0x75};
+
+constexpr uint32_t kTag = 0x7373;
+constexpr uint32_t kSimpleTag = 0x67c8;
+constexpr uint32_t kTagName = 0x45a3;
+constexpr uint32_t kTagString = 0x4487;
 
 bool BeginsCluster(ByteView bytes) {
     return bytes.size() >= std::size(kClusterId) && std::ranges::equal(bytes.first(std::size(kClusterId)), kClusterId);
@@ -33,6 +41,16 @@ size_t WholeSize(ByteView element) {
 Bytes operator+(Bytes left, ByteView right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
+}
+
+std::string SimpleTagOf(const MatroskaLayout& layout, const EbmlElement& tag, const std::string& name) {
+    for (const EbmlElement* const simple : tag.Children(kSimpleTag)) {
+        const EbmlElement* const text = simple->Child(kTagString);
+        if (text != nullptr && TextOf(layout.file, *simple->Child(kTagName)) == name) {
+            return TextOf(layout.file, *text);
+        }
+    }
+    return "no " + name;
 }
 
 auto FirstClusterWrite(const Outcome& outcome) {
@@ -123,18 +141,43 @@ void FileJudge::ExpectSound(const Bytes& file, bool mayBeCut) const {
     const bool isCut = layout.Segment()->unknownSize;
     EXPECT_TRUE(mayBeCut || !isCut) << "it was not finished";
     EXPECT_TRUE(mayBeCut || whole.size() == file.size()) << "something lies behind its end";
-    for (const auto& finding : CheckLayout(layout, {.cut = isCut})) {
+    for (const auto& finding : CheckLayout(layout, {.cut = isCut, .strict = m_rig.What().IsStrict()})) {
         ADD_FAILURE() << finding;
     }
     EXPECT_EQ(kInputs, layout.tracks.size());
-    if (mayBeCut || !layout.duration) {
-        EXPECT_TRUE(mayBeCut) << "no duration";
-        return;
-    }
     const Frames frames = FramesOf(layout);
+    const bool hasStatistics = layout.Segment()->Child(ebml_id::kTags) != nullptr;
+    if (!mayBeCut) {
+        ExpectDuration(layout, frames);
+        EXPECT_EQ(m_rig.What().IsStrict(), hasStatistics);
+    }
+    if (hasStatistics) {
+        ExpectStatistics(layout, frames);
+    }
+}
+
+// A strict file without any block has none.
+void FileJudge::ExpectDuration(const MatroskaLayout& layout, const Frames& frames) const {
     const auto last = std::ranges::max_element(frames, {}, &Frame::number);
     const size_t end = last == frames.end() ? 0 : last->number + 1;
-    EXPECT_EQ(static_cast<double>(end * kFrameMs), *layout.duration) << "of what is there";
+    const bool hasNone = end == 0 && m_rig.What().IsStrict();
+    EXPECT_EQ(hasNone ? std::nullopt : std::optional(static_cast<double>(end * kFrameMs)), layout.duration)
+        << "of what is there";
+}
+
+void FileJudge::ExpectStatistics(const MatroskaLayout& layout, const Frames& frames) const {
+    std::array<size_t, kInputs> counts{};
+    std::array<size_t, kInputs> bytes{};
+    for (const Frame& frame : frames) {
+        ++counts[frame.input];
+        bytes[frame.input] += m_rig.PayloadOf(static_cast<Input>(frame.input), frame.number).size();
+    }
+    const auto tags = layout.Segment()->Child(ebml_id::kTags)->Children(kTag);
+    ASSERT_EQ(kInputs, tags.size());
+    for (size_t input = 0; input < kInputs; ++input) {
+        EXPECT_EQ(std::to_string(counts[input]), SimpleTagOf(layout, *tags[input], "NUMBER_OF_FRAMES")) << input;
+        EXPECT_EQ(std::to_string(bytes[input]), SimpleTagOf(layout, *tags[input], "NUMBER_OF_BYTES")) << input;
+    }
 }
 
 Frames FileJudge::TakenByFilter(const Outcome& outcome) {

@@ -44,13 +44,16 @@ class FileJudge {
     [[nodiscard]] Frames InFile(const Bytes& file) const;
     // The same for a file whose head was damaged: what a reader finds that looks for clusters.
     [[nodiscard]] Frames InClusters(const Outcome& outcome) const;
-    // No finding of the layout check, and a duration that ends with the last frame.
+    // No finding of the layout check, a duration that ends with the last frame, and in a strict file statistics of the
+    // very frames that are there.
     void ExpectSound(const Bytes& file, bool mayBeCut) const;
 
     [[nodiscard]] static Frames TakenByFilter(const Outcome& outcome);
 
   private:
     [[nodiscard]] Frames FramesOf(const test_support::MatroskaLayout& layout) const;
+    void ExpectDuration(const test_support::MatroskaLayout& layout, const Frames& frames) const;
+    void ExpectStatistics(const test_support::MatroskaLayout& layout, const Frames& frames) const;
 
     const FaultRig& m_rig;
     Bytes m_head; // as it was written first

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include "tests/faults/file_judge.h"
 #include "tests/faults/hang_guard.h"
@@ -121,15 +122,22 @@ void ExpectWholeNextRun(FaultRig& rig, const FileJudge& judge) {
     judge.ExpectSound(next.file, false);
 }
 
-class StreamFaults : public testing::TestWithParam<std::tuple<WriteFault, size_t>> {};
+class StreamFaults : public testing::TestWithParam<std::tuple<WriteFault, size_t, MuxProfile>> {};
+
+bool LiesBehindClusters(const KeptWrite& write) {
+    constexpr std::pair<BYTE, BYTE> kCues{0x1c, 0x53};
+    constexpr std::pair<BYTE, BYTE> kTags{0x12, 0x54};
+    const std::pair<BYTE, BYTE> begin =
+        write.bytes.size() > 1 ? std::pair(write.bytes[0], write.bytes[1]) : std::pair<BYTE, BYTE>();
+    return begin == kCues || begin == kTags;
+}
 
 // Which clusters lost bytes, by the writes of the run: those from the failed ones on that lie behind the head and are
-// no cues. A patch of the head and the cues are no clusters.
+// neither cues nor tags. A patch of the head and those two are no clusters.
 bool LostAClustersBytes(const Outcome& outcome) {
     for (size_t i = 0; i < outcome.writes.size(); ++i) {
         const KeptWrite& write = outcome.writes[i];
-        const bool isCues = write.bytes.size() > 1 && write.bytes[0] == 0x1c && write.bytes[1] == 0x53;
-        if (!write.IsWhole() && !isCues && !FileJudge::IsOfHead(outcome, i)) {
+        if (!write.IsWhole() && !LiesBehindClusters(write) && !FileJudge::IsOfHead(outcome, i)) {
             return true;
         }
     }
@@ -159,8 +167,9 @@ Outcome RunWith(FaultRig& failing, const WriteFault& fault, size_t n, bool once)
 }
 
 TEST_P(StreamFaults, OfOneWriteCostOneClusterAtMost) {
-    const auto& [fault, videoBytes] = GetParam();
-    FaultRig rig(videoBytes);
+    const auto& [fault, videoBytes, profile] = GetParam();
+    const Recording recording{videoBytes, profile, {}};
+    FaultRig rig(recording);
     const Outcome faultless = RunFaultless(rig);
     const FileJudge judge(rig, faultless);
     ASSERT_EQ(AllFrames(), judge.InFile(faultless.file));
@@ -168,7 +177,7 @@ TEST_P(StreamFaults, OfOneWriteCostOneClusterAtMost) {
     for (size_t n = 1; n <= faultless.writes.size(); ++n) {
         SCOPED_TRACE(n);
         const HangGuard guard(fault.name);
-        FaultRig failing(videoBytes);
+        FaultRig failing(recording);
         const Outcome outcome = RunWith(failing, fault, n, true);
         const JudgedRun run(judge, outcome);
         run.ExpectEnded();
@@ -181,14 +190,15 @@ TEST_P(StreamFaults, OfOneWriteCostOneClusterAtMost) {
 }
 
 TEST_P(StreamFaults, OfEveryWriteFromOneOnLeaveAllThatWasWrittenBefore) {
-    const auto& [fault, videoBytes] = GetParam();
-    FaultRig rig(videoBytes);
+    const auto& [fault, videoBytes, profile] = GetParam();
+    const Recording recording{videoBytes, profile, {}};
+    FaultRig rig(recording);
     const Outcome faultless = RunFaultless(rig);
     const FileJudge judge(rig, faultless);
     for (size_t n = 1; n <= faultless.writes.size(); ++n) {
         SCOPED_TRACE(n);
         const HangGuard guard(fault.name);
-        FaultRig failing(videoBytes);
+        FaultRig failing(recording);
         const Outcome outcome = RunWith(failing, fault, n, false);
         const JudgedRun run(judge, outcome);
         run.ExpectEnded();
@@ -204,12 +214,22 @@ TEST_P(StreamFaults, OfEveryWriteFromOneOnLeaveAllThatWasWrittenBefore) {
     }
 }
 
-std::string NameOf(const testing::TestParamInfo<std::tuple<WriteFault, size_t>>& info) {
-    return std::string(std::get<0>(info.param).name) + (std::get<1>(info.param) == kSmall ? "" : "_large_frames");
+// Of the frames' bytes and of the profile.
+std::string NameOfRecording(size_t videoBytes, MuxProfile profile) {
+    return std::string(videoBytes == kSmall ? "" : "_large_frames") +
+           (profile == MuxProfile_Strict ? "_in_a_strict_file" : "");
 }
 
+std::string NameOf(const testing::TestParamInfo<std::tuple<WriteFault, size_t, MuxProfile>>& info) {
+    return std::get<0>(info.param).name + NameOfRecording(std::get<1>(info.param), std::get<2>(info.param));
+}
+
+constexpr MuxProfile kProfiles[] = {MuxProfile_Compatible, MuxProfile_Strict};
+
 INSTANTIATE_TEST_SUITE_P(Writes, StreamFaults,
-                         testing::Combine(testing::ValuesIn(kWriteFaults), testing::Values(kSmall, kLarge)), NameOf);
+                         testing::Combine(testing::ValuesIn(kWriteFaults), testing::Values(kSmall, kLarge),
+                                          testing::ValuesIn(kProfiles)),
+                         NameOf);
 
 // ---- Calls that are refused, and take nothing ----------------------------------------------------------------------
 
@@ -230,11 +250,12 @@ void PrintTo(const RefusedCall& call, std::ostream* stream) {
     *stream << call.name;
 }
 
-class RefusedCalls : public testing::TestWithParam<std::tuple<RefusedCall, size_t, bool>> {};
+class RefusedCalls : public testing::TestWithParam<std::tuple<RefusedCall, size_t, bool, MuxProfile>> {};
 
 // What a stream held before is cut off only where it tells its size; a stream that does not seek holds nothing.
 TEST_P(RefusedCalls, LoseNothing) {
-    const auto& [call, videoBytes, onlyOnce] = GetParam();
+    const auto& [call, videoBytes, onlyOnce, profile] = GetParam();
+    const Recording recording{videoBytes, profile, {}};
     const bool holdsMore = call.operation != StreamOperation::Seek;
     const auto prepare = [holdsMore, bytes = videoBytes](FaultRig& rig) {
         ASSERT_EQ(S_OK, rig.Build());
@@ -242,7 +263,7 @@ TEST_P(RefusedCalls, LoseNothing) {
         rig.Stream().KeepWrites();
         rig.Stream().ClearCalls();
     };
-    FaultRig rig(videoBytes);
+    FaultRig rig(recording);
     prepare(rig);
     const Outcome faultless = rig.Run();
     const FileJudge judge(rig, faultless);
@@ -251,7 +272,7 @@ TEST_P(RefusedCalls, LoseNothing) {
     for (size_t n = 1; n <= calls; ++n) {
         SCOPED_TRACE(n);
         const HangGuard guard(call.name);
-        FaultRig failing(videoBytes);
+        FaultRig failing(recording);
         prepare(failing);
         if (onlyOnce) {
             failing.Stream().FailNth(call.operation, n, call.result);
@@ -271,14 +292,14 @@ TEST_P(RefusedCalls, LoseNothing) {
     }
 }
 
-std::string NameOfCall(const testing::TestParamInfo<std::tuple<RefusedCall, size_t, bool>>& info) {
+std::string NameOfCall(const testing::TestParamInfo<std::tuple<RefusedCall, size_t, bool, MuxProfile>>& info) {
     return std::string(std::get<0>(info.param).name) + (std::get<2>(info.param) ? "_once" : "_from_then_on") +
-           (std::get<1>(info.param) == kSmall ? "" : "_large_frames");
+           NameOfRecording(std::get<1>(info.param), std::get<3>(info.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, RefusedCalls,
                          testing::Combine(testing::ValuesIn(kRefusedCalls), testing::Values(kSmall, kLarge),
-                                          testing::Bool()),
+                                          testing::Bool(), testing::ValuesIn(kProfiles)),
                          NameOfCall);
 
 } // namespace
