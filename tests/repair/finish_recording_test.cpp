@@ -22,6 +22,8 @@ class FinishRecordingTest : public RecordingTest {
         return count;
     }
 
+    [[nodiscard]] static bool IsStrict() { return GetParam() == MuxProfile_Strict; }
+
     void ExpectRepaired(UINT64 size, const repair::Recording& recording) {
         const Bytes repaired = m_stream.Bytes();
         EXPECT_EQ(recording.clusters, WholeClusters(size));
@@ -145,6 +147,34 @@ TEST_P(FinishRecordingTest, SoundAloneGetsACuePointACluster) {
     const auto layout = test_support::ReadLayout(repaired);
     ASSERT_GE(layout.clusters.size(), 2U);
     EXPECT_EQ(layout.cues.size(), layout.clusters.size());
+    EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());
+}
+
+// Of the first one in a strict file, of the last one in a compatible file.
+TEST_P(FinishRecordingTest, OfTwoVideoTracksTheOneThatIsCuedWhileRecordingIs) {
+    Record({.hasSecondVideo = true});
+    Repair(m_cut);
+    const Bytes repaired = m_stream.Bytes();
+    const auto layout = test_support::ReadLayout(repaired);
+    EXPECT_EQ(layout.cues.size(), 6U);
+    for (const auto& cue : layout.cues) {
+        EXPECT_EQ(cue.track, IsStrict() ? 2U : 3U);
+    }
+    EXPECT_TRUE(repaired == m_finished);
+}
+
+// The second one's block is the first of each cluster, which a compatible file cues.
+TEST_P(FinishRecordingTest, OfTwoSoundTracksWithoutVideoAStrictFileCuesTheFirst) {
+    Record({.hasVideo = false, .hasSecondSound = true, .pictures = 2000});
+    Repair(m_cut);
+    const Bytes repaired = m_stream.Bytes();
+    const auto layout = test_support::ReadLayout(repaired);
+    ASSERT_GE(layout.clusters.size(), 2U);
+    ASSERT_EQ(layout.cues.size(), layout.clusters.size());
+    for (size_t i = 0; i < layout.cues.size(); ++i) {
+        ASSERT_EQ(layout.clusters[i].blocks.front().track, 2U);
+        EXPECT_EQ(layout.cues[i].track, IsStrict() ? 1U : 2U);
+    }
     EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());
 }
 

@@ -34,6 +34,12 @@ void RecordingTest::Register(const RecordedContent& content) {
     if (content.hasSubtitles) {
         m_writer.registerTrack(test_support::SubtitleType(mediasubtype::kUtf8).Get(), Row().Get());
     }
+    if (content.hasSecondVideo) {
+        m_writer.registerTrack(test_support::VideoInfoType(SubtypeFromFourCC('c', 'v', 'i', 'd')).Get(), Row().Get());
+    }
+    if (content.hasSecondSound) {
+        m_writer.registerTrack(test_support::WaveType(mediasubtype::kPcm).Get(), Row().Get());
+    }
     if (content.hasAttachment) {
         BYTE data[] = {1, 2, 3};
         char mimeType[] = "text/plain";
@@ -46,6 +52,8 @@ void RecordingTest::WriteAll(const RecordedContent& content) {
     constexpr UINT32 kSound = 0;
     const UINT32 pictures = kSound + 1;
     const UINT32 lines = content.hasVideo ? pictures + 1 : pictures;
+    const UINT32 secondPictures = content.hasSubtitles ? lines + 1 : lines;
+    const UINT32 secondSound = content.hasSecondVideo ? secondPictures + 1 : secondPictures;
     const INT64 firstPicture = content.soundFirst ? kLinesMs : 0;
     for (INT64 time = 0; time < firstPicture; time += kSoundMs) {
         Add(kSound, time, kSoundMs, true);
@@ -54,6 +62,12 @@ void RecordingTest::WriteAll(const RecordedContent& content) {
         const INT64 time = firstPicture + i * kPictureMs;
         if (content.hasVideo) {
             Add(pictures, time, kPictureMs, i % kPicturesAKeyframe == 0);
+        }
+        if (content.hasSecondVideo) {
+            Add(secondPictures, time, kPictureMs, i % kPicturesAKeyframe == kPicturesAKeyframe / 2);
+        }
+        if (content.hasSecondSound) {
+            Add(secondSound, time, kPictureMs, true);
         }
         Add(kSound, time, kSoundMs, true);
         Add(kSound, time + kSoundMs, kSoundMs, true);

@@ -19,6 +19,9 @@ struct RecordedContent {
     bool hasAttachment = false;
     bool hasStatistics = false; // where the profile has any
     bool soundFirst = false;    // half a second of it comes in front of the first picture
+    // Tracks behind all others: pictures whose keyframes are others, and sound that comes in front of the first one's.
+    bool hasSecondVideo = false;
+    bool hasSecondSound = false;
     int pictures = 60;          // as long is the sound
 };
 
