@@ -38,6 +38,13 @@ TEST(OpusPaddingTest, ALengthWithoutPaddingGivesThatPaddingBackToTheSample) {
     }
 }
 
+TEST(OpusPaddingTest, OfTheLongestPacketAllMayBePadding) {
+    const std::vector<BYTE> packet{31 << 3 | 3, 6}; // 120 ms
+    EXPECT_EQ(media::OpusLengthWithout(packet, 115000000), 5 * kMs);
+    EXPECT_EQ(media::OpusLengthWithout(packet, 120000000), 0);
+    EXPECT_EQ(media::OpusPaddingNs(packet, 5 * kMs), 115000000u);
+}
+
 TEST(OpusPaddingTest, NoLengthIsBelowZero) {
     EXPECT_EQ(media::OpusLengthWithout(kTwentyMs, 20000000), 0);
     EXPECT_EQ(media::OpusLengthWithout(kTwentyMs, ~UINT64{0}), 0);
