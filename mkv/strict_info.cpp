@@ -1,5 +1,9 @@
 #include "mkv/strict_info.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
 #include <ebml/EbmlVoid.h>
 
 #include "mkv/cluster_rule.h"
@@ -18,9 +22,7 @@ constexpr UINT64 kVoidHeadBytes = 2;
 void CStrictInfo::open(bool isWebM, const Listing& list) {
     fill();
     if (!isWebM) {
-        const CIdentifiers::Uuid uuid = m_identifiers.nextUuid();
-        libebml::GetChild<libmatroska::KaxSegmentUID>(m_element).CopyBuffer(uuid.data(),
-                                                                            static_cast<uint32>(uuid.size()));
+        setSegmentUid(m_identifiers.nextUuid());
     }
     if (const std::string title = win::Utf8FromWide(m_options.title.c_str()); !title.empty()) {
         SetUtf8Child<libmatroska::KaxTitle>(m_element, title);
@@ -28,6 +30,17 @@ void CStrictInfo::open(bool isWebM, const Listing& list) {
     libebml::AddNewChild<libebml::EbmlVoid>(m_element).SetSize(kDurationBytes - kVoidHeadBytes);
     render(list);
     m_durationPlace = m_io.getFilePointer() - kDurationBytes;
+}
+
+// The library's own copy does not look whether there was memory for it.
+void CStrictInfo::setSegmentUid(const CIdentifiers::Uuid& uuid) {
+    auto& element = libebml::GetChild<libmatroska::KaxSegmentUID>(m_element);
+    auto* const copy = static_cast<BYTE*>(std::malloc(uuid.size())); // freed by the element, with free
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::copy(uuid.begin(), uuid.end(), copy);
+    element.SetBuffer(copy, static_cast<uint32>(uuid.size()));
 }
 
 // What lies there says more, and stays.

@@ -26,6 +26,7 @@ class CStrictInfo final : public CSegmentInfo {
 
   private:
     void fill();
+    void setSegmentUid(const CIdentifiers::Uuid& uuid);
     void render(const Listing& list);
 
     const records::FileOptions& m_options;
