@@ -4,12 +4,12 @@ namespace mkv {
 
 namespace {
 
-constexpr UINT64 kPlaceHeadBytes = 3;
+constexpr UINT64 kSeekHeadPlaceHeadBytes = 3;
 
 } // namespace
 
 void CSeekHead::writePlace(UINT64 bytes) {
-    m_place.SetSize(bytes - kPlaceHeadBytes);
+    m_place.SetSize(bytes - kSeekHeadPlaceHeadBytes);
     m_place.Render(m_io);
 }
 
