@@ -1,5 +1,6 @@
 #include "mkv/file_patcher.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace mkv {
@@ -7,6 +8,16 @@ namespace mkv {
 namespace {
 
 constexpr int kPatchTries = 2;
+
+// Where both have bytes, those of the part become the others.
+void ReplaceIn(LostBytes& part, UINT64 position, std::span<const BYTE> bytes) {
+    const UINT64 begin = std::max<UINT64>(part.position, position);
+    const UINT64 end = std::min<UINT64>(part.position + part.bytes.size(), position + bytes.size());
+    if (begin < end) {
+        const auto source = bytes.subspan(static_cast<size_t>(begin - position), static_cast<size_t>(end - begin));
+        std::ranges::copy(source, part.bytes.begin() + static_cast<ptrdiff_t>(begin - part.position));
+    }
+}
 
 } // namespace
 
@@ -16,6 +27,17 @@ void CFilePatcher::flushHeadPart() {
     if (auto lost = m_io.takeLost()) {
         m_lostHeadParts.push_back(std::move(*lost));
         m_io.moveTo(end);
+    }
+}
+
+// A part that was lost would bring back what is written over now.
+void CFilePatcher::overwriteInHead(UINT64 position, std::span<const BYTE> bytes) {
+    for (LostBytes& part : m_lostHeadParts) {
+        ReplaceIn(part, position, bytes);
+    }
+    m_io.overwrite(position, bytes);
+    if (auto lost = m_io.takeLost()) {
+        m_lostHeadParts.push_back(std::move(*lost));
     }
 }
 

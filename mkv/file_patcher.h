@@ -6,6 +6,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <vector>
 
 #include "mkv/gathering_io.h"
@@ -21,6 +22,9 @@ class CFilePatcher {
     // A part of the head that was gathered. One that was lost keeps its place, so that all behind it lies where it
     // would, and is kept for writeLostHeadParts: without it the file cannot be read.
     void flushHeadPart();
+
+    // Writes over a part of the head while more is written behind it. What does not arrive is kept, too.
+    void overwriteInHead(UINT64 position, std::span<const BYTE> bytes);
 
     // From here on the file ends where the output stands, and patches are made.
     void begin() { m_end = m_io.getFilePointer(); }

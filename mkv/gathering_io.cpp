@@ -59,6 +59,20 @@ void CGatheringIO::writeParts(Parts parts) {
     }
 }
 
+void CGatheringIO::overwrite(uint64 position, std::span<const BYTE> bytes) {
+    flush();
+    std::vector<BYTE> copy(bytes.begin(), bytes.end());
+    const uint64 back = getFilePointer();
+    m_start = position;
+    m_where = Target::Elsewhere;
+    const bool isThere = seekTarget();
+    m_isAway = m_isAway || isThere;
+    if (!isThere || !writePart(bytes)) {
+        lose(std::move(copy));
+    }
+    m_start = back;
+}
+
 void CGatheringIO::lose(std::vector<BYTE> bytes) {
     m_lost = LostBytes{m_start, std::move(bytes)};
     m_hasUntoldLoss = true;
@@ -68,7 +82,9 @@ void CGatheringIO::lose(std::vector<BYTE> bytes) {
 bool CGatheringIO::writeThrough(Parts parts) {
     learnStart();
     const uint64 wanted = m_start;
-    bringTarget();
+    if (!bringTarget()) {
+        return false;
+    }
     m_where = Target::Elsewhere;
     uint64 written = 0;
     for (const std::span<const BYTE> part : parts) {
@@ -103,13 +119,18 @@ void CGatheringIO::learnStart() {
 }
 
 // An output that does not seek gets its bytes all the same, where it stands.
-void CGatheringIO::bringTarget() {
+bool CGatheringIO::bringTarget() {
     if (m_where == Target::AtStart || seekTarget()) {
-        return;
+        m_isAway = false;
+        return true;
+    }
+    if (m_isAway) {
+        return false;
     }
     const std::optional<uint64> position = m_target.position();
     m_start = position.value_or(m_start);
     m_isSure = m_isSure && position.has_value();
+    return true;
 }
 
 bool CGatheringIO::seekTarget() {

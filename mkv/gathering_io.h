@@ -46,6 +46,9 @@ class CGatheringIO : public libebml::IOCallback {
     // leave in one write to a target that does not seek, where nothing could take the place of the first of them.
     using Parts = std::span<const std::span<const BYTE>>;
     void writeParts(Parts parts);
+    // Writes over what lies there, and comes back: until the target stands where it did, all else is lost. So are these
+    // bytes when the target does not go there.
+    void overwrite(uint64 position, std::span<const BYTE> bytes);
     // Forgets it.
     void discard() noexcept;
     // Replaces the last bytes gathered.
@@ -70,7 +73,8 @@ class CGatheringIO : public libebml::IOCallback {
     enum class Target { Unknown, Elsewhere, AtStart };
 
     void learnStart();
-    void bringTarget();
+    // False when nothing may be written where it stands.
+    [[nodiscard]] bool bringTarget();
     [[nodiscard]] bool seekTarget();
     void askTarget(int64 offset, libebml::seek_mode mode);
     [[nodiscard]] bool writeThrough(Parts parts);
@@ -83,6 +87,7 @@ class CGatheringIO : public libebml::IOCallback {
     std::vector<BYTE> m_gathered;
     uint64 m_start = 0;               // where the first byte gathered goes
     Target m_where = Target::Unknown; // where the target stands, by what is known; Unknown: nor is m_start
+    bool m_isAway = false;            // to overwrite: what stands there must stay
     uint64 m_skippedBytes = 0;        // may be less than none: it wraps around
     bool m_isSure = true;
     bool m_seeks = true; // the target did when it was last asked to
