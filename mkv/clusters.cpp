@@ -38,9 +38,19 @@ void TraceFrame(UINT32 stream, UINT64 timeNs, UINT64 durationNs) {
 void CClusters::keepTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
                            NeedsConversion needsConversion) {
     m_tracks.clear();
+    m_hadKeyframe.assign(tracks.size(), false);
     for (size_t i = 0; i < std::min(tracks.size(), entries.size()); ++i) {
         const AM_MEDIA_TYPE& type = tracks[i].type;
         m_tracks.push_back({type, static_cast<UINT16>(entries[i]->TrackNumber()), needsConversion(type)});
+    }
+}
+
+void CClusters::tellIfFirstKeyframe(const Packet& packet, std::span<const BYTE> frame) {
+    if (!m_hadKeyframe[packet.stream] && IsKeyframe(packet, trackOf(packet))) {
+        m_hadKeyframe[packet.stream] = true;
+        if (m_firstKeyframe) {
+            m_firstKeyframe(packet.stream, frame);
+        }
     }
 }
 

@@ -5,8 +5,11 @@
 // another.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include <matroska/KaxSegment.h>
@@ -35,6 +38,10 @@ class CClusters {
     [[nodiscard]] size_t trackEntryCount() const { return m_tracks.size(); }
     // Where the profile tells of its blocks. It outlives this; null for nobody.
     void observe(CBlockObserver* observer) noexcept { m_observer = observer; }
+    // Where the profile tells of the first keyframe of each track, as its block has it, once that is in the open
+    // cluster. What it throws, the frame's packet does.
+    using FirstKeyframe = std::function<void(UINT32 stream, std::span<const BYTE> frame)>;
+    void onFirstKeyframes(FirstKeyframe tell) { m_firstKeyframe = std::move(tell); }
     // The largest end time of the blocks whose clusters were written.
     [[nodiscard]] UINT64 writtenEndNs() const { return m_writtenEndNs; }
 
@@ -65,6 +72,7 @@ class CClusters {
     [[nodiscard]] const TrackFacts& trackOf(const Packet& packet) const;
     [[nodiscard]] CMkvCues& cues() { return m_cues; }
     [[nodiscard]] CBlockObserver* observer() const { return m_observer; }
+    void tellIfFirstKeyframe(const Packet& packet, std::span<const BYTE> frame);
     [[nodiscard]] UINT64 openEndNs() const { return m_openEndNs; }
     void setOpenEnd(UINT64 endNs) noexcept { m_openEndNs = endNs; }
 
@@ -76,7 +84,9 @@ class CClusters {
     CMkvCues& m_cues;
     std::vector<TrackFacts> m_tracks;
     CBlockObserver* m_observer = nullptr;
-    UINT64 m_openEndNs = 0; // the largest end time of the open cluster's blocks and of those written
+    FirstKeyframe m_firstKeyframe;
+    std::vector<bool> m_hadKeyframe; // by track
+    UINT64 m_openEndNs = 0;          // the largest end time of the open cluster's blocks and of those written
     UINT64 m_writtenEndNs = 0;
 };
 

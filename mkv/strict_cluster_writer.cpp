@@ -48,6 +48,7 @@ std::optional<UINT64> CStrictClusterWriter::addFrameToCurrentCluster(const Packe
         m_lastSoundCueMs = block.times.startMs;
     }
     setOpenEnd(std::max(writtenEndNs(), fileNs(m_cluster.latestEndMs())));
+    tellIfFirstKeyframe(packet, frame.bytes);
     return openEndNs();
 }
 

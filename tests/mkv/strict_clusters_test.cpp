@@ -386,4 +386,35 @@ TEST_F(StrictClustersTest, ObserversAreToldOfWrittenBlocksWithTheirFinalTimes) {
     EXPECT_EQ(list.blocks[1].payloadBytes, 5u);
 }
 
+TEST_F(StrictClustersTest, TheFirstKeyframeOfEachTrackIsToldOnce) {
+    CMkvIO io;
+    io.setStream(&m_stream);
+    records::FileOptions options;
+    options.profile = MuxProfile_Strict;
+    mkv::TrackList tracks;
+    tracks.push_back({CMediaType(CinepakType().Get()), Row()});
+    tracks.push_back({CMediaType(PcmType().Get()), Row()});
+    std::vector<std::pair<UINT32, size_t>> told;
+    {
+        mkv::CMatroskaFile file(io, options);
+        file.writeHead("matroska");
+        file.writeTracks(tracks);
+        file.clusters().onFirstKeyframes(
+            [&told](UINT32 stream, std::span<const BYTE> frame) { told.emplace_back(stream, frame.size()); });
+        const Bytes payload(7);
+        const auto add = [&](UINT32 stream, INT64 start, UINT32 size, bool isSync) {
+            (void)file.clusters().addFrameToCurrentCluster(
+                {start * kMs, start * kMs + 1, payload.data(), size, isSync, stream, false});
+        };
+        add(0, 0, 3, false);
+        add(0, 20, 0, true); // leaves no frame
+        add(0, 40, 4, true);
+        add(1, 40, 5, false); // sound has keyframes alone
+        add(0, 60, 6, true);
+        add(1, 60, 7, true);
+    }
+    io.releaseStream();
+    EXPECT_EQ(told, (std::vector<std::pair<UINT32, size_t>>{{0, 4}, {1, 5}}));
+}
+
 } // namespace
