@@ -1,6 +1,7 @@
 #include "media/codec_description.h"
 
 #include "media/codec_table.h"
+#include "media/strict_codec_table.h"
 #include "media/strict_description.h"
 #include "media/track_type.h"
 
@@ -55,12 +56,16 @@ CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type) {
 }
 
 CodecDescription DescribeStrictCodec(const AM_MEDIA_TYPE& type) {
-    const CodecRow* const row = FindCodecRow(type);
+    const CodecRow* const row = FindStrictCodecRow(type);
     return row == nullptr ? CodecDescription() : StrictDescriptionOf(*row, type);
 }
 
 std::string CodecIdOf(const AM_MEDIA_TYPE& type) {
     return DescribeCodec(type).codecId;
+}
+
+std::string StrictCodecIdOf(const AM_MEDIA_TYPE& type) {
+    return DescribeStrictCodec(type).codecId;
 }
 
 } // namespace media

@@ -61,7 +61,8 @@ struct CodecDescription {
 [[nodiscard]] CodecDescription DescribeAudioCodec(const AM_MEDIA_TYPE& type);
 [[nodiscard]] CodecDescription DescribeSubtitleCodec(const AM_MEDIA_TYPE& type);
 
-// The codec identifier that the stream would get; empty for every type that cannot be written.
+// The codec identifier that the stream would get, and in a strict file; empty for every type that cannot be written.
 [[nodiscard]] std::string CodecIdOf(const AM_MEDIA_TYPE& type);
+[[nodiscard]] std::string StrictCodecIdOf(const AM_MEDIA_TYPE& type);
 
 } // namespace media

@@ -9,4 +9,7 @@ namespace media {
 // codec mapping also looks at the format block: such a type may still be refused when streaming starts.
 [[nodiscard]] bool IsAcceptedInputType(const AM_MEDIA_TYPE& type);
 
+// The same of an input whose file is to be strict, which takes more.
+[[nodiscard]] bool IsAcceptedStrictInputType(const AM_MEDIA_TYPE& type);
+
 } // namespace media

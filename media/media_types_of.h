@@ -9,7 +9,7 @@
 namespace media {
 
 // Each is written back by the muxer with the same codec identifier and codec private data, as far as its rules for the
-// codec allow. None for a codec that no type carries, or whose private data is damaged.
+// codec and the profile of the file allow. None for a codec that no type carries, or whose private data is damaged.
 [[nodiscard]] std::vector<CMediaType> MediaTypesOf(const TrackFacts& track);
 
 } // namespace media

@@ -1,9 +1,5 @@
 #include "media/strict_description.h"
 
-#include <algorithm>
-#include <iterator>
-
-#include "dshow/media_subtypes.h"
 #include "media/mpeg_video_layouts.h"
 #include "media/strict_audio_codecs.h"
 #include "media/strict_fields.h"
@@ -14,25 +10,6 @@
 namespace media {
 
 namespace {
-
-bool DescribePictureAlone(const FormatBlock& /*block*/, CodecDescription& description) {
-    description.video = VideoDescription();
-    return true;
-}
-
-constexpr CodecLayout kPictureLayout{.describe = DescribePictureAlone};
-
-// What the table knows in one of the two plain blocks only: samples are the same in both.
-constexpr CodecRow kRowsOfBothBlocks[] = {
-    {&MEDIATYPE_Video, &mediasubtype::kVp8, &FORMAT_VideoInfo2, Acceptance::AsMapped, "V_VP8", &kPictureLayout},
-    {&MEDIATYPE_Video, &mediasubtype::kVp9, &FORMAT_VideoInfo, Acceptance::AsMapped, "V_VP9", &kPictureLayout},
-};
-
-const CodecRow& RowFor(const CodecRow& row, const AM_MEDIA_TYPE& type) {
-    const auto matches = [&type](const CodecRow& other) { return other.Matches(type); };
-    const auto other = std::ranges::find_if(kRowsOfBothBlocks, matches);
-    return other == std::end(kRowsOfBothBlocks) ? row : *other;
-}
 
 // Of every MPEG-2 block the sequence header is wanted as it is.
 const CodecLayout& LayoutFor(const CodecRow& row) {
@@ -68,8 +45,7 @@ bool RefineFields(const AM_MEDIA_TYPE& type, CodecDescription& description) {
 
 } // namespace
 
-CodecDescription StrictDescriptionOf(const CodecRow& tableRow, const AM_MEDIA_TYPE& type) {
-    const CodecRow& row = RowFor(tableRow, type);
+CodecDescription StrictDescriptionOf(const CodecRow& row, const AM_MEDIA_TYPE& type) {
     CodecDescription description;
     if (!LayoutFor(row).describe(FormatBlock(type), description)) {
         return {};

@@ -1,4 +1,4 @@
-// The strict way from a media type to a track: what the layout of the table's row reads, and then refined.
+// The strict way from a media type to a track: what the layout of the row reads, and then refined.
 #pragma once
 
 #include "media/codec_description.h"
@@ -7,6 +7,6 @@
 namespace media {
 
 // Without a codec identifier when the codec cannot be written so.
-[[nodiscard]] CodecDescription StrictDescriptionOf(const CodecRow& tableRow, const AM_MEDIA_TYPE& type);
+[[nodiscard]] CodecDescription StrictDescriptionOf(const CodecRow& row, const AM_MEDIA_TYPE& type);
 
 } // namespace media
