@@ -37,6 +37,7 @@ inline constexpr GUID kHevcAnnexB = SubtypeFromFourCC('H', 'E', 'V', 'C');
 inline constexpr GUID kTheora = SubtypeFromFourCC('T', 'H', 'E', 'O');
 inline constexpr GUID kVp8 = SubtypeFromFourCC('V', 'P', '8', '0');
 inline constexpr GUID kVp9 = SubtypeFromFourCC('V', 'P', '9', '0');
+inline constexpr GUID kAv01 = SubtypeFromFourCC('A', 'V', '0', '1');
 inline constexpr GUID kFfv1 = SubtypeFromFourCC('F', 'F', 'V', '1');
 
 // Audio

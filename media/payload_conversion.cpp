@@ -2,6 +2,8 @@
 
 #include "codecs/annexb_converter.h"
 #include "codecs/annexb_units.h"
+#include "codecs/av1_units.h"
+#include "media/av1_stream.h"
 #include "media/codec_table.h"
 #include "media/plain_text.h"
 
@@ -28,12 +30,15 @@ std::optional<std::span<BYTE>> ConvertAnnexBInPlace(std::span<BYTE> payload) {
 }
 
 bool NeedsStrictConversion(const AM_MEDIA_TYPE& type) {
-    return type.majortype == MEDIATYPE_Text || NeedsAnnexBConversion(type);
+    return type.majortype == MEDIATYPE_Text || IsAv1(type) || NeedsAnnexBConversion(type);
 }
 
 std::vector<BYTE> ConvertStrictPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
     if (type.majortype == MEDIATYPE_Text) {
         return Utf8Of(payload);
+    }
+    if (IsAv1(type)) {
+        return codecs::CleanAv1Units(payload);
     }
     return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnits(payload) : CopyOf(payload);
 }
@@ -42,6 +47,9 @@ std::optional<std::span<BYTE>> ConvertStrictInPlace(const AM_MEDIA_TYPE& type, s
     if (type.majortype == MEDIATYPE_Text) {
         const ByteView text = WithoutEnd(payload);
         return IsUtf8(text) ? std::optional(payload.first(text.size())) : std::nullopt;
+    }
+    if (IsAv1(type)) {
+        return codecs::CleanAv1UnitsInPlace(payload);
     }
     return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnitsInPlace(payload) : std::optional(payload);
 }

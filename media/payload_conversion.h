@@ -23,11 +23,11 @@ namespace media {
 
 // ---- Strict files ------------------------------------------------------------------------------------------------
 
-// Whether samples of this type become others: byte streams, and plain text.
+// Whether samples of this type become others: byte streams, AV1, and plain text.
 [[nodiscard]] bool NeedsStrictConversion(const AM_MEDIA_TYPE& type);
 
 // A copy of the payload, converted where the type needs it. Units begin behind start codes of either length, and zeros
-// behind them are left out; plain text becomes UTF-8.
+// behind them are left out; of AV1 stays what says something in a container; plain text becomes UTF-8.
 [[nodiscard]] std::vector<BYTE> ConvertStrictPayload(const AM_MEDIA_TYPE& type, ByteView payload);
 
 // The same in place, for any type: what is left of the payload. None when that needs more room than there is; the

@@ -21,6 +21,8 @@ constexpr CodecRow kRows[] = {
 
     {kVideo, &mediasubtype::kFfv1, &FORMAT_VideoInfo2, AsMapped, "V_FFV1", &kExtraPicture2Layout},
     {kVideo, &mediasubtype::kFfv1, &FORMAT_VideoInfo,  AsMapped, "V_FFV1", &kExtraPictureLayout},
+    {kVideo, &mediasubtype::kAv01, &FORMAT_VideoInfo2, AsMapped, "V_AV1",  &kExtraPicture2Layout},
+    {kVideo, &mediasubtype::kAv01, &FORMAT_VideoInfo,  AsMapped, "V_AV1",  &kExtraPictureLayout},
 };
 // clang-format on
 

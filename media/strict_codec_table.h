@@ -1,5 +1,5 @@
-// The rows that strict files have besides the codec table's: codecs that compatible files hold in another way, or not at
-// all. They are tried first.
+// The rows that strict files have besides the codec table's: codecs that compatible files hold in another way, or not
+// at all. They are tried first.
 #pragma once
 
 #include <span>

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "codecs/av1_configuration.h"
 #include "codecs/vorbis_headers.h"
 #include "codecs/whole_avc_configuration.h"
 #include "codecs/whole_hevc_configuration.h"
@@ -94,6 +95,15 @@ bool RefineVp9(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDescr
     return true;
 }
 
+// ---- AV1 ---------------------------------------------------------------------------------------------------------
+
+// Behind the structure stands a record or the sequence header. Of anything else nothing is told: the first keyframe has
+// the header, too.
+bool RefineAv1(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDescription& description) {
+    description.codecPrivate = codecs::BuildAv1Configuration(*description.codecPrivate);
+    return true;
+}
+
 // ---- Every other codec -------------------------------------------------------------------------------------------
 
 // The bitmap header with the bytes behind it, which biSize counts for codecs.
@@ -115,6 +125,7 @@ constexpr StrictCodec kVideoCodecs[] = {
     {"V_MPEGH/ISO/HEVC", RefineRecord<codecs::BuildWholeHevcConfiguration>},
     {"V_THEORA", RefineTheora},
     {"V_VP9", RefineVp9},
+    {"V_AV1", RefineAv1},
     {"V_MS/VFW/FOURCC", RefineVfw},
 };
 

@@ -45,12 +45,13 @@ void CClusters::keepTracks(const TrackList& tracks, const std::vector<libmatrosk
     }
 }
 
-void CClusters::tellIfFirstKeyframe(const Packet& packet, std::span<const BYTE> frame) {
-    if (!m_hadKeyframe[packet.stream] && IsKeyframe(packet, trackOf(packet))) {
-        m_hadKeyframe[packet.stream] = true;
-        if (m_firstKeyframe) {
-            m_firstKeyframe(packet.stream, frame);
-        }
+void CClusters::tellIfFirstKeyframe(UINT32 stream, bool isKeyframe, std::span<const BYTE> frame) {
+    if (!isKeyframe || m_hadKeyframe[stream]) {
+        return;
+    }
+    m_hadKeyframe[stream] = true;
+    if (m_firstKeyframe) {
+        m_firstKeyframe(stream, frame);
     }
 }
 

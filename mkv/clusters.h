@@ -72,7 +72,7 @@ class CClusters {
     [[nodiscard]] const TrackFacts& trackOf(const Packet& packet) const;
     [[nodiscard]] CMkvCues& cues() { return m_cues; }
     [[nodiscard]] CBlockObserver* observer() const { return m_observer; }
-    void tellIfFirstKeyframe(const Packet& packet, std::span<const BYTE> frame);
+    void tellIfFirstKeyframe(UINT32 stream, bool isKeyframe, std::span<const BYTE> frame);
     [[nodiscard]] UINT64 openEndNs() const { return m_openEndNs; }
     void setOpenEnd(UINT64 endNs) noexcept { m_openEndNs = endNs; }
 

@@ -70,6 +70,7 @@ void CMatroskaFile::writeSegmentHead() {
 void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
     if (m_options.isStrict()) {
         FillStrictTrackEntry(entry, number, track, m_identifiers, m_isWebm);
+        m_latePrivateData.reserve(entry, static_cast<UINT32>(number - 1), track.type);
     } else {
         FillTrackEntry(entry, number, track);
     }
@@ -95,7 +96,14 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
         m_seekHead.list(element);
     }
     m_clusters->setTracks(tracks, entries, cueTrack);
+    m_clusters->onFirstKeyframes(
+        [this](UINT32 stream, std::span<const BYTE> frame) { keepFirstKeyframe(stream, frame); });
     observeBlocks(entries);
+}
+
+// What the media type did not tell.
+void CMatroskaFile::keepFirstKeyframe(UINT32 stream, std::span<const BYTE> frame) {
+    m_latePrivateData.fill(stream, frame, m_patcher);
 }
 
 void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& records) {

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include <matroska/KaxSegment.h>
@@ -18,6 +19,7 @@
 #include "mkv/file_patcher.h"
 #include "mkv/gathering_io.h"
 #include "mkv/identifiers.h"
+#include "mkv/late_private_data.h"
 #include "mkv/mkv_cues.h"
 #include "mkv/seek_head.h"
 #include "mkv/segment_info.h"
@@ -61,6 +63,7 @@ class CMatroskaFile {
     void writeAttachmentsElement(const std::vector<const MuxAttachment*>& records);
     // As the profile wants it.
     void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
+    void keepFirstKeyframe(UINT32 stream, std::span<const BYTE> frame);
     void patch(UINT64 dataStart);
     void writeCues();
     void observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries);
@@ -78,6 +81,7 @@ class CMatroskaFile {
     CGatheringIO m_gathering;
     libmatroska::KaxSegment m_segment;
     CFilePatcher m_patcher;
+    CLatePrivateData m_latePrivateData;
     CSeekHead m_seekHead;
     const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
     const CSegmentInfo::Listing m_list;

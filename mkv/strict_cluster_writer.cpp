@@ -48,7 +48,7 @@ std::optional<UINT64> CStrictClusterWriter::addFrameToCurrentCluster(const Packe
         m_lastSoundCueMs = block.times.startMs;
     }
     setOpenEnd(std::max(writtenEndNs(), fileNs(m_cluster.latestEndMs())));
-    tellIfFirstKeyframe(packet, frame.bytes);
+    tellIfFirstKeyframe(packet.stream, block.isKeyframe, frame.bytes);
     return openEndNs();
 }
 
@@ -57,7 +57,7 @@ CStrictCluster::Block CStrictClusterWriter::blockOf(const Packet& packet, const 
     CStrictCluster::Block block;
     block.track = track.number;
     block.times = m_times.take(packet.start, packet.stop);
-    block.isKeyframe = IsKeyframe(packet, track);
+    block.isKeyframe = IsStrictKeyframe(packet, track, frame);
     block.isText = packet.blockGroup;
     if (media::IsOpus(track.type) && packet.stop > packet.start) {
         block.discardPaddingNs = media::OpusPaddingNs(frame.bytes, packet.stop - packet.start);

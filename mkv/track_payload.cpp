@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 
+#include "media/av1_stream.h"
 #include "media/payload_conversion.h"
 #include "media/track_type.h"
 #include "mkv/codec_mapping.h"
@@ -60,6 +61,10 @@ FrameBytes FrameOf(const Packet& packet, const TrackFacts& track, std::vector<BY
 
 bool IsKeyframe(const Packet& packet, const TrackFacts& track) {
     return TrackTypeOf(track.type) != media::kTrackTypeVideo || packet.syncPoint;
+}
+
+bool IsStrictKeyframe(const Packet& packet, const TrackFacts& track, const FrameBytes& frame) {
+    return media::IsAv1(track.type) ? media::IsAv1Keyframe(frame.bytes, packet.syncPoint) : IsKeyframe(packet, track);
 }
 
 FrameBytes PayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room) {

@@ -18,6 +18,9 @@ struct TrackFacts {
 // Only video has blocks that depend on others. Throws kUnsupportedTypeError.
 [[nodiscard]] bool IsKeyframe(const Packet& packet, const TrackFacts& track);
 
+// As strict files have it: AV1 says so itself, whatever the packet does.
+[[nodiscard]] bool IsStrictKeyframe(const Packet& packet, const TrackFacts& track, const FrameBytes& frame);
+
 // None is left of a packet without data, and of one that no reader would take. What had to be copied lies in the room.
 [[nodiscard]] FrameBytes PayloadOf(const Packet& packet, const TrackFacts& track, std::vector<BYTE>& room);
 // As strict files have it.

@@ -43,7 +43,7 @@ struct SourceStream {
     size_t number = 0;
     std::optional<StreamTags> tags = {};
     std::string readerName = {}; // of the own reader: "AVI"
-    std::string problem = {};    // why an own reader offers no type: "V_AV1: …"; such a stream has no pin
+    std::string problem = {};    // why an own reader offers no type: "V_DIRAC: …"; such a stream has no pin
 
     // "a.avi: stream 'Stream 00'", for messages.
     [[nodiscard]] std::string Name() const;

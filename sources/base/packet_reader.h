@@ -18,7 +18,7 @@ struct StreamDescription {
     WideString name;               // of its pin
     std::vector<CMediaType> types; // the preferred one first; none: the stream gets no pin
     size_t largestPacket = 0;      // bytes; 0 when it is not known beforehand
-    std::string problem;           // why there is no type: "V_AV1: …"
+    std::string problem;           // why there is no type: "V_DIRAC: …"
     TrackProperties properties;
 };
 

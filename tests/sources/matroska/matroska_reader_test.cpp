@@ -250,12 +250,12 @@ TEST(MatroskaReader, TracksThatCannotBeReadAreNamedWithTheCause) {
     const RawBytes encrypted =
         Master(id::kContentEncodings, {Master(id::kContentEncoding, {RawUnsigned(id::kContentEncodingType, 1)})});
     const RawBytes lzo = Master(id::kContentEncodings, {Compression({RawUnsigned(id::kContentCompAlgo, 2)})});
-    const auto reader = ReaderOf(FileOf({TrackEntry(1, 1, "V_AV1"), Audio(2, {encrypted}), Audio(3, {lzo}),
+    const auto reader = ReaderOf(FileOf({TrackEntry(1, 1, "V_DIRAC"), Audio(2, {encrypted}), Audio(3, {lzo}),
                                          TrackEntry(4, 17, "S_\x1b[31mX"), TrackEntry(5, 33, "D_META"), Audio(6)},
                                         {}));
     const auto& streams = reader->Streams();
     ASSERT_EQ(streams.size(), 6u);
-    EXPECT_EQ(streams[0].problem, "V_AV1: no media type carries this codec");
+    EXPECT_EQ(streams[0].problem, "V_DIRAC: no media type carries this codec");
     EXPECT_EQ(streams[1].problem, "A_AC3: the track is encrypted");
     EXPECT_EQ(streams[2].problem, "A_AC3: the track is compressed with an algorithm that is not supported (2)");
     EXPECT_EQ(streams[3].problem, "S_?[31mX: no media type carries this codec");
