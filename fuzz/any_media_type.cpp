@@ -10,11 +10,13 @@ const GUID kMajors[] = {MEDIATYPE_Video, MEDIATYPE_Audio, MEDIATYPE_Text, mediat
 const GUID kFormats[] = {FORMAT_VideoInfo,    FORMAT_VideoInfo2,          FORMAT_MPEGVideo,      FORMAT_MPEG2Video,
                          FORMAT_WaveFormatEx, mediaformat::kSubtitleInfo, mediaformat::kVorbis2, FORMAT_None};
 const GUID kSubtypes[] = {
-    mediasubtype::kAvc1,      mediasubtype::kH264AnnexB, mediasubtype::kHevcAnnexB, mediasubtype::kHvc1,
-    mediasubtype::kVp8,       mediasubtype::kVp9,        mediasubtype::kTheora,     mediasubtype::kMp4v,
-    MEDIASUBTYPE_MPEG2_VIDEO, MEDIASUBTYPE_MPEG1Payload, mediasubtype::kDolbyAc3,   mediasubtype::kVorbis,
-    mediasubtype::kRawAac,    mediasubtype::kPcm,        mediasubtype::kFlacFramed, mediasubtype::kOpus,
-    mediasubtype::kUtf8,      mediasubtype::kAss,        mediasubtype::kVobSub,     GUID_NULL};
+    mediasubtype::kAvc1,      mediasubtype::kH264AnnexB, mediasubtype::kHevcAnnexB,  mediasubtype::kHvc1,
+    mediasubtype::kVp8,       mediasubtype::kVp9,        mediasubtype::kTheora,      mediasubtype::kMp4v,
+    MEDIASUBTYPE_MPEG2_VIDEO, MEDIASUBTYPE_MPEG1Payload, mediasubtype::kDolbyAc3,    mediasubtype::kVorbis,
+    mediasubtype::kRawAac,    mediasubtype::kPcm,        mediasubtype::kFlacFramed,  mediasubtype::kOpus,
+    mediasubtype::kUtf8,      mediasubtype::kAss,        mediasubtype::kVobSub,      GUID_NULL,
+    mediasubtype::kFfv1,      mediasubtype::kRgb24,      mediasubtype::kRgb32,       mediasubtype::kTwos,
+    mediasubtype::kAlac,      mediasubtype::kWebVtt,     mediasubtype::kWebVttBoxes, mediasubtype::kDvbSubtitle};
 
 template <size_t Count>
 const GUID& Chosen(const GUID (&from)[Count], std::uint8_t by) {

@@ -1,7 +1,8 @@
-// Media types whose format blocks are anything, described for both profiles.
+// Media types whose format blocks are anything, described for both profiles; and samples of them for strict files.
 #include "fuzz/any_media_type.h"
 #include "fuzz/require.h"
 #include "media/codec_description.h"
+#include "media/payload_conversion.h"
 
 namespace {
 
@@ -23,6 +24,17 @@ void CheckStrict(const media::CodecDescription& strict) {
     }
 }
 
+// Any bytes do for a sample; both ways lead to the same ones.
+void CheckSample(const CMediaType& type, media::ByteView sample) {
+    using Bytes = std::vector<BYTE>;
+    const Bytes copy = media::ConvertStrictPayload(type, sample);
+    Bytes room(sample.begin(), sample.end());
+    if (const auto left = media::ConvertStrictInPlace(type, room)) {
+        Require(Bytes(left->begin(), left->end()) == copy);
+    }
+    (void)media::StrictAdditionOf(type, sample);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
@@ -33,5 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     (void)media::CodecIdOf(type);
     (void)media::DescribeCodec(type);
     CheckStrict(media::DescribeStrictCodec(type));
+    CheckSample(type, {data, size});
     return 0;
 }

@@ -25,6 +25,7 @@ struct VideoDescription {
     std::optional<DisplaySize> display{};
     std::optional<UINT64> flagInterlaced{}; // Matroska's values; the strict description alone tells both
     std::optional<UINT64> fieldOrder{};
+    std::optional<DWORD> uncompressedFourCc{}; // its first letter in the lowest byte
 };
 
 struct AudioDescription {
@@ -46,6 +47,7 @@ struct CodecDescription {
     // What a decoder drops at the start, and needs before a place to play from there; the strict description alone.
     UINT64 codecDelayNs = 0;
     UINT64 seekPreRollNs = 0;
+    UINT64 maxBlockAdditionId = 0; // of what stands beside its blocks; 0: nothing does
 };
 
 [[nodiscard]] CodecDescription DescribeCodec(const AM_MEDIA_TYPE& type);

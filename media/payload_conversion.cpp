@@ -1,11 +1,10 @@
 #include "media/payload_conversion.h"
 
 #include "codecs/annexb_converter.h"
-#include "codecs/annexb_units.h"
-#include "codecs/av1_units.h"
-#include "media/av1_stream.h"
+#include "codecs/webvtt_cue.h"
+#include "dshow/media_subtypes.h"
 #include "media/codec_table.h"
-#include "media/plain_text.h"
+#include "media/strict_payloads.h"
 
 namespace media {
 
@@ -30,28 +29,25 @@ std::optional<std::span<BYTE>> ConvertAnnexBInPlace(std::span<BYTE> payload) {
 }
 
 bool NeedsStrictConversion(const AM_MEDIA_TYPE& type) {
-    return type.majortype == MEDIATYPE_Text || IsAv1(type) || NeedsAnnexBConversion(type);
+    return FindStrictPayload(type) != nullptr;
 }
 
 std::vector<BYTE> ConvertStrictPayload(const AM_MEDIA_TYPE& type, ByteView payload) {
-    if (type.majortype == MEDIATYPE_Text) {
-        return Utf8Of(payload);
+    const StrictPayload* const found = FindStrictPayload(type);
+    return found == nullptr ? CopyOf(payload) : found->copy(type, payload);
+}
+
+std::vector<BYTE> StrictAdditionOf(const AM_MEDIA_TYPE& type, ByteView payload) {
+    if (type.majortype != mediatype::kSubtitle || type.subtype != mediasubtype::kWebVttBoxes) {
+        return {};
     }
-    if (IsAv1(type)) {
-        return codecs::CleanAv1Units(payload);
-    }
-    return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnits(payload) : CopyOf(payload);
+    const std::string addition = codecs::CueAddition(codecs::CueOfBoxes(payload));
+    return {addition.begin(), addition.end()};
 }
 
 std::optional<std::span<BYTE>> ConvertStrictInPlace(const AM_MEDIA_TYPE& type, std::span<BYTE> payload) {
-    if (type.majortype == MEDIATYPE_Text) {
-        const ByteView text = WithoutEnd(payload);
-        return IsUtf8(text) ? std::optional(payload.first(text.size())) : std::nullopt;
-    }
-    if (IsAv1(type)) {
-        return codecs::CleanAv1UnitsInPlace(payload);
-    }
-    return NeedsAnnexBConversion(type) ? codecs::ConvertAnnexBUnitsInPlace(payload) : std::optional(payload);
+    const StrictPayload* const found = FindStrictPayload(type);
+    return found == nullptr ? std::optional(payload) : found->inPlace(type, payload);
 }
 
 } // namespace media

@@ -10,5 +10,9 @@ extern const CodecLayout kPictureLayout; // nothing but the picture; no track co
 // The bytes that follow the structure are the private data. Tracks come back with the larger structure alone.
 extern const CodecLayout kExtraPictureLayout;
 extern const CodecLayout kExtraPicture2Layout;
+// The private data is the FourCC that is the subtype.
+extern const CodecLayout kProResLayout;
+// The track's UncompressedFourCC is the subtype.
+extern const CodecLayout kUncompressedLayout;
 
 } // namespace media

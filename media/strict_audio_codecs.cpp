@@ -4,9 +4,11 @@
 #include <cstring>
 #include <iterator>
 
+#include "codecs/alac_config.h"
 #include "codecs/audio_specific_config.h"
 #include "codecs/big_endian.h"
 #include "codecs/opus_head.h"
+#include "dshow/media_subtypes.h"
 
 namespace media {
 
@@ -88,6 +90,32 @@ bool RefinePcm(const CodecRow& /*row*/, const FormatBlock& block, CodecDescripti
     return audio.bitDepth != 0U;
 }
 
+// Two of the subtypes name the depth. Samples of one byte would be signed here, and are unsigned in a track.
+bool RefineBigEndianPcm(const CodecRow& row, const FormatBlock& block, CodecDescription& description) {
+    constexpr UINT32 kDepthOfIn24 = 24;
+    constexpr UINT32 kDepthOfIn32 = 32;
+    if (*row.subtype == mediasubtype::kIn24) {
+        description.audio->bitDepth = kDepthOfIn24;
+    } else if (*row.subtype == mediasubtype::kIn32) {
+        description.audio->bitDepth = kDepthOfIn32;
+    }
+    return RefinePcm(row, block, description) && description.audio->bitDepth != codecs::kBitsInByte;
+}
+
+// ---- ALAC --------------------------------------------------------------------------------------------------------
+
+// The configuration without the atoms that may lie around it; it knows depth, channels and rate.
+bool RefineAlac(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDescription& description) {
+    std::vector<BYTE> cookie = CopyOf(codecs::BareAlacCookie(*description.codecPrivate));
+    const auto config = codecs::ParseAlacConfig(cookie);
+    if (!config) {
+        return false;
+    }
+    description.codecPrivate = std::move(cookie);
+    description.audio = AudioDescription{config->rateHz, config->channels, config->bitDepth};
+    return true;
+}
+
 // ---- MPEG audio and RealAudio ------------------------------------------------------------------------------------
 
 // The tag stands for all layers; without the longer structure it is the second.
@@ -107,9 +135,15 @@ bool RefineReal(const CodecRow& row, const FormatBlock& /*block*/, CodecDescript
 }
 
 constexpr StrictCodec kAudioCodecs[] = {
-    {"A_AAC", RefineAac},         {"A_OPUS", RefineOpus},          {"A_FLAC", RefineFlac},
-    {"A_PCM/INT/LIT", RefinePcm}, {"A_PCM/FLOAT/IEEE", RefinePcm}, {"A_MPEG/L2", RefineMpegAudio},
+    {"A_AAC", RefineAac},
+    {"A_OPUS", RefineOpus},
+    {"A_FLAC", RefineFlac},
+    {"A_PCM/INT/LIT", RefinePcm},
+    {"A_PCM/FLOAT/IEEE", RefinePcm},
+    {"A_MPEG/L2", RefineMpegAudio},
     {"A_REAL/", RefineReal},
+    {"A_PCM/INT/BIG", RefineBigEndianPcm},
+    {"A_ALAC", RefineAlac},
 };
 
 } // namespace

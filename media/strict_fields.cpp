@@ -17,8 +17,9 @@ constexpr INT64 kNsASecond = kUnitsASecond * kNsPerReferenceTime;
 constexpr INT64 kMaxExactRate = 240;
 
 // Codecs whose samples have a depth, or whose encoders tell the source's.
-constexpr std::string_view kCodecsWithDepth[] = {"A_PCM/INT/LIT", "A_PCM/FLOAT/IEEE", "A_FLAC", "A_TTA1", "A_WAVPACK4",
-                                                 "A_DTS",         "A_MS/ACM"};
+constexpr std::string_view kCodecsWithDepth[] = {"A_PCM/INT/LIT", "A_PCM/INT/BIG", "A_PCM/FLOAT/IEEE",
+                                                 "A_ALAC",        "A_FLAC",        "A_TTA1",
+                                                 "A_WAVPACK4",    "A_DTS",         "A_MS/ACM"};
 constexpr std::string_view kRealPrefix = "A_REAL/";
 
 // The duration of this rate, when the units are what is left of it, cut or rounded.
@@ -107,8 +108,9 @@ bool RefinePicture(const AM_MEDIA_TYPE& type, CodecDescription& description) {
     }
     const DisplaySize pixels{SizeOf(head->bitmap.biWidth), SizeOf(head->bitmap.biHeight)};
     description.defaultDurationNs = FrameDurationNs(head->frameDuration);
-    description.video = VideoDescription{
-        .pixelWidth = pixels.width, .pixelHeight = pixels.height, .display = DisplayInPixels(pixels, head->aspect)};
+    description.video->pixelWidth = pixels.width;
+    description.video->pixelHeight = pixels.height;
+    description.video->display = DisplayInPixels(pixels, head->aspect);
     DescribeFields(head->interlaceFlags, *description.video);
     return true;
 }

@@ -27,10 +27,29 @@ bool RefineScript(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDe
     return true;
 }
 
+// The signature, when the stream brings no header at all.
+bool RefineWebVtt(const CodecRow& row, const FormatBlock& block, CodecDescription& description) {
+    constexpr std::string_view kSignature = "WEBVTT";
+    (void)RefineScript(row, block, description);
+    description.maxBlockAdditionId = 1; // settings, identifier and comments
+    if (!description.codecPrivate || description.codecPrivate->empty()) {
+        description.codecPrivate.emplace(kSignature.begin(), kSignature.end());
+    }
+    return true;
+}
+
+// Which pages of the stream are meant: two numbers, and possibly the kind, of one language or of several.
+bool RefineDvb(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDescription& description) {
+    constexpr size_t kPagesBytes = 4;
+    constexpr size_t kPagesAndKindBytes = 5;
+    const size_t bytes = description.codecPrivate ? description.codecPrivate->size() : 0;
+    return bytes == kPagesBytes || (bytes > 0 && bytes % kPagesAndKindBytes == 0);
+}
+
 constexpr StrictCodec kSubtitleCodecs[] = {
-    {"S_TEXT/ASCII", RefineText}, {"S_TEXT/UTF8", DropPrivate}, {"S_TEXT/SSA", RefineScript},
-    {"S_TEXT/ASS", RefineScript}, {"S_TEXT/USF", RefineScript}, {"S_VOBSUB", RefineScript},
-    {"S_HDMV/PGS", DropPrivate},
+    {"S_TEXT/ASCII", RefineText}, {"S_TEXT/UTF8", DropPrivate},    {"S_TEXT/SSA", RefineScript},
+    {"S_TEXT/ASS", RefineScript}, {"S_TEXT/USF", RefineScript},    {"S_VOBSUB", RefineScript},
+    {"S_HDMV/PGS", DropPrivate},  {"S_TEXT/WEBVTT", RefineWebVtt}, {"S_DVBSUB", RefineDvb},
 };
 
 } // namespace

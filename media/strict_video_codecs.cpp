@@ -10,6 +10,7 @@
 #include "codecs/whole_avc_configuration.h"
 #include "codecs/whole_hevc_configuration.h"
 #include "media/format_builder.h"
+#include "media/uncompressed_pictures.h"
 
 namespace media {
 
@@ -104,6 +105,25 @@ bool RefineAv1(const CodecRow& /*row*/, const FormatBlock& /*block*/, CodecDescr
     return true;
 }
 
+// ---- ProRes and pictures that are not compressed -----------------------------------------------------------------
+
+// Which of its kinds it is.
+bool RefineProRes(const CodecRow& row, const FormatBlock& /*block*/, CodecDescription& description) {
+    const DWORD fourCc = row.subtype->Data1;
+    description.codecPrivate.emplace(sizeof(fourCc));
+    std::memcpy(description.codecPrivate->data(), &fourCc, sizeof(fourCc));
+    return true;
+}
+
+bool RefineUncompressed(const CodecRow& row, const FormatBlock& /*block*/, CodecDescription& description) {
+    const UncompressedKind* const kind = FindUncompressedKind(*row.subtype);
+    if (kind == nullptr) {
+        return false;
+    }
+    description.video->uncompressedFourCc = kind->fourCc;
+    return true;
+}
+
 // ---- Every other codec -------------------------------------------------------------------------------------------
 
 // The bitmap header with the bytes behind it, which biSize counts for codecs.
@@ -126,6 +146,8 @@ constexpr StrictCodec kVideoCodecs[] = {
     {"V_THEORA", RefineTheora},
     {"V_VP9", RefineVp9},
     {"V_AV1", RefineAv1},
+    {"V_PRORES", RefineProRes},
+    {"V_UNCOMPRESSED", RefineUncompressed},
     {"V_MS/VFW/FOURCC", RefineVfw},
 };
 

@@ -38,6 +38,7 @@ std::optional<CMediaType> SubtitleInfoTypeOf(const CodecRow& row, const TrackFac
 } // namespace
 
 constexpr CodecLayout kTextLayout{.describe = DescribeText, .typeOf = TextTypeOf};
+constexpr CodecLayout kOneWaySubtitleLayout{.describe = DescribeSubtitleInfo};
 constexpr CodecLayout kSubtitleInfoLayout{.describe = DescribeSubtitleInfo, .typeOf = SubtitleInfoTypeOf};
 
 } // namespace media

@@ -20,6 +20,7 @@ struct VideoFacts {
     UINT64 displayHeight = 0;
     UINT64 flagInterlaced = 0; // Matroska's values
     UINT64 fieldOrder = 2;
+    DWORD uncompressedFourCc = 0; // its first letter in the lowest byte; 0: not said
 };
 
 // At first what holds for a track that does not say.

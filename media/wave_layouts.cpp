@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <string_view>
 
 #include "codecs/big_endian.h"
 #include "dshow/media_subtypes.h"
@@ -102,7 +103,7 @@ WAVEFORMATEX WaveOf(const AudioFacts& audio, const CodecRow& row) {
     wave.nChannels = ChannelsOf(audio);
     wave.nSamplesPerSec = SamplesPerSecond(audio);
     wave.wBitsPerSample = BitsPerSample(audio);
-    if (*row.subtype == mediasubtype::kPcm || *row.subtype == mediasubtype::kIeeeFloat) {
+    if (std::string_view(row.codecId).starts_with("A_PCM/")) {
         wave.nBlockAlign = static_cast<WORD>(wave.nChannels * (wave.wBitsPerSample / codecs::kBitsInByte));
         wave.nAvgBytesPerSec = wave.nSamplesPerSec * wave.nBlockAlign;
     }
@@ -123,6 +124,20 @@ std::optional<CMediaType> ExtraWaveTypeOf(const CodecRow& row, const TrackFacts&
     return HasTooMuchPrivate(track)
                ? std::nullopt
                : std::optional(WaveType(*row.subtype, WaveOf(track.audio, row), track.codecPrivate));
+}
+
+// The subtype that names the depth, where there is one. Samples of eight bits have no order of bytes, and tracks have
+// them unsigned.
+std::optional<CMediaType> BigEndianTypeOf(const CodecRow& row, const TrackFacts& track) {
+    const UINT64 depth = track.audio.bitDepth;
+    const GUID& usual = depth == 24 ? mediasubtype::kIn24 : depth == 32 ? mediasubtype::kIn32 : mediasubtype::kTwos;
+    if (*row.subtype != usual) {
+        return std::nullopt;
+    }
+    WAVEFORMATEX wave = WaveOf(track.audio, row);
+    const bool isOneByte = depth == codecs::kBitsInByte;
+    wave.wFormatTag = isOneByte ? WAVE_FORMAT_PCM : wave.wFormatTag;
+    return WaveType(isOneByte ? mediasubtype::kPcm : usual, wave, {});
 }
 
 std::optional<CMediaType> WholeWaveTypeOf(const CodecRow& /*row*/, const TrackFacts& track) {
@@ -147,6 +162,7 @@ WORD BitsPerSample(const AudioFacts& audio) {
 constexpr CodecLayout kPlainWaveLayout{.describe = DescribePlainWave, .typeOf = PlainWaveTypeOf};
 constexpr CodecLayout kExtraWaveLayout{.describe = DescribeExtraWave, .typeOf = ExtraWaveTypeOf};
 constexpr CodecLayout kOpusLayout{.describe = DescribeOpus, .typeOf = ExtraWaveTypeOf};
+constexpr CodecLayout kBigEndianLayout{.describe = DescribePlainWave, .typeOf = BigEndianTypeOf};
 constexpr CodecLayout kWholeWaveLayout{.describe = DescribeWholeWave, .typeOf = WholeWaveTypeOf};
 
 } // namespace media

@@ -13,6 +13,7 @@
 #include "media/input_types.h"
 #include "media/media_types_of.h"
 #include "media/track_type.h"
+#include "tests/media/described_track.h"
 #include "tests/media/encoder_parameter_sets.h"
 #include "tests/support/hex_bytes.h"
 #include "tests/support/media_types.h"
@@ -21,6 +22,7 @@
 namespace media {
 namespace {
 
+using media_test::TextOf;
 using test_support::MediaTypeValue;
 
 constexpr GUID kStranger{0x01020304, 0x0506, 0x0708, {9, 10, 11, 12, 13, 14, 15, 16}};
@@ -59,38 +61,10 @@ MediaTypeValue TypeFor(const CodecRow& row) {
     return *row.major == MEDIATYPE_Text ? test_support::TextType() : test_support::SubtitleType(*row.subtype, kExtra);
 }
 
-// All of a description in one line.
-std::string TextOf(const CodecDescription& description) {
-    std::ostringstream text;
-    text << description.codecId << " duration " << description.defaultDurationNs.value_or(0);
-    if (description.video) {
-        const DisplaySize display = description.video->display.value_or(DisplaySize{});
-        text << " video " << description.video->pixelWidth << 'x' << description.video->pixelHeight << " as "
-             << display.width << 'x' << display.height;
-    }
-    if (description.audio) {
-        text << " audio " << description.audio->samplingFrequencyHz << ' ' << description.audio->channels << ' '
-             << (description.audio->bitDepth ? std::to_string(*description.audio->bitDepth) : "-");
-    }
-    text << " private " << (description.codecPrivate ? mkv_test::ToHex(*description.codecPrivate) : "none");
-    return text.str();
-}
-
 // The track that the type becomes, as a reader of the file finds it.
 TrackFacts TrackFor(const CodecRow& row, const CodecDescription& written) {
-    TrackFacts track;
-    track.type = static_cast<UINT64>(FindTrackType(*row.major));
+    TrackFacts track = media_test::TrackFor(FindTrackType(*row.major), written);
     track.codecId = row.readFrom != nullptr ? row.readFrom : written.codecId;
-    track.codecPrivate = written.codecPrivate.value_or(std::vector<BYTE>());
-    track.defaultDurationNs = written.defaultDurationNs.value_or(0);
-    if (written.video) {
-        const DisplaySize display = written.video->display.value_or(DisplaySize{});
-        track.video = {written.video->pixelWidth, written.video->pixelHeight, 0, 0, display.width, display.height};
-    }
-    if (written.audio) {
-        track.audio = {static_cast<double>(written.audio->samplingFrequencyHz), written.audio->channels,
-                       written.audio->bitDepth.value_or(0)};
-    }
     return track;
 }
 
