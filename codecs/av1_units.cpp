@@ -96,9 +96,7 @@ std::optional<Av1RandomAccess> RandomAccessOfAv1(ByteView units) {
             if (!isKey) {
                 return std::nullopt;
             }
-            return !*isKey     ? Av1RandomAccess::No
-                   : !sequence ? Av1RandomAccess::WithoutHeader
-                               : Av1RandomAccess::Yes;
+            return !*isKey ? Av1RandomAccess::No : !sequence ? Av1RandomAccess::WithoutHeader : Av1RandomAccess::Yes;
         }
     }
     return std::nullopt;

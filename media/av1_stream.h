@@ -14,8 +14,8 @@ namespace media {
 
 [[nodiscard]] bool IsAv1(const AM_MEDIA_TYPE& type);
 
-// Whether a frame of AV1 is a keyframe, as its units say; the sample's flag decides where they do not tell, or where the
-// sequence header must come from elsewhere.
+// Whether a frame of AV1 is a keyframe, as its units say; the sample's flag decides where they do not tell, or where
+// the sequence header must come from elsewhere.
 [[nodiscard]] bool IsAv1Keyframe(ByteView frame, bool isSyncPoint);
 
 // Room for the CodecPrivate element of a type without private data, which its first keyframe then has; 0 for types that

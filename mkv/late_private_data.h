@@ -1,5 +1,5 @@
-// CLatePrivateData: the CodecPrivate of tracks whose media types lack it, and whose first keyframes have it. Room is left
-// in the track entry, and filled at once when the keyframe comes; a reader can do without what does not fit.
+// CLatePrivateData: the CodecPrivate of tracks whose media types lack it, and whose first keyframes have it. Room is
+// left in the track entry, and filled at once when the keyframe comes; a reader can do without what does not fit.
 // Units: bytes. Owner: the file being written; the entries outlive this. Threads: the writer's.
 // Errors: std::bad_alloc, what the output throws.
 #pragma once

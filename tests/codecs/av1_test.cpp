@@ -145,8 +145,8 @@ BitWriter TimedHead() {
     bits.Bits(0x101, 12).Bits(9, 5).Flag(true).Flag(true).Bits(0, 10).Bits(0, 10).Flag(false).Flag(true).Bits(3, 4);
     bits.Bits(0x103, 12).Bits(5, 5).Flag(false).Flag(false);
     bits.Bits(11, 4).Bits(11, 4).Bits(3839, 12).Bits(2159, 12);
-    bits.Flag(true).Bits(0, 7);                                             // frames have numbers
-    bits.Bits(0, 3).Bits(0, 4).Flag(true).Bits(0, 2);                       // order hint
+    bits.Flag(true).Bits(0, 7);                                               // frames have numbers
+    bits.Bits(0, 3).Bits(0, 4).Flag(true).Bits(0, 2);                         // order hint
     bits.Flag(false).Flag(true).Flag(false).Flag(true).Bits(6, 3).Bits(0, 3); // screen content, whole vectors
     return bits;
 }
@@ -246,7 +246,8 @@ TEST(Av1ConfigurationTest, WithoutAHeaderThereIsNoRecord) {
 
 TEST(Av1UnitsTest, WhatSaysNothingInAContainerIsLeftOut) {
     const Bytes kept = Joined({kHeader, kKeyFrame, kShowExisting});
-    Bytes units = Joined({kDelimiter, kHeader, Obu(15, {1, 2, 3}), kKeyFrame, Obu(7, {0x10}), Obu(8, {0}), kShowExisting});
+    Bytes units =
+        Joined({kDelimiter, kHeader, Obu(15, {1, 2, 3}), kKeyFrame, Obu(7, {0x10}), Obu(8, {0}), kShowExisting});
     EXPECT_EQ(codecs::CleanAv1Units(units), kept);
     EXPECT_EQ(InPlace(units), kept);
     Bytes alone = kDelimiter;
@@ -285,8 +286,8 @@ TEST(Av1UnitsTest, DecodingBeginsAtAShownKeyFrameBehindAHeader) {
 
 TEST(Av1UnitsTest, AReducedStillPictureIsAKeyFrameWithoutSayingSo) {
     BitWriter bits;
-    bits.Bits(0, 3).Flag(true).Flag(true).Bits(0, 5);                      // reduced
-    bits.Bits(6, 4).Bits(6, 4).Bits(127, 7).Bits(71, 7).Bits(0, 6);        // size, tools
+    bits.Bits(0, 3).Flag(true).Flag(true).Bits(0, 5);               // reduced
+    bits.Bits(6, 4).Bits(6, 4).Bits(127, 7).Bits(71, 7).Bits(0, 6); // size, tools
     bits.Flag(false).Flag(false).Flag(false).Flag(true).Bits(1, 2).Bits(0, 2);
     const Bytes header = Obu(1, bits.Bytes());
     ASSERT_TRUE(codecs::FindAv1SequenceHeader(header));
