@@ -16,6 +16,7 @@ using Bytes = std::span<const BYTE>;
 
 constexpr size_t kHeadBytes = size_t{64} << 10;
 constexpr size_t kStartCodeBytes = 3;
+constexpr std::string_view kAv1Begin("\x12\0\x0a", 3); // a temporal delimiter, and then a sequence header
 
 bool StartsWith(Bytes bytes, std::string_view text) {
     return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin(),
@@ -155,6 +156,12 @@ UINT64 TagBytes(Bytes head) {
 ContentKind KindOfBytes(Bytes head) {
     if (StartsWith(head, "\x1a\x45\xdf\xa3")) {
         return ContentKind::Matroska;
+    }
+    if (StartsWith(head, "DKIF")) {
+        return ContentKind::Ivf;
+    }
+    if (StartsWith(head, kAv1Begin)) {
+        return ContentKind::Av1;
     }
     if (StartsWith(head, "fLaC")) {
         return ContentKind::Flac;

@@ -20,6 +20,8 @@ enum class ContentKind {
     Adts, // AAC
     MpegAudio,
     Flac,
+    Ivf,
+    Av1, // units with their sizes
 };
 
 [[nodiscard]] ContentKind KindOfBytes(std::span<const BYTE> head);

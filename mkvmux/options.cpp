@@ -62,7 +62,7 @@ void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
                    "JSON array of strings")
         ->type_name("FILE...");
     app.add_option("--fps", raw.frameRate,
-                   "pictures a second of raw H.264 and H.265 inputs, such as 25, 29.97 or 30000/1001 (default 25)")
+                   "pictures a second of raw H.264, H.265 and AV1 inputs, such as 25, 29.97 or 30000/1001 (default 25)")
         ->type_name("RATE");
 }
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "sources/annexb/annexb_source.h"
+#include "sources/av1/av1_source.h"
 #include "sources/avi/avi_source.h"
 #include "sources/matroska/matroska_source.h"
 #include "sources/text/text_source.h"
@@ -29,10 +30,16 @@ HRESULT OpenByteStream(const std::wstring& path, const OwnSourceOptions& options
     return annexb::OpenSource(path, Codec, options.frameRate, opened);
 }
 
+HRESULT OpenObu(const std::wstring& path, const OwnSourceOptions& options, source::OpenedSource& opened) {
+    return av1::OpenObuSource(path, options.frameRate, opened);
+}
+
 constexpr OwnSource kAvi{"AVI", OpenTimed<avi::OpenSource>};
 constexpr OwnSource kMatroska{"Matroska", OpenMatroska};
 constexpr OwnSource kAvc{"H.264", OpenByteStream<annexb::Codec::Avc>};
 constexpr OwnSource kHevc{"H.265", OpenByteStream<annexb::Codec::Hevc>};
+constexpr OwnSource kIvf{"IVF", OpenTimed<av1::OpenIvfSource>};
+constexpr OwnSource kObu{"AV1", OpenObu};
 constexpr OwnSource kSrt{"SubRip", OpenTimed<subtitles::OpenSrtSource>};
 constexpr OwnSource kAss{"ASS", OpenTimed<subtitles::OpenAssSource>};
 
@@ -42,9 +49,10 @@ struct Extension {
 };
 
 constexpr Extension kExtensions[] = {
-    {L".mkv", &kMatroska}, {L".webm", &kMatroska}, {L".mka", &kMatroska}, {L".mks", &kMatroska}, {L".h264", &kAvc},
-    {L".264", &kAvc},      {L".avc", &kAvc},       {L".h265", &kHevc},    {L".265", &kHevc},     {L".hevc", &kHevc},
-    {L".srt", &kSrt},      {L".ass", &kAss},       {L".ssa", &kAss},
+    {L".mkv", &kMatroska}, {L".webm", &kMatroska}, {L".mka", &kMatroska}, {L".mks", &kMatroska},
+    {L".h264", &kAvc},     {L".264", &kAvc},       {L".avc", &kAvc},      {L".h265", &kHevc},
+    {L".265", &kHevc},     {L".hevc", &kHevc},     {L".srt", &kSrt},      {L".ass", &kAss},
+    {L".ssa", &kAss},      {L".ivf", &kIvf},       {L".obu", &kObu},      {L".av1", &kObu},
 };
 
 std::wstring ExtensionOf(const std::wstring& path) {
@@ -74,6 +82,10 @@ const OwnSource* OwnSourceFor(ContentKind content) {
         return &kAvc;
     case ContentKind::Hevc:
         return &kHevc;
+    case ContentKind::Ivf:
+        return &kIvf;
+    case ContentKind::Av1:
+        return &kObu;
     case ContentKind::SubRip:
         return &kSrt;
     case ContentKind::Ass:

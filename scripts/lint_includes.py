@@ -27,10 +27,11 @@ ALLOWED = {
     "sources/base": {"media", "dshow", "win"},
     "sources/avi": {"sources/base", "media", "dshow", "win"},
     "sources/matroska": {"sources/base", "media", "codecs", "dshow", "win"},
+    "sources/av1": {"sources/base", "sources/annexb", "media", "codecs", "dshow", "win"},
     "sources/annexb": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/text": {"sources/base", "media", "dshow", "win"},
     "repair": {"mkv", "sources/matroska", "sources/base", "media", "win"},
-    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/text", "media",
+    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1", "sources/text", "media",
                "records", "dshow", "win", "include"},
     "examples": {"include"},
 }

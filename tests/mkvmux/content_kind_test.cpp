@@ -41,6 +41,9 @@ TEST(ContentKindTest, SeesWhatTheOwnSourcesRead) {
     EXPECT_EQ(KindOf("\0\0\0\1\x67\x64\0\x0b\0\0\0\1\x68\xeb\xe3"sv), ContentKind::Avc);
     EXPECT_EQ(KindOf("\0\0\1\x09\xf0\0\0\1\x67\x64\0\x0b\0"sv), ContentKind::Avc);
     EXPECT_EQ(KindOf("\0\0\0\1\x40\1\x0c\0\0\0\1\x42\1\1\0"sv), ContentKind::Hevc);
+    EXPECT_EQ(KindOf("DKIF\0\0\x20\0AV01"sv), ContentKind::Ivf);
+    EXPECT_EQ(KindOf("\x12\0\x0a\x0b"sv), ContentKind::Av1);
+    EXPECT_EQ(KindOf("\x12\0\x32\x0b"sv), ContentKind::Unknown);
     EXPECT_EQ(KindOf("1\r\n00:00:01,000 --> 00:00:02,000\r\nA\r\n"), ContentKind::SubRip);
     EXPECT_EQ(KindOf("\xef\xbb\xbf\n1\n00:00:01,000 --> 00:00:02,000\nA\n"), ContentKind::SubRip);
     EXPECT_EQ(KindOf("\xef\xbb\xbf[Script Info]\nTitle: a\n"), ContentKind::Ass);

@@ -23,6 +23,9 @@ TEST(OwnSources, AreChosenByTheEndOfTheNameInAnyCase) {
     for (const wchar_t* const path : {L"a.h265", L"a.265", L"a.Hevc"}) {
         EXPECT_EQ(NameFor(path), "H.265");
     }
+    EXPECT_EQ(NameFor(L"a.ivf"), "IVF");
+    EXPECT_EQ(NameFor(L"a.obu"), "AV1");
+    EXPECT_EQ(NameFor(L"a.av1"), "AV1");
     EXPECT_EQ(NameFor(L"a.srt"), "SubRip");
     EXPECT_EQ(NameFor(L"a.ass"), "ASS");
     EXPECT_EQ(NameFor(L"a.ssa"), "ASS");
