@@ -13,6 +13,9 @@ TARGETS = {".mkv": "matroska", ".avi": "avi", ".srt": "text", ".ass": "text"}
 
 AVC = (b"\0\0\0\1\x67\x64\0\x0b\xac\xd9\x42\xc4\xec\x04\x40\0\0\3\0\x40\0\0\x0c\x83\xc5\x0a\x65\x80"
        b"\0\0\0\1\x68\xeb\xe3\xcb\x22\xc0\0\0\0\1\x65\x88\x84\0\x33\xff")
+# A sequence header behind the head of its record; a temporal unit with lengths in front of all (annex B).
+AV1_RECORD = bytes.fromhex("81000c000a0a0000000337f8e6d7c802")
+AV1_LENGTHS = bytes.fromhex("141301100b080000000337f8e6d7c8020430100102")
 ASS = (b"[Script Info]\nTitle: t\n[V4+ Styles]\nStyle: Default\n[Events]\n"
        b"Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"
        b"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,Hello, {\\b1}world\n")
@@ -113,6 +116,10 @@ def seeds():
     yield "annexb", "picture.264", AVC
     yield "annexb", "film.264", encoded("libx264", "h264")
     yield "annexb", "film.265", encoded("libx265", "hevc", "-x265-params", "log-level=error:info=0")
+    for container in ("ivf", "obu"):
+        yield "av1", f"film.{container}", encoded("libsvtav1", container, "-preset", "12", "-s", "64x64")
+    yield "av1", "lengths.obu", AV1_LENGTHS
+    yield "av1", "record", AV1_RECORD
     yield "text", "whole.ass", ASS
     yield "text", "whole.srt", SRT
     yield "configuration", "two_rows", configuration(2)
