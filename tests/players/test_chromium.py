@@ -122,3 +122,11 @@ class Chromium(MkvmuxCase):
         self.browser.open(f"{self.address}/page.html")
         with self.assertRaisesRegex(RuntimeError, "media error"):
             self.browser.call("load", "damaged.webm")
+
+
+def play_av1_and_opus(self):
+    self.check(coloured_video("colours_av1.webm", "-c:v", "libsvtav1", "-preset", "10", "-c:a", "libopus"))
+
+
+# Compatible files have no codec identifier for it that a browser knows.
+globals()["StrictChromium"].test_av1_and_opus = play_av1_and_opus
