@@ -109,7 +109,11 @@ int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
 }
 
 HRESULT CMatroskaMuxer::CheckInputType(const CMediaType* type) {
-    return media::IsAcceptedInputType(*type) ? S_OK : kMuxFailedResult;
+    return ComGuard([&] {
+        const bool isStrict = m_parameters->Options().Get().isStrict();
+        const bool isAccepted = isStrict ? media::IsAcceptedStrictInputType(*type) : media::IsAcceptedInputType(*type);
+        return isAccepted ? S_OK : kMuxFailedResult;
+    });
 }
 
 MuxStreamKind CMatroskaMuxer::GetStreamKind(const CMediaType* type) {

@@ -22,18 +22,41 @@ constexpr UINT64 kMaxOtherBytes = 64;
 constexpr size_t kOffsetAndFlagsBytes = kOffsetBytes + 1;
 
 bool IsGroup(const CStrictCluster::Block& block) {
-    return block.isText || block.discardPaddingNs > 0;
+    return block.isText || block.hasAddition || block.discardPaddingNs > 0;
+}
+
+// Around the addition; its identifier is the one that holds for those that do not say.
+CElementBytes AdditionHead(UINT64 bytes) {
+    const UINT64 more = CElementBytes::elementBytes(EBML_ID(libmatroska::KaxBlockAdditional), bytes);
+    CElementBytes head;
+    head.addHead(EBML_ID(libmatroska::KaxBlockAdditions),
+                 CElementBytes::elementBytes(EBML_ID(libmatroska::KaxBlockMore), more));
+    head.addHead(EBML_ID(libmatroska::KaxBlockMore), more);
+    head.addHead(EBML_ID(libmatroska::KaxBlockAdditional), bytes);
+    return head;
+}
+
+void Append(std::vector<BYTE>& bytes, std::span<const BYTE> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
 }
 
 // What stands behind the block in its group. A duration that is not known, or 0, is not said.
-void AddGroupTail(CElementBytes& tail, const CStrictCluster::Block& block) {
+std::vector<BYTE> GroupTail(const CStrictCluster::Block& block, std::span<const BYTE> addition) {
+    std::vector<BYTE> tail;
+    if (block.hasAddition) {
+        Append(tail, AdditionHead(addition.size()).bytes());
+        Append(tail, addition);
+    }
+    CElementBytes numbers;
     const auto durationMs = static_cast<UINT64>(block.times.endMs - block.times.startMs);
     if (durationMs > 0) {
-        tail.addNumber(EBML_ID(libmatroska::KaxBlockDuration), durationMs);
+        numbers.addNumber(EBML_ID(libmatroska::KaxBlockDuration), durationMs);
     }
     if (block.discardPaddingNs > 0) {
-        tail.addSigned(EBML_ID(libmatroska::KaxDiscardPadding), block.discardPaddingNs);
+        numbers.addSigned(EBML_ID(libmatroska::KaxDiscardPadding), block.discardPaddingNs);
     }
+    Append(tail, numbers.bytes());
+    return tail;
 }
 
 CElementBytes TimeElement(INT64 timeMs) {
@@ -49,15 +72,15 @@ bool CStrictCluster::isTooSmallFor(INT64 startMs, UINT64 payloadBytes) const {
                                 m_bytes.totalBytes() + payloadBytes + kMaxOtherBytes, m_blocks.size() + 1);
 }
 
-void CStrictCluster::add(const Block& block, const FrameBytes& frame) {
+void CStrictCluster::add(const Block& block, const FrameBytes& frame, std::span<const BYTE> addition) {
     const UINT64 dataBytes = BlockDataBytes(block.track, frame.bytes.size());
     CElementBytes head;
-    CElementBytes tail;
+    std::vector<BYTE> tail;
     if (IsGroup(block)) {
         const libebml::EbmlId& blockId = EBML_ID(libmatroska::KaxBlock);
-        AddGroupTail(tail, block);
+        tail = GroupTail(block, addition);
         head.addHead(EBML_ID(libmatroska::KaxBlockGroup),
-                     CElementBytes::elementBytes(blockId, dataBytes) + tail.bytes().size());
+                     CElementBytes::elementBytes(blockId, dataBytes) + tail.size());
         head.addHead(blockId, dataBytes);
         AddBlockHead(head, block.track, 0, 0);
     } else {
@@ -65,12 +88,12 @@ void CStrictCluster::add(const Block& block, const FrameBytes& frame) {
         AddBlockHead(head, block.track, 0, block.isKeyframe ? kKeyframeFlag : BYTE{0});
     }
     PlacedBlock placed{block};
-    placed.payloadBytes = frame.bytes.size();
+    placed.payloadBytes = frame.bytes.size() + addition.size();
     placed.position = m_bytes.totalBytes();
     placed.offsetPlace = m_bytes.nextPlace() + head.bytes().size() - kOffsetAndFlagsBytes;
     m_blocks.push_back(placed);
     try {
-        m_bytes.append(head.bytes(), frame, tail.bytes());
+        m_bytes.append(head.bytes(), frame, tail);
     } catch (...) {
         m_blocks.pop_back();
         throw;

@@ -21,12 +21,13 @@ class CStrictCluster {
         bool isKeyframe = true;
         bool isCuePoint = false;
         bool isText = false;         // a block group; its cue point has its duration
+        bool hasAddition = false;    // makes it a block group, too
         UINT64 discardPaddingNs = 0; // makes it a block group, too
     };
     // A block with what is known once it stands in the cluster.
     struct PlacedBlock : Block {
-        UINT64 payloadBytes = 0;
-        UINT64 position = 0; // of its element, behind the cluster's time
+        UINT64 payloadBytes = 0; // with the addition
+        UINT64 position = 0;     // of its element, behind the cluster's time
         size_t offsetPlace = 0;
     };
 
@@ -37,7 +38,8 @@ class CStrictCluster {
     // Whether one that starts there, with so much payload, belongs into another cluster.
     [[nodiscard]] bool isTooSmallFor(INT64 startMs, UINT64 payloadBytes) const;
 
-    void add(const Block& block, const FrameBytes& frame);
+    // The addition stands beside the frame, where the block has one.
+    void add(const Block& block, const FrameBytes& frame, std::span<const BYTE> addition = {});
     // Answers where its blocks' positions count from, in its data.
     [[nodiscard]] UINT64 timeBytes(INT64 shiftMs) const;
     // As it is, with that shift.

@@ -20,6 +20,14 @@ std::optional<UINT32> FirstOf(INT32 trackType, const TrackList& tracks) {
     return found == tracks.end() ? std::nullopt : std::optional(static_cast<UINT32>(found - tracks.begin()));
 }
 
+// What stands beside the block of a packet that is to be converted yet; empty: nothing.
+std::vector<BYTE> AdditionOf(const Packet& packet, const TrackFacts& track) {
+    if (!track.isConverted || packet.data == nullptr) {
+        return {};
+    }
+    return media::StrictAdditionOf(track.type, {packet.data, packet.size});
+}
+
 } // namespace
 
 void CStrictClusterWriter::setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
@@ -31,17 +39,19 @@ void CStrictClusterWriter::setTracks(const TrackList& tracks, const std::vector<
 
 std::optional<UINT64> CStrictClusterWriter::addFrameToCurrentCluster(const Packet& packet) {
     std::vector<BYTE> room;
+    const std::vector<BYTE> addition = AdditionOf(packet, trackOf(packet)); // the frame may take its place
     const FrameBytes frame = StrictPayloadOf(packet, trackOf(packet), room);
     if (frame.bytes.empty()) {
         return std::nullopt;
     }
-    const CStrictCluster::Block block = blockOf(packet, frame);
+    CStrictCluster::Block block = blockOf(packet, frame);
+    block.hasAddition = !addition.empty();
     const bool isCueVideo = packet.stream == m_cueVideo;
-    if (belongsIntoNext(block, isCueVideo && block.isKeyframe, frame.bytes.size())) {
+    if (belongsIntoNext(block, isCueVideo && block.isKeyframe, frame.bytes.size() + addition.size())) {
         flushCluster();
     }
     cues().makeRoom(m_cuePoints + 1); // so that the block comes in with its point, or not at all
-    m_cluster.add(block, frame);
+    m_cluster.add(block, frame, addition);
     m_hasCueVideo = m_hasCueVideo || isCueVideo;
     m_cuePoints += block.isCuePoint ? 1 : 0;
     if (block.isCuePoint && packet.stream == m_cueSound) {

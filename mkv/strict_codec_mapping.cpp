@@ -1,5 +1,7 @@
 #include "mkv/strict_codec_mapping.h"
 
+#include <cstring>
+
 #include <matroska/KaxTrackAudio.h>
 #include <matroska/KaxTrackVideo.h>
 #include <matroska/KaxTracks.h>
@@ -13,12 +15,22 @@ namespace {
 
 using libebml::EbmlMaster;
 
+// Copied by the element; its first letter is in the lowest byte.
+void SetFourCc(libebml::EbmlBinary& element, DWORD fourCc) {
+    BYTE letters[sizeof(fourCc)];
+    std::memcpy(letters, &fourCc, sizeof(letters));
+    element.CopyBuffer(letters, sizeof(letters));
+}
+
 void FillVideo(EbmlMaster& video, const media::VideoDescription& description, bool isWebm) {
     SetChild<libmatroska::KaxVideoPixelWidth>(video, description.pixelWidth);
     SetChild<libmatroska::KaxVideoPixelHeight>(video, description.pixelHeight);
     if (description.display) {
         SetChild<libmatroska::KaxVideoDisplayWidth>(video, description.display->width);
         SetChild<libmatroska::KaxVideoDisplayHeight>(video, description.display->height);
+    }
+    if (description.uncompressedFourCc) {
+        SetFourCc(libebml::GetChild<libmatroska::KaxVideoColourSpace>(video), *description.uncompressedFourCc);
     }
     if (description.flagInterlaced) {
         SetToldChild<libmatroska::KaxVideoFlagInterlaced>(video, *description.flagInterlaced);
@@ -55,6 +67,9 @@ void FillStrictCodec(libmatroska::KaxTrackEntry& entry, const media::CodecDescri
     }
     if (description.seekPreRollNs != 0) {
         SetChild<libmatroska::KaxSeekPreRoll>(entry, description.seekPreRollNs);
+    }
+    if (description.maxBlockAdditionId != 0) {
+        SetChild<libmatroska::KaxMaxBlockAdditionID>(entry, description.maxBlockAdditionId);
     }
     if (description.video) {
         FillVideo(libebml::GetChild<libmatroska::KaxTrackVideo>(entry), *description.video, isWebm);

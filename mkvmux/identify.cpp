@@ -1,31 +1,31 @@
 #include "mkvmux/identify.h"
 
-#include "media/codec_description.h"
 #include "mkvmux/filter_graph.h"
 #include "mkvmux/identify_json.h"
 #include "mkvmux/media_type_text.h"
 #include "mkvmux/text.h"
+#include "mkvmux/written_codec.h"
 
 namespace mkvmux {
 
-std::string DescribeStream(const SourceStream& stream) {
+std::string DescribeStream(const SourceStream& stream, bool isStrict) {
     if (!stream.HasType()) {
         return stream.problem.empty() ? "no media type is offered: no codec" : stream.problem;
     }
-    const std::string codec = media::CodecIdOf(stream.type);
+    const std::string codec = WrittenCodecId(stream.type, isStrict);
     return DescribeMediaType(stream.type) + ": " + (codec.empty() ? "no codec" : codec) +
            (stream.ownReader ? " (own " + stream.readerName + " reader)" : "");
 }
 
 namespace {
 
-std::string IdentificationAsText(const std::vector<IdentifiedInput>& inputs) {
+std::string IdentificationAsText(const std::vector<IdentifiedInput>& inputs, bool isStrict) {
     std::string text;
     for (const IdentifiedInput& input : inputs) {
         text += Utf8FromWide(input.path) + "\n";
         for (const SourceStream& stream : input.streams) {
             text += "  track " + std::to_string(stream.number) + " (" + Shown(stream.pinName) +
-                    "): " + DescribeStream(stream) + "\n";
+                    "): " + DescribeStream(stream, isStrict) + "\n";
         }
     }
     return text;
@@ -45,7 +45,7 @@ std::string Identify(const Options& options) {
             stream.number = number++;
         }
     }
-    return options.json ? IdentificationAsJson(inputs) : IdentificationAsText(inputs);
+    return options.json ? IdentificationAsJson(inputs, options.strict) : IdentificationAsText(inputs, options.strict);
 }
 
 } // namespace mkvmux

@@ -13,6 +13,6 @@ namespace mkvmux {
 [[nodiscard]] std::string Identify(const Options& options);
 
 // "video 'cvid', 160x120, 25 fps: V_MS/VFW/FOURCC", or why the stream cannot be written.
-[[nodiscard]] std::string DescribeStream(const SourceStream& stream);
+[[nodiscard]] std::string DescribeStream(const SourceStream& stream, bool isStrict);
 
 } // namespace mkvmux

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "media/codec_description.h"
 #include "mkvmux/media_type_facts.h"
 #include "mkvmux/text.h"
+#include "mkvmux/written_codec.h"
 
 namespace mkvmux {
 
@@ -37,14 +37,14 @@ void AddFlag(Json& track, const char* name, const std::optional<bool>& flag) {
     }
 }
 
-Json TrackOf(const SourceStream& stream) {
+Json TrackOf(const SourceStream& stream, bool isStrict) {
     Json track;
     track["number"] = stream.number;
     track["pin"] = Shown(stream.pinName);
     track["codec_id"] = nullptr; // the muxer cannot write it
     if (stream.HasType()) {
         AddFacts(track, stream.type);
-        if (std::string codec = media::CodecIdOf(stream.type); !codec.empty()) {
+        if (std::string codec = WrittenCodecId(stream.type, isStrict); !codec.empty()) {
             track["codec_id"] = std::move(codec);
         }
     }
@@ -64,13 +64,13 @@ Json TrackOf(const SourceStream& stream) {
 
 } // namespace
 
-std::string IdentificationAsJson(const std::vector<IdentifiedInput>& inputs) {
+std::string IdentificationAsJson(const std::vector<IdentifiedInput>& inputs, bool isStrict) {
     Json document;
     document["inputs"] = Json::array();
     for (const IdentifiedInput& input : inputs) {
         Json tracks = Json::array();
         for (const SourceStream& stream : input.streams) {
-            tracks.push_back(TrackOf(stream));
+            tracks.push_back(TrackOf(stream, isStrict));
         }
         document["inputs"].push_back({{"file", Utf8FromWide(input.path)}, {"tracks", std::move(tracks)}});
     }

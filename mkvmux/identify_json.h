@@ -14,6 +14,6 @@ struct IdentifiedInput {
 };
 
 // One document, indented, UTF-8; docs/mkvmux.md has its members.
-[[nodiscard]] std::string IdentificationAsJson(const std::vector<IdentifiedInput>& inputs);
+[[nodiscard]] std::string IdentificationAsJson(const std::vector<IdentifiedInput>& inputs, bool isStrict);
 
 } // namespace mkvmux

@@ -1,11 +1,11 @@
 #include "mkvmux/mux_graph.h"
 
-#include "media/codec_description.h"
 #include "mkvmux/failure.h"
 #include "mkvmux/filter_graph.h"
 #include "mkvmux/graph_walk.h"
 #include "mkvmux/media_type_text.h"
 #include "mkvmux/text.h"
+#include "mkvmux/written_codec.h"
 
 namespace mkvmux {
 
@@ -44,7 +44,16 @@ void MuxGraph::AddInput(const std::wstring& path, const std::set<size_t>& disabl
 bool MuxGraph::CanBeWritten(const SourceStream& stream) const {
     const win::ComPtr<IPin> input = FreePinOf(m_muxer.Get(), PINDIR_INPUT);
     return stream.HasType() && input && input->QueryAccept(&stream.type) == S_OK &&
-           !media::CodecIdOf(stream.type).empty();
+           !WrittenCodecId(stream.type, m_isStrict).empty();
+}
+
+std::string MuxGraph::WhyNotConnected(IPin& input, const AM_MEDIA_TYPE& type, HRESULT hr) const {
+    if (input.QueryAccept(&type) == S_OK) {
+        return ": cannot be connected to the muxer: " + DescribeResult(hr);
+    }
+    const bool wouldTake = !m_isStrict && !WrittenCodecId(type, true).empty();
+    return wouldTake ? ": compatible files do not hold this type; --profile strict writes it"
+                     : ": the muxer does not take this type";
 }
 
 void MuxGraph::AddStream(SourceStream stream) {
@@ -60,15 +69,13 @@ void MuxGraph::AddStream(SourceStream stream) {
         throw Failure(described + ": the muxer has no free input");
     }
     if (const HRESULT hr = m_graph->ConnectDirect(stream.pin.Get(), input.Get(), nullptr); FAILED(hr)) {
-        const bool refused = input->QueryAccept(&stream.type) != S_OK;
-        throw Failure(described + (refused ? ": the muxer does not take this type"
-                                           : ": cannot be connected to the muxer: " + DescribeResult(hr)));
+        throw Failure(described + WhyNotConnected(*input.Get(), stream.type, hr));
     }
     CMediaType agreed;
     if (SUCCEEDED(stream.pin->ConnectionMediaType(&agreed))) {
         stream.type = agreed;
     }
-    if (media::CodecIdOf(stream.type).empty()) {
+    if (WrittenCodecId(stream.type, m_isStrict).empty()) {
         throw Failure(described + ": Matroska has no codec identifier for this type");
     }
     m_streams.push_back(std::move(stream));

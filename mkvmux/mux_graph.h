@@ -24,7 +24,11 @@ class MuxGraph {
 
     // Of the inputs to come that do not say.
     void UseFrameRate(const annexb::FrameRate& rate) { m_sources.UseFrameRate(rate); }
-    void UseExactTimes(bool exactTimes) { m_sources.UseExactTimes(exactTimes); }
+    // Strict or compatible, of the file to be written.
+    void UseProfile(bool isStrict) {
+        m_isStrict = isStrict;
+        m_sources.UseExactTimes(isStrict);
+    }
     // Connects every stream of the file to an input of the muxer, in order. A stream that cannot be written is
     // skipped when it is disabled, and a Failure otherwise.
     void AddInput(const std::wstring& path, const std::set<size_t>& disabled = {});
@@ -50,6 +54,7 @@ class MuxGraph {
   private:
     void AddToGraph(IBaseFilter* filter, const wchar_t* name);
     [[nodiscard]] bool CanBeWritten(const SourceStream& stream) const;
+    [[nodiscard]] std::string WhyNotConnected(IPin& input, const AM_MEDIA_TYPE& type, HRESULT hr) const;
 
     win::ComPtr<IGraphBuilder> m_graph;
     win::ComPtr<IBaseFilter> m_muxer;
@@ -57,6 +62,7 @@ class MuxGraph {
     SourceStreams m_sources;
     std::vector<SourceStream> m_streams;
     std::vector<SourceStream> m_skipped;
+    bool m_isStrict = false;
 };
 
 } // namespace mkvmux

@@ -82,8 +82,8 @@ void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& set
 
 void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Console& console) {
     const auto list = [&](const SourceStream& stream, const char* remark) {
-        console.Inform("track " + std::to_string(stream.number) + ": " + stream.Name() + ": " + DescribeStream(stream) +
-                       remark + "\n");
+        console.Inform("track " + std::to_string(stream.number) + ": " + stream.Name() + ": " +
+                       DescribeStream(stream, settings.IsStrict()) + remark + "\n");
     };
     for (size_t input = 0; input < graph.Streams().size(); ++input) {
         list(graph.Streams()[input], settings.IsEnabled(input) ? "" : " (disabled)");
@@ -130,7 +130,7 @@ void Mux(const Options& options, Interruption& interruption, Console& console) {
     MuxerSettings settings(graph.Muxer());
     PrepareMuxer(options, settings);
     graph.UseFrameRate(options.frameRate);
-    graph.UseExactTimes(settings.IsStrict());
+    graph.UseProfile(settings.IsStrict());
     for (const InputOptions& input : options.inputs) {
         graph.AddInput(input.path, DisabledTracks(options));
         interruption.Check();

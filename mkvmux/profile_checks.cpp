@@ -55,7 +55,7 @@ void CheckWebmSubset(const MuxGraph& graph, const MuxerSettings& settings) {
     }
     for (size_t input = 0; input < graph.Streams().size(); ++input) {
         const SourceStream& stream = graph.Streams()[input];
-        const std::string codec = media::CodecIdOf(stream.type);
+        const std::string codec = media::StrictCodecIdOf(stream.type);
         if (settings.IsEnabled(input) && !media::IsInWebmSubset(codec)) {
             throw Failure("track " + std::to_string(stream.number) + " (" + codec + ") cannot go into a WebM file" +
                           kWayOut);
