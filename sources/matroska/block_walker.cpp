@@ -109,6 +109,7 @@ std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
     std::optional<Block> block;
     std::optional<UINT64> duration;
     UINT64 paddingNs = 0;
+    std::optional<Element> addition;
     bool refersToOthers = false;
     const bool intact = m_reader.ForEachChild(group, [&](const Element& child) {
         if (child.id == IdOf<KaxBlock>() && !block) {
@@ -119,6 +120,8 @@ std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
             paddingNs = PaddingOf(child);
         } else if (child.id == IdOf<KaxReferenceBlock>()) {
             refersToOthers = true;
+        } else if (child.id == IdOf<KaxBlockAdditions>()) {
+            addition = FirstAddition(child);
         }
     });
     m_damaged = m_damaged || !intact;
@@ -127,8 +130,30 @@ std::optional<Block> BlockWalker::ReadGroup(const Element& group) {
         block->durationTicks = duration;
         block->paddingNs = paddingNs;
         block->keyframe = !refersToOthers;
+        block->additionData = addition ? addition->data : 0;
+        block->additionSize = addition ? addition->Size() : 0;
     }
     return block;
+}
+
+// The one whose identifier is 1, as it is for one that does not say.
+std::optional<Element> BlockWalker::FirstAddition(const Element& additions) const {
+    std::optional<Element> found;
+    (void)m_reader.ForEachChild(additions, [&](const Element& more) {
+        std::optional<Element> data;
+        UINT64 identifier = 1;
+        (void)m_reader.ForEachChild(more, [&](const Element& child) {
+            if (child.id == IdOf<KaxBlockAdditional>()) {
+                data = child;
+            } else if (child.id == IdOf<KaxBlockAddID>()) {
+                identifier = m_reader.ReadUnsigned(child, identifier);
+            }
+        });
+        if (more.id == IdOf<KaxBlockMore>() && identifier == 1 && !found) {
+            found = data;
+        }
+    });
+    return found;
 }
 
 // A negative number is padding at the block's start, which no time of a packet can tell.

@@ -21,6 +21,9 @@ struct Block {
     UINT64 start = 0;     // position of its element, or of its group's
     UINT64 data = 0;      // position of the frames
     UINT64 size = 0;
+    // Of the addition of identifier 1 beside the frames; 0: there is none.
+    UINT64 additionData = 0;
+    UINT64 additionSize = 0;
 };
 
 class BlockWalker {
@@ -42,6 +45,7 @@ class BlockWalker {
     [[nodiscard]] std::optional<Block> ReadPart(const Element& part);
     [[nodiscard]] std::optional<Block> ReadGroup(const Element& group);
     [[nodiscard]] std::optional<Block> ReadBlock(const Element& element);
+    [[nodiscard]] std::optional<Element> FirstAddition(const Element& additions) const;
     [[nodiscard]] UINT64 PaddingOf(const Element& element) const;
     void LookForCluster();
 

@@ -23,6 +23,9 @@ struct ContentEncoding {
     bool isDamaged = false;     // the settings are longer than any real ones
 };
 
+// The cues' settings stand beside their blocks.
+inline constexpr const char* kWebVttId = "S_TEXT/WEBVTT";
+
 // What its media types are made of, and what else the file says of the track.
 struct Track : media::TrackFacts {
     UINT64 number = 0;

@@ -6,7 +6,9 @@
 
 #include "codecs/avc_configuration.h"
 #include "codecs/lacing.h"
+#include "codecs/prores_frame.h"
 #include "codecs/unit_lengths.h"
+#include "codecs/webvtt_cue.h"
 #include "dshow/ref_time.h"
 #include "media/codec_description.h"
 #include "media/media_types_of.h"
@@ -25,6 +27,9 @@ constexpr UINT64 kMaxTicksBelowCluster = 32768;
 // No codec needs as much; a longer one is damage, and none.
 constexpr UINT64 kMaxDelayNs = 1'000'000'000;
 constexpr const char* kOpusId = "A_OPUS";
+constexpr const char* kProResId = "V_PRORES";
+// Of settings, an identifier and comments; more is damage.
+constexpr UINT64 kMaxAdditionBytes = UINT64{64} * 1024;
 
 // In whole milliseconds, as players of files with such times take it off: so a time that is moved by it is rounded as
 // it was.
@@ -99,8 +104,8 @@ void MatroskaReader::AddStream(Track& track) {
                               track.isForced, track.isEnabled, track.hearingImpaired, track.visualImpaired,
                               track.original, track.commentary};
     m_streams.push_back(std::move(description));
-    m_states.push_back(
-        {ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track), delayNs, isExactOpus});
+    m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track), delayNs,
+                        isExactOpus, WrappingOf(track)});
     m_queue.AddStream(track.IsSubtitle(), track.defaultDurationNs, delayNs);
 }
 
@@ -207,9 +212,35 @@ void MatroskaReader::ReadFrames(const Block& block, size_t index) {
         return;
     }
     TakeApart(std::move(payload), block.lacing, m_states[index]);
+    WrapFrames(block, m_states[index].wrapping);
     for (source::Packet& packet : m_frames) {
         packet.stream = index;
         packet.keyframe = block.keyframe;
+    }
+}
+
+MatroskaReader::Wrapping MatroskaReader::WrappingOf(const Track& track) {
+    if (track.codecId == kProResId) {
+        return Wrapping::ProResHead;
+    }
+    return track.codecId == kWebVttId ? Wrapping::CueBoxes : Wrapping::None;
+}
+
+// Lost frames stay empty. An addition is no part of what encodings change.
+void MatroskaReader::WrapFrames(const Block& block, Wrapping wrapping) {
+    codecs::WebVttCue cue;
+    if (wrapping == Wrapping::CueBoxes && block.additionSize <= kMaxAdditionBytes) {
+        std::vector<BYTE> addition(static_cast<size_t>(block.additionSize));
+        addition.resize(m_bytes->ReadAt(block.additionData, addition));
+        codecs::ReadCueAddition(addition, cue);
+    }
+    for (source::Packet& packet : m_frames) {
+        if (wrapping == Wrapping::ProResHead) {
+            codecs::AddProResHead(packet.data);
+        } else if (wrapping == Wrapping::CueBoxes && !packet.data.empty()) {
+            cue.text.assign(packet.data.begin(), packet.data.end());
+            packet.data = codecs::BoxesOfCue(cue);
+        }
     }
 }
 

@@ -35,11 +35,15 @@ class MatroskaReader final : public source::PacketReader {
     [[nodiscard]] bool ReadNext(source::Packet& packet) override;
     [[nodiscard]] HRESULT DamageSoFar() const override;
 
+    // What is put around each frame, as its media type asks.
+    enum class Wrapping { None, ProResHead, CueBoxes };
+
     struct Stream {
         ContentDecoder decoder;
         size_t avcLengthBytes = 0; // 0: the lengths of units stay as they are
         INT64 delayNs = 0;         // added to its blocks' times
         bool isExactOpus = false;
+        Wrapping wrapping = Wrapping::None;
 
         [[nodiscard]] bool KeepsFrames() const { return decoder.ChangesNothing() && avcLengthBytes == 0; }
     };
@@ -53,6 +57,8 @@ class MatroskaReader final : public source::PacketReader {
     void ReadBlock(const Block& block);
     void ReadFrames(const Block& block, size_t index);
     void TakeApart(std::vector<BYTE> payload, BYTE lacing, const Stream& stream);
+    [[nodiscard]] static Wrapping WrappingOf(const Track& track);
+    void WrapFrames(const Block& block, Wrapping wrapping);
     void Spare(std::vector<BYTE>& bytes);
     [[nodiscard]] std::vector<BYTE> TakeBytes(size_t size);
     [[nodiscard]] std::optional<std::vector<BYTE>> DecodeFrame(const Stream& stream, codecs::ByteView frame,

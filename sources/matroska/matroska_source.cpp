@@ -20,7 +20,8 @@ void TellLosses(const Track& track, std::vector<std::string>& warnings) {
     if (!track.isEnabled) {
         warnings.push_back(name + "is marked as not to be used, and goes on as any other");
     }
-    if (track.maxAdditionId > 0 || track.hasAlpha) {
+    const bool carriesAdditions = track.codecId == kWebVttId; // with the text of each cue
+    if ((track.maxAdditionId > 0 && !carriesAdditions) || track.hasAlpha) {
         warnings.push_back(name + "what its blocks carry besides the frames, such as an alpha channel, is left out");
     }
 }

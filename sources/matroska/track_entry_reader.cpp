@@ -1,5 +1,7 @@
 #include "sources/matroska/track_entry_reader.h"
 
+#include <cstring>
+
 #include <matroska/KaxContentEncoding.h>
 #include <matroska/KaxSemantic.h>
 
@@ -12,6 +14,16 @@ using namespace libmatroska;
 // Writers strip what all frames of a codec begin with: a few bytes.
 constexpr UINT64 kMaxStrippedHeaderBytes = 1024;
 constexpr size_t kMaxEncodings = 2; // one is read, the second one says that there are too many
+
+// None for anything but four letters.
+DWORD ReadFourCc(const EbmlReader& reader, const Element& element) {
+    DWORD fourCc = 0;
+    const std::vector<BYTE> bytes = reader.ReadBytes(element, sizeof(fourCc));
+    if (bytes.size() == sizeof(fourCc)) {
+        std::memcpy(&fourCc, bytes.data(), sizeof(fourCc));
+    }
+    return fourCc;
+}
 
 void ReadVideo(const EbmlReader& reader, const Element& element, Track& track) {
     media::VideoFacts& video = track.video;
@@ -35,6 +47,8 @@ void ReadVideo(const EbmlReader& reader, const Element& element, Track& track) {
             video.flagInterlaced = value;
         } else if (child.id == IdOf<KaxVideoFieldOrder>()) {
             video.fieldOrder = value;
+        } else if (child.id == IdOf<KaxVideoColourSpace>()) {
+            video.uncompressedFourCc = ReadFourCc(reader, child);
         } else if (child.id == IdOf<KaxVideoAlphaMode>()) {
             track.hasAlpha = value != 0;
         }
