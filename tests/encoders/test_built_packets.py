@@ -31,6 +31,27 @@ USF = """<?xml version="1.0" encoding="UTF-8"?>
 </USFSubtitles>
 """
 
+VTT = """WEBVTT - a title
+
+STYLE
+::cue { color: red }
+
+NOTE of the file
+
+one
+00:00:00.500 --> 00:00:01.250 align:start position:10%
+First line
+<i>second</i> line
+
+00:00:01.500 --> 00:00:02.000
+Käse €
+
+NOTE in front of a cue
+
+00:00:02.500 --> 00:00:03.000 line:0
+<v Ann>Third
+"""
+
 SUBTITLE_DEFAULT_DURATION_NS = 3_000_000_000
 
 
@@ -76,9 +97,10 @@ class Subtitles(CodecCase):
         output = self.directory / "out.mkv"
         self.mux(output, source)
         offered = self.identified(source)[0]
-        self.assertEqual((offered["subtype"], offered["codec_id"]), (media_type, codec_id))
+        expected = self.strict_codec_id(codec_id) if self.is_strict else codec_id
+        self.assertEqual((offered["subtype"], offered["codec_id"]), (media_type, expected))
         track, before = self.report(output)["properties"], self.report(source)["properties"]
-        self.assertEqual(track["codec_id"], self.strict_codec_id(codec_id) if self.is_strict else codec_id)
+        self.assertEqual(track["codec_id"], expected)
         self.assertEqual(track.get("default_duration"), None if self.is_strict else SUBTITLE_DEFAULT_DURATION_NS)
         self.assertEqual(track.get("codec_private_data", ""), before.get("codec_private_data", ""), "CodecPrivate")
         self.assert_same_stream(source, output, keys=False)
@@ -125,3 +147,42 @@ class Subtitles(CodecCase):
         self.assertEqual(done.returncode, 0, done.stderr)
         output = self.check(source, "S_VOBSUB", "{F7239E31-9599-4E43-8DD5-FBAF75CF37F1}")
         self.assert_decodes_alike(source, output, "s", "-c:s", "dvdsub")
+
+    # ---- What compatible files do not hold
+
+    def check_strict(self, source, codec_id, media_type):
+        """The output, or None where the profile has no such codec."""
+        if self.is_strict:
+            return self.check(source, codec_id, media_type)
+        output = self.directory / "out.mkv"
+        self.assert_fails(self.mkvmux("-o", output, source), "compatible files do not hold this type",
+                          "--profile strict")
+        self.assertFalse(output.exists())
+        return None
+
+    def extracted(self, path):
+        """The subtitles as mkvextract writes them."""
+        target = self.directory / "extracted"
+        done = run_tool(["mkvextract", str(path), "tracks", f"0:{target}"])
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return target.read_bytes()
+
+    def test_webvtt(self):
+        source = self.mkvmerge(self.write("a.vtt", VTT))
+        output = self.check_strict(source, "S_TEXT/WEBVTT", "'wvtt'")
+        if output is not None:
+            text = self.extracted(output)
+            self.assertEqual(text, self.extracted(source))
+            for part in ("one\n00:00:00.500 --> 00:00:01.250 align:start position:10%\nFirst line", "Käse €",
+                         "NOTE in front of a cue", " line:0\n<v Ann>Third", "::cue { color: red }"):
+                self.assertIn(part.encode(), text)
+
+    def test_dvb_subtitles(self):
+        stream = self.directory / "a.ts"
+        done = run_tool(["ffmpeg", "-v", "error", "-y", "-i", str(self.sup()), "-c:s", "dvbsub", str(stream)])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        source = self.mkvmerge(stream)
+        self.assertEqual(len(self.report(source)["properties"]["codec_private_data"]), 2 * 5)
+        output = self.check_strict(source, "S_DVBSUB", "{34FFCBC3-D5B3-4171-9002-D4C60301697F}")
+        if output is not None:
+            self.assert_decodes_alike(source, output, "s", "-c:s", "dvbsub")

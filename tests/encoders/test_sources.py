@@ -5,7 +5,7 @@ import json
 from whole_files.codec_case import CodecCase
 from whole_files.codec_matrix import SRT
 from whole_files.mkvmux_case import make_input, pcm_wave, picture, run_tool, sound
-from whole_files.profiles import in_both_profiles
+from whole_files.profiles import STRICT, in_both_profiles
 
 H264 = ("-c:v", "libx264", "-g", "25", "-bf", "3", "-x264-params", "b-pyramid=normal:scenecut=0")
 H265 = ("-c:v", "libx265", "-x265-params", "log-level=error:keyint=25:bframes=3")
@@ -74,6 +74,30 @@ class RawVideo(CodecCase):
         self.mux(output, "--fps", "25", raw, pcm_wave(2))
         self.assertEqual([kind for kind, _ in self.codecs(output)], ["video", "audio"])
         self.assert_decodes(output)
+
+
+class RgbRows(CodecCase):
+    """Windows has the lowest row of RGB first and fills the rows up; a strict file has neither."""
+    profile = STRICT
+
+    def check(self, flipped, pixels, bytes_a_pixel):
+        width, height = 162, 120  # no multiple of four bytes, of 24 bits
+        source = make_input(f"rgb_{pixels}_{flipped}.avi", *picture(1, f"{width}x{height}"), "-c:v", "rawvideo", "-pix_fmt",
+                            pixels, "-flipped_raw_rgb", str(flipped))
+        output = self.remux(source)
+        self.assertEqual(self.codecs(output), [("video", "V_UNCOMPRESSED")])
+        self.assertEqual({int(packet["size"]) for packet in self.probe(output)}, {width * height * bytes_a_pixel})
+        self.assert_decodes_alike(source, output, "v", "-pix_fmt", "bgr24")
+        self.assert_remuxes(output)
+
+    def test_24_bits(self):
+        self.check(0, "bgr24", 3)
+
+    def test_24_bits_with_the_lowest_row_first(self):
+        self.check(1, "bgr24", 3)
+
+    def test_32_bits_with_the_lowest_row_first(self):
+        self.check(1, "bgr0", 4)
 
 
 @in_both_profiles

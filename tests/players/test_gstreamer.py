@@ -114,10 +114,15 @@ class ManyTracks(GStreamerCase):
         self.assertLess(len(buffers), len(self.packet_times(whole, 0)))
 
 
+def case_for(line, case):
+    """Both profiles, or the strict one where compatible files do not hold the codec."""
+    return case if line.codec_id else globals()["Strict" + case.__name__]
+
+
 def add_tests():
     for case, lines in ((VideoCodecs, VIDEO), (AudioCodecs, AUDIO)):
         for line in lines:
-            setattr(case, f"test_{line.name}", lambda self, line=line: self.check(line))
+            setattr(case_for(line, case), f"test_{line.name}", lambda self, line=line: self.check(line))
     for line in SUBTITLES:
         setattr(SubtitleCodecs, f"test_{line.name}", lambda self, line=line: self.check(self.encoded(line)))
     for codec_id in MADE_UP_SUBTITLES:

@@ -136,9 +136,9 @@ class CodecCase(MkvmuxCase):
         return [{name: track["properties"].get(name) for name in STATISTICS} for track in tracks_of(path)]
 
     def identified(self, source):
-        """The tracks of one input as mkvmux lists them, whatever the profile."""
+        """The tracks of one input as mkvmux lists them, with the codecs of the case's profile."""
         info = Path(source).stat()
-        known = (source, info.st_mtime_ns, info.st_size)
+        known = (source, info.st_mtime_ns, info.st_size, self.profile)
         if known not in self.identified_files:
             self.identified_files[known] = json.loads(self.mkvmux("--identify", "--json", source).output)
         return self.identified_files[known]["inputs"][0]["tracks"]

@@ -24,25 +24,35 @@ class Line:
     container: str  # the ending of the input
     encoder: str  # as ffmpeg names it
     media_type: str  # the subtype that the source offers, as --identify shows it
-    codec_id: str
-    # "carried": as in the input; "none"; "built": by the muxer, judged by what decoders make of it
+    codec_id: str  # in compatible files; "": they do not hold it
+    # "carried": as in the input; "none"; "built": by the muxer, judged by what decoders make of it; "behind": strict
+    # files have what the input has behind the structure of Windows; "windows": that structure, and none in strict files
     private: str = "carried"
     options: tuple = ()  # of the encoder
     source: tuple = PICTURE
     # what mkvmerge reports of the track, by its own names
     fields: dict = field(default_factory=dict)
+    strict_codec_id: str = ""  # where it is another one
+
+    def codec_id_in(self, is_strict):
+        return self.strict_codec_id if is_strict and self.strict_codec_id else self.codec_id
 
 
-def video(name, container, encoder, media_type, codec_id, private="carried", options=(), display=None):
+def video(name, container, encoder, media_type, codec_id, private="carried", options=(), display=None, strict=""):
     fields = {"pixel_dimensions": f"{SIZE[0]}x{SIZE[1]}", "default_duration": 1_000_000_000 // RATE}
     if display is not None:
         fields["display_dimensions"] = display
-    return Line(name, container, encoder, media_type, codec_id, private, tuple(options), PICTURE, fields)
+    return Line(name, container, encoder, media_type, codec_id, private, tuple(options), PICTURE, fields, strict)
 
 
-def audio(name, container, encoder, media_type, codec_id, private="none", options=(), **fields):
+def uncompressed(name, container, fourcc, pixels):
+    return video(name, container, "rawvideo", f"'{fourcc}'", "V_MS/VFW/FOURCC", "windows", ("-pix_fmt", pixels),
+                 strict="V_UNCOMPRESSED")
+
+
+def audio(name, container, encoder, media_type, codec_id, private="none", options=(), strict="", **fields):
     fields = {"audio_sampling_frequency": SAMPLING, "audio_channels": 1, **fields}
-    return Line(name, container, encoder, media_type, codec_id, private, tuple(options), SOUND, fields)
+    return Line(name, container, encoder, media_type, codec_id, private, tuple(options), SOUND, fields, strict)
 
 
 EXPERIMENTAL = ("-strict", "-2")
@@ -64,7 +74,17 @@ VIDEO = [
     video("huffyuv", "mkv", "huffyuv", "'HFYU'", "V_MS/VFW/FOURCC"),
     video("cinepak", "avi", "cinepak", "'cvid'", "V_MS/VFW/FOURCC", "built", GOP),
     video("mjpeg", "avi", "mjpeg", "'MJPG'", "V_MS/VFW/FOURCC", "built"),
-    video("raw", "avi", "rawvideo", "'I420'", "V_MS/VFW/FOURCC", "built", ("-pix_fmt", "yuv420p")),
+    uncompressed("raw", "avi", "I420", "yuv420p"),
+    uncompressed("i420", "mkv", "I420", "yuv420p"),
+    uncompressed("yuy2", "mkv", "YUY2", "yuyv422"),
+    uncompressed("uyvy", "mkv", "UYVY", "uyvy422"),
+    uncompressed("nv12", "mkv", "NV12", "nv12"),
+    uncompressed("grey", "mkv", "Y800", "gray"),
+    video("ffv1", "mkv", "ffv1", "'FFV1'", "V_MS/VFW/FOURCC", "behind", ("-level", "3"), strict="V_FFV1"),
+    video("ffv1_old", "mkv", "ffv1", "'FFV1'", "V_MS/VFW/FOURCC", "behind", ("-level", "1"), strict="V_FFV1"),
+    video("prores", "mkv", "prores_ks", "'apch'", "V_MS/VFW/FOURCC", "built", ("-profile:v", "3"), strict="V_PRORES"),
+    video("prores4444", "mkv", "prores_ks", "'ap4h'", "V_MS/VFW/FOURCC", "built",
+          ("-profile:v", "4", "-pix_fmt", "yuva444p10le"), strict="V_PRORES"),
 ]
 
 AUDIO = [
@@ -85,6 +105,10 @@ AUDIO = [
     audio("flac", "mkv", "flac", "{1541C5C0-CDDF-477D-BC0A-86F8AE7F8354}", "A_FLAC", "carried",
           audio_bits_per_sample=16),
     audio("aac", "mkv", "aac", "wave tag 0x00FF", "A_AAC", "carried"),
+    audio("pcm_be", "mkv", "pcm_s16be", "'twos'", "", strict="A_PCM/INT/BIG", audio_bits_per_sample=16),
+    audio("pcm24_be", "mkv", "pcm_s24be", "'in24'", "", strict="A_PCM/INT/BIG", audio_bits_per_sample=24),
+    audio("pcm32_be", "mkv", "pcm_s32be", "'in32'", "", strict="A_PCM/INT/BIG", audio_bits_per_sample=32),
+    audio("alac", "mkv", "alac", "wave tag 0x6C61", "", "carried", strict="A_ALAC", audio_bits_per_sample=16),
     audio("mulaw", "mkv", "pcm_mulaw", "wave tag 0x0007", "A_MS/ACM", "carried", audio_bits_per_sample=8),
 ]
 
