@@ -98,9 +98,6 @@ void ReadPictureOrder(BitstreamReader& reader, AvcSps& sps) {
 }
 
 SampleAspect ReadSampleAspect(BitstreamReader& reader) {
-    if (!reader.ReadFlag() || !reader.ReadFlag()) { // VUI, aspect ratio
-        return {1, 1};
-    }
     const uint32_t index = reader.ReadBits(8);
     if (index == kExtendedAspectRatio) {
         const uint32_t x = reader.ReadBits(16);
@@ -108,6 +105,13 @@ SampleAspect ReadSampleAspect(BitstreamReader& reader) {
         return reader.IsValid() && x != 0 && y != 0 ? SampleAspect{x, y} : SampleAspect{1, 1};
     }
     return index < std::size(kSampleAspects) ? kSampleAspects[index] : SampleAspect{1, 1};
+}
+
+// What the VUI tells of the pictures; what lies behind that is of no interest.
+SampleAspect ReadVui(BitstreamReader& reader, AvcSps& sps) {
+    const SampleAspect aspect = reader.ReadFlag() ? ReadSampleAspect(reader) : SampleAspect{1, 1};
+    sps.signal = ReadVideoSignal(reader);
+    return aspect;
 }
 
 void ReadShape(BitstreamReader& reader, uint32_t chroma, AvcSps& sps) {
@@ -134,7 +138,7 @@ void ReadShape(BitstreamReader& reader, uint32_t chroma, AvcSps& sps) {
     if (!reader.IsValid()) { // not so if only what follows is damaged
         return;
     }
-    const SampleAspect aspect = ReadSampleAspect(reader);
+    const SampleAspect aspect = reader.ReadFlag() ? ReadVui(reader, sps) : SampleAspect{1, 1};
     sps.shape = {width, height, width * aspect.x, height * aspect.y};
 }
 

@@ -8,6 +8,7 @@
 
 #include "codecs/byte_view.h"
 #include "codecs/picture_shape.h"
+#include "codecs/video_signal.h"
 
 namespace codecs {
 
@@ -37,6 +38,7 @@ struct AvcSps : AvcSpsHead {
     std::vector<int32_t> offsetsForRefFrame;
     bool frameMbsOnly = true;
     PictureShape shape;
+    VideoSignal signal;
 };
 
 struct AvcPps {

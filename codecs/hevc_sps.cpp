@@ -29,7 +29,6 @@ class HevcSpsParser {
     void SkipPcm();
     void SkipReferencePictures();
     void ReadVui();
-    void SkipVuiVideoSignal();
     void SkipVuiDisplayWindow();
     void ReadVuiTiming();
     void ReadVuiRestrictions();
@@ -106,26 +105,11 @@ void HevcSpsParser::ReadVui() {
     if (m_reader.ReadFlag() && m_reader.ReadBits(8) == kExtendedSampleAspectRatio) {
         m_reader.SkipBits(32);
     }
-    if (m_reader.ReadFlag()) {
-        m_reader.SkipBits(1); // overscan_appropriate_flag
-    }
-    SkipVuiVideoSignal();
+    m_sps.signal = ReadVideoSignal(m_reader);
     m_reader.SkipBits(3); // neutral chroma, field sequence, frame and field information
     SkipVuiDisplayWindow();
     ReadVuiTiming();
     ReadVuiRestrictions();
-}
-
-void HevcSpsParser::SkipVuiVideoSignal() {
-    if (m_reader.ReadFlag()) {
-        m_reader.SkipBits(4); // video_format, video_full_range_flag
-        if (m_reader.ReadFlag()) {
-            m_reader.SkipBits(24); // colour description
-        }
-    }
-    if (m_reader.ReadFlag()) {
-        SkipUEs(2); // chroma sample locations
-    }
 }
 
 void HevcSpsParser::SkipVuiDisplayWindow() {

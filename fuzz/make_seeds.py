@@ -19,6 +19,8 @@ AV1_LENGTHS = bytes.fromhex("141301100b080000000337f8e6d7c8020430100102")
 ASS = (b"[Script Info]\nTitle: t\n[V4+ Styles]\nStyle: Default\n[Events]\n"
        b"Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"
        b"Dialogue: 0,0:00:01.00,0:00:02.00,Default,,0,0,0,,Hello, {\\b1}world\n")
+HDR10 = ("log-level=error:info=0:colorprim=bt2020:transfer=smpte2084:colormatrix=bt2020nc:chromaloc=2:max-cll=1000,400:"
+         "master-display=G(13250,34500)B(7500,3000)R(34000,16000)WP(15635,16450)L(10000000,50):atc-sei=18")
 SRT = b"1\n00:00:01,000 --> 00:00:02,500\nHello\nworld\n\n2\n00:00:03,000 --> 00:00:04,000\nagain\n"
 
 
@@ -135,6 +137,7 @@ def seeds():
         yield target, "nothing_between", AVC[:4] * 3 + AVC + AVC[:4]
     yield "parameter_sets", "lengths", b"\0\x19" + AVC[4:29] + b"\0\x06" + AVC[33:39]
     yield "parameter_sets", "hevc", encoded("libx265", "hevc", "-x265-params", "log-level=error:info=0")[:600]
+    yield "parameter_sets", "hevc_hdr", encoded("libx265", "hevc", "-pix_fmt", "yuv420p10le", "-x265-params", HDR10)[:600]
     yield "settings_xml", "values.xml", XML
     yield "settings_xml", "document_type.xml", DOCUMENT_TYPE
     yield "settings_xml", "wide.xml", XML.replace(b"UTF-8", b"UTF-16").decode().encode("utf-16")

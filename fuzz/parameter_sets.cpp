@@ -10,6 +10,7 @@
 #include "codecs/hevc_picture_order.h"
 #include "codecs/hevc_record.h"
 #include "codecs/nal_unit.h"
+#include "codecs/stream_colour.h"
 #include "codecs/whole_avc_configuration.h"
 #include "codecs/whole_hevc_configuration.h"
 #include "fuzz/plain_units.h"
@@ -127,6 +128,34 @@ void CheckWholeHevc(codecs::ByteView header) {
     }
 }
 
+// ---- Colours -----------------------------------------------------------------------------------------------------
+
+void RequireSane(const codecs::StreamColour& colour) {
+    Require(colour.signal.chromaLocation.value_or(0) <= 5 && (!colour.hasParameters || colour.bitDepth >= 8));
+    Require(colour.light.maxContentLight != std::uint16_t{0} && colour.light.maxFrameAverageLight != std::uint16_t{0});
+    if (const auto& mastering = colour.light.mastering) {
+        Require(mastering->gamut || mastering->luminance);
+        Require(!mastering->luminance || mastering->luminance->maximum > mastering->luminance->minimum);
+        Require(!mastering->gamut || (mastering->gamut->red.x <= 1 && mastering->gamut->white.y <= 1));
+    }
+}
+
+void CheckColours(codecs::ByteView header, const std::vector<Bytes>& plainUnits) {
+    const std::vector<codecs::ByteView> units(plainUnits.begin(), plainUnits.end());
+    RequireSane(codecs::AvcColourOf(units));
+    RequireSane(codecs::HevcColourOf(units));
+    for (const size_t lengthBytes : {1, 2, 3, 4}) {
+        const auto found = codecs::FirstUnitsOf(header, lengthBytes);
+        size_t taken = 0;
+        for (const codecs::ByteView unit : found) {
+            taken += lengthBytes + unit.size();
+        }
+        Require(taken <= header.size());
+        RequireSane(codecs::AvcColourOf(found));
+        RequireSane(codecs::HevcColourOf(found));
+    }
+}
+
 // ---- Units -------------------------------------------------------------------------------------------------------
 
 Bytes PlainRawPayload(const Bytes& unit, size_t headerBytes) {
@@ -194,7 +223,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, size_t size) {
     CheckWholeHevc(header);
     AvcState avc;
     HevcState hevc;
-    for (const Bytes& unit : fuzz::PlainUnits(header, codecs::kStartCodeLengthBytes)) {
+    const auto units = fuzz::PlainUnits(header, codecs::kStartCodeLengthBytes);
+    CheckColours(header, units);
+    for (const Bytes& unit : units) {
         const Bytes exact = fuzz::ExactCopy(unit);
         Require(codecs::RawPayload(exact, 1) == PlainRawPayload(exact, 1));
         ReadAvcUnit(exact, avc);

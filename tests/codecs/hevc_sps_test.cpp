@@ -202,10 +202,10 @@ TEST(HevcSpsTest, ReadsPastEveryOptionalPartOfTheVui) {
         if ((mask & 1) != 0) {
             vui.aspectRatioIdc = static_cast<uint8_t>((mask & 2) != 0 ? 255 : 3);
         }
-        vui.hasOverscan = (mask & 4) != 0;
-        vui.hasVideoSignal = (mask & 8) != 0;
-        vui.hasColour = (mask & 16) != 0;
-        vui.hasChromaLocation = (mask & 32) != 0;
+        vui.signal.hasOverscan = (mask & 4) != 0;
+        vui.signal.fullRange = (mask & 8) != 0 ? std::optional(true) : std::nullopt;
+        vui.signal.colours = (mask & 16) != 0 ? std::optional(0x010101u) : std::nullopt;
+        vui.signal.chromaLocation = (mask & 32) != 0 ? std::optional(2u) : std::nullopt;
         vui.hasDisplayWindow = (mask & 64) != 0;
         vui.hasTiming = (mask & 128) != 0;
         vui.hasPocProportional = (mask & 2) != 0;

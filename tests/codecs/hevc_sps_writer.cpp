@@ -97,12 +97,7 @@ void WriteVui(BitWriter& bits, const Vui& vui) {
     if (vui.aspectRatioIdc) {
         bits.Bits(*vui.aspectRatioIdc, 8).Bits(kFiller, *vui.aspectRatioIdc == 255 ? 32 : 0);
     }
-    bits.Flag(vui.hasOverscan).Bits(1, vui.hasOverscan ? 1 : 0);
-    bits.Flag(vui.hasVideoSignal);
-    if (vui.hasVideoSignal) {
-        bits.Bits(5 << 1 | 1, 4).Flag(vui.hasColour).Bits(0x010101, vui.hasColour ? 24 : 0);
-    }
-    bits.Flag(vui.hasChromaLocation).UEs(2, vui.hasChromaLocation ? 2 : 0);
+    WriteSignal(bits, vui.signal);
     bits.Bits(0, 3);
     bits.Flag(vui.hasDisplayWindow).UEs(7, vui.hasDisplayWindow ? 4 : 0);
     bits.Flag(vui.hasTiming);

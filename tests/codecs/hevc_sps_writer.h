@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/codecs/bit_writer.h"
+#include "tests/codecs/video_signal_writer.h"
 
 namespace mkv_test {
 
@@ -45,10 +46,7 @@ struct Hrd {
 
 struct Vui {
     std::optional<uint8_t> aspectRatioIdc;
-    bool hasOverscan = false;
-    bool hasVideoSignal = false;
-    bool hasColour = false;
-    bool hasChromaLocation = false;
+    SignalShape signal{};
     bool hasDisplayWindow = false;
     bool hasTiming = false;
     bool hasPocProportional = false;

@@ -70,7 +70,11 @@ Bytes WriteAvcSps(const AvcSpsShape& shape) {
     } else {
         writer.Flag(true).UE(0).UE(0).UE(0).UE(4); // 256 - 16 lines
     }
-    writer.Flag(false);
+    writer.Flag(shape.signal.has_value());
+    if (shape.signal) {
+        writer.Flag(true).Bits(2, 8);
+        WriteSignal(writer, *shape.signal);
+    }
     End(writer);
     return Unit({0x67}, writer);
 }

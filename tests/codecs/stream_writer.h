@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/codecs/bit_writer.h"
+#include "tests/codecs/video_signal_writer.h"
 
 namespace test_annexb {
 
@@ -19,7 +20,8 @@ struct AvcSpsShape {
     std::vector<int> cycle{}; // offsets for reference frames, type 1
     int offsetForNonRefPic = 0;
     bool frameMbsOnly = true;
-    uint32_t mapUnits = 0; // rows of macroblocks of a frame or field; 0: those of 240 lines
+    std::optional<mkv_test::SignalShape> signal{}; // in a VUI, behind an aspect ratio of 12 by 11
+    uint32_t mapUnits = 0;                         // rows of macroblocks of a frame or field; 0: those of 240 lines
 };
 
 [[nodiscard]] Bytes WriteAvcSps(const AvcSpsShape& shape = {}); // 320x240, frame numbers and orders of four bits
