@@ -1,8 +1,8 @@
-// StreamColour: what H.264 and H.265 streams tell of their colours, in their parameter sets and in the messages in front
-// of their pictures.
+// StreamColour: what H.264 and H.265 streams tell of their colours, in their parameter sets and in the messages in
+// front of their pictures.
 //
-// Units: bits for the depth. Errors: damaged units tell nothing; units of more than 65,535 bytes, and more than 64 units
-// in front of a picture, are not looked at.
+// Units: bits for the depth. Errors: damaged units tell nothing; units of more than 65,535 bytes, and more than 64
+// units in front of a picture, are not looked at.
 #pragma once
 
 #include <span>

@@ -214,8 +214,8 @@ TEST(LightMetadataTest, AMessageThatIsCutOffTellsNothing) {
 TEST(StreamColourTest, TheFirstParameterSetCountsAndOtherLayersDoNot) {
     Bytes otherLayer = HevcSpsUnit({false, true, kHdr10, {}});
     otherLayer[1] = 1 << 3 | 1;
-    const StreamColour colour = OfHevc(
-        {otherLayer, HevcSpsUnit({false, false, 0x010101, {}}), HevcSpsUnit({false, false, kHdr10, {}})});
+    const StreamColour colour =
+        OfHevc({otherLayer, HevcSpsUnit({false, false, 0x010101, {}}), HevcSpsUnit({false, false, kHdr10, {}})});
     EXPECT_TRUE(colour.hasParameters);
     EXPECT_EQ(colour.bitDepth, 10u);
     EXPECT_EQ(colour.signal.transfer, 1);

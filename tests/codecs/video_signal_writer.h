@@ -9,8 +9,8 @@ namespace mkv_test {
 
 struct SignalShape {
     bool hasOverscan = false;
-    std::optional<bool> fullRange{};         // none: nothing of the video signal
-    std::optional<uint32_t> colours{};       // primaries, transfer and matrix, a byte each; with the range alone
+    std::optional<bool> fullRange{};   // none: nothing of the video signal
+    std::optional<uint32_t> colours{}; // primaries, transfer and matrix, a byte each; with the range alone
     std::optional<uint32_t> chromaLocation{};
 };
 
