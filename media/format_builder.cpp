@@ -44,6 +44,7 @@ VIDEOINFOHEADER2 Info2Of(const Picture& picture, const BITMAPINFOHEADER& bitmap)
     VIDEOINFOHEADER2 info{};
     info.AvgTimePerFrame = picture.frameDuration;
     info.dwInterlaceFlags = picture.interlaceFlags;
+    info.dwControlFlags = picture.controlFlags;
     info.dwPictAspectRatioX = picture.aspectX;
     info.dwPictAspectRatioY = picture.aspectY;
     info.bmiHeader = bitmap;

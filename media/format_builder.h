@@ -16,7 +16,8 @@ struct Picture {
     DWORD aspectX = 0; // shape of the whole picture
     DWORD aspectY = 0;
     REFERENCE_TIME frameDuration = 0;
-    DWORD interlaceFlags = 0; // of blocks that have them
+    DWORD interlaceFlags = 0; // of blocks that have them, as the next one
+    DWORD controlFlags = 0;
 };
 
 // BITMAPINFOHEADER of a compressed picture.

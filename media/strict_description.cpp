@@ -1,5 +1,10 @@
 #include "media/strict_description.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "dshow/media_subtypes.h"
+#include "media/described_colour.h"
 #include "media/mpeg_video_layouts.h"
 #include "media/strict_audio_codecs.h"
 #include "media/strict_fields.h"
@@ -52,7 +57,13 @@ CodecDescription StrictDescriptionOf(const CodecRow& row, const AM_MEDIA_TYPE& t
     }
     description.codecId = row.codecId;
     description.lacing = false; // a block holds one frame
-    return RefineCodec(row, type, description) && RefineFields(type, description) ? description : CodecDescription();
+    if (!RefineCodec(row, type, description) || !RefineFields(type, description)) {
+        return {};
+    }
+    if (description.video) {
+        DescribeColour(type, description);
+    }
+    return description;
 }
 
 } // namespace media

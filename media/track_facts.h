@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "media/colour.h"
 #include "win/platform.h"
 
 namespace media {
@@ -21,6 +22,7 @@ struct VideoFacts {
     UINT64 flagInterlaced = 0; // Matroska's values
     UINT64 fieldOrder = 2;
     DWORD uncompressedFourCc = 0; // its first letter in the lowest byte; 0: not said
+    Colour colour{};
 };
 
 // At first what holds for a track that does not say.

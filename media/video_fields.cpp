@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "dshow/ref_time.h"
+#include "media/colour_flags.h"
 #include "media/interlacing.h"
 
 namespace media {
@@ -52,6 +53,7 @@ Picture PictureOf(const TrackFacts& track) {
     picture.aspectX = ShownSize(video.displayWidth, video.pixelWidth, video.cropWidth);
     picture.aspectY = ShownSize(video.displayHeight, video.pixelHeight, video.cropHeight);
     picture.interlaceFlags = InterlaceFlagsOf(video);
+    picture.controlFlags = FlagsOfColour(video.colour);
     if (track.defaultDurationNs <= kMaxFrameDurationNs) {
         picture.frameDuration =
             (static_cast<INT64>(track.defaultDurationNs) + kNsPerReferenceTime / 2) / kNsPerReferenceTime;
