@@ -146,6 +146,18 @@ HRESULT ModuleConfig::SetFlags(const MuxTrackFlags& flags) const {
     return Set(MKVMUX_TrackFlags, ReferenceTo(&flags));
 }
 
+HRESULT ModuleConfig::GetColour(MuxTrackColour& colour) const {
+    MuxTrackColour read = colour;
+    VARIANT value = ReferenceTo(&read);
+    const HRESULT hr = Get(MKVMUX_TrackColour, value);
+    colour = SUCCEEDED(hr) ? read : colour;
+    return hr;
+}
+
+HRESULT ModuleConfig::SetColour(const MuxTrackColour& colour) const {
+    return Set(MKVMUX_TrackColour, ReferenceTo(&colour));
+}
+
 HRESULT ModuleConfig::GetTitle(WideString& title) const {
     VARIANT value = Tagged(VT_BSTR);
     const HRESULT hr = Get(MKVMUX_Title, value);

@@ -43,6 +43,9 @@ class ModuleConfig {
     // Those of that input; the record that is set names its own.
     [[nodiscard]] HRESULT GetFlags(INT32 index, MuxTrackFlags& flags) const;
     [[nodiscard]] HRESULT SetFlags(const MuxTrackFlags& flags) const;
+    // What is told of an input's colours; the record names it.
+    [[nodiscard]] HRESULT GetColour(MuxTrackColour& colour) const;
+    [[nodiscard]] HRESULT SetColour(const MuxTrackColour& colour) const;
     // Of the file; empty for none.
     [[nodiscard]] HRESULT GetTitle(WideString& title) const;
     [[nodiscard]] HRESULT SetTitle(WideStringView title) const;

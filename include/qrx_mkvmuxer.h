@@ -56,6 +56,11 @@ DEFINE_GUID(MKVMUX_Seed, 0x9ad118ee, 0xd9ac, 0x4810, 0x85, 0xec, 0x5c, 0xa1, 0x3
 // Set and get, VARIANT::ulVal: whether the strict profile writes statistics tags: 1, as at first, or 0; E_INVALIDARG for
 // others.
 DEFINE_GUID(MKVMUX_TrackStatistics, 0xa461331f, 0xa1cf, 0x4494, 0x82, 0x35, 0x94, 0xfc, 0x75, 0xda, 0xd4, 0x78);
+// Set and get, VARIANT::byref: a MuxTrackColour record, what somebody knows better of a video track's colours than its
+// media type and its stream tell; its index chooses the input. E_INVALIDARG for an index without a row and for a value
+// below -1 or that is no number; nothing is changed then. Of what Matroska has no meaning for nothing is written. Not
+// saved. Written by the strict profile alone.
+DEFINE_GUID(MKVMUX_TrackColour, 0xf4240379, 0x1b2c, 0x438c, 0xae, 0xab, 0x5c, 0x55, 0x61, 0x03, 0x8f, 0xd2);
 
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
@@ -138,6 +143,31 @@ struct MuxTrackFlags {
     BYTE visualImpaired;  // for people who do not see well
     BYTE original;        // in the language that the content was made in
     BYTE commentary;
+};
+
+// How the numbers of a track's pictures are colours, in Matroska's values: those that name a standard are the values of
+// ISO/IEC 23091-2. -1 is not told: then the media type and the stream are asked.
+struct MuxTrackColour {
+    INT32 index; // the input pin, from 0
+    INT32 matrixCoefficients;
+    INT32 bitsPerChannel;
+    INT32 chromaSubsamplingHorz; // how many samples are left out for each that is there
+    INT32 chromaSubsamplingVert;
+    INT32 cbSubsamplingHorz; // in addition
+    INT32 cbSubsamplingVert;
+    INT32 chromaSitingHorz; // 1 with the left sample of luma, 2 between
+    INT32 chromaSitingVert; // 1 with the upper one, 2 between
+    INT32 range;            // 1 broadcast, 2 full, 3 as matrix and transfer tell
+    INT32 transferCharacteristics;
+    INT32 primaries;
+    INT32 maxContentLight;      // of the brightest pixel, in candelas per square metre
+    INT32 maxFrameAverageLight; // of the brightest picture
+    // The display that the pictures were made on: CIE 1931 coordinates, candelas per square metre.
+    double redX, redY, greenX, greenY, blueX, blueY, whiteX, whiteY;
+    double maxLuminance;
+    double minLuminance;
+    // DOVIDecoderConfigurationRecord as the box dvcC has it; all 0 where the stream is no Dolby Vision.
+    BYTE dolbyVision[24];
 };
 
 // A file that is attached to the output. Null fields are left out of the file, empty ones are not.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "records/track_colour.h"
+
 namespace records {
 
 namespace {
@@ -62,6 +64,17 @@ bool CFileOptions::SetFlags(const MuxTrackFlags& flags) {
         m_all.flags[flags.index] = flags;
     }
     return true;
+}
+
+MuxTrackColour CFileOptions::ColourOf(INT32 index) const {
+    const win::LockGuard lock(m_lock);
+    const auto found = m_colours.find(index);
+    return found == m_colours.end() ? UntoldColour(index) : found->second;
+}
+
+void CFileOptions::SetColour(const MuxTrackColour& colour) {
+    const win::LockGuard lock(m_lock);
+    m_colours[colour.index] = colour;
 }
 
 AllOptions CFileOptions::All() const {

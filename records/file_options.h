@@ -59,12 +59,17 @@ class CFileOptions {
     // Whether anything changed.
     bool SetFlags(const MuxTrackFlags& flags);
 
+    // What is told of an input's colours: kept beside the options, since it is of one stream and never saved.
+    [[nodiscard]] MuxTrackColour ColourOf(INT32 index) const;
+    void SetColour(const MuxTrackColour& colour);
+
     [[nodiscard]] AllOptions All() const;
     void ReplaceAll(AllOptions all);
 
   private:
     mutable win::CriticalSection m_lock;
     AllOptions m_all QRX_GUARDED_BY(m_lock);
+    std::map<INT32, MuxTrackColour> m_colours QRX_GUARDED_BY(m_lock); // by input
 };
 
 } // namespace records

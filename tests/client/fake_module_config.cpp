@@ -26,7 +26,7 @@ FakeModuleConfig::Attached CopyOf(const MuxAttachment& record) {
 
 bool IsOption(const GUID& key) {
     return key == MKVMUX_Profile || key == MKVMUX_TrackFlags || key == MKVMUX_Title || key == MKVMUX_Seed ||
-           key == MKVMUX_TrackStatistics;
+           key == MKVMUX_TrackStatistics || key == MKVMUX_TrackColour;
 }
 
 } // namespace
@@ -113,6 +113,8 @@ HRESULT FakeModuleConfig::SetOption(const GUID& key, const VARIANT& value) {
         options->seed = V_UI8(&value);
     } else if (key == MKVMUX_TrackStatistics) {
         options->statistics = V_UI4(&value);
+    } else if (key == MKVMUX_TrackColour) {
+        options->colour = *static_cast<const MuxTrackColour*>(V_BYREF(&value));
     } else {
         const auto& flags = *static_cast<const MuxTrackFlags*>(V_BYREF(&value));
         options->flags[flags.index] = flags;
@@ -132,6 +134,8 @@ HRESULT FakeModuleConfig::GetOption(const GUID& key, VARIANT& value) const {
         V_UI8(&value) = options->seed;
     } else if (key == MKVMUX_TrackStatistics) {
         V_UI4(&value) = options->statistics;
+    } else if (key == MKVMUX_TrackColour) {
+        *static_cast<MuxTrackColour*>(V_BYREF(&value)) = options->colour;
     } else {
         auto& flags = *static_cast<MuxTrackFlags*>(V_BYREF(&value));
         const auto found = options->flags.find(flags.index);

@@ -220,6 +220,21 @@ TEST_F(ModuleConfigTest, FlagsAreThoseOfTheInputThatIsAskedFor) {
     EXPECT_EQ(0, flags.commentary);
 }
 
+TEST_F(ModuleConfigTest, ColoursAreARecord) {
+    m_filter.options.emplace();
+    MuxTrackColour colour{};
+    colour.index = 7;
+    colour.primaries = 9;
+    colour.minLuminance = 0.005;
+    ASSERT_EQ(S_OK, m_config.SetColour(colour));
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+    MuxTrackColour read{};
+    ASSERT_EQ(S_OK, m_config.GetColour(read));
+    EXPECT_EQ(7, read.index);
+    EXPECT_EQ(9, read.primaries);
+    EXPECT_EQ(0.005, read.minLuminance);
+}
+
 TEST_F(ModuleConfigTest, AFilterThatDoesNotKnowTheOptionsLeavesTheCallersValues) {
     MuxProfile profile = MuxProfile_Strict;
     EXPECT_EQ(E_FAIL, m_config.GetProfile(profile));
@@ -230,6 +245,10 @@ TEST_F(ModuleConfigTest, AFilterThatDoesNotKnowTheOptionsLeavesTheCallersValues)
     MuxTrackFlags flags{3, 9, 9, 9, 9, 9};
     EXPECT_EQ(E_FAIL, m_config.GetFlags(0, flags));
     EXPECT_EQ(3, flags.index);
+    MuxTrackColour colour{};
+    colour.primaries = 9;
+    EXPECT_EQ(E_FAIL, m_config.GetColour(colour));
+    EXPECT_EQ(9, colour.primaries);
     bool statistics = false;
     EXPECT_EQ(E_FAIL, m_config.GetTrackStatistics(statistics));
     EXPECT_FALSE(statistics);
@@ -299,6 +318,9 @@ TEST(PublicHeader, TheNumbersOfProfilesAndFlagsStand) {
     EXPECT_EQ(0xFF, MuxFlag_Unset);
     EXPECT_EQ(12u, sizeof(MuxTrackFlags));
     EXPECT_EQ(8u, offsetof(MuxTrackFlags, commentary));
+    EXPECT_EQ(160u, sizeof(MuxTrackColour));
+    EXPECT_EQ(56u, offsetof(MuxTrackColour, redX));
+    EXPECT_EQ(136u, offsetof(MuxTrackColour, dolbyVision));
 }
 
 TEST(PublicHeader, TheRecordsKeepTheirLayout) {
