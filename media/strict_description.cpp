@@ -1,9 +1,6 @@
 #include "media/strict_description.h"
 
-#include <algorithm>
-#include <iterator>
 
-#include "dshow/media_subtypes.h"
 #include "media/described_colour.h"
 #include "media/mpeg_video_layouts.h"
 #include "media/strict_audio_codecs.h"

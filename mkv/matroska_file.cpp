@@ -71,6 +71,7 @@ void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 num
     if (m_options.isStrict()) {
         FillStrictTrackEntry(entry, number, track, m_identifiers, m_isWebm);
         m_latePrivateData.reserve(entry, static_cast<UINT32>(number - 1), track.type);
+        m_colours.add(entry, static_cast<UINT32>(number - 1), track, m_isWebm);
     } else {
         FillTrackEntry(entry, number, track);
     }
@@ -104,6 +105,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
 // What the media type did not tell.
 void CMatroskaFile::keepFirstKeyframe(UINT32 stream, std::span<const BYTE> frame) {
     m_latePrivateData.fill(stream, frame, m_patcher);
+    m_colours.fill(stream, frame, m_patcher);
 }
 
 void CMatroskaFile::writeAttachments(const std::vector<const MuxAttachment*>& records) {

@@ -23,6 +23,7 @@
 #include "mkv/mkv_cues.h"
 #include "mkv/seek_head.h"
 #include "mkv/segment_info.h"
+#include "mkv/track_colours.h"
 #include "mkv/track_statistics.h"
 #include "mkv/writer_input.h"
 
@@ -82,6 +83,7 @@ class CMatroskaFile {
     libmatroska::KaxSegment m_segment;
     CFilePatcher m_patcher;
     CLatePrivateData m_latePrivateData;
+    CTrackColours m_colours;
     CSeekHead m_seekHead;
     const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
     const CSegmentInfo::Listing m_list;

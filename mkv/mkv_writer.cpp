@@ -33,7 +33,12 @@ void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& s
 }
 
 void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags) {
-    m_tracks.push_back({CMediaType(type), records::CTrackSettingsRow(settings), flags});
+    registerTrack(type, settings, flags, records::UntoldColour(settings.index));
+}
+
+void CMkvWriter::registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags,
+                               const MuxTrackColour& colour) {
+    m_tracks.push_back({CMediaType(type), records::CTrackSettingsRow(settings), flags, colour});
 }
 
 void CMkvWriter::setOutputFormat(UINT32 format) {

@@ -29,6 +29,8 @@ class CMkvWriter {
     // The next track of the next file; Close forgets the tracks. Copies both.
     void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings);
     void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags);
+    void registerTrack(const AM_MEDIA_TYPE& type, const TrackSettings& settings, const MuxTrackFlags& flags,
+                       const MuxTrackColour& colour);
 
     // Attachments stay for all files to come. False, and no effect, for 2 GiB of data or more.
     bool addAttachment(const MuxAttachment& attachment) { return m_attachments.Add(attachment); }

@@ -5,16 +5,19 @@
 
 #include "dshow/media_type.h"
 #include "records/file_options.h"
+#include "records/track_colour.h"
 #include "records/track_settings_row.h"
 #include "win/owned_bytes.h"
 
 namespace mkv {
 
-// An input that becomes a track: its media type, its settings row and its flags, all copies.
+// An input that becomes a track: its media type, its settings row, its flags and what is told of its colours, all
+// copies.
 struct Track {
     CMediaType type;
     records::CTrackSettingsRow settings;
     MuxTrackFlags flags = records::UnsetTrackFlags(0);
+    MuxTrackColour colour = records::UntoldColour(0);
 };
 
 using TrackList = std::vector<Track>; // the track number is the position, from 1
