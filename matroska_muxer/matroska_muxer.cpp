@@ -165,7 +165,9 @@ void CMatroskaMuxer::RegisterTracks() {
         if (pin->Stream() != nullptr) {
             const records::CTrackSettingsRow row =
                 m_parameters->Rows().At(index).value_or(records::CTrackSettingsRow(index));
-            m_writer->registerTrack(pin->CurrentMediaType(), row.Get(), m_parameters->Options().FlagsOf(index));
+            const auto& options = m_parameters->Options();
+            m_writer->registerTrack(pin->CurrentMediaType(), row.Get(), options.FlagsOf(index),
+                                    options.ColourOf(index));
         }
         ++index;
     }

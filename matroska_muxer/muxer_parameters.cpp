@@ -170,6 +170,7 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_Title, SetTitle, GetTitle},
     {MKVMUX_Seed, SetSeed, GetSeed},
     {MKVMUX_TrackStatistics, SetTrackStatistics, GetTrackStatistics},
+    {MKVMUX_TrackColour, SetTrackColour, GetTrackColour},
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},

@@ -2,6 +2,7 @@
 
 #include "matroska_muxer/muxer_parameters.h"
 #include "records/file_options.h"
+#include "records/track_colour.h"
 #include "records/track_settings_table.h"
 #include "win/bstr.h"
 
@@ -44,6 +45,32 @@ HRESULT GetTrackFlags(const ParameterTargets& targets, VARIANT& value) {
         return E_INVALIDARG;
     }
     *record = targets.options.FlagsOf(record->index);
+    return S_OK;
+}
+
+// Nothing that is saved changes.
+HRESULT SetTrackColour(const ParameterTargets& targets, const VARIANT& value, bool& /*changed*/) {
+    const auto* const record = static_cast<const MuxTrackColour*>(V_BYREF(&value));
+    if (record == nullptr) {
+        return E_POINTER;
+    }
+    const MuxTrackColour colour = *record; // checked and stored as one
+    if (!targets.rows.Has(colour.index) || !records::IsTrackColour(colour)) {
+        return E_INVALIDARG;
+    }
+    targets.options.SetColour(colour);
+    return S_OK;
+}
+
+HRESULT GetTrackColour(const ParameterTargets& targets, VARIANT& value) {
+    auto* const record = static_cast<MuxTrackColour*>(V_BYREF(&value));
+    if (record == nullptr) {
+        return E_POINTER;
+    }
+    if (!targets.rows.Has(record->index)) {
+        return E_INVALIDARG;
+    }
+    *record = targets.options.ColourOf(record->index);
     return S_OK;
 }
 

@@ -13,6 +13,8 @@ HRESULT GetProfile(const ParameterTargets& targets, VARIANT& value);
 
 HRESULT SetTrackFlags(const ParameterTargets& targets, const VARIANT& value, bool& changed);
 HRESULT GetTrackFlags(const ParameterTargets& targets, VARIANT& value);
+HRESULT SetTrackColour(const ParameterTargets& targets, const VARIANT& value, bool& changed);
+HRESULT GetTrackColour(const ParameterTargets& targets, VARIANT& value);
 
 HRESULT SetTitle(const ParameterTargets& targets, const VARIANT& value, bool& changed);
 // A string of the caller's; what stood in the value is not freed, since nobody tells whether it was one.

@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "records/track_colour.h"
 #include "tests/matroska_muxer/muxer_rig.h"
 #include "win/bstr.h"
 
@@ -54,6 +56,16 @@ class OptionParameters : public ::testing::Test {
         VARIANT value{};
         V_BYREF(&value) = const_cast<MuxTrackFlags*>(&flags);
         return m_rig.Config()->SetValue(&MKVMUX_TrackFlags, &value);
+    }
+    HRESULT SetColour(const MuxTrackColour& colour) {
+        VARIANT value{};
+        V_BYREF(&value) = const_cast<MuxTrackColour*>(&colour);
+        return m_rig.Config()->SetValue(&MKVMUX_TrackColour, &value);
+    }
+    HRESULT GetColour(MuxTrackColour& colour) const {
+        VARIANT value{};
+        V_BYREF(&value) = &colour;
+        return m_rig.Config()->GetValue(&MKVMUX_TrackColour, &value);
     }
     HRESULT GetFlags(MuxTrackFlags& flags) const {
         VARIANT value{};
@@ -163,6 +175,54 @@ TEST_F(OptionParameters, FlagsOfNoRowAndValuesThatAreNoneAreRefusedAndChangeNoth
     EXPECT_EQ("0: 1 1 1 1 1", Shown(read));
     EXPECT_EQ(E_POINTER, m_rig.Config()->SetValue(&MKVMUX_TrackFlags, std::make_unique<VARIANT>().get()));
     EXPECT_EQ(E_POINTER, m_rig.Config()->GetValue(&MKVMUX_TrackFlags, std::make_unique<VARIANT>().get()));
+}
+
+TEST_F(OptionParameters, ColoursComeBackAndThoseOfOtherInputsAreUntold) {
+    MuxTrackColour colour = records::UntoldColour(5);
+    colour.primaries = 9;
+    colour.maxLuminance = 1000;
+    colour.dolbyVision[23] = 7;
+    ASSERT_EQ(S_OK, SetColour(colour));
+    MuxTrackColour read{};
+    read.index = 5;
+    ASSERT_EQ(S_OK, GetColour(read));
+    EXPECT_EQ(9, read.primaries);
+    EXPECT_EQ(-1, read.transferCharacteristics);
+    EXPECT_EQ(1000, read.maxLuminance);
+    EXPECT_EQ(-1, read.minLuminance);
+    EXPECT_EQ(7, read.dolbyVision[23]);
+    read.index = 6;
+    ASSERT_EQ(S_OK, GetColour(read));
+    EXPECT_EQ(-1, read.primaries);
+    EXPECT_EQ(-1, read.maxLuminance);
+    EXPECT_EQ(0, read.dolbyVision[23]);
+}
+
+TEST_F(OptionParameters, ColoursOfNoRowAndValuesThatAreNoneAreRefusedAndChangeNothing) {
+    MuxTrackColour colour = records::UntoldColour(0);
+    colour.primaries = 9;
+    ASSERT_EQ(S_OK, SetColour(colour));
+    for (const INT32 index : {-1, 100}) {
+        MuxTrackColour outside = records::UntoldColour(index);
+        EXPECT_EQ(E_INVALIDARG, SetColour(outside));
+        EXPECT_EQ(E_INVALIDARG, GetColour(outside));
+    }
+    for (INT32 MuxTrackColour::*const number : records::kColourNumbers) {
+        MuxTrackColour wrong = records::UntoldColour(0);
+        wrong.*number = -2;
+        EXPECT_EQ(E_INVALIDARG, SetColour(wrong));
+    }
+    for (double MuxTrackColour::*const measure : records::kColourMastering) {
+        for (const double value : {-0.5, std::numeric_limits<double>::infinity()}) {
+            MuxTrackColour wrong = records::UntoldColour(0);
+            wrong.*measure = value;
+            EXPECT_EQ(E_INVALIDARG, SetColour(wrong));
+        }
+    }
+    ASSERT_EQ(S_OK, GetColour(colour));
+    EXPECT_EQ(9, colour.primaries);
+    EXPECT_EQ(E_POINTER, m_rig.Config()->SetValue(&MKVMUX_TrackColour, std::make_unique<VARIANT>().get()));
+    EXPECT_EQ(E_POINTER, m_rig.Config()->GetValue(&MKVMUX_TrackColour, std::make_unique<VARIANT>().get()));
 }
 
 TEST_F(OptionParameters, AChangeMakesTheFilterDirtyAndTheSameValueDoesNot) {
