@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "media/colour.h"
 #include "win/platform.h"
 
 namespace source {
@@ -23,6 +24,8 @@ struct TrackProperties {
     std::optional<bool> visualImpaired;
     std::optional<bool> original;
     std::optional<bool> commentary;
+    media::Colour colour;
+    std::vector<BYTE> dolbyVision; // the configuration record; empty: none
 };
 
 struct Attachment {

@@ -40,8 +40,9 @@ struct Track : media::TrackFacts {
     std::optional<bool> visualImpaired;
     std::optional<bool> original;
     std::optional<bool> commentary;
-    UINT64 maxAdditionId = 0; // 0: its blocks carry nothing besides their frames
-    bool hasAlpha = false;    // in additions to its blocks
+    UINT64 maxAdditionId = 0;      // 0: its blocks carry nothing besides their frames
+    bool hasAlpha = false;         // in additions to its blocks
+    std::vector<BYTE> dolbyVision; // the configuration record; empty: none
     std::vector<ContentEncoding> encodings;
 
     [[nodiscard]] bool IsSubtitle() const { return type == UINT64{media::kTrackTypeSubtitle}; }

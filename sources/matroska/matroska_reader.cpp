@@ -100,9 +100,9 @@ void MatroskaReader::AddStream(Track& track) {
     }
     const bool isExactOpus = m_rule == TimeRule::Exact && track.codecId == kOpusId;
     const INT64 delayNs = DelayOf(track, description);
-    description.properties = {true,           track.name,      track.language,        track.isDefault,
-                              track.isForced, track.isEnabled, track.hearingImpaired, track.visualImpaired,
-                              track.original, track.commentary};
+    description.properties = {true,           track.name,       track.language,        track.isDefault,
+                              track.isForced, track.isEnabled,  track.hearingImpaired, track.visualImpaired,
+                              track.original, track.commentary, track.video.colour,    track.dolbyVision};
     m_streams.push_back(std::move(description));
     m_states.push_back({ContentDecoder(track.encodings, ContentDecoder::Part::Frames), AvcLengthBytes(track), delayNs,
                         isExactOpus, WrappingOf(track)});

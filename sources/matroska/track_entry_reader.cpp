@@ -5,6 +5,8 @@
 #include <matroska/KaxContentEncoding.h>
 #include <matroska/KaxSemantic.h>
 
+#include "sources/matroska/colour_reader.h"
+
 namespace matroska {
 
 namespace {
@@ -51,6 +53,8 @@ void ReadVideo(const EbmlReader& reader, const Element& element, Track& track) {
             video.uncompressedFourCc = ReadFourCc(reader, child);
         } else if (child.id == IdOf<KaxVideoAlphaMode>()) {
             track.hasAlpha = value != 0;
+        } else if (child.id == IdOf<KaxVideoColour>()) {
+            video.colour = ReadColour(reader, child);
         }
     });
 }
@@ -156,6 +160,8 @@ void ReadParts(const EbmlReader& reader, const Element& child, Track& track) {
         ReadVideo(reader, child, track);
     } else if (child.id == IdOf<KaxTrackAudio>()) {
         ReadAudio(reader, child, track);
+    } else if (child.id == IdOf<KaxBlockAdditionMapping>()) {
+        ReadDolbyVision(reader, child, track.dolbyVision);
     } else if (child.id == IdOf<KaxContentEncodings>()) {
         track.encodings = ReadEncodings(reader, child);
     }

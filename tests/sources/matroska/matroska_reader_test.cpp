@@ -460,5 +460,62 @@ TEST(MatroskaReader, PicturesTellTheirFields) {
               static_cast<DWORD>(AMINTERLACE_IsInterlaced));
 }
 
+RawBytes VideoOf(std::initializer_list<RawBytes> colour) {
+    return Master(id::kVideo,
+                  {RawUnsigned(id::kPixelWidth, 320), RawUnsigned(id::kPixelHeight, 240), Master(id::kColour, colour)});
+}
+
+TEST(MatroskaReader, PicturesTellTheirColours) {
+    using media::Colour;
+    const auto reader = ReaderOf(FileOf(
+        {TrackEntry(
+            1, 1, "V_VP9",
+            {VideoOf({RawUnsigned(id::kPrimaries, 9), RawUnsigned(id::kTransferCharacteristics, 16),
+                      RawUnsigned(id::kMatrixCoefficients, 9), RawUnsigned(id::kRange, 1),
+                      RawUnsigned(id::kMaxCll, 1000),
+                      Master(id::kMasteringMetadata, {Float(id::kRedX, 0.68), Float(id::kLuminanceMin, 0.005)})})})},
+        {}));
+    const Colour& colour = reader->Streams().at(0).properties.colour;
+    EXPECT_EQ(colour.numbers[Colour::kPrimaries], 9u);
+    EXPECT_EQ(colour.numbers[Colour::kTransfer], 16u);
+    EXPECT_EQ(colour.numbers[Colour::kMatrix], 9u);
+    EXPECT_EQ(colour.numbers[Colour::kRange], media::kBroadcastRange);
+    EXPECT_EQ(colour.numbers[Colour::kMaxContentLight], 1000u);
+    EXPECT_EQ(colour.numbers[Colour::kMaxFrameLight], std::nullopt);
+    EXPECT_EQ(colour.mastering[Colour::kRedX], 0.68);
+    EXPECT_EQ(colour.mastering[Colour::kMinLuminance], 0.005);
+    EXPECT_EQ(colour.mastering[Colour::kRedY], std::nullopt);
+    // What fits goes with the type, too: primaries, transfer, matrix and range, and the marks.
+    const CMediaType& type = reader->Streams().at(0).types.at(0);
+    EXPECT_EQ(reinterpret_cast<const VIDEOINFOHEADER2*>(type.pbFormat)->dwControlFlags,
+              DWORD{15} << 27 | DWORD{9} << 22 | DWORD{4} << 15 | DWORD{2} << 12 | DWORD{0x81});
+}
+
+TEST(MatroskaReader, ColoursThatCannotBeAreNotTold) {
+    using media::Colour;
+    const auto reader = ReaderOf(FileOf(
+        {TrackEntry(
+            1, 1, "V_VP9",
+            {VideoOf({RawUnsigned(id::kPrimaries, 77), RawUnsigned(id::kMaxCll, UINT64_MAX), RawUnsigned(id::kRange, 0),
+                      Master(id::kMasteringMetadata, {Float(id::kRedX, 2), Float(id::kLuminanceMin, -1)})})})},
+        {}));
+    EXPECT_TRUE(reader->Streams().at(0).properties.colour.IsEmpty());
+}
+
+std::vector<BYTE> DolbyVisionOf(uint64_t type, size_t bytes) {
+    const RawBytes mapping = Master(id::kBlockAdditionMapping, {RawUnsigned(id::kBlockAddIdType, type),
+                                                                test_support::RawElement(id::kBlockAddIdExtraData, RawBytes(bytes, 7))});
+    const auto reader = ReaderOf(FileOf({TrackEntry(1, 1, "V_MPEG2", {mapping, VideoOf({})})}, {}));
+    return reader->Streams().at(0).properties.dolbyVision;
+}
+
+TEST(MatroskaReader, TheConfigurationOfDolbyVisionIsFoundByItsType) {
+    EXPECT_EQ(DolbyVisionOf(0x64766343, 24), std::vector<BYTE>(24, 7));
+    EXPECT_EQ(DolbyVisionOf(0x64767643, 24), std::vector<BYTE>(24, 7));
+    EXPECT_TRUE(DolbyVisionOf(0x64766343, 23).empty());
+    EXPECT_TRUE(DolbyVisionOf(0x64766343, 25).empty());
+    EXPECT_TRUE(DolbyVisionOf(4, 24).empty()); // something else that blocks carry
+}
+
 } // namespace
 } // namespace matroska
