@@ -164,6 +164,9 @@ void ApplyTrackSettings(const MuxGraph& graph, const Options& options, MuxerSett
             console.Warn(TrackText(stream.number) + ": the muxer has no settings for input " + std::to_string(input) +
                          "; what was said of the track is ignored");
         }
+        if (stream.tags && (!stream.tags->colour.IsEmpty() || !stream.tags->dolbyVision.empty())) {
+            settings.TellColour(input, stream.tags->colour, stream.tags->dolbyVision);
+        }
         anyEnabled = anyEnabled || settings.IsEnabled(input);
     }
     if (!anyEnabled) {

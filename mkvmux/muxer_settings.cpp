@@ -1,5 +1,6 @@
 #include "mkvmux/muxer_settings.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 
@@ -9,6 +10,7 @@
 #include "mkvmux/file_checks.h"
 #include "mkvmux/file_stream.h"
 #include "mkvmux/text.h"
+#include "records/track_colour.h"
 #include "win/temporary_file.h"
 
 namespace mkvmux {
@@ -112,6 +114,24 @@ bool MuxerSettings::ChangeFlags(size_t input, const TrackFlagOptions& change) {
     }
     change.ApplyTo(flags);
     return SUCCEEDED(m_config.SetFlags(flags));
+}
+
+void MuxerSettings::TellColour(size_t input, const media::Colour& colour, const std::vector<BYTE>& dolbyVision) {
+    MuxTrackColour record = records::UntoldColour(static_cast<INT32>(input));
+    for (size_t i = 0; i < records::kColourNumbers.size(); ++i) {
+        if (colour.numbers[i]) {
+            record.*records::kColourNumbers[i] = static_cast<INT32>(*colour.numbers[i]);
+        }
+    }
+    for (size_t i = 0; i < records::kColourMastering.size(); ++i) {
+        if (colour.mastering[i]) {
+            record.*records::kColourMastering[i] = *colour.mastering[i];
+        }
+    }
+    if (dolbyVision.size() == sizeof(record.dolbyVision)) {
+        std::ranges::copy(dolbyVision, record.dolbyVision);
+    }
+    (void)m_config.SetColour(record);
 }
 
 std::optional<std::wstring> MuxerSettings::LanguageOf(size_t input) const {

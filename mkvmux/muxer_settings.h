@@ -7,8 +7,10 @@
 #include <random>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "client/module_config.h"
+#include "media/colour.h"
 #include "mkvmux/track_options.h"
 #include "win/com_ptr.h"
 #include "win/handle.h"
@@ -36,6 +38,8 @@ class MuxerSettings {
     [[nodiscard]] bool ChangeTrack(size_t input, const TrackOptions& change);
     // As above.
     [[nodiscard]] bool ChangeFlags(size_t input, const TrackFlagOptions& change);
+    // What a file says of a track's colours. A muxer of older days refuses it, and finds in the stream what is there.
+    void TellColour(size_t input, const media::Colour& colour, const std::vector<BYTE>& dolbyVision);
     // As the muxer is told it; nothing for an input without a row.
     [[nodiscard]] std::optional<std::wstring> LanguageOf(size_t input) const;
     // An input without a row is written.

@@ -69,6 +69,8 @@ StreamTags TagsOf(const source::TrackProperties& properties) {
     tags.visualImpaired = properties.visualImpaired;
     tags.original = properties.original;
     tags.commentary = properties.commentary;
+    tags.colour = properties.colour;
+    tags.dolbyVision = properties.dolbyVision;
     return tags;
 }
 

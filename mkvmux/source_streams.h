@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "dshow/media_type.h"
+#include "media/colour.h"
 #include "mkvmux/own_sources.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
@@ -29,6 +30,8 @@ struct StreamTags {
     std::optional<bool> visualImpaired = {};
     std::optional<bool> original = {};
     std::optional<bool> commentary = {};
+    media::Colour colour = {};
+    std::vector<BYTE> dolbyVision = {};
 };
 
 struct SourceStream {
