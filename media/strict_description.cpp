@@ -1,6 +1,5 @@
 #include "media/strict_description.h"
 
-
 #include "media/described_colour.h"
 #include "media/mpeg_video_layouts.h"
 #include "media/strict_audio_codecs.h"
