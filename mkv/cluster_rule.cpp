@@ -16,9 +16,9 @@ bool FitsBlockOffset(UINT64 timeNs, UINT64 clusterStartNs) {
     return offset >= std::numeric_limits<INT16>::min() && offset <= std::numeric_limits<INT16>::max();
 }
 
-bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks) {
+bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks, INT64 maxSpanMs) {
     return blocks > 1 &&
-           (spanMs >= kMaxStrictSpanMs || dataBytes > kMaxStrictClusterBytes || blocks > kMaxStrictBlocks);
+           (spanMs >= maxSpanMs || dataBytes > kMaxStrictClusterBytes || blocks > kMaxStrictBlocks);
 }
 
 } // namespace mkv

@@ -20,12 +20,14 @@ inline constexpr UINT64 kMaxClusterPayloadBytes = UINT64{4} << 20;
 // ---- Strict ----
 
 inline constexpr INT64 kMaxStrictSpanMs = 5000;
+inline constexpr INT64 kMaxLiveSpanMs = 1000; // a player that watches waits no longer for the next
 inline constexpr UINT64 kMaxStrictClusterBytes = UINT64{5} << 20; // of its data
 // So that what is remembered of each stays small; a hundred tracks have fewer in five seconds.
 inline constexpr size_t kMaxStrictBlocks = 65536;
 
 // Whether so much is too much for one cluster: from the start of its earliest block to that of its latest, and bytes
 // and blocks together with the one that comes. A block alone never is.
-[[nodiscard]] bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks);
+[[nodiscard]] bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks,
+                                        INT64 maxSpanMs = kMaxStrictSpanMs);
 
 } // namespace mkv

@@ -42,6 +42,8 @@ class CClusters {
     // cluster. What it throws, the frame's packet does.
     using FirstKeyframe = std::function<void(UINT32 stream, std::span<const BYTE> frame)>;
     void onFirstKeyframes(FirstKeyframe tell) { m_firstKeyframe = std::move(tell); }
+    // Somebody watches the file while it grows: clusters end sooner, where the profile is free to.
+    virtual void writeLive() noexcept {}
     // The largest end time of the blocks whose clusters were written.
     [[nodiscard]] UINT64 writtenEndNs() const { return m_writtenEndNs; }
 

@@ -19,6 +19,13 @@ void CCompatibleInfo::open(bool /*isWebM*/, const Listing& /*list*/) {
     m_place.Render(m_io);
 }
 
+void CCompatibleInfo::openLive(bool /*isWebM*/, const Listing& list) {
+    SetChild<libmatroska::KaxTimecodeScale>(m_element, kTimecodeScaleNs);
+    nameApplications();
+    m_element.Render(m_io, true);
+    list(m_element);
+}
+
 void CCompatibleInfo::resume(UINT64 /*tracks*/, const Listing& list) {
     open(false, list);
 }
@@ -28,6 +35,10 @@ void CCompatibleInfo::setDuration(double durationNs) {
     // 4 bytes, the library's default, lose milliseconds after five hours.
     libebml::GetChild<libmatroska::KaxDuration>(m_element).SetPrecision(libebml::EbmlFloat::FLOAT_64);
     SetChild<libmatroska::KaxDuration>(m_element, durationNs / static_cast<double>(kTimecodeScaleNs));
+    nameApplications();
+}
+
+void CCompatibleInfo::nameApplications() {
     SetUtf8Child<libmatroska::KaxMuxingApp>(m_element, kMuxingAppText);
     SetUtf8Child<libmatroska::KaxWritingApp>(m_element, kWritingAppPrefix + win::ModuleVersionText());
 }

@@ -16,11 +16,14 @@ class CCompatibleInfo final : public CSegmentInfo {
     explicit CCompatibleInfo(CGatheringIO& io) : m_io(io) {}
 
     void open(bool isWebM, const Listing& list) override;
+    void openLive(bool isWebM, const Listing& list) override;
     void resume(UINT64 tracks, const Listing& list) override;
     void setDuration(double durationNs) override;
     void patch(const Patch& arrives, const Listing& list) override;
 
   private:
+    void nameApplications();
+
     CGatheringIO& m_io;
     libebml::EbmlVoid m_place;
     libmatroska::KaxInfo m_element;

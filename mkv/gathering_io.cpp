@@ -20,6 +20,13 @@ constexpr int kSeekTries = 2;
 
 } // namespace
 
+bool CGatheringIO::begin() {
+    m_start = 0;
+    m_isLive = !seekTarget();
+    m_where = Target::AtStart;
+    return !m_isLive;
+}
+
 void CGatheringIO::moveTo(uint64 position) {
     flush();
     if (m_where != Target::AtStart || m_start != position) {
@@ -120,7 +127,7 @@ void CGatheringIO::learnStart() {
 
 // An output that does not seek gets its bytes all the same, where it stands.
 bool CGatheringIO::bringTarget() {
-    if (m_where == Target::AtStart || seekTarget()) {
+    if (m_where == Target::AtStart || m_isLive || seekTarget()) {
         m_isAway = false;
         return true;
     }

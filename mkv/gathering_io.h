@@ -28,6 +28,9 @@ class CGatheringIO : public libebml::IOCallback {
     CGatheringIO(const CGatheringIO&) = delete;
     CGatheringIO& operator=(const CGatheringIO&) = delete;
 
+    // The first byte goes to the target's start; it is asked to go there at once. False when it does not seek: the bytes
+    // follow each other from where it stands then, and it is never asked again.
+    [[nodiscard]] bool begin();
     // The next byte goes there; the target is asked to when there is one.
     void moveTo(uint64 position);
     // The same for what may go nowhere else: the target is asked at once, unless it stands there, and throws when it
@@ -91,6 +94,7 @@ class CGatheringIO : public libebml::IOCallback {
     uint64 m_skippedBytes = 0;        // may be less than none: it wraps around
     bool m_isSure = true;
     bool m_seeks = true; // the target did when it was last asked to
+    bool m_isLive = false;
     std::optional<LostBytes> m_lost;
     bool m_hasUntoldLoss = false;
 };

@@ -48,16 +48,31 @@ CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& option
 
 void CMatroskaFile::writeHead(const char* docType) {
     m_isWebm = std::string_view(docType) == kWebMDocType;
-    m_gathering.moveTo(0);
+    m_isLive = !m_gathering.begin();
     libebml::EbmlHead head;
     SetChild<libebml::EDocType>(head, std::string(docType));
     SetChild<libebml::EDocTypeVersion>(head, m_form.docTypeVersion);
     SetChild<libebml::EDocTypeReadVersion>(head, m_form.docTypeReadVersion);
     head.Render(m_gathering, true);
     writeSegmentHead();
+    if (m_isLive) {
+        writeLiveInfo();
+    } else {
+        writePlacesAndInfo();
+    }
+    m_patcher.flushHeadPart();
+}
+
+// A recording may go on for days: what nobody will write is not kept.
+void CMatroskaFile::writeLiveInfo() {
+    m_info->openLive(m_isWebm, m_list);
+    m_clusters->writeLive();
+    m_cues.keepNone();
+}
+
+void CMatroskaFile::writePlacesAndInfo() {
     m_seekHead.writePlace(m_form.seekHeadPlaceBytes);
     m_info->open(m_isWebm, m_list);
-    m_patcher.flushHeadPart();
 }
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
@@ -70,8 +85,11 @@ void CMatroskaFile::writeSegmentHead() {
 void CMatroskaFile::fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track) {
     if (m_options.isStrict()) {
         FillStrictTrackEntry(entry, number, track, m_identifiers, m_isWebm);
-        m_latePrivateData.reserve(entry, static_cast<UINT32>(number - 1), track.type);
-        m_colours.add(entry, static_cast<UINT32>(number - 1), track, m_isWebm);
+        const auto stream = static_cast<UINT32>(number - 1);
+        if (!m_isLive) {
+            m_latePrivateData.reserve(entry, stream, track.type);
+        }
+        m_colours.add(entry, stream, track, m_isWebm, m_isLive);
     } else {
         FillTrackEntry(entry, number, track);
     }
@@ -161,7 +179,7 @@ void CMatroskaFile::finalise(double durationNs) {
     // Not longer than what is there: the last clusters may be lost.
     m_info->setDuration(std::min(durationNs, static_cast<double>(m_clusters->writtenEndNs())));
     m_isFinished = true;
-    if (!m_gathering.isPositionSure()) {
+    if (m_isLive || !m_gathering.isPositionSure()) {
         return; // patches could hit anything
     }
     m_patcher.begin();
@@ -187,7 +205,7 @@ void CMatroskaFile::patch(UINT64 dataStart) {
 }
 
 void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries) {
-    if (!m_options.isStrict() || !m_options.trackStatistics || m_isWebm) {
+    if (!m_options.isStrict() || !m_options.trackStatistics || m_isWebm || m_isLive) {
         return;
     }
     std::vector<UINT64> uids;

@@ -53,6 +53,11 @@ class CMatroskaFile {
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
     [[nodiscard]] bool takeUntoldLoss() { return m_gathering.takeUntoldLoss(); }
 
+    // Whether the output does not seek, which is asked once, when the head is written. Then the file is written for those
+    // who watch it grow: its Segment has no known size, nothing is reserved, listed or patched, there are no cues and no
+    // statistics, and finalise writes the last cluster and nothing else.
+    [[nodiscard]] bool isLive() const { return m_isLive; }
+
     // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.
     // Throws only before anything is patched.
     void finalise(double durationNs);
@@ -61,6 +66,8 @@ class CMatroskaFile {
 
   private:
     void writeSegmentHead();
+    void writeLiveInfo();
+    void writePlacesAndInfo();
     void writeAttachmentsElement(const std::vector<const MuxAttachment*>& records);
     // As the profile wants it.
     void fillTrackEntry(libmatroska::KaxTrackEntry& entry, UINT64 number, const Track& track);
@@ -89,6 +96,7 @@ class CMatroskaFile {
     const CSegmentInfo::Listing m_list;
     bool m_isFinished = false;
     bool m_isWebm = false;
+    bool m_isLive = false;
     UINT64 m_dataStart = 0; // of the Segment, behind its head
     std::unique_ptr<CSegmentInfo> m_info;
     CMkvCues m_cues;

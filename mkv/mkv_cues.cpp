@@ -56,6 +56,10 @@ void CMkvCues::announce(const CuePointFacts& point) {
 }
 
 void CMkvCues::keepAnnounced(UINT64 clusterPosition) noexcept {
+    if (m_keepsNone) {
+        dropAnnounced();
+        return;
+    }
     for (; m_keptPoints < m_points.size(); ++m_keptPoints) {
         m_points[m_keptPoints].clusterPosition = clusterPosition;
     }

@@ -24,6 +24,8 @@ struct CuePointFacts {
 
 class CMkvCues : public libmatroska::KaxCues {
   public:
+    // The file gets none: what is announced is forgotten once its cluster is written.
+    void keepNone() noexcept { m_keepsNone = true; }
     // For so many more points, which are announced without throwing then.
     void makeRoom(size_t points = 1);
     // A block of the open cluster; nothing is announced when it throws.
@@ -55,6 +57,7 @@ class CMkvCues : public libmatroska::KaxCues {
 
     std::vector<Point> m_points; // behind those that are kept, those of the open cluster
     size_t m_keptPoints = 0;
+    bool m_keepsNone = false;
 };
 
 } // namespace mkv

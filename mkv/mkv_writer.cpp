@@ -58,6 +58,9 @@ void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
         mkv::RefuseWhatIsNotWebm(m_tracks, !attachments.empty());
     }
     writeMatroskaHead(options, isWebm);
+    if (m_file->isLive()) {
+        LogIfPossible([] { g_Logger << OLESTR("CMkvWriter::Open the output does not seek: written live\r\n"); });
+    }
     m_file->writeTracks(m_tracks);
     m_file->writeAttachments(attachments);
     m_file->startFirstCluster();

@@ -33,6 +33,8 @@ class CSegmentInfo {
 
     // Writes what stands there while the file is recorded.
     virtual void open(bool isWebM, const Listing& list) = 0;
+    // Instead of that, where nothing can be patched: all but the duration, which nobody knows yet.
+    virtual void openLive(bool isWebM, const Listing& list) = 0;
     // Instead of that, it was written there before, and the tracks begin behind it; renders what must be discarded.
     virtual void resume(UINT64 tracks, const Listing& list) = 0;
     // What patch is to write.

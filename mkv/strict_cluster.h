@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "mkv/cluster_bytes.h"
+#include "mkv/cluster_rule.h"
 #include "mkv/gathering_io.h"
 #include "mkv/strict_times.h"
 
@@ -31,6 +32,9 @@ class CStrictCluster {
         size_t offsetPlace = 0;
     };
 
+    // Of all clusters to come.
+    void useLiveSpan() noexcept { m_maxSpanMs = kMaxLiveSpanMs; }
+
     [[nodiscard]] bool isEmpty() const { return m_blocks.empty(); }
     [[nodiscard]] INT64 earliestMs() const { return m_earliestMs; }
     [[nodiscard]] INT64 latestEndMs() const { return m_latestEndMs; }
@@ -48,6 +52,7 @@ class CStrictCluster {
     void clear() noexcept;
 
   private:
+    INT64 m_maxSpanMs = kMaxStrictSpanMs;
     INT64 m_earliestMs = 0;
     INT64 m_latestMs = 0; // start
     INT64 m_latestEndMs = 0;

@@ -19,6 +19,7 @@ class CStrictClusterWriter final : public CClusters {
     void setTracks(const TrackList& tracks, const std::vector<libmatroska::KaxTrackEntry*>& entries,
                    INT32 cueTrack) override;
     void startCluster(UINT64 /*timeNs*/) override {}
+    void writeLive() noexcept override { m_cluster.useLiveSpan(); }
     std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet) override;
 
   private:

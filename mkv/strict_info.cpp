@@ -18,8 +18,20 @@ constexpr UINT64 kVoidHeadBytes = 2;
 
 } // namespace
 
-// WebM has no identifier of the segment.
 void CStrictInfo::open(bool isWebM, const Listing& list) {
+    describe(isWebM);
+    libebml::AddNewChild<libebml::EbmlVoid>(m_element).SetSize(kDurationBytes - kVoidHeadBytes);
+    render(list);
+    m_durationPlace = m_io.getFilePointer() - kDurationBytes;
+}
+
+void CStrictInfo::openLive(bool isWebM, const Listing& list) {
+    describe(isWebM);
+    render(list);
+}
+
+// WebM has no identifier of the segment.
+void CStrictInfo::describe(bool isWebM) {
     fill();
     if (!isWebM) {
         setSegmentUid(m_identifiers.nextUuid());
@@ -27,9 +39,6 @@ void CStrictInfo::open(bool isWebM, const Listing& list) {
     if (const std::string title = win::Utf8FromWide(m_options.title.c_str()); !title.empty()) {
         SetUtf8Child<libmatroska::KaxTitle>(m_element, title);
     }
-    libebml::AddNewChild<libebml::EbmlVoid>(m_element).SetSize(kDurationBytes - kVoidHeadBytes);
-    render(list);
-    m_durationPlace = m_io.getFilePointer() - kDurationBytes;
 }
 
 // The library's own copy does not look whether there was memory for it.

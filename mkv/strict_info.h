@@ -20,6 +20,7 @@ class CStrictInfo final : public CSegmentInfo {
         : m_options(options), m_origin(origin), m_io(io), m_identifiers(identifiers) {}
 
     void open(bool isWebM, const Listing& list) override;
+    void openLive(bool isWebM, const Listing& list) override;
     void resume(UINT64 tracks, const Listing& list) override;
     void setDuration(double durationNs) override;
     void patch(const Patch& arrives, const Listing& list) override;
@@ -27,6 +28,7 @@ class CStrictInfo final : public CSegmentInfo {
   private:
     void fill();
     void setSegmentUid(const CIdentifiers::Uuid& uuid);
+    void describe(bool isWebM);
     void render(const Listing& list);
 
     const records::FileOptions& m_options;

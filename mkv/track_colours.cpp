@@ -7,7 +7,8 @@
 
 namespace mkv {
 
-void CTrackColours::add(libmatroska::KaxTrackEntry& entry, UINT32 stream, const Track& track, bool isWebm) {
+void CTrackColours::add(libmatroska::KaxTrackEntry& entry, UINT32 stream, const Track& track, bool isWebm,
+                        bool isLive) {
     const media::CodecDescription description = media::DescribeStrictCodec(track.type);
     if (!description.video) {
         return;
@@ -15,7 +16,7 @@ void CTrackColours::add(libmatroska::KaxTrackEntry& entry, UINT32 stream, const 
     auto& video = libebml::GetChild<libmatroska::KaxTrackVideo>(entry);
     media::Colour colour = ToldColour(track.colour);
     colour.TakeMissing(description.video->colour);
-    if (description.video->mayTellColourLater) {
+    if (description.video->mayTellColourLater && !isLive) {
         m_late.try_emplace(stream, track, video);
     } else if (!colour.IsEmpty()) {
         FillColour(libebml::GetChild<libmatroska::KaxVideoColour>(video), colour);

@@ -18,8 +18,9 @@ namespace mkv {
 
 class CTrackColours {
   public:
-    // Behind all that the entry's Video has; streams count from 0. WebM has no Dolby Vision.
-    void add(libmatroska::KaxTrackEntry& entry, UINT32 stream, const Track& track, bool isWebm);
+    // Behind all that the entry's Video has; streams count from 0. WebM has no Dolby Vision, and
+    // in a live file no place can be filled later.
+    void add(libmatroska::KaxTrackEntry& entry, UINT32 stream, const Track& track, bool isWebm, bool isLive);
     // Once the entries are in the file.
     void fill(UINT32 stream, std::span<const BYTE> keyframe, CFilePatcher& patcher);
 

@@ -96,6 +96,30 @@ TEST(MuxerOutput, AFreshStreamIsNeverGivenASize) {
     EXPECT_TRUE(rig.Sink().Stream().Calls(StreamOperation::SetSize).empty());
 }
 
+TEST(MuxerOutput, AStreamThatCannotSeekGetsALiveFileInEitherProfile) {
+    for (const MuxProfile profile : {MuxProfile_Compatible, MuxProfile_Strict}) {
+        MuxerRig rig;
+        VARIANT value{};
+        V_UI4(&value) = profile;
+        ASSERT_EQ(S_OK, rig.Config()->SetValue(&MKVMUX_Profile, &value));
+        ConnectBoth(rig);
+        rig.Sink().Stream().FailFrom(StreamOperation::Seek, 1, E_NOTIMPL);
+        WriteFile(rig, kFrames);
+        const auto layout = rig.Layout();
+        ASSERT_NE(nullptr, layout.Segment());
+        EXPECT_TRUE(layout.Segment()->unknownSize);
+        EXPECT_EQ(static_cast<size_t>(kFrames), layout.BlocksOf(1).size());
+        EXPECT_TRUE(layout.cues.empty());
+        const auto findings = CheckLayout(layout, {.cut = true, .strict = profile == MuxProfile_Strict});
+        EXPECT_TRUE(findings.empty()) << findings.front();
+        EXPECT_EQ(0, rig.Graph().EventCount(MuxEvent_OutputFailed)) << "nothing is lost";
+        ASSERT_EQ(S_OK, rig.Config()->GetValue(&MKVMUX_Position, &value));
+        EXPECT_EQ(V_I8(&value), kFrames * 40 * 10000);
+        SaveForJudges(profile == MuxProfile_Strict ? "no_seek.strict" : "no_seek", rig.File(),
+                      WrittenFile::CutOnPurpose);
+    }
+}
+
 TEST(MuxerOutput, AStreamThatStandsSomewhereElseIsWrittenFromItsStart) {
     MuxerRig fresh;
     ConnectBoth(fresh);
