@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "dshow/base_filter.h"
 #include "dshow/base_input_pin.h"
@@ -42,6 +43,8 @@ class CFileSinkFilter : public CBaseFilter, public IFileSinkFilter, public IAMFi
     static CUnknown* CreateInstance(LPUNKNOWN outer, HRESULT* phr);
 
     HRESULT CreateFileOnDisk(const std::wstring& path, bool overwrite);
+    // What is open already and cannot seek.
+    void WriteTo(win::FileHandle pipe) { m_pin.Stream().TakePipe(std::move(pipe)); }
     [[nodiscard]] const CFileStream& Stream() const { return m_pin.Stream(); }
 
     DECLARE_IUNKNOWN

@@ -23,8 +23,15 @@ void CFileStream::Take(win::FileHandle file, const std::wstring& path) {
     const win::LockGuard lock(m_lock);
     m_file = std::move(file);
     m_path = path;
+    m_isPipe = false;
     m_position = 0;
     m_handlePosition.reset();
+}
+
+void CFileStream::TakePipe(win::FileHandle pipe) {
+    Take(std::move(pipe), {});
+    const win::LockGuard lock(m_lock);
+    m_isPipe = true;
 }
 
 STDMETHODIMP CFileStream::NonDelegatingQueryInterface(REFIID iid, void** object) {
@@ -92,9 +99,9 @@ HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
 }
 
 // The lock is held. Reads and writes carry no position of their own: on some systems that makes each of them several
-// times as dear.
+// times as dear. A pipe stands where the next byte goes.
 bool CFileStream::BringHandle() {
-    if (m_handlePosition == m_position) {
+    if (m_isPipe || m_handlePosition == m_position) {
         return true;
     }
     LARGE_INTEGER position{};
@@ -117,6 +124,9 @@ STDMETHODIMP CFileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER*
     HRESULT hr = S_OK;
     {
         const win::LockGuard lock(m_lock);
+        if (m_isPipe) {
+            return STG_E_INVALIDFUNCTION;
+        }
         hr = MovePosition(move.QuadPart, origin);
         if (position != nullptr) {
             position->QuadPart = m_position;

@@ -1,4 +1,4 @@
-// CFileStream: IStream over a file on disk, of any size; neither buffered nor transacted.
+// CFileStream: IStream over a file on disk, of any size, or over a pipe; neither buffered nor transacted.
 //
 // Units: bytes. Owner: the outer object when there is one (the pin that offers the stream), else its references.
 // Threads: any; one call at a time gets through. Reads and writes carry their position with them.
@@ -27,6 +27,8 @@ class CFileStream : public CUnknown, public IStream {
     HRESULT Create(const std::wstring& path, bool overwrite);
     // A file that is open already; it is closed with the stream.
     void Take(win::FileHandle file, const std::wstring& path);
+    // One that takes bytes and cannot seek: a seek is refused, which is no failure.
+    void TakePipe(win::FileHandle pipe);
     // Called once, at the first write or seek that fails, on the thread of the caller that met it.
     void SetFailureHandler(FailureHandler handler) { m_onFailure = std::move(handler); }
     // S_OK as long as all went well.
@@ -64,6 +66,7 @@ class CFileStream : public CUnknown, public IStream {
     win::CriticalSection m_lock;
     win::FileHandle m_file;
     std::wstring m_path;
+    bool m_isPipe QRX_GUARDED_BY(m_lock) = false;
     UINT64 m_position QRX_GUARDED_BY(m_lock) = 0;
     std::optional<UINT64> m_handlePosition QRX_GUARDED_BY(m_lock); // of the file itself; none when nobody knows
     std::atomic<UINT64> m_writtenEnd{0};

@@ -36,7 +36,10 @@ std::vector<std::wstring> ReadFiles(const Options& options) {
 }
 
 std::vector<WrittenFile> WrittenFiles(const Options& options) {
-    std::vector<WrittenFile> files{{options.output, "the output", options.overwrite}};
+    std::vector<WrittenFile> files;
+    if (!options.IsToStandardOutput()) {
+        files.push_back({options.output, "the output", options.overwrite});
+    }
     if (!options.saveConfig.empty()) {
         files.push_back({options.saveConfig, "the saved configuration", options.overwrite});
     }

@@ -81,16 +81,25 @@ void MuxGraph::AddStream(SourceStream stream) {
     m_streams.push_back(std::move(stream));
 }
 
-void MuxGraph::OpenOutput(const std::wstring& path, bool overwrite) {
+void MuxGraph::ConnectSink() {
     const win::ComPtr<IPin> from = FreePinOf(m_muxer.Get(), PINDIR_OUTPUT);
     const win::ComPtr<IPin> to = FreePinOf(m_sink.Get(), PINDIR_INPUT);
     const HRESULT connected = from && to ? m_graph->ConnectDirect(from.Get(), to.Get(), nullptr) : E_FAIL;
     if (FAILED(connected)) {
         throw Failure("the muxer's output cannot be connected: " + DescribeResult(connected));
     }
+}
+
+void MuxGraph::OpenOutput(const std::wstring& path, bool overwrite) {
+    ConnectSink();
     if (const HRESULT hr = m_sink->CreateFileOnDisk(path, overwrite); FAILED(hr)) {
         throw Failure(Utf8FromWide(path) + ": cannot be created: " + DescribeResult(hr));
     }
+}
+
+void MuxGraph::WriteTo(win::FileHandle pipe) {
+    ConnectSink();
+    m_sink->WriteTo(std::move(pipe));
 }
 
 } // namespace mkvmux

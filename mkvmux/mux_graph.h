@@ -36,6 +36,8 @@ class MuxGraph {
     void AddStream(SourceStream stream);
     // Creates the file and puts it behind the muxer; to be called last, so that what fails before leaves no file.
     void OpenOutput(const std::wstring& path, bool overwrite);
+    // Instead of that: into what is open already and cannot seek.
+    void WriteTo(win::FileHandle pipe);
 
     // Each at the index of its input of the muxer.
     [[nodiscard]] const std::vector<SourceStream>& Streams() const { return m_streams; }
@@ -52,6 +54,7 @@ class MuxGraph {
     [[nodiscard]] const CFileStream& Output() const { return m_sink->Stream(); }
 
   private:
+    void ConnectSink();
     void AddToGraph(IBaseFilter* filter, const wchar_t* name);
     [[nodiscard]] bool CanBeWritten(const SourceStream& stream) const;
     [[nodiscard]] std::string WhyNotConnected(IPin& input, const AM_MEDIA_TYPE& type, HRESULT hr) const;

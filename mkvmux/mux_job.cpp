@@ -1,6 +1,7 @@
 #include "mkvmux/mux_job.h"
 
 #include <set>
+#include <utility>
 
 #include "mkvmux/apply_settings.h"
 #include "mkvmux/display_choice.h"
@@ -18,6 +19,7 @@
 #include "mkvmux/profile_checks.h"
 #include "mkvmux/progress_display.h"
 #include "mkvmux/property_pages.h"
+#include "mkvmux/standard_output.h"
 #include "mkvmux/text.h"
 
 namespace mkvmux {
@@ -103,14 +105,14 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
         run.Finish();
     } catch (const Failure& failure) {
         display.Finish();
-        const Failure told(Utf8FromWide(options.output) + ": " + failure.what() + "; the file is unfinished");
+        const Failure told(options.OutputName() + ": " + failure.what() + "; the file is unfinished");
         if (!run.Stop()) {
             Console::Fail(told.what());
             LeaveAtOnce(kExitFailed);
         }
         throw told;
     }
-    console.Inform(Utf8FromWide(options.output) + ": " + std::to_string(graph.Output().WrittenEnd()) +
+    console.Inform(options.OutputName() + ": " + std::to_string(graph.Output().WrittenEnd()) +
                    " bytes written\n");
     if (!run.Stop()) {
         console.Warn("an input's filter does not stop and is left as it is; the file is finished");
@@ -118,13 +120,32 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
     }
 }
 
+// Of what is written, before anything is opened. Standard output, where that is it, else nothing.
+win::FileHandle CheckOutputs(const Options& options) {
+    win::FileHandle pipe;
+    if (options.IsToStandardOutput()) {
+        pipe = TakeStandardOutput();
+    } else {
+        CheckPlace(options.output);
+    }
+    CheckPlace(options.saveConfig);
+    CheckWrittenFiles(options);
+    return pipe;
+}
+
+void OpenOutput(MuxGraph& graph, const Options& options, win::FileHandle pipe) {
+    if (pipe) {
+        graph.WriteTo(std::move(pipe));
+    } else {
+        graph.OpenOutput(options.output, options.overwrite);
+    }
+}
+
 } // namespace
 
 void Mux(const Options& options, Interruption& interruption, Console& console) {
     CheckInputs(options);
-    CheckPlace(options.output);
-    CheckPlace(options.saveConfig);
-    CheckWrittenFiles(options);
+    win::FileHandle pipe = CheckOutputs(options);
     MuxerLoader loader; // before all that comes from its module
     MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
     MuxerSettings settings(graph.Muxer());
@@ -142,7 +163,7 @@ void Mux(const Options& options, Interruption& interruption, Console& console) {
     ListTracks(graph, settings, console);
     CheckWebmSubset(graph, settings);
     interruption.Enter(Interruption::Stage::Running);
-    graph.OpenOutput(options.output, options.overwrite);
+    OpenOutput(graph, options, std::move(pipe));
     Run(graph, options, interruption, console);
 }
 

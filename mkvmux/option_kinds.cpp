@@ -2,12 +2,23 @@
 
 namespace mkvmux {
 
+namespace {
+
+// Empty when it names a file.
+std::string RefusalOfOption(const std::string& value) {
+    return value.starts_with('-') ? "'" + value + "' looks like an option; './" + value + "' names a file"
+                                  : std::string();
+}
+
+} // namespace
+
 CLI::Validator NoOption() {
-    const auto check = [](const std::string& value) {
-        return value.starts_with('-') ? "'" + value + "' looks like an option; './" + value + "' names a file"
-                                      : std::string();
-    };
-    return CLI::Validator(check, "");
+    return CLI::Validator([](const std::string& value) { return RefusalOfOption(value); }, "");
+}
+
+CLI::Validator NoOptionButDash() {
+    return CLI::Validator(
+        [](const std::string& value) { return value == "-" ? std::string() : RefusalOfOption(value); }, "");
 }
 
 CLI::Validator NoOptionOf(const CLI::App& app) {

@@ -11,6 +11,9 @@ namespace mkvmux {
 // Names a file: one that was forgotten makes the next option its name.
 [[nodiscard]] CLI::Validator NoOption();
 
+// As above, or "-" for standard output.
+[[nodiscard]] CLI::Validator NoOptionButDash();
+
 // A text may begin with anything, but is no option of the program.
 [[nodiscard]] CLI::Validator NoOptionOf(const CLI::App& app);
 

@@ -39,9 +39,9 @@ struct RawOptions {
 };
 
 void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
-    app.add_option("-o,--output", raw.output, "the file to write; a name that ends in .webm implies --webm")
+    app.add_option("-o,--output", raw.output, "the file to write; a name that ends in .webm implies --webm; - is standard output")
         ->type_name("FILE")
-        ->check(NoOption());
+        ->check(NoOptionButDash());
     app.add_flag("-y,--yes", options.overwrite, "overwrite what exists");
     app.add_flag("--webm", options.webm, "write the document type webm");
     app.add_option("--profile", raw.profile,
@@ -181,7 +181,7 @@ std::string Contradiction(const Options& options) {
     if (options.json && !options.identify) {
         return "--json goes with --identify only";
     }
-    if (!options.saveConfig.empty() && IsSameFile(options.saveConfig, options.output)) {
+    if (!options.saveConfig.empty() && !options.IsToStandardOutput() && IsSameFile(options.saveConfig, options.output)) {
         return "--save-config and --output name the same file";
     }
     return {};
@@ -228,6 +228,10 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
 }
 
 } // namespace
+
+std::string Options::OutputName() const {
+    return IsToStandardOutput() ? kStandardOutputName : Utf8FromWide(output);
+}
 
 std::variant<Options, EarlyExit> ParseOptions(const std::vector<std::string>& arguments, const std::string& version) {
     try {

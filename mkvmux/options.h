@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mkvmux/attachment_options.h"
+#include "mkvmux/standard_output.h"
 #include "mkvmux/track_options.h"
 #include "sources/annexb/frame_rate.h"
 
@@ -21,7 +22,7 @@ struct InputOptions {
 };
 
 struct Options {
-    std::wstring output;
+    std::wstring output; // a file, or kStandardOutput
     std::wstring repair; // the recording to finish, and nothing else; empty: none
     bool overwrite = false;
     bool webm = false;
@@ -44,6 +45,10 @@ struct Options {
     std::wstring saveConfig;                // empty: not saved
     std::wstring loadConfig;                // empty: not loaded
     std::vector<std::wstring> optionsFiles; // that arguments came from
+
+    [[nodiscard]] bool IsToStandardOutput() const { return output == kStandardOutput; }
+    // For messages.
+    [[nodiscard]] std::string OutputName() const;
 };
 
 // The command line that was asked for help, the version or the languages, or that cannot be followed.

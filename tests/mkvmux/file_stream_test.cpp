@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/mkvmux/com_test.h"
@@ -194,6 +195,45 @@ TEST_F(FileStream, WhatAFileCannotDoIsNotImplemented) {
     EXPECT_EQ(m_stream->UnlockRegion({}, {}, LOCK_WRITE), STG_E_INVALIDFUNCTION);
     EXPECT_EQ(m_stream->Revert(), S_OK);
     EXPECT_EQ(m_stream->Commit(STGC_DEFAULT), S_OK);
+}
+
+// Both ends of one, without a name.
+struct Pipe {
+    Pipe() { EXPECT_NE(FALSE, CreatePipe(reader.Put(), writer.Put(), nullptr, 0)); }
+    win::FileHandle reader;
+    win::FileHandle writer;
+};
+
+TEST_F(FileStream, APipeTakesBytesOneBehindTheOtherAndRefusesToSeek) {
+    Pipe pipe;
+    std::vector<HRESULT> reported;
+    m_implementation->SetFailureHandler([&reported](HRESULT hr) { reported.push_back(hr); });
+    m_implementation->TakePipe(std::move(pipe.writer));
+    EXPECT_EQ(Seek(0, STREAM_SEEK_SET), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(Write("live"), S_OK);
+    EXPECT_EQ(Seek(0, STREAM_SEEK_CUR), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(Seek(0, STREAM_SEEK_END), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(Write("bytes"), S_OK);
+    EXPECT_EQ(m_implementation->WrittenEnd(), 9u);
+    EXPECT_EQ(m_implementation->FirstFailure(), S_OK) << "that is no failure";
+    EXPECT_TRUE(reported.empty());
+    std::array<char, 16> buffer{};
+    DWORD got = 0;
+    EXPECT_NE(FALSE, ReadFile(pipe.reader.Get(), buffer.data(), static_cast<DWORD>(buffer.size()), &got, nullptr));
+    EXPECT_EQ(std::string(buffer.data(), got), "livebytes");
+}
+
+TEST_F(FileStream, APipeWhoseReaderHasLeftFailsEachWriteAndTellsOnce) {
+    Pipe pipe;
+    std::vector<HRESULT> reported;
+    m_implementation->SetFailureHandler([&reported](HRESULT hr) { reported.push_back(hr); });
+    m_implementation->TakePipe(std::move(pipe.writer));
+    pipe.reader.Reset();
+    const HRESULT failed = Write("nobody");
+    EXPECT_TRUE(FAILED(failed));
+    EXPECT_EQ(Write("hears"), failed);
+    EXPECT_EQ(m_implementation->FirstFailure(), failed);
+    EXPECT_EQ(reported, std::vector<HRESULT>{failed});
 }
 
 TEST_F(FileStream, WritesOfSeveralThreadsNeverMix) {

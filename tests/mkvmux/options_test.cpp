@@ -33,6 +33,16 @@ TEST(Options, TakeInputsInTheirOrder) {
     EXPECT_EQ(options.inputs[1].path, L"b.wav");
 }
 
+TEST(Options, ADashIsStandardOutputAndNoFile) {
+    const Options options = Parsed({"-o", "-", "--save-config", "./-", "a.avi"});
+    EXPECT_TRUE(options.IsToStandardOutput());
+    EXPECT_EQ(options.OutputName(), "standard output");
+    EXPECT_FALSE(options.webm);
+    EXPECT_FALSE(Parsed({"-o", "./-", "a.avi"}).IsToStandardOutput());
+    EXPECT_THAT(Refused({"-o", "--webm", "a.avi"}).output, HasSubstr("'--webm' looks like an option"));
+    EXPECT_THAT(Refused({"-o", "out.mkv", "--save-config", "-", "a.avi"}).output, HasSubstr("looks like an option"));
+}
+
 TEST(Options, DefaultsAreSafe) {
     const Options options = Parsed({"-o", "out.mkv", "a.avi"});
     EXPECT_FALSE(options.overwrite);
