@@ -61,6 +61,13 @@ DEFINE_GUID(MKVMUX_TrackStatistics, 0xa461331f, 0xa1cf, 0x4494, 0x82, 0x35, 0x94
 // below -1 or that is no number; nothing is changed then. Of what Matroska has no meaning for nothing is written. Not
 // saved. Written by the strict profile alone.
 DEFINE_GUID(MKVMUX_TrackColour, 0xf4240379, 0x1b2c, 0x438c, 0xae, 0xab, 0x5c, 0x55, 0x61, 0x03, 0x8f, 0xd2);
+// Set and get, VARIANT::byref: a MuxChapter record. Set adds, replaces or removes as its index says, also while a file is
+// recorded: what is set until Stop is in that file. Get gives the chapter of that index, E_INVALIDARG behind the last one;
+// the strings that the record holds are freed. E_INVALIDARG for a value that cannot be, and for more than 10,000 chapters
+// or 1,048,576 characters of all together; nothing is changed then. Written by the strict profile alone.
+DEFINE_GUID(MKVMUX_Chapter, 0x8d554f3d, 0x75da, 0x403a, 0xa7, 0x77, 0x61, 0xa8, 0x0f, 0x55, 0x76, 0xc0);
+// Set and get, VARIANT::byref: a MuxTag record, as above.
+DEFINE_GUID(MKVMUX_Tag, 0x435f978f, 0x01af, 0x4084, 0xb6, 0xeb, 0x03, 0x28, 0x4b, 0x5c, 0x56, 0xc7);
 
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
@@ -95,6 +102,25 @@ enum MuxTrackType {
     MuxTrackType_Audio = 2,
     MuxTrackType_Subtitle = 17 // texts too
 };
+
+// Indices of MuxChapter and MuxTag that are no places in the list.
+enum MuxListIndex {
+    MuxListIndex_Add = -1,   // one more, at the end of the list
+    MuxListIndex_Clear = -2  // all of them go; the rest of the record is not looked at
+};
+
+// Times of MuxChapter that are none.
+inline constexpr INT64 MuxChapterTime_None = -1; // of an end: where the next one begins
+inline constexpr INT64 MuxChapterTime_Now = -2;  // of a start: what is written of the file so far
+
+// Levels of MuxChapter and MuxTag.
+enum MuxLevel {
+    MuxLevel_Top = 0,         // others are parts of the one before that is one level up
+    MuxLevel_FurtherTitle = -1 // no chapter, but the same one's title in one more language
+};
+
+// Of MuxTag::track.
+inline constexpr INT32 MuxTagTrack_All = -1; // the tag speaks of the whole file
 
 // ---- Results ----------------------------------------------------------------------------------------------------
 
@@ -180,12 +206,39 @@ struct MuxAttachment {
     UINT64 uid; // not 0, unique among the attachments of a file
 };
 
+// A chapter of the file. One with the start MuxChapterTime_Now marks the moment of the file that is being recorded: it
+// belongs to that file, is not saved, and goes when the next file begins; E_INVALIDARG for a level other than
+// MuxLevel_Top or an index other than MuxListIndex_Add, VFW_E_WRONG_STATE while no file is open.
+struct MuxChapter {
+    INT32 index;   // from 0, or a MuxListIndex
+    INT32 level;   // up to 15, or MuxLevel_FurtherTitle, of which index, title and language alone count
+    INT64 start;   // 100 ns from the beginning of the file, or MuxChapterTime_Now
+    INT64 end;     // not before the start, or MuxChapterTime_None
+    UINT64 uid;    // 0, or one that the file has but once: the muxer makes one
+    BYTE hidden;   // 1: players do not list it; else 0
+    BYTE disabled; // 1: players pass over it; else 0
+    BSTR title;    // null or empty: none
+    BSTR language; // "en", "eng", "pt-BR" or an English name as in TrackSettings; null or empty: not said
+};
+
+// A tag of the file or of a track: what it is called, who made it.
+struct MuxTag {
+    INT32 index;       // from 0, or a MuxListIndex
+    INT32 track;       // the input pin, from 0, or MuxTagTrack_All; without that track in the file it is not written
+    INT32 level;       // up to 15; above MuxLevel_Top it says more of the tag before it
+    UINT32 targetType; // Matroska's TargetTypeValue, such as 50 for a film or 30 for a song; 0 for 50
+    BSTR target;       // its name, such as "ALBUM"; null or empty: none
+    BSTR name;         // such as "ARTIST"; never empty
+    BSTR value;        // null and empty are the same
+    BSTR language;     // as above
+};
+
 // ---- The parameter interface ------------------------------------------------------------------------------------
 
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
 // rows, document type, attachments, profile, flags, title, seed and statistics reach the file when streaming starts,
-// and a file that is being written keeps what it began with. The log directory takes effect at once. The VARIANT's type
-// tag is neither checked nor set.
+// and a file that is being written keeps what it began with; chapters and tags reach it until Stop. The log directory
+// takes effect at once. The VARIANT's type tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include <qrx_mkvmuxer.h>
 
@@ -9,6 +10,7 @@
 #include "dshow/ref_time.h"
 #include "log/logger.h"
 #include "matroska_muxer/field_stream.h"
+#include "matroska_muxer/list_parameters.h"
 #include "matroska_muxer/option_parameters.h"
 #include "matroska_muxer/options_block.h"
 #include "matroska_muxer/record_fields.h"
@@ -171,6 +173,8 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_Seed, SetSeed, GetSeed},
     {MKVMUX_TrackStatistics, SetTrackStatistics, GetTrackStatistics},
     {MKVMUX_TrackColour, SetTrackColour, GetTrackColour},
+    {MKVMUX_Chapter, SetChapter, GetChapter},
+    {MKVMUX_Tag, SetTag, GetTag},
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},
@@ -219,8 +223,15 @@ HRESULT CMuxerParameters::Get(const GUID& key, VARIANT& value) const {
     return parameter == nullptr || parameter->get == nullptr ? E_FAIL : parameter->get(m_targets, value);
 }
 
+records::AllOptions CMuxerParameters::AllOptions() const {
+    records::AllOptions all = m_options.All();
+    all.chapters = m_targets.writer.chapters().Lasting();
+    all.tags = m_targets.writer.tags().Lasting();
+    return all;
+}
+
 DWORD CMuxerParameters::FormatToSave() const {
-    return m_options.All().IsDefault() ? kPlainFormat : kFormatWithOptions;
+    return AllOptions().IsDefault() ? kPlainFormat : kFormatWithOptions;
 }
 
 HRESULT CMuxerParameters::Save(IStream& stream, DWORD format) const {
@@ -228,7 +239,7 @@ HRESULT CMuxerParameters::Save(IStream& stream, DWORD format) const {
         CFieldWriter out(stream);
         ForEverySaved([&](const Saved& saved) { saved.write(m_targets, out); });
         if (format == kFormatWithOptions) {
-            WriteOptionsBlock(out, m_options.All());
+            WriteOptionsBlock(out, AllOptions());
         }
     });
 }
@@ -243,6 +254,9 @@ HRESULT CMuxerParameters::Load(IStream& stream, DWORD format) {
         }
         // As SetValue would refuse them.
         std::erase_if(options.flags, [this](const auto& flags) { return !m_rows.Has(flags.first); });
+        // The block has no more of them than the lists hold.
+        (void)m_targets.writer.chapters().ReplaceAll(std::exchange(options.chapters, {}));
+        (void)m_targets.writer.tags().ReplaceAll(std::exchange(options.tags, {}));
         m_options.ReplaceAll(std::move(options));
     });
 }

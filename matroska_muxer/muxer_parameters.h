@@ -12,7 +12,8 @@
 class CMkvWriter;
 class CConnectedInputs;
 
-// What the parameters reach. Of the writer only what any thread may ask: document type, attachments, duration.
+// What the parameters reach. Of the writer only what any thread may ask: document type, attachments,
+// chapters, tags, duration.
 struct ParameterTargets {
     records::CTrackSettingsTable& rows;
     records::CFileOptions& options;
@@ -47,6 +48,9 @@ class CMuxerParameters {
     [[nodiscard]] const records::CFileOptions& Options() const { return m_options; }
 
   private:
+    // What the options' block holds.
+    [[nodiscard]] records::AllOptions AllOptions() const;
+
     records::CTrackSettingsTable m_rows;
     records::CFileOptions m_options;
     const ParameterTargets m_targets;

@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 #include <vector>
+
+#include "records/record_list.h"
+#include "records/record_text.h"
 
 namespace {
 
@@ -13,7 +17,15 @@ constexpr UINT32 kVersion = 1;
 constexpr UINT32 kFieldHeadBytes = 2 * sizeof(UINT32); // tag and length
 constexpr UINT32 kFlagBytes = 5;
 
-enum Tag : UINT32 { kProfile = 1, kTitle = 2, kSeed = 3, kTrackStatistics = 4, kTrackFlags = 5 };
+enum Tag : UINT32 {
+    kProfile = 1,
+    kTitle = 2,
+    kSeed = 3,
+    kTrackStatistics = 4,
+    kTrackFlags = 5,
+    kChapter = 7, // one of them, as many as there are
+    kTag = 8,
+};
 
 // ---- Writing -------------------------------------------------------------------------------------------------------
 
@@ -35,6 +47,20 @@ class Fields {
         PutHead(tag, sizeof(value));
         Put(value);
     }
+    void PutUnits(const WideString& text) {
+        for (const WCHAR unit : text) {
+            Put(static_cast<UINT16>(unit));
+        }
+    }
+    // Behind its length in code units.
+    void PutText(const WideString& text) {
+        Put(static_cast<UINT32>(text.size()));
+        PutUnits(text);
+    }
+    void PutField(Tag tag, const Fields& content) {
+        PutHead(tag, content.m_bytes.size());
+        m_bytes.insert(m_bytes.end(), content.m_bytes.begin(), content.m_bytes.end());
+    }
     [[nodiscard]] const std::vector<BYTE>& Bytes() const { return m_bytes; }
 
   private:
@@ -43,9 +69,7 @@ class Fields {
 
 void PutTitle(Fields& fields, const WideString& title) {
     fields.PutHead(kTitle, title.size() * sizeof(WCHAR));
-    for (const WCHAR unit : title) {
-        fields.Put(static_cast<UINT16>(unit));
-    }
+    fields.PutUnits(title);
 }
 
 void PutFlags(Fields& fields, const MuxTrackFlags& flags) {
@@ -55,6 +79,30 @@ void PutFlags(Fields& fields, const MuxTrackFlags& flags) {
          {flags.forced, flags.hearingImpaired, flags.visualImpaired, flags.original, flags.commentary}) {
         fields.Put(flag);
     }
+}
+
+void PutChapter(Fields& fields, const records::Chapter& chapter) {
+    Fields content;
+    content.Put(static_cast<UINT32>(chapter.level));
+    content.Put(static_cast<UINT64>(chapter.start));
+    content.Put(static_cast<UINT64>(chapter.end));
+    content.Put(chapter.uid);
+    content.Put(static_cast<BYTE>(chapter.hidden ? 1 : 0));
+    content.Put(static_cast<BYTE>(chapter.disabled ? 1 : 0));
+    content.PutText(chapter.title);
+    content.PutText(chapter.language);
+    fields.PutField(kChapter, content);
+}
+
+void PutTag(Fields& fields, const records::Tag& tag) {
+    Fields content;
+    content.Put(static_cast<UINT32>(tag.track));
+    content.Put(static_cast<UINT32>(tag.level));
+    content.Put(tag.targetType);
+    for (const WideString* text : {&tag.target, &tag.name, &tag.value, &tag.language}) {
+        content.PutText(*text);
+    }
+    fields.PutField(kTag, content);
 }
 
 // ---- Reading -------------------------------------------------------------------------------------------------------
@@ -106,6 +154,83 @@ void ReadTrackFlags(CFieldReader& in, UINT32 size, AllOptions& options) {
     options.flags[flags.index] = flags;
 }
 
+// The fields of one record, which fill its size exactly.
+class RecordReader {
+  public:
+    RecordReader(CFieldReader& in, UINT32 size) : m_in(in), m_left(size) {}
+
+    template <typename Number>
+    [[nodiscard]] Number Read() {
+        Take(sizeof(Number));
+        return m_in.Read<Number>();
+    }
+    [[nodiscard]] bool ReadFlag() {
+        const auto flag = Read<BYTE>();
+        RequireThat(flag <= 1);
+        return flag != 0;
+    }
+    [[nodiscard]] WideString ReadText() {
+        const auto length = Read<UINT32>();
+        RequireThat(length <= m_left / sizeof(WCHAR));
+        Take(length * static_cast<UINT32>(sizeof(WCHAR)));
+        return WideString(m_in.ReadText(length * sizeof(WCHAR)).View());
+    }
+    void RequireEnd() const { RequireThat(m_left == 0); }
+
+  private:
+    void Take(UINT32 size) {
+        RequireThat(size <= m_left);
+        m_left -= size;
+    }
+
+    CFieldReader& m_in;
+    UINT32 m_left;
+};
+
+// More than a record of that list can be; whoever claims more is refused before anything is read.
+constexpr UINT32 kMaxRecordBytes = 4 * sizeof(UINT64) + (4 * (records::kMaxTextLength + 2)) * sizeof(WCHAR);
+
+// As the list would refuse it.
+template <typename Record>
+void AddTo(std::vector<Record>& list, Record record) {
+    using List = records::CRecordList<Record>;
+    RequireThat(!list.empty() || !record.NeedsOneBefore());
+    list.push_back(std::move(record));
+    RequireThat(list.size() <= List::kMaxCount && List::TextLengthOf(list) <= List::kMaxTextLength);
+}
+
+void ReadChapter(CFieldReader& in, UINT32 size, AllOptions& options) {
+    RequireThat(size <= kMaxRecordBytes);
+    RecordReader fields(in, size);
+    records::Chapter chapter;
+    chapter.level = fields.Read<INT32>();
+    chapter.start = fields.Read<INT64>();
+    chapter.end = fields.Read<INT64>();
+    chapter.uid = fields.Read<UINT64>();
+    chapter.hidden = fields.ReadFlag();
+    chapter.disabled = fields.ReadFlag();
+    chapter.title = fields.ReadText();
+    chapter.language = fields.ReadText();
+    fields.RequireEnd();
+    RequireThat(records::IsChapter(chapter));
+    AddTo(options.chapters, std::move(chapter));
+}
+
+void ReadTag(CFieldReader& in, UINT32 size, AllOptions& options) {
+    RequireThat(size <= kMaxRecordBytes);
+    RecordReader fields(in, size);
+    records::Tag tag;
+    tag.track = fields.Read<INT32>();
+    tag.level = fields.Read<INT32>();
+    tag.targetType = fields.Read<UINT32>();
+    for (WideString* const text : {&tag.target, &tag.name, &tag.value, &tag.language}) {
+        *text = fields.ReadText();
+    }
+    fields.RequireEnd();
+    RequireThat(records::IsTag(tag));
+    AddTo(options.tags, std::move(tag));
+}
+
 struct FieldReader {
     UINT32 tag;
     void (*read)(CFieldReader& in, UINT32 size, AllOptions& options);
@@ -113,7 +238,7 @@ struct FieldReader {
 
 constexpr FieldReader kReaders[] = {
     {kProfile, ReadProfile},       {kTitle, ReadTitle}, {kSeed, ReadSeed}, {kTrackStatistics, ReadTrackStatistics},
-    {kTrackFlags, ReadTrackFlags},
+    {kTrackFlags, ReadTrackFlags}, {kChapter, ReadChapter}, {kTag, ReadTag},
 };
 
 void ReadField(CFieldReader& in, UINT32 tag, UINT32 size, AllOptions& options) {
@@ -145,6 +270,12 @@ void WriteOptionsBlock(CFieldWriter& out, const AllOptions& options) {
     }
     for (const auto& [index, flags] : options.flags) {
         PutFlags(fields, flags);
+    }
+    for (const records::Chapter& chapter : options.chapters) {
+        PutChapter(fields, chapter);
+    }
+    for (const records::Tag& tag : options.tags) {
+        PutTag(fields, tag);
     }
     const auto size = static_cast<UINT32>(fields.Bytes().size());
     out.Write(kMagic);

@@ -2,7 +2,8 @@
 // configuration has.
 //
 // Units: bytes. Owner: values. Errors: throws StreamFailure: VFW_E_INVALID_FILE_FORMAT for a block that is damaged,
-// HRESULT_FROM_WIN32(ERROR_HANDLE_EOF) when the stream ends early; std::bad_alloc. Memory: what a title may hold.
+// HRESULT_FROM_WIN32(ERROR_HANDLE_EOF) when the stream ends early; std::bad_alloc. Memory: what a title and the
+// lists may hold.
 #pragma once
 
 #include "matroska_muxer/field_stream.h"

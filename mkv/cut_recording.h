@@ -24,6 +24,8 @@ struct CutRecording {
     UINT64 segment = 0; // where the element begins
     UINT64 tracks = 0;  // and this one
     std::optional<UINT64> attachments;
+    std::optional<UINT64> chapters;
+    std::optional<UINT64> tags;
     std::vector<CuePoint> cuePoints;
     UINT64 end = 0;   // behind the last cluster that is whole
     UINT64 endNs = 0; // when the last block ends

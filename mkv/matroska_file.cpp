@@ -5,10 +5,13 @@
 #include <ctime>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxAttachments.h>
+#include <matroska/KaxChapters.h>
+#include <matroska/KaxTags.h>
 
 #include "media/track_type.h"
 #include "mkv/attachments_element.h"
@@ -38,7 +41,7 @@ std::vector<BYTE> UnknownSize(int fieldBytes) {
 CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& options)
     : m_options(options), m_form(FormOf(options.profile)), m_origin(OriginNow(options.seed)),
       m_identifiers(options.seed), m_io(io), m_gathering(io), m_patcher(m_gathering),
-      m_seekHead(m_gathering, m_segment),
+      m_seekHead(m_gathering, m_segment), m_annotations(m_gathering, m_patcher, m_seekHead, m_identifiers),
       m_arrives([this](const std::function<void()>& write) { return m_patcher.arrives(write); }),
       m_list([this](const libebml::EbmlElement& element) { m_seekHead.list(element); }),
       m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)),
@@ -105,6 +108,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
                                       : libebml::GetNextChild(element, *entries.back());
         entries.push_back(&entry);
         fillTrackEntry(entry, entries.size(), track);
+        m_trackUids[track.flags.index] = libebml::GetChild<libmatroska::KaxTrackUID>(entry).GetValue();
         if (TrackTypeOf(track.type) == media::kTrackTypeVideo) {
             cueTrack = static_cast<INT32>(entries.size()) - 1; // the last video track wins
         }
@@ -154,6 +158,18 @@ void CMatroskaFile::writeElement(libebml::EbmlMaster& element) {
     m_seekHead.list(element);
 }
 
+void CMatroskaFile::writeAnnotations(Annotations annotations) {
+    if (m_options.isStrict()) {
+        m_annotations.write(std::move(annotations), m_trackUids, m_isWebm);
+    }
+}
+
+void CMatroskaFile::changeAnnotations(Annotations annotations) {
+    if (m_options.isStrict()) {
+        m_annotations.change(std::move(annotations));
+    }
+}
+
 // What was written then is rendered once more and forgotten.
 void CMatroskaFile::resume(const CutRecording& recording) {
     m_gathering.moveTo(recording.segment);
@@ -164,6 +180,12 @@ void CMatroskaFile::resume(const CutRecording& recording) {
     m_seekHead.listAt<libmatroska::KaxTracks>(recording.tracks);
     if (recording.attachments) {
         m_seekHead.listAt<libmatroska::KaxAttachments>(*recording.attachments);
+    }
+    if (recording.chapters) {
+        m_seekHead.listAt<libmatroska::KaxChapters>(*recording.chapters);
+    }
+    if (recording.tags) {
+        m_seekHead.listAt<libmatroska::KaxTags>(*recording.tags);
     }
     for (const CutRecording::CuePoint& point : recording.cuePoints) {
         m_cues.announce({point.timeNs, point.track, point.relativePosition, point.durationNs});
@@ -199,9 +221,10 @@ void CMatroskaFile::patch(UINT64 dataStart) {
     m_patcher.writeLostHeadParts();
     m_info->patch(m_arrives, m_list);
     writeCues();
-    writeStatistics();
+    patchAnnotations();
     m_seekHead.fillPlace(m_patcher);
     overwriteSegmentSize(m_patcher.end() - dataStart);
+    m_annotations.clearPlaces();
 }
 
 void CMatroskaFile::observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries) {
@@ -224,15 +247,13 @@ void CMatroskaFile::append(Element& element) {
     }
 }
 
-// None of a recording that is resumed, since it is not known what was written of its tracks.
-void CMatroskaFile::writeStatistics() {
-    libmatroska::KaxTags tags;
+// Statistics: none of a recording that is resumed, since it is not known what was written of its tracks.
+void CMatroskaFile::patchAnnotations() {
+    auto tags = std::make_unique<libmatroska::KaxTags>();
     for (const CTrackStatistics::Track& track : m_statistics.tracks()) {
-        AddStatisticsTag(tags, track, m_origin);
+        AddStatisticsTag(*tags, track, m_origin);
     }
-    if (tags.ListSize() > 0) {
-        append(tags);
-    }
+    m_annotations.patch(std::move(tags));
 }
 
 void CMatroskaFile::writeCues() {

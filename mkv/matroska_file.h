@@ -12,6 +12,7 @@
 
 #include <matroska/KaxSegment.h>
 
+#include "mkv/annotations.h"
 #include "mkv/clusters.h"
 #include "mkv/cut_recording.h"
 #include "mkv/file_form.h"
@@ -41,6 +42,9 @@ class CMatroskaFile {
     void writeTracks(const TrackList& tracks);
     // Nothing is written of none.
     void writeAttachments(const std::vector<const MuxAttachment*>& records);
+    // Of a strict file, from here on until it is finalised; the later call tells all that it is to have then.
+    void writeAnnotations(Annotations annotations);
+    void changeAnnotations(Annotations annotations);
     // A further element of the Segment's own level; it is not kept.
     void writeElement(libebml::EbmlMaster& element);
     void startFirstCluster() { m_clusters->startCluster(0); }
@@ -75,7 +79,8 @@ class CMatroskaFile {
     void patch(UINT64 dataStart);
     void writeCues();
     void observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries);
-    void writeStatistics();
+    // Chapters, tags and statistics.
+    void patchAnnotations();
     // Behind all that the file has, and listed.
     template <typename Element>
     void append(Element& element);
@@ -92,6 +97,8 @@ class CMatroskaFile {
     CLatePrivateData m_latePrivateData;
     CTrackColours m_colours;
     CSeekHead m_seekHead;
+    CAnnotations m_annotations;
+    TrackUids m_trackUids;
     const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
     const CSegmentInfo::Listing m_list;
     bool m_isFinished = false;

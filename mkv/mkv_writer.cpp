@@ -63,6 +63,7 @@ void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     }
     m_file->writeTracks(m_tracks);
     m_file->writeAttachments(attachments);
+    m_file->writeAnnotations({m_chapters.BeginFile(), m_tags.BeginFile()});
     m_file->startFirstCluster();
 }
 
@@ -88,6 +89,7 @@ void CMkvWriter::WritePacket(const mkv::Packet& packet) {
 void CMkvWriter::Close() {
     if (m_file) {
         m_isFinished = false;
+        m_file->changeAnnotations({m_chapters.EndFile(), m_tags.EndFile()});
         m_file->finalise(m_durationNs);
         m_isFinished = m_file->isFinished();
     }
@@ -102,5 +104,7 @@ void CMkvWriter::abandon() noexcept {
 
 void CMkvWriter::releaseFile() noexcept {
     m_file.reset();
+    m_chapters.CloseFile();
+    m_tags.CloseFile();
     m_tracks.clear();
 }

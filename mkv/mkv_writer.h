@@ -1,7 +1,7 @@
 // CMkvWriter: writes one Matroska or WebM file a start of streaming: tracks are registered and attachments added
 // while it is closed, packets are written while it is open.
 // Units: packets in 100 ns, the duration in nanoseconds. Owner: the filter; the output is not owned.
-// Threads: under the filter's writer lock; duration, output format and attachments from any thread.
+// Threads: under the filter's writer lock; duration, output format, attachments, chapters and tags from any thread.
 // Errors: the C strings of writer_errors.h, NotWebmError, std::bad_alloc; after a failed Open or Close call abandon.
 #pragma once
 
@@ -12,6 +12,9 @@
 #include "mkv/mkv_io.h"
 #include "mkv/writer_input.h"
 #include "records/attachment_list.h"
+#include "records/chapter.h"
+#include "records/record_list.h"
+#include "records/tag.h"
 
 class CMkvWriter {
   public:
@@ -37,6 +40,10 @@ class CMkvWriter {
     [[nodiscard]] size_t attachmentCount() const { return m_attachments.Count(); }
     // Null beyond the end.
     [[nodiscard]] const MuxAttachment* attachment(size_t i) const { return m_attachments.At(i); }
+
+    // What strict files are told, the open one until it is closed. They have a lock of their own.
+    [[nodiscard]] records::CRecordList<records::Chapter>& chapters() { return m_chapters; }
+    [[nodiscard]] records::CRecordList<records::Tag>& tags() { return m_tags; }
 
     // Other values are ignored.
     void setOutputFormat(UINT32 format);
@@ -71,6 +78,8 @@ class CMkvWriter {
     std::atomic<double> m_durationNs{0.0};
     bool m_isFinished = true;
     records::CAttachmentList m_attachments;
+    records::CRecordList<records::Chapter> m_chapters;
+    records::CRecordList<records::Tag> m_tags;
     mkv::TrackList m_tracks;
     std::unique_ptr<mkv::CMatroskaFile> m_file; // the last, since it uses the tracks
 };

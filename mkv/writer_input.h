@@ -20,6 +20,12 @@ struct Track {
     MuxTrackColour colour = records::UntoldColour(0);
 };
 
+// What is told of a file besides its tracks and packets.
+struct Annotations {
+    std::vector<records::Chapter> chapters;
+    std::vector<records::Tag> tags;
+};
+
 using TrackList = std::vector<Track>; // the track number is the position, from 1
 
 // One media packet. The bytes stay the caller's, unless their owner is told.

@@ -1,14 +1,18 @@
 // FileOptions: what the application asks of the files to come, beside rows, document type and attachments.
-// AllOptions: the same with the flags of the tracks. CFileOptions: all of them with a lock.
+// AllOptions: the same with the flags of the tracks, chapters and tags, as they are saved. CFileOptions: what of them is
+// no list, with a lock.
 //
 // Owner: the filter; values are copied in and out. Threads: CFileOptions any, one lock. Errors: std::bad_alloc.
 #pragma once
 
 #include <map>
 #include <utility>
+#include <vector>
 
 #include <qrx_mkvmuxer.h>
 
+#include "records/chapter.h"
+#include "records/tag.h"
 #include "win/critical_section.h"
 #include "win/wide_string.h"
 
@@ -29,8 +33,12 @@ struct FileOptions {
 struct AllOptions {
     FileOptions file;
     std::map<INT32, MuxTrackFlags> flags; // by input; those that are not all unset
+    std::vector<Chapter> chapters;
+    std::vector<Tag> tags;
 
-    [[nodiscard]] bool IsDefault() const { return flags.empty() && file == FileOptions(); }
+    [[nodiscard]] bool IsDefault() const {
+        return flags.empty() && chapters.empty() && tags.empty() && file == FileOptions();
+    }
 };
 
 // All unset.

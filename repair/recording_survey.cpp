@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include <matroska/KaxAttachments.h>
+#include <matroska/KaxChapters.h>
 #include <matroska/KaxCluster.h>
 #include <matroska/KaxCues.h>
+#include <matroska/KaxTags.h>
 
 #include "mkv/cluster_rule.h"
 #include "mkv/file_form.h"
@@ -63,20 +65,34 @@ Recording RecordingSurvey::Read() {
 UINT64 RecordingSurvey::ReadClusters(UINT64 position) {
     while (const auto element = m_reader.ElementAt(position, Size())) {
         const bool isCluster = element->id == IdOf<KaxCluster>();
-        const bool isAttachments = element->id == IdOf<KaxAttachments>() && m_recording.clusters == 0;
-        if ((!isCluster && !isAttachments) || !element->whole || element->unknownSize) {
+        if (!element->whole || element->unknownSize) {
             break;
         }
         if (isCluster) {
             AddCluster(*element);
-        } else {
-            m_recording.cut.attachments = element->start;
+        } else if (!TakeHeadElement(*element)) {
+            break;
         }
         position = element->end;
         m_recording.cut.end = position;
         m_progress(position, Size());
     }
     return position;
+}
+
+// What may stand between the tracks and the first cluster, each once.
+bool RecordingSurvey::TakeHeadElement(const Element& element) {
+    mkv::CutRecording& cut = m_recording.cut;
+    auto& place = element.id == IdOf<KaxAttachments>() ? cut.attachments
+                  : element.id == IdOf<KaxChapters>()  ? cut.chapters
+                                                       : cut.tags;
+    const bool isKnown = element.id == IdOf<KaxAttachments>() || element.id == IdOf<KaxChapters>() ||
+                         element.id == IdOf<KaxTags>();
+    if (!isKnown || m_recording.clusters > 0) {
+        return false;
+    }
+    place = element.start;
+    return true;
 }
 
 void RecordingSurvey::AddCluster(const Element& cluster) {

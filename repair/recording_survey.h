@@ -41,6 +41,7 @@ class RecordingSurvey {
     };
 
     [[nodiscard]] UINT64 ReadClusters(UINT64 position);
+    [[nodiscard]] bool TakeHeadElement(const matroska::Element& element);
     void AddCluster(const matroska::Element& cluster);
     void AddCuePoints(const matroska::Element& cluster, bool isFirst);
     void AddCuePoint(const matroska::Block& block, const matroska::Element& cluster);
