@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <matroska/KaxChapters.h>
+
 #include "mkv/chapters_element.h"
 
 namespace mkv {
@@ -27,6 +29,15 @@ void CAnnotations::write(Annotations annotations, TrackUids uids, bool isWebM) {
     m_chaptersPlace.write(MakeChapters(m_first.chapters, m_isWebM, m_identifiers));
     auto tags = makeTags();
     m_tagsPlace.write(tags->ListSize() > 0 ? std::move(tags) : nullptr);
+}
+
+void CAnnotations::resume(std::optional<UINT64> chapters, std::optional<UINT64> tags) {
+    if (chapters) {
+        m_chaptersPlace.resumeAt<libmatroska::KaxChapters>(*chapters);
+    }
+    if (tags) {
+        m_tagsPlace.resumeAt<libmatroska::KaxTags>(*tags);
+    }
 }
 
 std::unique_ptr<libmatroska::KaxTags> CAnnotations::makeTags() const {

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include <matroska/KaxTags.h>
 
@@ -24,6 +26,8 @@ class CAnnotations {
 
     // Behind the tracks.
     void write(Annotations annotations, TrackUids uids, bool isWebM);
+    // Instead of that: where those begin that the output holds; renders what must be discarded.
+    void resume(std::optional<UINT64> chapters, std::optional<UINT64> tags);
     // What the file is to have at its end; without the call it is what it began with.
     void change(Annotations annotations) { m_last = std::move(annotations); }
     // While the file is patched; the statistics may have no children.

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include <ebml/EbmlMaster.h>
 
@@ -23,6 +24,16 @@ class CHeadElement {
 
     // While the head is written; nothing is written of none. One that a failed write lost is not there.
     void write(std::unique_ptr<libebml::EbmlMaster> element);
+    // Instead of that: the output holds it there. It is rendered once more, since the library learns positions that way
+    // alone, and forgotten.
+    template <typename Element>
+    void resumeAt(UINT64 position) {
+        auto element = std::make_unique<Element>();
+        m_io.moveTo(position);
+        element->Render(m_io, true, false, true); // without children it is a default, and not rendered else
+        m_io.discard();
+        m_element = std::move(element);
+    }
     [[nodiscard]] bool isThere() const { return m_element != nullptr; }
 
     // One of these, while the file is patched. What does not arrive leaves the one that is there.

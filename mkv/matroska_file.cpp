@@ -10,7 +10,6 @@
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxAttachments.h>
-#include <matroska/KaxChapters.h>
 #include <matroska/KaxTags.h>
 
 #include "media/track_type.h"
@@ -181,12 +180,7 @@ void CMatroskaFile::resume(const CutRecording& recording) {
     if (recording.attachments) {
         m_seekHead.listAt<libmatroska::KaxAttachments>(*recording.attachments);
     }
-    if (recording.chapters) {
-        m_seekHead.listAt<libmatroska::KaxChapters>(*recording.chapters);
-    }
-    if (recording.tags) {
-        m_seekHead.listAt<libmatroska::KaxTags>(*recording.tags);
-    }
+    m_annotations.resume(recording.chapters, recording.tags);
     for (const CutRecording::CuePoint& point : recording.cuePoints) {
         m_cues.announce({point.timeNs, point.track, point.relativePosition, point.durationNs});
         m_cues.keepAnnounced(point.clusterPosition);

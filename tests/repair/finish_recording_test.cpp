@@ -51,8 +51,33 @@ TEST_P(FinishRecordingTest, ARecordingThatLacksNothingButItsEndBecomesTheFileTha
     }
 }
 
+TEST_P(FinishRecordingTest, ChaptersAndTagsInFrontOfTheClustersAreKeptAndListed) {
+    Record({.hasAttachment = true, .hasAnnotations = true});
+    EXPECT_FALSE(Repair(m_cut).isFinished);
+    EXPECT_TRUE(m_stream.Bytes() == m_finished);
+    const auto layout = test_support::ReadLayout(m_stream.Bytes());
+    const bool isStrict = GetParam() == MuxProfile_Strict;
+    for (const uint32_t id : {test_support::ebml_id::kChapters, test_support::ebml_id::kTags}) {
+        EXPECT_EQ(layout.Segment()->Children(id).size(), isStrict ? 1U : 0U);
+        EXPECT_EQ(std::count_if(layout.seekEntries.begin(), layout.seekEntries.end(),
+                                [id](const auto& entry) { return entry.targetId == id; }),
+                  isStrict ? 1 : 0);
+    }
+}
+
+// What Stop had written behind the clusters goes with the torn end; what stands in front is there until the very last.
+TEST_P(FinishRecordingTest, AFinalisationThatBrokeOffHasStillWhatStoodInFront) {
+    Record({.hasAnnotations = true});
+    for (UINT64 size = ClustersEnd(); size < m_finished.size(); ++size) {
+        Bytes bytes(m_finished.begin(), m_finished.begin() + static_cast<ptrdiff_t>(size));
+        std::copy_n(m_cut.begin(), HeadEnd(), bytes.begin());
+        Repair(bytes);
+        ASSERT_TRUE(m_stream.Bytes() == m_finished) << size;
+    }
+}
+
 TEST_P(FinishRecordingTest, WhereverItIsCutEveryWholeClusterIsKept) {
-    Record({.hasSubtitles = true, .hasAttachment = true, .pictures = 25});
+    Record({.hasSubtitles = true, .hasAttachment = true, .hasAnnotations = true, .pictures = 25});
     UINT64 size = HeadEnd();
     ExpectRepaired(size, Repair(Bytes(m_cut.begin(), m_cut.begin() + static_cast<ptrdiff_t>(size))));
     while (WholeClusters(size) == 0) {

@@ -46,6 +46,15 @@ void RecordingTest::Register(const RecordedContent& content) {
         win::Bstr name(OLESTR("a.txt"));
         m_writer.addAttachment({name.Get(), nullptr, mimeType, sizeof(data), data, 7});
     }
+    if (content.hasAnnotations) {
+        records::Chapter chapter;
+        chapter.title = OLESTR("A chapter");
+        (void)m_writer.chapters().Add(chapter);
+        records::Tag tag;
+        tag.name = OLESTR("ARTIST");
+        tag.value = OLESTR("Somebody");
+        (void)m_writer.tags().Add(tag);
+    }
 }
 
 void RecordingTest::WriteAll(const RecordedContent& content) {
