@@ -30,6 +30,13 @@ win::Bstr TextOf(const std::optional<WideString>& text) {
     return text ? win::Bstr(*text) : win::Bstr();
 }
 
+// The filter's copy, which is freed.
+WideString TakeText(BSTR text) {
+    win::Bstr owned;
+    *owned.Put() = text;
+    return WideString(owned.View());
+}
+
 // Data of no bytes is there all the same, and differs from none.
 const BYTE* AddressOf(std::span<const BYTE> data) {
     static constexpr BYTE kNoBytes = 0;
@@ -198,6 +205,81 @@ HRESULT ModuleConfig::GetTrackStatistics(bool& isWritten) const {
 
 HRESULT ModuleConfig::SetTrackStatistics(bool isWritten) const {
     return SetNumber(MKVMUX_TrackStatistics, isWritten ? 1 : 0);
+}
+
+HRESULT ModuleConfig::AddChapter(const Chapter& chapter) const {
+    const win::Bstr title(chapter.title);
+    const win::Bstr language(chapter.language);
+    const MuxChapter record{MuxListIndex_Add,
+                            chapter.level,
+                            chapter.start,
+                            chapter.end,
+                            chapter.uid,
+                            static_cast<BYTE>(chapter.hidden ? 1 : 0),
+                            static_cast<BYTE>(chapter.disabled ? 1 : 0),
+                            title.Get(),
+                            language.Get()};
+    return Set(MKVMUX_Chapter, ReferenceTo(&record));
+}
+
+HRESULT ModuleConfig::MarkChapter(WideStringView title, WideStringView language) const {
+    Chapter chapter;
+    chapter.start = MuxChapterTime_Now;
+    chapter.title = title;
+    chapter.language = language;
+    return AddChapter(chapter);
+}
+
+HRESULT ModuleConfig::GetChapter(INT32 index, Chapter& chapter) const {
+    MuxChapter record{};
+    record.index = index;
+    VARIANT value = ReferenceTo(&record);
+    const HRESULT hr = Get(MKVMUX_Chapter, value);
+    if (SUCCEEDED(hr)) {
+        chapter = {record.level,
+                   record.start,
+                   record.end,
+                   record.uid,
+                   record.hidden != 0,
+                   record.disabled != 0,
+                   TakeText(record.title),
+                   TakeText(record.language)};
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::ClearChapters() const {
+    MuxChapter record{};
+    record.index = MuxListIndex_Clear;
+    return Set(MKVMUX_Chapter, ReferenceTo(&record));
+}
+
+HRESULT ModuleConfig::AddTag(const Tag& tag) const {
+    const win::Bstr target(tag.target);
+    const win::Bstr name(tag.name);
+    const win::Bstr text(tag.value);
+    const win::Bstr language(tag.language);
+    const MuxTag record{MuxListIndex_Add, tag.track,  tag.level,  tag.targetType,
+                        target.Get(),     name.Get(), text.Get(), language.Get()};
+    return Set(MKVMUX_Tag, ReferenceTo(&record));
+}
+
+HRESULT ModuleConfig::GetTag(INT32 index, Tag& tag) const {
+    MuxTag record{};
+    record.index = index;
+    VARIANT value = ReferenceTo(&record);
+    const HRESULT hr = Get(MKVMUX_Tag, value);
+    if (SUCCEEDED(hr)) {
+        tag = {record.track,          record.level,           record.targetType,        TakeText(record.target),
+               TakeText(record.name), TakeText(record.value), TakeText(record.language)};
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::ClearTags() const {
+    MuxTag record{};
+    record.index = MuxListIndex_Clear;
+    return Set(MKVMUX_Tag, ReferenceTo(&record));
 }
 
 HRESULT ModuleConfig::SetLogDirectory(WideStringView directory) const {

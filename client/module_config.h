@@ -8,6 +8,8 @@
 #include <qrx_mkvmuxer.h>
 
 #include "client/attachment.h"
+#include "client/chapter.h"
+#include "client/tag.h"
 #include "client/track_row.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
@@ -54,6 +56,14 @@ class ModuleConfig {
     [[nodiscard]] HRESULT SetSeed(UINT64 seed) const;
     [[nodiscard]] HRESULT GetTrackStatistics(bool& isWritten) const;
     [[nodiscard]] HRESULT SetTrackStatistics(bool isWritten) const;
+    // One more chapter; MarkChapter: where the file that is being recorded is now. Get: E_INVALIDARG behind the last.
+    [[nodiscard]] HRESULT AddChapter(const Chapter& chapter) const;
+    [[nodiscard]] HRESULT MarkChapter(WideStringView title, WideStringView language) const;
+    [[nodiscard]] HRESULT GetChapter(INT32 index, Chapter& chapter) const;
+    [[nodiscard]] HRESULT ClearChapters() const;
+    [[nodiscard]] HRESULT AddTag(const Tag& tag) const;
+    [[nodiscard]] HRESULT GetTag(INT32 index, Tag& tag) const;
+    [[nodiscard]] HRESULT ClearTags() const;
     // An empty one switches the log off.
     [[nodiscard]] HRESULT SetLogDirectory(WideStringView directory) const;
     // The length written so far.

@@ -81,6 +81,18 @@ TEST_F(ModuleConfigTest, WithoutAFilterTheOptionsAnswerThatThereIsNoInterface) {
     }
 }
 
+TEST_F(ModuleConfigTest, WithoutAFilterTheListsAnswerThatThereIsNoInterface) {
+    const ModuleConfig none(nullptr);
+    Chapter chapter;
+    Tag tag;
+    const std::array answers{none.AddChapter({}),  none.MarkChapter({}, {}), none.GetChapter(0, chapter),
+                             none.ClearChapters(), none.AddTag({}),          none.GetTag(0, tag),
+                             none.ClearTags()};
+    for (const HRESULT hr : answers) {
+        EXPECT_EQ(E_NOINTERFACE, hr);
+    }
+}
+
 TEST_F(ModuleConfigTest, ARowIsWrittenFieldByField) {
     EXPECT_EQ(S_OK, m_config.SetTrack({7, 0, 1, 9, Text(OLESTR("French")), Text(OLESTR("Commentary")), 5}));
     ASSERT_EQ(1u, m_filter.writes.size());
