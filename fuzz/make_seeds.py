@@ -23,6 +23,16 @@ HDR10 = ("log-level=error:info=0:colorprim=bt2020:transfer=smpte2084:colormatrix
          "master-display=G(13250,34500)B(7500,3000)R(34000,16000)WP(15635,16450)L(10000000,50):atc-sei=18")
 SRT = b"1\n00:00:01,000 --> 00:00:02,500\nHello\nworld\n\n2\n00:00:03,000 --> 00:00:04,000\nagain\n"
 
+CHAPTER_LINES = b"CHAPTER01=00:00:00.000\nCHAPTER01NAME=Intro\nCHAPTER02=00:01:00,5\nCHAPTER02NAME=\n"
+CHAPTER_XML = (b'<?xml version="1.0"?><!DOCTYPE Chapters SYSTEM "a.dtd"><!-- c --><Chapters><EditionEntry>'
+               b"<EditionFlagDefault>1</EditionFlagDefault><ChapterAtom><ChapterUID>7</ChapterUID><ChapterTimeStart>"
+               b"00:00:01.5</ChapterTimeStart><ChapterTimeEnd>2500ms</ChapterTimeEnd><ChapterFlagHidden>0</ChapterFlagHidden>"
+               b"<ChapterDisplay><ChapterString>a &amp; &#x20ac;<![CDATA[<b>]]></ChapterString><ChapterLanguage>ger"
+               b"</ChapterLanguage></ChapterDisplay><ChapterAtom><ChapterTimeStart>0:2</ChapterTimeStart></ChapterAtom>"
+               b"</ChapterAtom></EditionEntry></Chapters>")
+TAG_XML = (b"<Tags><Tag><Targets><TargetTypeValue>30</TargetTypeValue><TrackUID>0</TrackUID></Targets><Simple><Name>A</Name>"
+           b"<String>X</String><TagLanguageIETF>de</TagLanguageIETF><Simple><Name>B</Name></Simple></Simple></Tag></Tags>")
+
 
 def encoded(codec, container, *options):
     """Two pictures by ffmpeg, as bytes; nothing when it has not that encoder."""
@@ -42,10 +52,17 @@ def configuration(rows, options=b""):
             struct.pack("<I", 1) + attachment + struct.pack("<Q", 7) + options)
 
 
+def counted(text):
+    return struct.pack("<I", len(text)) + text.encode("utf-16-le")
+
+
 def options_block():
     """A field of each tag, and one that nobody knows."""
     fields = [(1, struct.pack("<I", 1)), (2, "t".encode("utf-16-le")), (3, struct.pack("<Q", 5)), (4, b"\0"),
-              (5, struct.pack("<IBBBBB", 1, 1, 0, 255, 1, 255)), (6, b"later")]
+              (5, struct.pack("<IBBBBB", 1, 1, 0, 255, 1, 255)), (6, b"later"),
+              (7, struct.pack("<iqqQBB", 0, 5, -1, 77, 1, 0) + counted("t") + counted("de")),
+              (7, struct.pack("<iqqQBB", -1, 0, -1, 0, 0, 0) + counted("u") + counted("")),
+              (8, struct.pack("<iiI", -1, 0, 30) + b"".join(map(counted, ("SONG", "ARTIST", "X", "en"))))]
     body = b"".join(struct.pack("<II", tag, len(value)) + value for tag, value in fields)
     return b"QRXO" + struct.pack("<II", 1, len(body)) + body
 
@@ -122,6 +139,9 @@ def seeds():
         yield "av1", f"film.{container}", encoded("libsvtav1", container, "-preset", "12", "-s", "64x64")
     yield "av1", "lengths.obu", AV1_LENGTHS
     yield "av1", "record", AV1_RECORD
+    yield "chapters", "lines.txt", CHAPTER_LINES
+    yield "chapters", "chapters.xml", CHAPTER_XML
+    yield "chapters", "tags.xml", TAG_XML
     yield "text", "whole.ass", ASS
     yield "text", "whole.srt", SRT
     yield "configuration", "two_rows", configuration(2)

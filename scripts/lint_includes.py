@@ -30,9 +30,10 @@ ALLOWED = {
     "sources/av1": {"sources/base", "sources/annexb", "media", "codecs", "dshow", "win"},
     "sources/annexb": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/text": {"sources/base", "media", "dshow", "win"},
+    "sources/chapters": {"sources/base", "win"},
     "repair": {"mkv", "sources/matroska", "sources/base", "media", "win"},
-    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1", "sources/text", "media",
-               "records", "dshow", "win", "include"},
+    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1",
+               "sources/text", "sources/chapters", "media", "records", "dshow", "win", "include"},
     "examples": {"include"},
 }
 # Headers from outside that only some folders may use.

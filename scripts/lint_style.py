@@ -9,7 +9,8 @@ import sys
 from pathlib import Path
 
 PRODUCT = ("win", "log", "codecs", "dshow", "media", "records", "mux", "mkv", "matroska_muxer", "settings", "client", "ui",
-           "module", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1", "sources/text", "mkvmux")
+           "module", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1", "sources/text",
+           "sources/chapters", "mkvmux")
 EVERYTHING = PRODUCT + ("examples", "bench", "bench/native", "fuzz", "tests")
 
 # Spellings, with what is written instead.
