@@ -4,11 +4,14 @@
 
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
+#include <matroska/KaxChapters.h>
 #include <matroska/KaxCluster.h>
 #include <matroska/KaxSegment.h>
 #include <matroska/KaxSemantic.h>
+#include <matroska/KaxTags.h>
 #include <matroska/KaxTracks.h>
 
+#include "sources/matroska/annotation_reader.h"
 #include "sources/matroska/resync.h"
 #include "sources/matroska/track_entry_reader.h"
 
@@ -94,6 +97,10 @@ void HeadReader::ReadTopLevel(const Element& element) {
         ReadTracks(element);
     } else if (element.id == IdOf<KaxAttachments>()) {
         ReadAttachments(element);
+    } else if (element.id == IdOf<KaxChapters>() && m_file.chapters.empty()) {
+        m_file.chapters = ReadChapters(m_reader, element);
+    } else if (element.id == IdOf<KaxTags>()) {
+        ReadGlobalTags(m_reader, element, m_file.tags);
     }
 }
 

@@ -1,4 +1,5 @@
-// HeadReader: reads all of a Matroska file but its clusters: segment information, tracks, attachments.
+// HeadReader: reads all of a Matroska file but its clusters: segment information, tracks, attachments,
+// chapters, tags of the whole.
 //
 // Errors: parts that are damaged are left out.
 #pragma once

@@ -10,6 +10,7 @@
 
 #include "media/track_facts.h"
 #include "media/track_type.h"
+#include "sources/base/chapters.h"
 #include "sources/matroska/ebml_reader.h"
 
 namespace matroska {
@@ -66,6 +67,8 @@ struct MatroskaFile {
     std::vector<Track> tracks; // each number once
     std::vector<AttachedFile> attachments;
     bool lacksAttachments = false; // some could not even be found
+    std::vector<source::Chapter> chapters;
+    std::vector<source::Tag> tags; // of the whole file
 };
 
 // None when the bytes are no Matroska file, or one without tracks.

@@ -55,6 +55,8 @@ HRESULT MakeSource(std::unique_ptr<source::ByteSource> bytes, source::OpenedSour
             TellLosses(track, opened.warnings);
         }
         opened.title = file->title;
+        opened.chapters = std::move(file->chapters);
+        opened.tags = std::move(file->tags);
         auto reader = std::make_unique<MatroskaReader>(std::move(buffered), std::move(*file), rule);
         std::vector<std::string> leftOut;
         opened.attachments = reader->ReadAttachments(leftOut);
