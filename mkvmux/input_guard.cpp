@@ -29,8 +29,10 @@ std::vector<std::wstring> ReadFiles(const Options& options) {
     for (const AttachmentOptions& attachment : options.attachments) {
         files.push_back(attachment.path);
     }
-    if (!options.loadConfig.empty()) {
-        files.push_back(options.loadConfig);
+    for (const std::wstring* path : {&options.chapters.chapters, &options.chapters.globalTags, &options.loadConfig}) {
+        if (!path->empty()) {
+            files.push_back(*path);
+        }
     }
     return files;
 }

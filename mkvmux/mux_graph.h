@@ -46,6 +46,8 @@ class MuxGraph {
     [[nodiscard]] size_t StreamCount() const { return m_streams.size() + m_skipped.size(); }
     // What the inputs carry besides streams.
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_sources.Attachments(); }
+    [[nodiscard]] const std::vector<source::Chapter>& Chapters() const { return m_sources.Chapters(); }
+    [[nodiscard]] const std::vector<source::Tag>& Tags() const { return m_sources.Tags(); }
     [[nodiscard]] const std::wstring& InputTitle() const { return m_sources.Title(); }
     [[nodiscard]] const std::vector<std::string>& InputWarnings() const { return m_sources.Warnings(); }
     [[nodiscard]] std::vector<std::string> Damages() const { return m_sources.Damages(); }

@@ -3,6 +3,7 @@
 #include <set>
 #include <utility>
 
+#include "mkvmux/apply_chapters.h"
 #include "mkvmux/apply_settings.h"
 #include "mkvmux/display_choice.h"
 #include "mkvmux/exit_status.h"
@@ -73,6 +74,8 @@ void SaveConfiguration(const Options& options, const MuxerSettings& settings, In
 void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& settings, Console& console) {
     ApplyTrackSettings(graph, options, settings, console);
     ApplyTitle(graph, options, settings, console);
+    ApplyChapters(graph, options, settings, console);
+    ApplyGlobalTags(graph, options, settings, console);
     CarryAttachments(graph, options, settings);
     AttachFiles(options, settings);
     if (options.showProperties) {

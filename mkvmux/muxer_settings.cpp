@@ -163,6 +163,26 @@ void MuxerSettings::Attach(client::Attachment attachment) {
     }
 }
 
+bool MuxerSettings::AddChapter(const client::Chapter& chapter) {
+    return SUCCEEDED(m_config.AddChapter(chapter));
+}
+
+bool MuxerSettings::AddTag(const client::Tag& tag) {
+    return SUCCEEDED(m_config.AddTag(tag));
+}
+
+void MuxerSettings::ClearChapters() {
+    if (const HRESULT hr = m_config.ClearChapters(); FAILED(hr)) {
+        throw Failure("--chapters: the muxer takes none: " + DescribeResult(hr));
+    }
+}
+
+void MuxerSettings::ClearTags() {
+    if (const HRESULT hr = m_config.ClearTags(); FAILED(hr)) {
+        throw Failure("--global-tags: the muxer takes none: " + DescribeResult(hr));
+    }
+}
+
 HRESULT MuxerSettings::Write(win::FileHandle file, const std::wstring& path) const {
     const win::ComPtr<CFileStream> stream(new CFileStream(nullptr));
     stream->Take(std::move(file), path);

@@ -46,6 +46,11 @@ class MuxerSettings {
     [[nodiscard]] bool IsEnabled(size_t input) const;
     // A unique identifier of 0, or one that another attachment has already, is replaced by a new one.
     void Attach(client::Attachment attachment);
+    // One more; false for one that the muxer refuses.
+    [[nodiscard]] bool AddChapter(const client::Chapter& chapter);
+    [[nodiscard]] bool AddTag(const client::Tag& tag);
+    void ClearChapters();
+    void ClearTags();
     [[nodiscard]] bool HasAttached() const { return !m_uids.empty(); }
 
     // What LogTo writes in its directory.

@@ -200,6 +200,7 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
     DescribeOutput(app, options, raw);
     TrackOptionParser tracks(app); // what the parser is to fill, as raw is
     AttachmentOptionParser attachments(app);
+    ChapterOptionParser chapters(app);
     DescribeRun(app, options, raw);
     try {
         options.optionsFiles = OptionsFilesOf(arguments);
@@ -221,6 +222,7 @@ std::variant<Options, EarlyExit> Parse(const std::vector<std::string>& arguments
     Complete(options, raw);
     CompleteWhatStrictWrites(options, raw, app);
     options.attachments = attachments.Read();
+    options.chapters = chapters.Read();
     if (const std::string reason = Contradiction(options); !reason.empty()) {
         return Refuse(reason);
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mkvmux/attachment_options.h"
+#include "mkvmux/chapter_options.h"
 #include "mkvmux/standard_output.h"
 #include "mkvmux/track_options.h"
 #include "sources/annexb/frame_rate.h"
@@ -41,6 +42,7 @@ struct Options {
     annexb::FrameRate frameRate;           // of inputs that do not say
     std::map<size_t, TrackOptions> tracks; // by the number of the track
     std::vector<AttachmentOptions> attachments;
+    ChapterOptions chapters;
     std::wstring logDirectory;              // empty: no trace log
     std::wstring saveConfig;                // empty: not saved
     std::wstring loadConfig;                // empty: not loaded

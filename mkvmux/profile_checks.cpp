@@ -29,6 +29,12 @@ std::vector<std::string> StrictOptionsIn(const Options& options) {
             names.emplace_back(option.name);
         }
     }
+    if (!options.chapters.chapters.empty()) {
+        names.emplace_back("--chapters");
+    }
+    if (!options.chapters.globalTags.empty()) {
+        names.emplace_back("--global-tags");
+    }
     if (options.seed) {
         names.emplace_back("--deterministic");
     }

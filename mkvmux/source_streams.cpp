@@ -168,6 +168,8 @@ std::vector<SourceStream> SourceStreams::OpenWith(const OwnSource& kind, source:
         streams.back().readerName = kind.name;
     }
     std::move(opened.attachments.begin(), opened.attachments.end(), std::back_inserter(m_attachments));
+    m_chapters = m_chapters.empty() ? std::move(opened.chapters) : std::move(m_chapters);
+    m_tags = m_tags.empty() ? std::move(opened.tags) : std::move(m_tags);
     m_title = m_title.empty() ? WideFromUtf8(opened.title) : m_title;
     for (const std::string& warning : opened.warnings) {
         m_warnings.push_back(Utf8FromWide(path) + ": " + warning);

@@ -67,6 +67,9 @@ class SourceStreams {
     [[nodiscard]] std::vector<SourceStream> Open(const std::wstring& path);
     // Those of all files opened so far.
     [[nodiscard]] const std::vector<source::Attachment>& Attachments() const { return m_attachments; }
+    // Of the first file that has any.
+    [[nodiscard]] const std::vector<source::Chapter>& Chapters() const { return m_chapters; }
+    [[nodiscard]] const std::vector<source::Tag>& Tags() const { return m_tags; }
     // Of the first file that has one; empty: none.
     [[nodiscard]] const std::wstring& Title() const { return m_title; }
     // What the files opened so far lose, a line each.
@@ -94,6 +97,8 @@ class SourceStreams {
     win::ComPtr<IFilterMapper2> m_mapper;
     std::vector<win::ComPtr<IBaseFilter>> m_filters; // added for the file that is being opened
     std::vector<source::Attachment> m_attachments;
+    std::vector<source::Chapter> m_chapters;
+    std::vector<source::Tag> m_tags;
     std::wstring m_title;
     std::vector<std::string> m_warnings;
     std::vector<Watched> m_watched;

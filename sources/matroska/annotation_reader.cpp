@@ -18,7 +18,7 @@ using namespace libmatroska;
 
 constexpr UINT64 kMaxTextBytes = 32767;
 constexpr size_t kMaxLanguageBytes = 100;
-constexpr size_t kMaxTitles = 100;                 // of one chapter
+constexpr size_t kMaxTitles = 100;              // of one chapter
 constexpr size_t kMaxAllText = size_t{1} << 20; // all of them together
 
 // Counts the bytes of all texts of a file.
@@ -41,10 +41,10 @@ class TextReader {
     // Empty for what is no code and no tag.
     [[nodiscard]] std::string ReadLanguage(const Element& element) {
         std::string text = Read(element);
-        const bool isLanguage = text.size() <= kMaxLanguageBytes && std::all_of(text.begin(), text.end(), [](char c) {
-                                    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                                           c == '-';
-                                });
+        const bool isLanguage =
+            text.size() <= kMaxLanguageBytes && std::all_of(text.begin(), text.end(), [](char c) {
+                return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+            });
         return isLanguage ? text : std::string();
     }
 
@@ -76,8 +76,7 @@ class ChapterWalk {
     [[nodiscard]] bool IsDefault(const Element& edition) const {
         bool isDefault = false;
         (void)m_reader.ForEachChild(edition, [&](const Element& child) {
-            isDefault =
-                isDefault || (child.id == IdOf<KaxEditionFlagDefault>() && m_reader.ReadUnsigned(child) == 1);
+            isDefault = isDefault || (child.id == IdOf<KaxEditionFlagDefault>() && m_reader.ReadUnsigned(child) == 1);
         });
         return isDefault;
     }
