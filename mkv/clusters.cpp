@@ -77,6 +77,7 @@ void CClusters::flushCluster() {
         }
         m_cues.keepAnnounced(m_segment.GetRelativePosition(place.position));
         m_writtenEndNs = m_openEndNs;
+        ++m_writtenCount;
         keepFacts();
         closeCluster();
     } catch (...) {

@@ -46,6 +46,8 @@ class CClusters {
     virtual void writeLive() noexcept {}
     // The largest end time of the blocks whose clusters were written.
     [[nodiscard]] UINT64 writtenEndNs() const { return m_writtenEndNs; }
+    // How many they are.
+    [[nodiscard]] UINT64 writtenCount() const { return m_writtenCount; }
 
     // Instead of starting the first one: clusters that end there were written before.
     void resumeBehind(UINT64 endNs) noexcept { m_openEndNs = m_writtenEndNs = endNs; }
@@ -90,6 +92,7 @@ class CClusters {
     std::vector<bool> m_hadKeyframe; // by track
     UINT64 m_openEndNs = 0;          // the largest end time of the open cluster's blocks and of those written
     UINT64 m_writtenEndNs = 0;
+    UINT64 m_writtenCount = 0;
 };
 
 [[nodiscard]] std::unique_ptr<CClusters> MakeClusters(bool isStrict, CGatheringIO& io,

@@ -1,7 +1,9 @@
 #include "mkv/mkv_io.h"
 
+#include <algorithm>
 #include <limits>
 
+#include "log/logger.h"
 #include "mkv/writer_errors.h"
 
 namespace {
@@ -13,6 +15,18 @@ static_assert(libebml::seek_end == static_cast<int>(STREAM_SEEK_END));
 
 bool IsKnownMode(libebml::seek_mode mode) {
     return mode == libebml::seek_beginning || mode == libebml::seek_current || mode == libebml::seek_end;
+}
+
+void LogSlowWrite(INT64 took, ULONG bytes) {
+    constexpr INT64 kSlow = 10'000'000; // a second
+    constexpr INT64 kUnitsPerMs = 10'000;
+    if (took <= kSlow) {
+        return;
+    }
+    LogIfPossible([=] {
+        g_Logger << OLESTR("CMkvIO::write took ms=") << took / kUnitsPerMs << OLESTR(" bytes=")
+                 << static_cast<INT64>(bytes) << OLESTR("\r\n");
+    });
 }
 
 ULONG ToStreamSize(size_t size) {
@@ -46,7 +60,9 @@ size_t CMkvIO::write(const void* buffer, size_t size) {
     }
     const ULONG asked = ToStreamSize(size);
     ULONG written = asked; // for streams that do not say
+    m_figures.begin();
     m_lastWriteResult = m_stream->Write(buffer, asked, &written);
+    LogSlowWrite(m_figures.end(SUCCEEDED(m_lastWriteResult) ? std::min(written, asked) : 0), asked);
     m_isLastWriteWhole = SUCCEEDED(m_lastWriteResult) && written == asked;
     if (!m_isLastWriteWhole && m_firstLoss == S_OK) {
         m_firstLoss = FAILED(m_lastWriteResult) ? m_lastWriteResult : STG_E_WRITEFAULT;

@@ -6,12 +6,13 @@
 #pragma once
 
 #include "mkv/file_output.h"
+#include "mkv/write_figures.h"
 #include "win/com_ptr.h"
 #include "win/platform.h"
 
 class CMkvIO : public mkv::CFileOutput {
   public:
-    CMkvIO() = default;
+    explicit CMkvIO(mkv::CWriteFigures::Clock clock = win::SteadyTime) : m_figures(clock) {}
     CMkvIO(const CMkvIO&) = delete;
     CMkvIO& operator=(const CMkvIO&) = delete;
 
@@ -22,6 +23,10 @@ class CMkvIO : public mkv::CFileOutput {
     [[nodiscard]] HRESULT lastWriteResult() const { return m_lastWriteResult; }
     // Why the first write to this stream that did not bring all of its bytes did not; S_OK when there was none.
     [[nodiscard]] HRESULT firstLoss() const { return m_firstLoss; }
+
+    // Of the writes to the stream; for any thread. They stay when the stream is let go.
+    [[nodiscard]] const mkv::CWriteFigures& figures() const { return m_figures; }
+    void forgetFigures() { m_figures.reset(); }
 
     // libebml::IOCallback
     uint32 read(void* buffer, size_t size) override;
@@ -39,6 +44,7 @@ class CMkvIO : public mkv::CFileOutput {
   private:
     [[nodiscard]] std::optional<uint64> streamSize();
 
+    mkv::CWriteFigures m_figures;
     win::ComPtr<IStream> m_stream;
     HRESULT m_lastWriteResult = S_OK;
     HRESULT m_firstLoss = S_OK;

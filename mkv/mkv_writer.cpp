@@ -50,6 +50,7 @@ void CMkvWriter::setOutputFormat(UINT32 format) {
 void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     m_file.reset(); // of an open that failed
     m_durationNs = 0.0;
+    forgetClusters();
     m_io = io;
     // Asked once, since any thread may set them.
     const bool isWebm = m_outputFormat == kWebMFormat;
@@ -84,6 +85,14 @@ void CMkvWriter::WritePacket(const mkv::Packet& packet) {
     if (endNs && static_cast<double>(*endNs) > m_durationNs) {
         m_durationNs = static_cast<double>(*endNs);
     }
+    tellClusters();
+}
+
+// Written only when there is a new one: whoever reads it does not slow down the packets.
+void CMkvWriter::tellClusters() {
+    if (const UINT64 count = m_file->clusters().writtenCount(); count != writtenClusters()) {
+        m_writtenClusters.store(count, std::memory_order_relaxed);
+    }
 }
 
 void CMkvWriter::Close() {
@@ -92,6 +101,7 @@ void CMkvWriter::Close() {
         m_file->changeAnnotations({m_chapters.EndFile(), m_tags.EndFile()});
         m_file->finalise(m_durationNs);
         m_isFinished = m_file->isFinished();
+        tellClusters();
     }
     releaseFile();
     mkv::DebugTrace("Stoped.... ");

@@ -66,16 +66,22 @@ class CMkvWriter {
     void abandon() noexcept;
     [[nodiscard]] bool isOpen() const { return m_io != nullptr; }
 
+    // The clusters that are in the file, or were in the last one; for any thread.
+    [[nodiscard]] UINT64 writtenClusters() const { return m_writtenClusters.load(std::memory_order_relaxed); }
+    void forgetClusters() { m_writtenClusters.store(0, std::memory_order_relaxed); }
+
     // The greatest end time of a block of the file, in nanoseconds.
     [[nodiscard]] double duration() const { return m_durationNs; }
 
   private:
     void writeMatroskaHead(const records::FileOptions& options, bool isWebm);
     void releaseFile() noexcept;
+    void tellClusters();
 
     CMkvIO* m_io = nullptr;
     std::atomic<UINT32> m_outputFormat{kMatroskaFormat};
     std::atomic<double> m_durationNs{0.0};
+    std::atomic<UINT64> m_writtenClusters{0};
     bool m_isFinished = true;
     records::CAttachmentList m_attachments;
     records::CRecordList<records::Chapter> m_chapters;
