@@ -86,6 +86,7 @@ HRESULT CBaseMux::BeginStreaming() {
 }
 
 HRESULT CBaseMux::StartStreaming() {
+    m_statistics.BeginRun();
     m_streaming.Start(m_inputPins);
     m_outputPosition = 0;
     return OnStartStreaming();
@@ -178,6 +179,7 @@ int CBaseMux::AddInputPin() {
     created->SetIndex(static_cast<INT32>(index));
     m_inputPins.emplace_back(created);
     m_inputs.Add();
+    m_statistics.AddInput();
     if (index == 0) {
         m_firstInputPin = created;
     }

@@ -16,6 +16,7 @@
 #include "mux/connected_inputs.h"
 #include "mux/mux_interleaver.h"
 #include "mux/mux_result.h"
+#include "mux/mux_statistics.h"
 #include "mux/mux_stream_kind.h"
 #include "mux/mux_streaming.h"
 #include "mux/mux_worker.h"
@@ -75,6 +76,8 @@ class CBaseMux : public CBaseFilter, protected CMuxWorker {
     [[nodiscard]] CBaseMuxInputPin* FirstInputPin() const { return m_firstInputPin; }
     // As of now; for any thread, whoever holds the filter lock.
     [[nodiscard]] const CConnectedInputs& Inputs() const { return m_inputs; }
+    // The same of what they gave.
+    [[nodiscard]] CMuxStatistics& Statistics() { return m_statistics; }
 
   protected:
     CBaseMux(const WCHAR* name, IUnknown* outer, REFCLSID clsid);
@@ -98,6 +101,7 @@ class CBaseMux : public CBaseFilter, protected CMuxWorker {
 
     CBaseMuxInputPin* m_firstInputPin = nullptr; // in m_inputPins; set once, so that it needs no lock
     CConnectedInputs m_inputs;                   // what m_inputPins says, readable without the filter lock
+    CMuxStatistics m_statistics;
     CMuxInterleaver m_interleaver;
     CMuxStreaming m_streaming;   // aborted from Stop to Pause
     UINT64 m_outputPosition = 0; // bytes; where WriteOutput writes next

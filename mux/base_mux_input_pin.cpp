@@ -70,9 +70,11 @@ HRESULT CBaseMuxInputPin::ReceiveSample(IMediaSample& sample) {
     const CStreamGate::Pass pass(m_gate);
     CMuxInterStream* const stream = pass.Stream();
     if (stream == nullptr) {
+        m_mux->Statistics().CountRefused(m_index);
         return S_FALSE;
     }
     if (const HRESULT hr = stream->StreamResult(); hr != S_OK) {
+        m_mux->Statistics().CountRefused(m_index);
         return hr;
     }
     CMuxInterleaver& interleaver = m_mux->Interleaver();

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <atomic>
+#include <limits>
 #include <memory>
 
 #include "mux/cache_line.h"
@@ -63,6 +64,22 @@ class CMuxInterStream {
     // Of the newest packet; there is one.
     [[nodiscard]] INT64 NewestStart() const { return m_newestStart.load(std::memory_order_acquire); }
 
+    // ---- What any thread may be told of it ----
+
+    struct Figures {
+        UINT64 packets = 0; // that were taken and not lost
+        UINT64 bytes = 0;
+        UINT64 queuedPackets = 0;
+        UINT64 queuedBytes = 0;
+        UINT64 queuePeakBytes = 0; // to a thousandth of the limit
+        INT64 lastStart = 0;       // of the packet taken last
+        UINT64 lost = 0;           // packets that were taken and did not get into the file
+        UINT64 late = 0;           // packets that came behind later ones, since nobody waited for them any more
+        UINT32 silences = 0;       // how often it was given up on
+        bool isSilent = false;
+    };
+    [[nodiscard]] Figures GetFigures() const;
+
     // A stream that was suspended is so until its next packet; the two say so before the worker has taken that one.
     [[nodiscard]] bool IsInterleaved() const {
         return m_interleaved.load(std::memory_order_relaxed) ||
@@ -82,14 +99,20 @@ class CMuxInterStream {
 
     // None when the queue is empty or has come to its end: an end-of-stream packet is never handed out.
     [[nodiscard]] std::unique_ptr<CMuxInterPacket> TakeFront();
+    // What was taken last did not get into the file.
+    void CountLost(UINT32 bytes);
+    // The packet was taken, and those before it began at this time at the latest. True when the stream was given up on
+    // and it is the first one since then.
+    [[nodiscard]] bool CountTaken(const CMuxInterPacket& packet, INT64 newestBefore);
     // Null when the queue is empty. An end of stream is a front: all that the stream will ever give has been taken.
     [[nodiscard]] const CMuxInterPacket* Front() { return m_queue.Front(); }
     [[nodiscard]] bool HasEnded() {
         const CMuxInterPacket* const front = Front();
         return front != nullptr && front->endOfStream;
     }
-    // A stall breaker stops the waiting for this stream, which has nothing queued; its next packet brings it back.
-    void Suspend();
+    // A stall breaker stops the waiting for this stream, which has nothing queued; its next packet brings it back. True
+    // when it was not suspended before.
+    bool Suspend();
     // Waits for the stream again although nothing was queued; it stays marked as suspended.
     void WaitAgain() { m_interleaved.store(true, std::memory_order_relaxed); }
 
@@ -110,6 +133,8 @@ class CMuxInterStream {
     win::ConditionVariable& Producers() { return m_producers; }
 
   private:
+    void NotePeak(UINT64 addedBytes);
+
     const UINT32 m_index;
     CBaseMuxInputPin* m_pin = nullptr; // not owned
     MuxStreamKind m_kind = MuxStreamKind::Other;
@@ -126,11 +151,21 @@ class CMuxInterStream {
     std::atomic<UINT32> m_addedSinceLook{0}; // packets, since the producer last looked at what was taken
     std::atomic<INT64> m_newestStart{0};
     std::atomic<bool> m_endOfStreamSeen{false};
+    std::atomic<UINT64> m_addedPackets{0}; // without ends of stream
+    std::atomic<UINT64> m_peakBytes{0};
 
     [[maybe_unused]] CacheLineGap m_otherGap{};
     std::atomic<UINT64> m_takenBytes{0}; // written by the worker from here on
     std::atomic<bool> m_interleaved{true};
     std::atomic<bool> m_suspended{false}; // as the worker knows; see IsSuspended
+    std::atomic<UINT64> m_takenPackets{0};
+    std::atomic<INT64> m_lastStart{0};
+    std::atomic<UINT64> m_lostPackets{0};
+    std::atomic<UINT64> m_lostBytes{0};
+    std::atomic<UINT64> m_latePackets{0};
+    std::atomic<UINT32> m_silences{0};
+    bool m_hasReturned = false;                             // the packet that was taken last ended a silence
+    INT64 m_lateBefore = std::numeric_limits<INT64>::min(); // packets that begin before it are late
 
     [[maybe_unused]] CacheLineGap m_lastGap{};
     CPacketPool m_packetPool;

@@ -3,10 +3,16 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "log/logger.h"
+
 namespace {
 
 // How long a producer that waits without limit sleeps at a time.
 constexpr DWORD kRoomSleepMs = 20;
+
+void LogOfStream(const WCHAR* text, const CMuxInterStream& stream) {
+    LogIfPossible([&] { g_Logger << text << static_cast<INT32>(stream.Index()) << OLESTR("\r\n"); });
+}
 
 } // namespace
 
@@ -22,6 +28,7 @@ void CMuxInterleaver::ClearStreams() {
         m_roomsAwaited = 0; // nobody sleeps any more
     }
     m_order.Clear();
+    m_newestTaken = kNothingTaken;
     m_streams.clear();
 }
 
@@ -134,9 +141,18 @@ int CMuxInterleaver::GetNextPacket(std::unique_ptr<CMuxInterPacket>& packet, DWO
         result = SleepAndTake(packet, timeoutMs);
     }
     if (result == kMuxOk) {
-        OfferRoom(*m_streams[static_cast<size_t>(packet->streamIndex)]);
+        CMuxInterStream& stream = *m_streams[static_cast<size_t>(packet->streamIndex)];
+        CountTaken(stream, *packet);
+        OfferRoom(stream);
     }
     return result;
+}
+
+void CMuxInterleaver::CountTaken(CMuxInterStream& stream, const CMuxInterPacket& packet) {
+    if (stream.CountTaken(packet, m_newestTaken)) {
+        LogOfStream(OLESTR("CMuxInterleaver::GetNextPacket stream is back, stream="), stream);
+    }
+    m_newestTaken = std::max(m_newestTaken, packet.start);
 }
 
 int CMuxInterleaver::TakeNow(std::unique_ptr<CMuxInterPacket>& packet) {
@@ -266,8 +282,8 @@ bool CMuxInterleaver::IsVideoOrAudioQueueFull() const {
 
 void CMuxInterleaver::SuspendEmptyStreams() {
     for (const auto& stream : m_streams) {
-        if (stream->IsInterleaved() && stream->IsEmpty()) {
-            stream->Suspend();
+        if (stream->IsInterleaved() && stream->IsEmpty() && stream->Suspend()) {
+            LogOfStream(OLESTR("CMuxInterleaver::SuspendEmptyStreams stream is silent, stream="), *stream);
         }
     }
 }

@@ -7,6 +7,7 @@
 // and sleeps; who changes what it sleeps for looks at the announcement afterwards, and takes the lock only to wake it.
 #pragma once
 
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -61,7 +62,10 @@ class CMuxInterleaver {
     [[nodiscard]] INT64 NewestStart() const;
 
   private:
+    static constexpr INT64 kNothingTaken = std::numeric_limits<INT64>::min();
+
     int TakeNow(std::unique_ptr<CMuxInterPacket>& packet);
+    void CountTaken(CMuxInterStream& stream, const CMuxInterPacket& packet);
     void OfferRoom(CMuxInterStream& stream) QRX_EXCLUDES(m_lock);
     int SleepAndTake(std::unique_ptr<CMuxInterPacket>& packet, DWORD timeoutMs);
     int TakeOrAwait(std::unique_ptr<CMuxInterPacket>& packet) QRX_REQUIRES(m_lock);
@@ -80,6 +84,7 @@ class CMuxInterleaver {
     CManualResetEvent m_dataEvent{false}; // set with the first packet ever added, never reset
     CFrontOrder m_order;                  // the worker's
     CTickClock m_clock;                   // the worker's
+    INT64 m_newestTaken = kNothingTaken;  // the worker's: the latest start of what was taken
     // For sleeping and waking alone: also guards what the streams announce.
     win::CriticalSection m_lock;
     CMuxInterStream* m_awaited QRX_GUARDED_BY(m_lock) = nullptr; // the one that is announced

@@ -29,6 +29,7 @@ void CMuxStreaming::Stop(const InputPins& pins) {
     for (const auto& pin : pins) {
         pin->DetachStream();
     }
+    m_mux.Statistics().EndRun();
     m_interleaver.ClearStreams();
 }
 
@@ -37,5 +38,6 @@ CMuxInterStream* CMuxStreaming::CreateStream(CBaseMuxInputPin& pin) {
     CMuxInterStream* const stream = m_interleaver.AddStream();
     const bool interleaved = m_mux.IsStreamInterleaved(&type);
     stream->Attach(&pin, m_mux.GetStreamKind(&type), interleaved);
+    m_mux.Statistics().Attach(pin.Index(), *stream);
     return stream;
 }
