@@ -303,6 +303,25 @@ HRESULT ModuleConfig::GetInputCount(UINT16& count) const {
     return hr;
 }
 
+HRESULT ModuleConfig::GetStatistics(MuxStatistics& statistics) const {
+    MuxStatistics read{};
+    read.size = sizeof(read);
+    VARIANT value = ReferenceTo(&read);
+    const HRESULT hr = Get(MKVMUX_Statistics, value);
+    statistics = SUCCEEDED(hr) ? read : statistics;
+    return hr;
+}
+
+HRESULT ModuleConfig::GetInputStatistics(INT32 index, MuxInputStatistics& statistics) const {
+    MuxInputStatistics read{};
+    read.size = sizeof(read);
+    read.index = index;
+    VARIANT value = ReferenceTo(&read);
+    const HRESULT hr = Get(MKVMUX_InputStatistics, value);
+    statistics = SUCCEEDED(hr) ? read : statistics;
+    return hr;
+}
+
 HRESULT ModuleConfig::IsDirty() const {
     return m_config ? m_config->IsDirty() : E_NOINTERFACE;
 }

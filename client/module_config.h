@@ -71,6 +71,10 @@ class ModuleConfig {
     // The number of inputs without the spare one.
     [[nodiscard]] HRESULT GetInputCount(UINT16& count) const;
 
+    // What is going on; in full only from a muxer that is not older than this header.
+    [[nodiscard]] HRESULT GetStatistics(MuxStatistics& statistics) const;
+    [[nodiscard]] HRESULT GetInputStatistics(INT32 index, MuxInputStatistics& statistics) const;
+
     // S_FALSE when nothing has changed since the last save that cleared it.
     [[nodiscard]] HRESULT IsDirty() const;
     [[nodiscard]] HRESULT Save(IStream* stream, bool clearDirty) const;

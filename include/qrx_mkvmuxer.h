@@ -69,6 +69,14 @@ DEFINE_GUID(MKVMUX_Chapter, 0x8d554f3d, 0x75da, 0x403a, 0xa7, 0x77, 0x61, 0xa8, 
 // Set and get, VARIANT::byref: a MuxTag record, as above.
 DEFINE_GUID(MKVMUX_Tag, 0x435f978f, 0x01af, 0x4084, 0xb6, 0xeb, 0x03, 0x28, 0x4b, 0x5c, 0x56, 0xc7);
 
+// What is going on: the current run's figures, after Stop those of the last one, zeros before the first. From any thread
+// and in any state; they wait for nothing that writes. The caller sets the record's size; see there.
+// Get only, VARIANT::byref: a MuxStatistics record.
+DEFINE_GUID(MKVMUX_Statistics, 0x37c55997, 0x434d, 0x482a, 0xa1, 0xe7, 0xac, 0xb3, 0xb9, 0xfb, 0xb7, 0xb5);
+// Get only, VARIANT::byref: a MuxInputStatistics record; its index chooses the input. E_INVALIDARG when there is no such
+// input.
+DEFINE_GUID(MKVMUX_InputStatistics, 0xd9fb599e, 0x6782, 0x4f3b, 0x95, 0x36, 0x56, 0x39, 0x76, 0x76, 0xcb, 0x84);
+
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
 
@@ -231,6 +239,37 @@ struct MuxTag {
     BSTR name;         // such as "ARTIST"; never empty
     BSTR value;        // null and empty are the same
     BSTR language;     // as above
+};
+
+// What a run has written. The caller sets size to the size of its record, E_INVALIDARG when that is less than this
+// one's; as much is filled as both know, and size says how many bytes these are. Times are in units of 100 ns.
+struct MuxStatistics {
+    UINT32 size;         // of this record in bytes
+    UINT32 isRunning;    // 1 from Pause to Stop
+    UINT64 bytesWritten; // that the stream took, what was written twice counted twice
+    UINT64 writes;       // calls of IStream::Write; the one that lasts just now counts, its time so far as well
+    UINT64 clusters;     // that are in the file
+    INT64 writeTime;     // spent in Write
+    INT64 longestWrite;
+    INT64 elapsed; // since Pause, or from Pause to the end of Stop
+};
+
+// What a run got from one input. size as above.
+struct MuxInputStatistics {
+    UINT32 size;          // of this record in bytes
+    INT32 index;          // the input pin, from 0; the caller sets it
+    UINT64 packets;       // handed to the file; frames of several samples are one packet
+    UINT64 bytes;         // of these
+    UINT64 queuedPackets; // that wait for their turn
+    UINT64 queuedBytes;
+    UINT64 queueLimit; // bytes at which Receive waits; 0 for an input without a queue, as one that is disabled
+    UINT64 queuePeak;  // the most bytes that were queued, to a thousandth of the limit
+    INT64 lastPacket;  // the start time of the packet that was handed to the file last, in units of 100 ns
+    UINT64 dropped;    // that are not in the file: samples refused, also by a disabled input; packets that the file did
+                       // not take, or that Stop found queued
+    UINT64 late;     // packets that begin before what was written already, because nobody waited for the input any more
+    UINT32 silences; // how often the muxer gave up waiting for this input
+    UINT32 isSilent; // 1: it has not come back since
 };
 
 // ---- The parameter interface ------------------------------------------------------------------------------------

@@ -13,6 +13,16 @@
 #include "mkv/mkv_writer.h"
 #include "mux/base_mux_output_pin.h"
 
+namespace {
+
+void CountLost(const CMuxInterPacket& packet, CMuxInterStream* stream) {
+    if (stream != nullptr) {
+        stream->CountLost(packet.size);
+    }
+}
+
+} // namespace
+
 CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
     return new CMatroskaMuxer(outer, result); // counted from 0: the class factory's first reference owns it
 }
@@ -20,7 +30,7 @@ CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
 CMatroskaMuxer::CMatroskaMuxer(LPUNKNOWN outer, HRESULT* result)
     : CBaseMux(OLESTR("CMatroskaMuxer"), outer, CLSID_MatroskaMuxer), CPersistStream(GetOwner(), result),
       m_io(std::make_unique<CMkvIO>()), m_writer(std::make_unique<CMkvWriter>()),
-      m_parameters(std::make_unique<CMuxerParameters>(*m_writer, Inputs())) {
+      m_parameters(std::make_unique<CMuxerParameters>(*m_writer, Inputs(), Statistics(), m_io->figures())) {
     HRESULT pinHr = S_OK;
     m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &pinHr, OLESTR("Out"));
     AddInputPin();
@@ -129,6 +139,8 @@ HRESULT CMatroskaMuxer::OnStartStreaming() {
     HRESULT untold = S_OK;
     {
         const CAutoLock lock(&m_writerLock);
+        m_io->forgetFigures();
+        m_writer->forgetClusters();
         if (!m_downstream) {
             return kMuxFailedResult; // runs on without a file
         }
@@ -224,6 +236,7 @@ HRESULT CMatroskaMuxer::WriteTold(CMuxInterPacket& packet, CMuxInterStream* stre
         packet.muxerFlag = kBlockGroupFlag;
     }
     if (!m_writer->isOpen()) {
+        CountLost(packet, stream);
         return S_OK;
     }
     const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] {
@@ -232,6 +245,7 @@ HRESULT CMatroskaMuxer::WriteTold(CMuxInterPacket& packet, CMuxInterStream* stre
     });
     if (FAILED(hr) && stream != nullptr) {
         stream->SetStreamResult(hr);
+        CountLost(packet, stream);
     }
     return hr;
 }

@@ -14,6 +14,7 @@
 #include "matroska_muxer/option_parameters.h"
 #include "matroska_muxer/options_block.h"
 #include "matroska_muxer/record_fields.h"
+#include "matroska_muxer/statistics_parameters.h"
 #include "mkv/mkv_writer.h"
 #include "mux/connected_inputs.h"
 
@@ -178,6 +179,8 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},
+    {MKVMUX_Statistics, nullptr, GetStatistics},
+    {MKVMUX_InputStatistics, nullptr, GetInputStatistics},
 };
 
 // Null for an unknown key.
@@ -209,8 +212,9 @@ HRESULT GuardStream(Body body) {
 
 } // namespace
 
-CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs)
-    : m_targets{m_rows, m_options, writer, inputs} {}
+CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs, const CMuxStatistics& statistics,
+                                   const mkv::CWriteFigures& writes)
+    : m_targets{m_rows, m_options, writer, inputs, statistics, writes} {}
 
 HRESULT CMuxerParameters::Set(const GUID& key, const VARIANT& value, bool& changed) {
     changed = false;

@@ -11,19 +11,26 @@
 
 class CMkvWriter;
 class CConnectedInputs;
+class CMuxStatistics;
+namespace mkv {
+class CWriteFigures;
+}
 
-// What the parameters reach. Of the writer only what any thread may ask: document type, attachments,
-// chapters, tags, duration.
+// What the parameters reach. Of the writer only what any thread may ask: document type, attachments, chapters, tags,
+// duration, clusters.
 struct ParameterTargets {
     records::CTrackSettingsTable& rows;
     records::CFileOptions& options;
     CMkvWriter& writer;
     const CConnectedInputs& inputs;
+    const CMuxStatistics& statistics;
+    const mkv::CWriteFigures& writes;
 };
 
 class CMuxerParameters {
   public:
-    CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs);
+    CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs, const CMuxStatistics& statistics,
+                     const mkv::CWriteFigures& writes);
     CMuxerParameters(const CMuxerParameters&) = delete;
     CMuxerParameters& operator=(const CMuxerParameters&) = delete;
 

@@ -1,5 +1,7 @@
 #include "tests/client/fake_module_config.h"
 
+#include <gtest/gtest.h>
+
 namespace test_client {
 
 namespace {
@@ -91,6 +93,16 @@ HRESULT FakeModuleConfig::GetValue(const GUID* key, VARIANT* value) {
         V_I8(value) = position;
         return S_OK;
     }
+    if (*key == MKVMUX_Statistics) {
+        auto& record = *static_cast<MuxStatistics*>(V_BYREF(value));
+        EXPECT_EQ(sizeof(record), record.size);
+        record = file;
+        record.size = sizeof(record);
+        return S_OK;
+    }
+    if (*key == MKVMUX_InputStatistics) {
+        return GetFigures(*static_cast<MuxInputStatistics*>(V_BYREF(value)));
+    }
     if (IsOption(*key)) {
         return GetOption(*key, *value);
     }
@@ -144,6 +156,18 @@ HRESULT FakeModuleConfig::GetOption(const GUID& key, VARIANT& value) const {
         }
         flags = found->second;
     }
+    return S_OK;
+}
+
+HRESULT FakeModuleConfig::GetFigures(MuxInputStatistics& record) const {
+    EXPECT_EQ(sizeof(record), record.size);
+    const INT32 index = record.index;
+    if (index < 0 || static_cast<size_t>(index) >= figures.size()) {
+        return E_INVALIDARG;
+    }
+    record = figures[static_cast<size_t>(index)];
+    record.size = sizeof(record);
+    record.index = index;
     return S_OK;
 }
 

@@ -50,7 +50,9 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
         std::map<INT32, MuxTrackFlags> flags; // what is not here is out of range
     };
 
-    std::map<INT32, Row> rows; // what is not here is out of range
+    MuxStatistics file{};
+    std::vector<MuxInputStatistics> figures; // of the inputs
+    std::map<INT32, Row> rows;               // what is not here is out of range
     USHORT inputCount = 0;
     ULONG docType = MuxDocType_Matroska;
     LONGLONG position = 0;
@@ -85,6 +87,7 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
     HRESULT STDMETHODCALLTYPE Save(IStream* stream, BOOL clearDirty) override;
 
   private:
+    HRESULT GetFigures(MuxInputStatistics& record) const;
     HRESULT GetRow(TrackSettings& record) const;
     HRESULT SetOption(const GUID& key, const VARIANT& value);
     HRESULT GetOption(const GUID& key, VARIANT& value) const;

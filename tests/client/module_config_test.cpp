@@ -286,6 +286,25 @@ TEST_F(ModuleConfigTest, PositionAndInputCountAreReadInTheirWidths) {
     EXPECT_EQ(0xfedc, count);
 }
 
+TEST_F(ModuleConfigTest, FiguresAreThoseOfTheInputThatIsAskedFor) {
+    m_filter.file.clusters = 7;
+    m_filter.figures = {{}, {}};
+    m_filter.figures[1].packets = 9;
+    MuxStatistics file{};
+    EXPECT_EQ(S_OK, m_config.GetStatistics(file));
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+    EXPECT_EQ(7u, file.clusters);
+    EXPECT_EQ(sizeof(file), file.size);
+    MuxInputStatistics input{};
+    EXPECT_EQ(S_OK, m_config.GetInputStatistics(1, input));
+    EXPECT_EQ(9u, input.packets);
+    EXPECT_EQ(1, input.index);
+    EXPECT_EQ(sizeof(input), input.size);
+    input.packets = 3;
+    EXPECT_EQ(E_INVALIDARG, m_config.GetInputStatistics(2, input));
+    EXPECT_EQ(3u, input.packets);
+}
+
 TEST_F(ModuleConfigTest, AReadThatFailsChangesNothing) {
     m_filter.readAnswer = kRefused;
     MuxDocType docType = MuxDocType_Webm;
@@ -342,6 +361,20 @@ TEST(PublicHeader, TheRecordsKeepTheirLayout) {
     EXPECT_EQ(48u, sizeof(MuxAttachment));
     EXPECT_EQ(24u, offsetof(MuxAttachment, dataSize));
     EXPECT_EQ(40u, offsetof(MuxAttachment, uid));
+}
+
+// Whoever was built with this header asks for these many bytes.
+TEST(PublicHeader, TheRecordsOfFiguresKeepTheirLayout) {
+    EXPECT_EQ(56u, sizeof(MuxStatistics));
+    EXPECT_EQ(0u, offsetof(MuxStatistics, size));
+    EXPECT_EQ(8u, offsetof(MuxStatistics, bytesWritten));
+    EXPECT_EQ(48u, offsetof(MuxStatistics, elapsed));
+    EXPECT_EQ(88u, sizeof(MuxInputStatistics));
+    EXPECT_EQ(0u, offsetof(MuxInputStatistics, size));
+    EXPECT_EQ(4u, offsetof(MuxInputStatistics, index));
+    EXPECT_EQ(8u, offsetof(MuxInputStatistics, packets));
+    EXPECT_EQ(56u, offsetof(MuxInputStatistics, lastPacket));
+    EXPECT_EQ(84u, offsetof(MuxInputStatistics, isSilent));
 }
 
 } // namespace

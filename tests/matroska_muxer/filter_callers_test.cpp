@@ -274,6 +274,13 @@ HRESULT GetTitle(IModuleConfig& config) {
     return hr;
 }
 
+HRESULT GetSized(IModuleConfig& config, const GUID& key, UINT32 size, INT32 index) {
+    MuxInputStatistics record{};
+    record.size = size;
+    record.index = index;
+    return GetBy(config, key, &record);
+}
+
 constexpr INT32 kLeast = std::numeric_limits<INT32>::min();
 constexpr INT32 kMost = std::numeric_limits<INT32>::max();
 
@@ -389,10 +396,37 @@ void AddOptionRows(InterfaceTable<IModuleConfig>& table) {
             "statistics back", get, [](IModuleConfig& c) { return GetAny(c, MKVMUX_TrackStatistics); }, S_OK);
 }
 
+void AddStatisticsRows(InterfaceTable<IModuleConfig>& table) {
+    const auto get = &IModuleConfig::GetValue;
+    table
+        .With(
+            "figures into nothing", get, [](IModuleConfig& c) { return GetBy(c, MKVMUX_Statistics, nullptr); },
+            E_POINTER)
+        .With(
+            "figures of an input into nothing", get,
+            [](IModuleConfig& c) { return GetBy(c, MKVMUX_InputStatistics, nullptr); }, E_POINTER)
+        .With(
+            "figures into no room", get, [](IModuleConfig& c) { return GetSized(c, MKVMUX_Statistics, 0, 0); },
+            E_INVALIDARG)
+        .With(
+            "figures into more room than there is", get,
+            [](IModuleConfig& c) { return GetSized(c, MKVMUX_InputStatistics, 0xffffffff, 0); }, S_OK)
+        .With(
+            "figures of input -1", get, [](IModuleConfig& c) { return GetSized(c, MKVMUX_InputStatistics, 88, -1); },
+            E_INVALIDARG)
+        .With(
+            "figures of the least input", get,
+            [](IModuleConfig& c) { return GetSized(c, MKVMUX_InputStatistics, 88, kLeast); }, E_INVALIDARG)
+        .With(
+            "figures of the last input of all", get,
+            [](IModuleConfig& c) { return GetSized(c, MKVMUX_InputStatistics, 88, kMost); }, E_INVALIDARG);
+}
+
 InterfaceTable<IModuleConfig> ConfigTable() {
     InterfaceTable<IModuleConfig> table("IModuleConfig");
     AddPersistRows(table);
     AddValueRows(table);
+    AddStatisticsRows(table);
     AddOptionRows(table);
     table.Nulls("DescribeValue", &IModuleConfig::DescribeValue, E_NOTIMPL)
         .With(

@@ -44,6 +44,7 @@ class Asker {
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackFlags, &value));
         flags.forced = MuxFlag_On;
         EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackFlags, &value));
+        AskStatistics();
         TrackSettings row{};
         V_BYREF(&value) = &row;
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackInfo, &value));
@@ -51,6 +52,17 @@ class Asker {
         EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackInfo, &value));
         SysFreeString(row.language);
         SysFreeString(row.name);
+    }
+    void AskStatistics() {
+        VARIANT value{};
+        MuxStatistics file{};
+        file.size = sizeof(file);
+        V_BYREF(&value) = &file;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_Statistics, &value));
+        MuxInputStatistics input{};
+        input.size = sizeof(input);
+        V_BYREF(&value) = &input;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputStatistics, &value));
     }
     void SetValues() {
         VARIANT value{};
