@@ -83,7 +83,7 @@ TEST(WrappedFrames, AnUncompressedPictureIsWhatItsFourCcSays) {
 // ---- WebVTT
 
 RawBytes Addition(std::string_view text, std::initializer_list<RawBytes> identifier = {}) {
-    RawBytes more = RawElement(kBlockAdditional, Text(text));
+    RawBytes more = Master(kBlockAdditional, {Text(text)}); // its size may be large
     for (const RawBytes& one : identifier) {
         more.insert(more.end(), one.begin(), one.end());
     }
