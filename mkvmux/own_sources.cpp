@@ -42,6 +42,7 @@ constexpr OwnSource kIvf{"IVF", OpenTimed<av1::OpenIvfSource>};
 constexpr OwnSource kObu{"AV1", OpenObu};
 constexpr OwnSource kSrt{"SubRip", OpenTimed<subtitles::OpenSrtSource>};
 constexpr OwnSource kAss{"ASS", OpenTimed<subtitles::OpenAssSource>};
+constexpr OwnSource kVtt{"WebVTT", OpenTimed<subtitles::OpenVttSource>};
 
 struct Extension {
     const wchar_t* text; // in small letters
@@ -49,10 +50,10 @@ struct Extension {
 };
 
 constexpr Extension kExtensions[] = {
-    {L".mkv", &kMatroska}, {L".webm", &kMatroska}, {L".mka", &kMatroska}, {L".mks", &kMatroska},
-    {L".h264", &kAvc},     {L".264", &kAvc},       {L".avc", &kAvc},      {L".h265", &kHevc},
-    {L".265", &kHevc},     {L".hevc", &kHevc},     {L".srt", &kSrt},      {L".ass", &kAss},
-    {L".ssa", &kAss},      {L".ivf", &kIvf},       {L".obu", &kObu},      {L".av1", &kObu},
+    {L".mkv", &kMatroska}, {L".webm", &kMatroska}, {L".mka", &kMatroska}, {L".mks", &kMatroska}, {L".h264", &kAvc},
+    {L".264", &kAvc},      {L".avc", &kAvc},       {L".h265", &kHevc},    {L".265", &kHevc},     {L".hevc", &kHevc},
+    {L".ivf", &kIvf},      {L".obu", &kObu},       {L".av1", &kObu},      {L".srt", &kSrt},      {L".ass", &kAss},
+    {L".ssa", &kAss},      {L".vtt", &kVtt},
 };
 
 std::wstring ExtensionOf(const std::wstring& path) {

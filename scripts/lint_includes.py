@@ -29,7 +29,7 @@ ALLOWED = {
     "sources/matroska": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/av1": {"sources/base", "sources/annexb", "media", "codecs", "dshow", "win"},
     "sources/annexb": {"sources/base", "media", "codecs", "dshow", "win"},
-    "sources/text": {"sources/base", "media", "dshow", "win"},
+    "sources/text": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/chapters": {"sources/base", "win"},
     "repair": {"mkv", "sources/matroska", "sources/base", "media", "win"},
     "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1",

@@ -10,12 +10,12 @@
 
 namespace subtitles {
 
-enum class Format { Srt, Ssa, Ass };
+enum class Format { Srt, Ssa, Ass, WebVtt };
 
 struct SubtitleEvent {
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
-    std::string text; // as a Matroska block holds it
+    std::string text; // as a Matroska block holds it; of WebVTT, boxes with all of the cue
 };
 
 struct SubtitleFile {

@@ -17,6 +17,8 @@ CMediaType TypeOf(const SubtitleFile& file) {
         return media::SubtitleType(mediasubtype::kSsa, "und", bytes);
     case Format::Ass:
         return media::SubtitleType(mediasubtype::kAss, "und", bytes);
+    case Format::WebVtt:
+        return media::SubtitleType(mediasubtype::kWebVttBoxes, "und", bytes);
     case Format::Srt:
     default:
         return media::SubtitleType(mediasubtype::kUtf8, "und", bytes);

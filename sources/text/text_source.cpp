@@ -8,6 +8,7 @@
 #include "sources/text/srt_parser.h"
 #include "sources/text/subtitle_reader.h"
 #include "sources/text/text_decoder.h"
+#include "sources/text/vtt_parser.h"
 
 namespace subtitles {
 
@@ -63,12 +64,20 @@ HRESULT MakeAssSource(const source::ByteSource& bytes, source::OpenedSource& ope
     return MakeSource(bytes, ParseAss, opened);
 }
 
+HRESULT MakeVttSource(const source::ByteSource& bytes, source::OpenedSource& opened) {
+    return MakeSource(bytes, ParseVtt, opened);
+}
+
 HRESULT OpenSrtSource(const WideString& path, source::OpenedSource& opened) {
     return OpenSource(path, ParseSrt, opened);
 }
 
 HRESULT OpenAssSource(const WideString& path, source::OpenedSource& opened) {
     return OpenSource(path, ParseAss, opened);
+}
+
+HRESULT OpenVttSource(const WideString& path, source::OpenedSource& opened) {
+    return OpenSource(path, ParseVtt, opened);
 }
 
 } // namespace subtitles

@@ -1,4 +1,4 @@
-// A source filter that reads SubRip, SSA and ASS files.
+// A source filter that reads SubRip, SSA, ASS and WebVTT files.
 //
 // Errors: VFW_E_INVALID_FILE_FORMAT for what holds no subtitles, or is larger than 64 MiB.
 #pragma once
@@ -20,8 +20,10 @@ using Parser = std::optional<SubtitleFile> (*)(std::string_view text);
 
 [[nodiscard]] HRESULT MakeSrtSource(const source::ByteSource& bytes, source::OpenedSource& opened);
 [[nodiscard]] HRESULT MakeAssSource(const source::ByteSource& bytes, source::OpenedSource& opened);
+[[nodiscard]] HRESULT MakeVttSource(const source::ByteSource& bytes, source::OpenedSource& opened);
 // The files of that name.
 [[nodiscard]] HRESULT OpenSrtSource(const WideString& path, source::OpenedSource& opened);
 [[nodiscard]] HRESULT OpenAssSource(const WideString& path, source::OpenedSource& opened);
+[[nodiscard]] HRESULT OpenVttSource(const WideString& path, source::OpenedSource& opened);
 
 } // namespace subtitles

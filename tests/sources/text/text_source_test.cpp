@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "codecs/webvtt_cue.h"
 #include "dshow/media_subtypes.h"
 #include "media/codec_description.h"
 #include "sources/text/ass_parser.h"
@@ -7,6 +8,7 @@
 #include "sources/text/subtitle_reader.h"
 #include "sources/text/subtitle_time.h"
 #include "sources/text/text_decoder.h"
+#include "sources/text/vtt_parser.h"
 #include "tests/sources/base/packet_checks.h"
 
 namespace subtitles {
@@ -254,6 +256,75 @@ TEST(AssParser, ReadsWhatATruncatedFileStillHolds) {
 
 TEST(AssParser, SurvivesFlippedBits) {
     test_source::CheckBitFlips(ReaderOf<ParseAss>, LongAss());
+}
+
+// ---- WebVTT
+
+codecs::WebVttCue CueOf(const SubtitleEvent& event) {
+    return codecs::CueOfBoxes({reinterpret_cast<const uint8_t*>(event.text.data()), event.text.size()});
+}
+
+// "start-stop text|settings|identifier|comments" in ms.
+std::vector<std::string> CuesOf(std::string_view text) {
+    std::vector<std::string> cues;
+    const auto file = ParseVtt(text);
+    for (const SubtitleEvent& event : file ? file->events : std::vector<SubtitleEvent>()) {
+        const codecs::WebVttCue cue = CueOf(event);
+        cues.push_back(std::to_string(event.start / 10'000) + "-" + std::to_string(event.stop / 10'000) + " " +
+                       cue.text + "|" + cue.settings + "|" + cue.identifier + "|" + cue.comments);
+    }
+    return cues;
+}
+
+TEST(VttParser, CuesHaveTheirSettingsIdentifiersAndComments) {
+    EXPECT_THAT(
+        CuesOf("WEBVTT\n\n"
+               "id\n00:01.500 --> 01:00:02.000 line:0 align:start\nHi\nthere\n\n"
+               "NOTE one\n\nNOTE two\nlines\n\n\n"
+               "00:00:03.000-->00:00:04.000\nplain"),
+        ElementsAre("1500-3602000 Hi\nthere|line:0 align:start|id|", "3000-4000 plain|||NOTE one\nNOTE two\nlines"));
+}
+
+TEST(VttParser, LinesEndInAnyWay) {
+    const auto expected = ElementsAre("0-1000 a\nb||x|", "1000-2000 c|||");
+    EXPECT_THAT(CuesOf("WEBVTT\r\n\r\nx\r\n00:00.000 --> 00:01.000\r\na\r\nb\r\n\r\n00:01.000 --> 00:02.000\r\nc\r\n"),
+                expected);
+    EXPECT_THAT(CuesOf("WEBVTT\r\rx\r00:00.000 --> 00:01.000\ra\rb\r\r00:01.000 --> 00:02.000\rc"), expected);
+}
+
+TEST(VttParser, WhatStandsInFrontOfTheFirstCueIsTheHeader) {
+    const auto file =
+        ParseVtt("WEBVTT - title\nKind: captions\n\nSTYLE\n::cue {}\n\nNOTE x\n\n00:00.000 --> 00:01.000\na");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->header, "WEBVTT - title\nKind: captions\n\nSTYLE\n::cue {}\n\nNOTE x");
+    EXPECT_EQ(CueOf(file->events.at(0)).comments, "");
+    EXPECT_FALSE(file->isDamaged);
+}
+
+TEST(VttParser, TimesInsideATextCountFromItsStart) {
+    EXPECT_THAT(CuesOf("WEBVTT\n\n01:00.500 --> 01:02.000\na<01:01.000>b<i>c</i><00:01:01.750>d<00:00.000>e<1"),
+                ElementsAre("60500-62000 a<00:00:00.500>b<i>c</i><00:00:01.250>d<00:00:00.000>e<1|||"));
+}
+
+TEST(VttParser, ATextWithoutTheSignatureOrACueIsNone) {
+    for (const char* text : {"", "WEBVT", "WEBVTTX\n\n00:00.000 --> 00:01.000\na", "WEBVTT\n\nNOTE",
+                             "1\n00:00.000 --> 00:01.000\na", "WEBVTT\n\n00:00.000 --> 00:01.000\n\n"}) {
+        EXPECT_FALSE(ParseVtt(text)) << text;
+    }
+}
+
+TEST(VttParser, WhatCannotBeReadIsPassedOverAndTold) {
+    for (const char* damaged :
+         {"00:00.000 --> x\nlost", "00:00.000 -->\nlost", "id\nx --> 00:01.000\nlost", "STYLE\nlate"}) {
+        const auto file = ParseVtt(std::string("WEBVTT\n\n00:00.000 --> 00:01.000\na\n\n") + damaged);
+        ASSERT_TRUE(file);
+        EXPECT_EQ(file->events.size(), 1u);
+        EXPECT_TRUE(file->isDamaged) << damaged;
+    }
+    const auto large = ParseVtt("WEBVTT\n\nSTYLE\n" + std::string(1024 * 1024, 'x') + "\n\n00:00.000 --> 00:01.000\na");
+    ASSERT_TRUE(large);
+    EXPECT_EQ(large->header, "WEBVTT");
+    EXPECT_TRUE(large->isDamaged);
 }
 
 } // namespace
