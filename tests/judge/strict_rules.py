@@ -161,6 +161,17 @@ def check_track(track, is_webm, verdict):
             verdict.complain(TOOL, f"{where}: BitDepth or CodecDelay is 0")
 
 
+def addition_bytes(layout, track):
+    """What stands beside the blocks of the track: each addition belongs to the block in front of it."""
+    blocks = sorted(layout.blocks, key=lambda block: block["offset"])
+    total = 0
+    for element in layout.elements:
+        if element["name"] == "BlockAdditional":
+            before = [block for block in blocks if block["offset"] < element["offset"]]
+            total += element["dataSize"] if before and before[-1]["track"] == track else 0
+    return total
+
+
 def check_statistics(tag, layout, by_uid, verdict):
     uid = number_in(tag.child("Targets"), "TagTrackUID")
     if uid not in by_uid:
@@ -170,7 +181,7 @@ def check_statistics(tag, layout, by_uid, verdict):
               for simple in tag.children if simple.name == "SimpleTag"}
     blocks = layout.blocks_of(by_uid[uid])
     sizes = [size for block in blocks for size in block["frameSizes"]]
-    expected = {"NUMBER_OF_FRAMES": str(len(sizes)), "NUMBER_OF_BYTES": str(sum(sizes))}
+    expected = {"NUMBER_OF_FRAMES": str(len(sizes)), "NUMBER_OF_BYTES": str(sum(sizes) + addition_bytes(layout, by_uid[uid]))}
     told = {name: values.get(name) for name in expected}
     if STATISTICS - values.keys() or told != expected or not STATISTICS_DURATION.match(values["DURATION"]):
         verdict.complain(TOOL, f"track {by_uid[uid]}: {expected} is told as {values}")

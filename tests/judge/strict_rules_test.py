@@ -172,9 +172,17 @@ class StrictRules(unittest.TestCase):
         changed = whole[:place] + bytes([value]) + whole[place + 1:]
         return lambda sample: sample.pictures.update({CODEC: codec, PRIVATE: changed})
 
+    @staticmethod
+    def add_settings(sample):
+        """Three bytes beside the last block, which its track's statistics do not count."""
+        addition = element(0x75A1, element(0xA6, element(0xA5, b"a:b")))
+        block = element(0xA1, bytes([0x83, 0, 20, 0]) + b"a")
+        sample.blocks[-1] = element(0xA0, block + addition + unsigned(0x9B, 20))
+
     def test_statistics(self):
         self.assert_finds("'NUMBER_OF_FRAMES': '2'", lambda s: s.statistics.update({2: (3, 5)}))
         self.assert_finds("'NUMBER_OF_BYTES': '5'", lambda s: s.statistics.update({2: (2, 6)}))
+        self.assert_finds("'NUMBER_OF_BYTES': '4'", self.add_settings)
         self.assert_finds("which there is not", self.lose_track)
         self.assert_finds("2 tags for 3 tracks", lambda s: s.statistics.pop(3))
         sample = Sample()

@@ -79,10 +79,15 @@ const LayoutBlock* CuedBlock(const MatroskaLayout& layout, const EbmlElement& se
         if (cluster.offset != segment.DataOffset() + cue.clusterPosition) {
             continue;
         }
-        const auto found = std::find_if(cluster.blocks.begin(), cluster.blocks.end(), [&cue](const LayoutBlock& block) {
-            return block.track == cue.track && block.time == static_cast<int64_t>(cue.time);
-        });
-        return found == cluster.blocks.end() ? nullptr : &*found;
+        const LayoutBlock* cued = nullptr;
+        for (const LayoutBlock& block : cluster.blocks) {
+            // Of several at that time, the one of the cue's duration.
+            if (block.track == cue.track && block.time == static_cast<int64_t>(cue.time) &&
+                (cued == nullptr || block.duration == cue.duration)) {
+                cued = &block;
+            }
+        }
+        return cued;
     }
     return nullptr;
 }
