@@ -3,6 +3,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "codecs/av1_colour.h"
 #include "codecs/avc_configuration.h"
 #include "codecs/hevc_record.h"
 #include "codecs/sequence_header.h"
@@ -95,10 +96,14 @@ Told HevcColour(ByteView codecPrivate, ByteView frame) {
             codecs::HevcColourOf(codecs::FirstUnitsOf(frame, record->lengthBytes))};
 }
 
+Told Av1Colour(ByteView codecPrivate, ByteView frame) {
+    return {codecs::Av1ColourOf(codecPrivate), codecs::Av1ColourOf(frame)};
+}
+
 constexpr struct {
     std::string_view codecId;
     ReadColour read;
-} kCodecs[] = {{"V_MPEG4/ISO/AVC", AvcColour}, {"V_MPEGH/ISO/HEVC", HevcColour}};
+} kCodecs[] = {{"V_MPEG4/ISO/AVC", AvcColour}, {"V_MPEGH/ISO/HEVC", HevcColour}, {"V_AV1", Av1Colour}};
 
 template <typename Value>
 void TakeMissing(const std::optional<Value>& other, std::optional<Value>& value) {
@@ -121,8 +126,8 @@ StreamColour Joined(const Told& told) {
 // None of a codec whose stream says nothing that is read here.
 std::optional<StreamColour> StreamColourOf(const CodecDescription& description, ByteView frame) {
     for (const auto& codec : kCodecs) {
-        if (description.codecId == codec.codecId && description.codecPrivate) {
-            return Joined(codec.read(*description.codecPrivate, frame));
+        if (description.codecId == codec.codecId) { // AV1 may come without private data
+            return Joined(codec.read(description.codecPrivate.value_or(std::vector<BYTE>()), frame));
         }
     }
     return std::nullopt;
