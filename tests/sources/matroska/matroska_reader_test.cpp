@@ -503,8 +503,9 @@ TEST(MatroskaReader, ColoursThatCannotBeAreNotTold) {
 }
 
 std::vector<BYTE> DolbyVisionOf(uint64_t type, size_t bytes) {
-    const RawBytes mapping = Master(id::kBlockAdditionMapping, {RawUnsigned(id::kBlockAddIdType, type),
-                                                                test_support::RawElement(id::kBlockAddIdExtraData, RawBytes(bytes, 7))});
+    const RawBytes mapping =
+        Master(id::kBlockAdditionMapping, {RawUnsigned(id::kBlockAddIdType, type),
+                                           test_support::RawElement(id::kBlockAddIdExtraData, RawBytes(bytes, 7))});
     const auto reader = ReaderOf(FileOf({TrackEntry(1, 1, "V_MPEG2", {mapping, VideoOf({})})}, {}));
     return reader->Streams().at(0).properties.dolbyVision;
 }
