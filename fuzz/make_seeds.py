@@ -171,9 +171,16 @@ def seeds():
         yield "schedule", name, script
 
 
+def seeds_of_all():
+    for target, name, content in seeds():
+        yield target, name, content
+        if target == "matroska":
+            yield "report", name, content
+
+
 def main():
     directory = Path(sys.argv[1])
-    for target, name, content in seeds():
+    for target, name, content in seeds_of_all():
         (directory / target).mkdir(parents=True, exist_ok=True)
         if content:
             (directory / target / name).write_bytes(content)

@@ -5,7 +5,7 @@
 FUZZ_SECONDS=60
 FUZZ_MEMORY_MIB=512
 FUZZ_TARGETS=(
-  matroska avi annexb av1 text chapters repair
+  matroska avi annexb av1 text chapters repair report
   configuration format_blocks track_entry parameter_sets annexb_payload settings_xml schedule
 )
 

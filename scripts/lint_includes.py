@@ -32,13 +32,14 @@ ALLOWED = {
     "sources/text": {"sources/base", "media", "codecs", "dshow", "win"},
     "sources/chapters": {"sources/base", "win"},
     "repair": {"mkv", "sources/matroska", "sources/base", "media", "win"},
-    "mkvmux": {"client", "repair", "sources/base", "sources/avi", "sources/matroska", "sources/annexb", "sources/av1",
-               "sources/text", "sources/chapters", "media", "records", "dshow", "win", "include"},
+    "report": {"sources/matroska", "sources/base", "media", "win"},
+    "mkvmux": {"client", "repair", "report", "sources/base", "sources/avi", "sources/matroska", "sources/annexb",
+               "sources/av1", "sources/text", "sources/chapters", "media", "records", "dshow", "win", "include"},
     "examples": {"include"},
 }
 # Headers from outside that only some folders may use.
 ONLY_IN = {
-    r"(ebml|matroska)/": {"mkv", "sources/matroska", "repair"},
+    r"(ebml|matroska)/": {"mkv", "sources/matroska", "repair", "report"},
     r"(windows|winnt|guiddef|objbase|dshow|strmif)\.h$": {"win", "include", "dshow", "ui", "examples"},
     r"msxml": {"settings"},
     r"(CLI|nlohmann)/": {"mkvmux"},
