@@ -39,7 +39,9 @@ std::vector<std::wstring> ReadFiles(const Options& options) {
 
 std::vector<WrittenFile> WrittenFiles(const Options& options) {
     std::vector<WrittenFile> files;
-    if (!options.IsToStandardOutput()) {
+    if (!options.report.empty()) { // instead of an output
+        files.push_back({options.report, "the report", options.overwrite});
+    } else if (!options.IsToStandardOutput()) {
         files.push_back({options.output, "the output", options.overwrite});
     }
     if (!options.saveConfig.empty()) {

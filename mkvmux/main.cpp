@@ -12,6 +12,7 @@
 #include "mkvmux/mux_job.h"
 #include "mkvmux/options.h"
 #include "mkvmux/repair_job.h"
+#include "mkvmux/report_job.h"
 #include "mkvmux/text.h"
 #include "win/com_apartment.h"
 #include "win/platform.h"
@@ -29,6 +30,8 @@ int Follow(const Options& options, Interruption& interruption) {
     }
     if (!options.repair.empty()) {
         Repair(options, interruption, console);
+    } else if (!options.report.empty()) {
+        Report(options, interruption, console);
     } else if (options.identify) {
         const std::string identified = Identify(options);
         interruption.Check();

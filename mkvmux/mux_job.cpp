@@ -20,6 +20,7 @@
 #include "mkvmux/profile_checks.h"
 #include "mkvmux/progress_display.h"
 #include "mkvmux/property_pages.h"
+#include "mkvmux/run_figures.h"
 #include "mkvmux/standard_output.h"
 #include "mkvmux/text.h"
 
@@ -101,13 +102,15 @@ void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Cons
 // From here on the output exists: whatever fails says what became of it.
 void Run(const MuxGraph& graph, const Options& options, const Interruption& interruption, Console& console) {
     ProgressDisplay display = MakeDisplay(options);
-    MuxRun run(graph, interruption, console, display);
+    StatusDisplay status = MakeStatusDisplay(options);
+    MuxRun run(graph, interruption, console, display, status);
     try {
         run.Start();
         run.Wait();
         run.Finish();
     } catch (const Failure& failure) {
         display.Finish();
+        status.Finish();
         const Failure told(options.OutputName() + ": " + failure.what() + "; the file is unfinished");
         if (!run.Stop()) {
             Console::Fail(told.what());
@@ -120,6 +123,9 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
     if (!run.Stop()) {
         console.Warn("an input's filter does not stop and is left as it is; the file is finished");
         LeaveAtOnce(kExitDoneWithWarnings);
+    }
+    if (options.verbose) {
+        console.Inform(FiguresTable(ReadFigures(graph)));
     }
 }
 

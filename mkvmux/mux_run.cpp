@@ -1,10 +1,13 @@
 #include "mkvmux/mux_run.h"
 
+#include <algorithm>
 #include <array>
 
+#include "client/module_config.h"
 #include "mkvmux/exit_status.h"
 #include "mkvmux/failure.h"
 #include "mkvmux/graph_stopper.h"
+#include "mkvmux/run_figures.h"
 #include "mkvmux/text.h"
 #include <qrx_mkvmuxer.h>
 
@@ -13,12 +16,14 @@ namespace mkvmux {
 namespace {
 
 constexpr DWORD kProgressIntervalMs = 200;
+constexpr size_t kMaxLineChars = 400;
 
 } // namespace
 
-MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display)
-    : m_graph(graph), m_interruption(interruption), m_console(console), m_display(display), m_meter(graph),
-      m_control(graph.Graph().Query<IMediaControl>(IID_IMediaControl)),
+MuxRun::MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display,
+               StatusDisplay& status)
+    : m_graph(graph), m_interruption(interruption), m_console(console), m_display(display), m_status(status),
+      m_meter(graph), m_control(graph.Graph().Query<IMediaControl>(IID_IMediaControl)),
       m_events(graph.Graph().Query<IMediaEvent>(IID_IMediaEvent)) {
     if (!m_control || !m_events) {
         throw Failure("the filter graph cannot be controlled");
@@ -51,11 +56,11 @@ void MuxRun::Wait() {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): that is how the interface hands out its event
     const std::array<HANDLE, 2> events{m_interruption.Event(), reinterpret_cast<HANDLE>(graphEvent)};
     while (true) {
-        m_display.Show(m_meter.Percent());
+        ShowProgress();
         const DWORD reason =
             WaitForMultipleObjects(static_cast<DWORD>(events.size()), events.data(), FALSE, kProgressIntervalMs);
         if (reason == WAIT_OBJECT_0) {
-            m_display.Finish();
+            FinishDisplays();
             m_console.Warn("interrupted; the file ends here");
             return;
         }
@@ -66,6 +71,29 @@ void MuxRun::Wait() {
             throw Failure("the run cannot be waited for: " + DescribeResult(HRESULT_FROM_WIN32(GetLastError())));
         }
     }
+}
+
+void MuxRun::ShowProgress() {
+    const int percent = m_meter.Percent();
+    m_display.Show(percent);
+    if (!m_status.IsOn()) {
+        return;
+    }
+    // The muxer's clock, so that what is due is so by the time that is shown.
+    const client::ModuleConfig config(m_graph.Muxer().Get());
+    MuxStatistics file{};
+    (void)config.GetStatistics(file);
+    if (m_status.IsDue(file.elapsed)) {
+        const std::string share = std::to_string(percent) + "%, ";
+        const size_t columns = static_cast<size_t>(std::max(Console::TerminalColumns() - 1, 0));
+        m_status.Show(file.elapsed, (share + StatusLine(ReadFigures(m_graph), kMaxLineChars))
+                                        .substr(0, Console::IsTerminal() ? columns : kMaxLineChars));
+    }
+}
+
+void MuxRun::FinishDisplays() {
+    m_display.Finish();
+    m_status.Finish();
 }
 
 bool MuxRun::HandleEvents() {
@@ -122,7 +150,7 @@ void MuxRun::Finish() {
     if (!m_interruption.IsRequested()) {
         m_display.Show(kWholePercent);
     }
-    m_display.Finish();
+    FinishDisplays();
 }
 
 bool MuxRun::Stop() {

@@ -12,12 +12,14 @@
 #include "mkvmux/mux_graph.h"
 #include "mkvmux/progress_display.h"
 #include "mkvmux/progress_meter.h"
+#include "mkvmux/status_display.h"
 
 namespace mkvmux {
 
 class MuxRun {
   public:
-    MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display);
+    MuxRun(const MuxGraph& graph, const Interruption& interruption, Console& console, ProgressDisplay& display,
+           StatusDisplay& status);
     ~MuxRun();
     MuxRun(const MuxRun&) = delete;
     MuxRun& operator=(const MuxRun&) = delete;
@@ -33,6 +35,9 @@ class MuxRun {
     [[nodiscard]] bool Stop();
 
   private:
+    void ShowProgress();
+    // Before what stays is printed.
+    void FinishDisplays();
     // Whether one of the graph's events was the end.
     [[nodiscard]] bool HandleEvents();
     [[nodiscard]] bool HandleEvent(LONG code, LONG_PTR first);
@@ -43,6 +48,7 @@ class MuxRun {
     const Interruption& m_interruption;
     Console& m_console;
     ProgressDisplay& m_display;
+    StatusDisplay& m_status;
     ProgressMeter m_meter;
     win::ComPtr<IMediaControl> m_control;
     win::ComPtr<IMediaEvent> m_events;

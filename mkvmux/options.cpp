@@ -25,6 +25,7 @@ const std::map<std::string, bool> kProfiles{{"strict", true}, {"compatible", fal
 struct RawOptions {
     std::string output;
     std::string repair;
+    std::string report;
     std::string logDirectory;
     std::string saveConfig;
     std::string loadConfig;
@@ -73,6 +74,9 @@ void DescribeRun(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("--repair", raw.repair, "finish a recording that was cut off, in the file itself")
         ->type_name("FILE")
         ->check(NoOption());
+    app.add_option("--report", raw.report, "write a page about the one input, a Matroska or WebM file of any writer")
+        ->type_name("FILE.html")
+        ->check(NoOption());
     app.add_flag("--list-languages", raw.listLanguages, "list the languages with their codes");
     app.add_option("--load-config", raw.loadConfig, "begin with the settings and attachments of this file")
         ->type_name("FILE")
@@ -87,6 +91,8 @@ void DescribeRun(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_flag("--no-register", options.noRegister,
                  "load QRX_MKVMuxer.ax from beside the program instead of the registered one");
     app.add_flag("-q,--quiet", options.quiet, "print warnings and errors only");
+    app.add_flag("-v,--verbose", options.verbose,
+                 "show what the muxer does while it runs, and a table of it at the end");
     app.add_option("--progress", raw.progress, "show the progress: auto, always or never")->type_name("WHEN");
 }
 
@@ -149,6 +155,7 @@ void CompleteWhatStrictWrites(Options& options, const RawOptions& raw, const CLI
 void Complete(Options& options, const RawOptions& raw) {
     options.output = WideFromUtf8(raw.output);
     options.repair = WideFromUtf8(raw.repair);
+    options.report = WideFromUtf8(raw.report);
     options.webm = options.webm || EndsInWebm(options.output);
     options.logDirectory = WideFromUtf8(raw.logDirectory);
     options.saveConfig = WideFromUtf8(raw.saveConfig);
@@ -168,6 +175,15 @@ void Complete(Options& options, const RawOptions& raw) {
 
 // What the parser cannot know: which options need which others. Empty when all is well.
 std::string Contradiction(const Options& options) {
+    if (options.quiet && options.verbose) {
+        return "--quiet and --verbose exclude each other";
+    }
+    if (!options.report.empty()) {
+        const bool isAlone = options.inputs.size() == 1 && options.output.empty() && options.repair.empty();
+        return isAlone && !options.identify ? ""
+                                            : "--report goes with one input, and without --output, --identify and "
+                                              "--repair";
+    }
     if (!options.repair.empty()) {
         const bool isAlone = options.inputs.empty() && options.output.empty() && !options.identify;
         return isAlone ? "" : "--repair goes without inputs, --output and --identify";

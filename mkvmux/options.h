@@ -25,6 +25,7 @@ struct InputOptions {
 struct Options {
     std::wstring output; // a file, or kStandardOutput
     std::wstring repair; // the recording to finish, and nothing else; empty: none
+    std::wstring report; // the page to write about the one input, and nothing else; empty: none
     bool overwrite = false;
     bool webm = false;
     bool strict = false;               // the profile of the file
@@ -37,6 +38,7 @@ struct Options {
     bool noRegister = false; // load the module from beside the program
     bool showProperties = false;
     bool quiet = false;
+    bool verbose = false; // what is going on, and a table of it at the end
     ProgressMode progress = ProgressMode::Auto;
     std::vector<InputOptions> inputs;
     annexb::FrameRate frameRate;           // of inputs that do not say

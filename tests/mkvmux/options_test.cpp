@@ -215,6 +215,30 @@ TEST(Options, ARepairNamesItsFileAndStandsAlone) {
     }
 }
 
+TEST(Options, AReportGoesWithOneInputAndNothingElse) {
+    const Options options = Parsed({"--report", "page.html", "in.mkv"});
+    EXPECT_EQ(options.report, L"page.html");
+    ASSERT_EQ(options.inputs.size(), 1u);
+    for (const std::vector<std::string>& more : std::vector<std::vector<std::string>>{{},
+                                                                                      {"a.mkv", "b.mkv"},
+                                                                                      {"-o", "o.mkv", "a.mkv"},
+                                                                                      {"--identify", "a.mkv"},
+                                                                                      {"--repair", "c.mkv", "a.mkv"}}) {
+        std::vector<std::string> arguments{"--report", "page.html"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(Refused(arguments).output, "--report goes with one input, and without --output, --identify and "
+                                             "--repair; see mkvmux --help");
+    }
+}
+
+TEST(Options, VerboseIsSeenAndIsNotQuiet) {
+    EXPECT_FALSE(Parsed({"-o", "o", "a"}).verbose);
+    EXPECT_TRUE(Parsed({"-o", "o", "-v", "a"}).verbose);
+    EXPECT_TRUE(Parsed({"-o", "o", "--verbose", "a"}).verbose);
+    EXPECT_EQ(Refused({"-o", "o", "-v", "-q", "a"}).output,
+              "--quiet and --verbose exclude each other; see mkvmux --help");
+}
+
 TEST(Options, AnUnknownLanguageIsRefusedWithTheNearestNames) {
     const EarlyExit exit = Refused({"-o", "o", "--language", "0:Germn", "a.avi"});
     EXPECT_EQ(exit.status, 2);
@@ -236,7 +260,7 @@ TEST(Options, HelpAndVersionEndWithSuccess) {
                                "--track-name",     "--language",    "--default",     "--disable",
                                "--attach",         "--attach-mime", "--attach-name", "--attach-description",
                                "--json",           "--log",         "--save-config", "--load-config",
-                               "--list-languages", "--repair"}) {
+                               "--list-languages", "--repair",      "--report",      "--verbose"}) {
         EXPECT_THAT(help.output, HasSubstr(option));
     }
     const EarlyExit version = Refused({"--version"});
