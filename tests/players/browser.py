@@ -75,6 +75,12 @@ class Browser:
     def open(self, address):
         self._send("POST", self._session + "/url", {"url": address})
 
+    def emulate_colour_scheme(self, scheme):
+        """What the reader likes: "light" or "dark"."""
+        features = [{"name": "prefers-color-scheme", "value": scheme}]
+        self._send("POST", self._session + "/goog/cdp/execute",
+                   {"cmd": "Emulation.setEmulatedMedia", "params": {"features": features}})
+
     def call(self, function, *arguments):
         """The result of a function of the page; of what it promises, when that is so."""
         script = "const done = arguments[arguments.length - 1];" \
