@@ -193,8 +193,8 @@ TEST_P(StatisticsParameters, AreReadByAThreadOfTheirOwnWhileRunsComeAndGo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Profiles, StatisticsParameters, ::testing::Values(MuxProfile_Compatible, MuxProfile_Strict),
-                         [](const auto& info) {
-                             return std::string(info.param == MuxProfile_Strict ? "Strict" : "Compatible");
+                         [](const auto& profile) {
+                             return std::string(profile.param == MuxProfile_Strict ? "Strict" : "Compatible");
                          });
 
 } // namespace
