@@ -12,7 +12,7 @@ RunFigures Example() {
     figures.file.bytesWritten = 34'500'000;
     figures.file.clusters = 67;
     figures.file.writes = 321;
-    figures.file.writeTime = kSecond / 4;
+    figures.file.writeTime = 3 * kSecond / 10;
     figures.file.longestWrite = kSecond / 50;
     figures.file.elapsed = 10 * kSecond;
     figures.length = 83 * kSecond;
@@ -51,7 +51,7 @@ TEST(RunFigures, TheTableHasALineATrackUnderItsColumns) {
     EXPECT_EQ("track    packets           bytes     kbit/s  queue's peak    late  dropped  silences\n"
               "    0       2075        33000000     3180.7        5.0 MB       0        0         0\n"
               "    3       3900         1300000      125.3           0 B       4        5         6\n"
-              "67 clusters in 10.0 s; 321 writes took 0.250 s, the longest 0.020 s\n",
+              "67 clusters in 10.0 s; 321 writes took 0.300 s, the longest 0.020 s\n",
               FiguresTable(Example()));
 }
 

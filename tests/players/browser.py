@@ -75,6 +75,9 @@ class Browser:
     def open(self, address):
         self._send("POST", self._session + "/url", {"url": address})
 
+    def resize(self, width, height):
+        self._send("POST", self._session + "/window/rect", {"width": width, "height": height})
+
     def emulate_colour_scheme(self, scheme):
         """What the reader likes: "light" or "dark"."""
         features = [{"name": "prefers-color-scheme", "value": scheme}]
