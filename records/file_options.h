@@ -1,6 +1,6 @@
 // FileOptions: what the application asks of the files to come, beside rows, document type and attachments.
-// AllOptions: the same with the flags of the tracks, chapters and tags, as they are saved. CFileOptions: what of them is
-// no list, with a lock.
+// AllOptions: the same with the flags of the tracks, chapters and tags, as they are saved. CFileOptions: what of them
+// is no list, with a lock.
 //
 // Owner: the filter; values are copied in and out. Threads: CFileOptions any, one lock. Errors: std::bad_alloc.
 #pragma once

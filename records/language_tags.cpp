@@ -64,8 +64,10 @@ bool HasCode(const LanguageRow& row, std::string_view code) {
 LanguageCodes CodesOfPart(const std::string& language) {
     for (const LanguageRow& row : LanguageRows()) {
         if (HasCode(row, language)) {
-            const std::string code(row.code, kCodeLength);
-            return {code, *row.twoLetterCode != 0 ? row.twoLetterCode : code};
+            // Of rows with one name, the first has the bibliographic code.
+            const LanguageRow& first = LanguageRows()[languageIndexByName(row.name)];
+            const std::string code(first.code, kCodeLength);
+            return {code, *first.twoLetterCode != 0 ? first.twoLetterCode : code};
         }
     }
     return {"und", language};

@@ -1,5 +1,5 @@
-// CRecordList: chapters or tags in the order that they were added in, for the files to come and for the one that is being
-// recorded. It has bounds, so that neither an application nor a configuration fills the memory.
+// CRecordList: chapters or tags in the order that they were added in, for the files to come and for the one that is
+// being recorded. It has bounds, so that neither an application nor a configuration fills the memory.
 //
 // Units: UTF-16 code units. Owner: the writer; values are copied in and out. Threads: any, one lock.
 // Errors: std::bad_alloc.

@@ -175,8 +175,7 @@ def addition_bytes(layout, track):
 def check_statistics(tag, layout, by_uid, verdict):
     uid = number_in(tag.child("Targets"), "TagTrackUID")
     if uid not in by_uid:
-        verdict.complain(TOOL, f"a tag for the track with the UID {uid}, which there is not")
-        return
+        return  # told with all others
     values = {simple.child("TagName").text(): simple.child("TagString").text()
               for simple in tag.children if simple.name == "SimpleTag"}
     blocks = layout.blocks_of(by_uid[uid])
@@ -187,13 +186,45 @@ def check_statistics(tag, layout, by_uid, verdict):
         verdict.complain(TOOL, f"track {by_uid[uid]}: {expected} is told as {values}")
 
 
+def is_statistics(tag):
+    names = {simple.child("TagName").text() for simple in tag.children if simple.name == "SimpleTag"}
+    return tag.child("Targets").child("TagTrackUID") is not None and bool(names & STATISTICS)
+
+
 def check_tags(layout, content, verdict):
     by_uid = {track["uid"]: track["number"] for track in layout.tracks}
     tags = elements_of(layout, content, "Tag")
-    for tag in tags:
+    statistics = [tag for tag in tags if is_statistics(tag)]
+    for tag in statistics:
         check_statistics(tag, layout, by_uid, verdict)
-    if tags and len(tags) != len(layout.tracks):
-        verdict.complain(TOOL, f"{len(tags)} tags for {len(layout.tracks)} tracks")
+    if statistics and len(statistics) != len(layout.tracks):
+        verdict.complain(TOOL, f"statistics in {len(statistics)} tags for {len(layout.tracks)} tracks")
+    for tag in tags:
+        uid = number_in(tag.child("Targets"), "TagTrackUID")
+        if uid is not None and uid not in by_uid:
+            verdict.complain(TOOL, f"a tag for the track with the UID {uid}, which there is not")
+        if tag.child("SimpleTag") is None:
+            verdict.complain(TOOL, "a Tag without any SimpleTag")
+
+
+def all_named(name, elements):
+    """Those inside of each other, too."""
+    return [found for element in elements for found in
+            ([element] if element.name == name else []) + all_named(name, element.children)]
+
+
+def check_chapters(layout, content, is_webm, verdict):
+    editions = elements_of(layout, content, "EditionEntry")
+    atoms = all_named("ChapterAtom", elements_of(layout, content, "ChapterAtom"))
+    if len(editions) > 1 or (editions and editions[0].child("ChapterAtom") is None):
+        verdict.complain(TOOL, f"{len(editions)} editions, or one without a chapter")
+    uids = [number_in(atom, "ChapterUID") for atom in atoms]
+    if 0 in uids or None in uids or len(set(uids)) != len(uids):
+        verdict.complain(TOOL, f"ChapterUIDs are {uids}")
+    for display in elements_of(layout, content, "ChapterDisplay"):
+        for name in ("ChapString", "ChapLanguage", *(() if is_webm else ("ChapLanguageBCP47",))):
+            if display.child(name) is None:
+                verdict.complain(TOOL, f"a ChapterDisplay without {name}")
 
 
 def judge(path, layout, verdict):
@@ -207,4 +238,5 @@ def judge(path, layout, verdict):
         check_info(info, is_webm, verdict)
     for track in elements_of(layout, content, "TrackEntry"):
         check_track(track, is_webm, verdict)
+    check_chapters(layout, content, is_webm, verdict)
     check_tags(layout, content, verdict)

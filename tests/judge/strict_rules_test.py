@@ -22,6 +22,9 @@ CODEC, PRIVATE, DELAY, PRE_ROLL, VIDEO, AUDIO, NAME = 0x86, 0x63A2, 0x56AA, 0x56
 WIDTH, HEIGHT, DISPLAY_WIDTH, DISPLAY_HEIGHT, DISPLAY_UNIT = 0xB0, 0xBA, 0x54B0, 0x54BA, 0x54B2
 FLAG_INTERLACED, FIELD_ORDER, FREQUENCY, CHANNELS, BIT_DEPTH = 0x9A, 0x9D, 0xB5, 0x9F, 0x6264
 TAGS, TAG, TARGETS, TAG_UID, SIMPLE_TAG, TAG_NAME, TAG_STRING = 0x1254C367, 0x7373, 0x63C0, 0x63C5, 0x67C8, 0x45A3, 0x4487
+TARGET_TYPE = 0x68CA
+CHAPTERS, EDITION, ATOM, CHAPTER_UID, CHAPTER_START, DISPLAY = 0x1043A770, 0x45B9, 0xB6, 0x73C4, 0x91, 0x80
+CHAP_STRING, CHAP_LANGUAGE, CHAP_BCP47 = 0x85, 0x437C, 0x437D
 
 AVC = bytes.fromhex("0164001fffe100036764000100026801fdf8f800")
 HEVC = bytes.fromhex("01" + "00" * 12 + "f000fcfdf8f8" + "00000f00")
@@ -63,6 +66,11 @@ class Sample:
                        block_group(3, 20, b"a", 20)]
         self.statistics = {1: (1, 3), 2: (2, 5), 3: (1, 1)}
         self.uid_error = 0  # of the tags
+        self.atoms = [(1, "eng"), (2, "ger")]  # identifiers and languages of the chapters
+        self.parts = [3]  # identifiers of parts of the last of them
+        self.editions = 1
+        self.global_tags = element(TAG, element(TARGETS, unsigned(TARGET_TYPE, 50)) +
+                                   element(SIMPLE_TAG, master({TAG_NAME: "DURATION", TAG_STRING: "long"})))
 
     def tag(self, number, uid):
         frames, size = self.statistics[number]
@@ -70,13 +78,22 @@ class Sample:
         simple = b"".join(element(SIMPLE_TAG, master({TAG_NAME: n, TAG_STRING: v})) for n, v in values.items())
         return element(TAG, element(TARGETS, unsigned(TAG_UID, uid)) + simple)
 
+    def chapters(self):
+        parts = b"".join(element(ATOM, unsigned(CHAPTER_UID, uid) + unsigned(CHAPTER_START, 0)) for uid in self.parts)
+        atoms = b"".join(
+            element(ATOM, unsigned(CHAPTER_UID, uid) + unsigned(CHAPTER_START, 0) +
+                    element(DISPLAY, master({CHAP_STRING: "a", CHAP_LANGUAGE: language, CHAP_BCP47: "en"})) + parts *
+                    (uid == self.atoms[-1][0]))
+            for uid, language in self.atoms)
+        return element(CHAPTERS, element(EDITION, atoms) * self.editions) if self.editions else b""
+
     def content(self):
         entries = [entry for entry in (self.pictures, self.sound, self.text) if entry]
         tracks = b"".join(element(0xAE, master(entry)) for entry in entries)
         tags = b"".join(self.tag(number, entry[UID] + self.uid_error) for number, entry in enumerate(entries, 1) if number in self.statistics)
         segment = (element(INFO, master(self.info)) + element(TRACKS, tracks)
                    + element(CLUSTER, unsigned(0xE7, 0) + b"".join(self.blocks))
-                   + (element(TAGS, tags) if tags else b""))
+                   + self.chapters() + element(TAGS, self.global_tags + tags))
         return element(EBML, master(self.head)) + element(SEGMENT, segment)
 
 
@@ -189,6 +206,20 @@ class StrictRules(unittest.TestCase):
         sample.statistics.clear()
         self.assertEqual(self.complaints(sample), [])
 
+    def test_tags_of_the_file(self):
+        empty = element(TAG, element(TARGETS, unsigned(TARGET_TYPE, 50)))
+        self.assert_finds("a Tag without any SimpleTag", lambda s: setattr(s, "global_tags", empty))
+        lost = element(TAG, element(TARGETS, unsigned(TAG_UID, 9)) + element(SIMPLE_TAG, text(TAG_NAME, "A")))
+        self.assert_finds("with the UID 9, which there is not", lambda s: setattr(s, "global_tags", lost))
+
+    def test_chapters(self):
+        sample = Sample()
+        sample.editions = 2
+        self.assertIn("2 editions, or one without a chapter", self.complaints(sample))
+        self.assert_finds("ChapterUIDs are [1, 2, 2]", lambda s: setattr(s, "parts", [2]))
+        self.assert_finds("ChapterUIDs are [0, 2, 3]", lambda s: setattr(s, "atoms", [(0, "eng"), (2, "ger")]))
+        self.assert_finds("a ChapterDisplay without ChapLanguage", lambda s: setattr(s, "atoms", [(1, None), (2, "ger")]))
+
     @staticmethod
     def lose_track(sample):
         """Of one track there are statistics, under another's identifier."""
@@ -202,4 +233,5 @@ class StrictRules(unittest.TestCase):
         sample.head[DOC_TYPE] = "webm"
         found = self.complaints(sample)
         self.assertEqual(sorted(complaint.split(": ")[1] for complaint in found),
-                         3 * ["LanguageBCP47 is no element of WebM"] + ["SegmentUUID is no element of WebM"])
+                         2 * ["ChapLanguageBCP47 is no element of WebM"] + 3 * ["LanguageBCP47 is no element of WebM"] +
+                         ["SegmentUUID is no element of WebM"])

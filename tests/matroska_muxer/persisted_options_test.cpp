@@ -42,6 +42,27 @@ Bytes Flags(UINT32 index, const Bytes& flags) {
     return Field(5, Golden().Number(index, 4).Append(flags).Get()).Get();
 }
 
+Golden Text(const char* text) {
+    return Golden().Number(std::char_traits<char>::length(text), 4).Text(text);
+}
+
+Bytes ChapterOf(UINT32 level, const char* title, UINT64 start = 5, BYTE hidden = 1) {
+    Golden value;
+    value.Number(level, 4)
+        .Number(start, 8)
+        .Number(0xffffffffffffffffULL, 8)
+        .Number(77, 8)
+        .Number(hidden, 1)
+        .Number(0, 1);
+    return Field(7, value.Append(Text(title).Get()).Append(Text("de").Get()).Get()).Get();
+}
+
+Bytes TagOf(UINT32 level, const char* name) {
+    Golden value;
+    value.Number(0xffffffff, 4).Number(level, 4).Number(30, 4).Append(Text("SONG").Get()).Append(Text(name).Get());
+    return Field(8, value.Append(Text("X").Get()).Append(Text("").Get()).Get()).Get();
+}
+
 Bytes Joined(std::initializer_list<Bytes> parts) {
     Golden joined;
     for (const Bytes& part : parts) {
@@ -124,7 +145,9 @@ TEST_F(PersistedOptions, EveryOptionIsAFieldOfTheBlockAndComesBack) {
 }
 
 TEST_F(PersistedOptions, EachOptionAloneIsABlockOfOneField) {
-    const Bytes fields[] = {Profile(),
+    const Bytes fields[] = {ChapterOf(0, "one"),
+                            TagOf(0, "ARTIST"),
+                            Profile(),
                             Title("x"),
                             Seed(1),
                             Statistics(0),
@@ -176,6 +199,15 @@ TEST_F(PersistedOptions, UnknownTagsAreSkippedAndOfTwoTheLaterCounts) {
     EXPECT_EQ(WithFields(Seed(2)), Saved());
 }
 
+TEST_F(PersistedOptions, ChaptersAndTagsAreAsManyAsThereAreFields) {
+    const Bytes fields = Joined({ChapterOf(0, "one"), ChapterOf(1, "two"), ChapterOf(15, ""), TagOf(0, "ARTIST"),
+                                 TagOf(1, "SORT_WITH"), TagOf(0, "ARTIST")});
+    ASSERT_EQ(S_OK, LoadBytes(WithFields(fields)));
+    EXPECT_EQ(WithFields(fields), Saved());
+    ASSERT_EQ(S_OK, LoadBytes(golden::FreshFilter()));
+    EXPECT_EQ(golden::FreshFilter(), Saved());
+}
+
 TEST_F(PersistedOptions, FlagsOfAnInputWithoutARowAreDropped) {
     ASSERT_EQ(S_OK, LoadBytes(WithFields(Joined({Flags(100, {1, 1, 1, 1, 1}), Flags(99, {1, 1, 1, 1, 1})}))));
     EXPECT_EQ(WithFields(Flags(99, {1, 1, 1, 1, 1})), Saved());
@@ -205,6 +237,14 @@ TEST_F(PersistedOptions, ADamagedBlockIsAnErrorThatLeavesTheOptionsAsTheyWere) {
         BlockOf(Statistics(0, 4)),
         BlockOf(Flags(0, {1, 1, 1, 1})),
         BlockOf(Flags(0, {1, 1, 1, 1, 2})),
+        BlockOf(ChapterOf(16, "too deep")),
+        BlockOf(ChapterOf(0xffffffff, "a further title of none")),
+        BlockOf(ChapterOf(0, "a mark", 0xfffffffffffffffeULL)),
+        BlockOf(ChapterOf(0, "a flag", 5, 2)),
+        BlockOf(Field(7, Bytes(30, 0)).Get()), // less than its fields
+        BlockOf(TagOf(1, "of none")),
+        BlockOf(TagOf(0, "")),
+        BlockOf(Field(8, Golden().Append(Bytes(12, 0)).Number(0xffffffff, 4).Get()).Get()),
         BlockOf(Flags(0xffffffff, {1, 1, 1, 1, 1})),
     };
     SetEverything();
@@ -232,7 +272,7 @@ TEST_F(PersistedOptions, LengthsOfGibibytesWithoutBytesEndWithTheStream) {
         return WithBlock(block.Raw("some bytes").Get());
     };
     EXPECT_EQ(kEndOfStream, LoadBytes(endless(1000)));
-    for (const UINT32 known : {1u, 2u, 3u, 4u, 5u}) {
+    for (const UINT32 known : {1u, 2u, 3u, 4u, 5u, 7u, 8u}) {
         EXPECT_EQ(VFW_E_INVALID_FILE_FORMAT, LoadBytes(endless(known))) << known;
     }
 }

@@ -8,6 +8,7 @@ namespace test_support {
 
 namespace {
 
+constexpr uint64_t kChapterDisplayId = 0x80;
 constexpr uint32_t kMaxIdBytes = 4;
 constexpr uint32_t kMaxSizeBytes = 8;
 constexpr int kMaxDepth = 16;         // nothing well-formed nests deeper
@@ -198,7 +199,9 @@ std::optional<EbmlNumber> ReadEbmlId(ByteView bytes) {
     const uint64_t bits = id->value & ((uint64_t{1} << (7 * id->length)) - 1);
     const uint64_t shorterMarker = uint64_t{1} << (7 * (id->length - 1));
     const bool fitsShorter = id->length > 1 && bits < shorterMarker - 1;
-    return bits == 0 || fitsShorter ? std::nullopt : id;
+    // All zeros are reserved, but one byte of them was given away before.
+    const bool isReserved = bits == 0 && id->value != kChapterDisplayId;
+    return isReserved || fitsShorter ? std::nullopt : id;
 }
 
 std::optional<EbmlNumber> ReadEbmlSize(ByteView bytes) {

@@ -23,7 +23,8 @@ TEST(EbmlNumbers, IdentifiersThatAreTooLongOrReservedAreRefused) {
     EXPECT_FALSE(ReadEbmlId(RawBytes{0x08, 1, 2, 3, 4})) << "five bytes";
     EXPECT_FALSE(ReadEbmlId(RawBytes{0x1a, 0x45, 0xdf})) << "its end is missing";
     EXPECT_FALSE(ReadEbmlId(RawBytes{0xff})) << "all ones";
-    EXPECT_FALSE(ReadEbmlId(RawBytes{0x80})) << "all zeros";
+    EXPECT_FALSE(ReadEbmlId(RawBytes{0x40, 0x00})) << "all zeros";
+    EXPECT_TRUE(ReadEbmlId(RawBytes{0x80})) << "ChapterDisplay";
     EXPECT_FALSE(ReadEbmlId(RawBytes{0x40, 0x6c})) << "0xEC in two bytes";
     EXPECT_TRUE(ReadEbmlId(RawBytes{0x40, 0x7f})) << "all ones in one byte, so two are the shortest";
 }
