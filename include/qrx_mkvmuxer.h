@@ -113,8 +113,8 @@ enum MuxTrackType {
 
 // Indices of MuxChapter and MuxTag that are no places in the list.
 enum MuxListIndex {
-    MuxListIndex_Add = -1,   // one more, at the end of the list
-    MuxListIndex_Clear = -2  // all of them go; the rest of the record is not looked at
+    MuxListIndex_Add = -1,  // one more, at the end of the list
+    MuxListIndex_Clear = -2 // all of them go; the rest of the record is not looked at
 };
 
 // Times of MuxChapter that are none.
@@ -123,7 +123,7 @@ inline constexpr INT64 MuxChapterTime_Now = -2;  // of a start: what is written 
 
 // Levels of MuxChapter and MuxTag.
 enum MuxLevel {
-    MuxLevel_Top = 0,         // others are parts of the one before that is one level up
+    MuxLevel_Top = 0,          // others are parts of the one before that is one level up
     MuxLevel_FurtherTitle = -1 // no chapter, but the same one's title in one more language
 };
 

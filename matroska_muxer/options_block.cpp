@@ -237,7 +237,7 @@ struct FieldReader {
 };
 
 constexpr FieldReader kReaders[] = {
-    {kProfile, ReadProfile},       {kTitle, ReadTitle}, {kSeed, ReadSeed}, {kTrackStatistics, ReadTrackStatistics},
+    {kProfile, ReadProfile},       {kTitle, ReadTitle},     {kSeed, ReadSeed}, {kTrackStatistics, ReadTrackStatistics},
     {kTrackFlags, ReadTrackFlags}, {kChapter, ReadChapter}, {kTag, ReadTag},
 };
 

@@ -1,6 +1,6 @@
-// CAnnotations: the chapters and tags of a file. Those that are known when it begins stand in front of its clusters; what
-// changes until its end is written behind them as a whole, tags together with the statistics, which are known then alone.
-// Units: records in 100 ns. Owner: the file being written; the others are not owned. Threads: the writer's.
+// CAnnotations: the chapters and tags of a file. Those that are known when it begins stand in front of its clusters;
+// what changes until its end is written behind them as a whole, tags together with the statistics, which are known then
+// alone. Units: records in 100 ns. Owner: the file being written; the others are not owned. Threads: the writer's.
 // Errors: what the output throws, std::bad_alloc; what the system's random numbers throw.
 #pragma once
 

@@ -1,6 +1,6 @@
-// CChapterIdentifiers: gives each chapter and the edition its identifier, and the same ones again when the chapters of a
-// file are written a second time.
-// Owner: the file being written. Threads: the writer's. Errors: std::bad_alloc; what the system's random numbers throw.
+// CChapterIdentifiers: gives each chapter and the edition its identifier, and the same ones again when the chapters of
+// a file are written a second time. Owner: the file being written. Threads: the writer's. Errors: std::bad_alloc; what
+// the system's random numbers throw.
 #pragma once
 
 #include <vector>

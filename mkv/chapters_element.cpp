@@ -24,16 +24,16 @@ struct Part {
     ChapterList parts;
 };
 
-// Chapters of that level and what is deeper; one that is deeper than it can be is a part of the one before all the same.
+// Chapters of that level and what is deeper; one that is deeper than it can be is a part of the one before all the
+// same.
 std::vector<Part> PartsOf(ChapterList list) {
     std::vector<Part> parts;
     while (!list.empty()) {
         const INT32 level = list.front().level;
         const auto isTitle = [](const Chapter& chapter) { return chapter.level == MuxLevel_FurtherTitle; };
         const auto titlesEnd = std::find_if_not(list.begin() + 1, list.end(), isTitle);
-        const auto end = std::find_if(titlesEnd, list.end(), [&](const Chapter& chapter) {
-            return !isTitle(chapter) && chapter.level <= level;
-        });
+        const auto end = std::find_if(
+            titlesEnd, list.end(), [&](const Chapter& chapter) { return !isTitle(chapter) && chapter.level <= level; });
         parts.push_back({&list.front(), ChapterList(list.begin() + 1, titlesEnd), ChapterList(titlesEnd, end)});
         list = ChapterList(end, list.end());
     }

@@ -88,7 +88,7 @@ class TagWriter {
     const TrackUids& m_uids;
     const bool m_isWebM;
     KaxTag* m_tag = nullptr;
-    const Tag* m_last = nullptr;         // of the top
+    const Tag* m_last = nullptr;          // of the top
     std::vector<KaxTagSimple*> m_simples; // the last one of each level
 };
 

@@ -86,8 +86,8 @@ bool RecordingSurvey::TakeHeadElement(const Element& element) {
     auto& place = element.id == IdOf<KaxAttachments>() ? cut.attachments
                   : element.id == IdOf<KaxChapters>()  ? cut.chapters
                                                        : cut.tags;
-    const bool isKnown = element.id == IdOf<KaxAttachments>() || element.id == IdOf<KaxChapters>() ||
-                         element.id == IdOf<KaxTags>();
+    const bool isKnown =
+        element.id == IdOf<KaxAttachments>() || element.id == IdOf<KaxChapters>() || element.id == IdOf<KaxTags>();
     if (!isKnown || m_recording.clusters > 0) {
         return false;
     }
