@@ -134,7 +134,7 @@ class StrictRules(unittest.TestCase):
         sample = Sample()
         sample.head[DOC_TYPE_VERSION] = 3
         self.assertEqual(self.complaints(sample), [f"DocTypeVersion 3 has no {name}"
-                                                   for name in ("CodecDelay", "LanguageBCP47", "SeekPreRoll")])
+                                                   for name in ("ChapLanguageBCP47", "CodecDelay", "LanguageBCP47", "SeekPreRoll")])
 
     def test_info(self):
         for name, number in (("MuxingApp", MUXING_APP), ("WritingApp", WRITING_APP), ("DateUTC", DATE),
