@@ -17,8 +17,7 @@ bool FitsBlockOffset(UINT64 timeNs, UINT64 clusterStartNs) {
 }
 
 bool ExceedsStrictCluster(INT64 spanMs, UINT64 dataBytes, size_t blocks, INT64 maxSpanMs) {
-    return blocks > 1 &&
-           (spanMs >= maxSpanMs || dataBytes > kMaxStrictClusterBytes || blocks > kMaxStrictBlocks);
+    return blocks > 1 && (spanMs >= maxSpanMs || dataBytes > kMaxStrictClusterBytes || blocks > kMaxStrictBlocks);
 }
 
 } // namespace mkv

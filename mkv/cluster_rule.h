@@ -20,7 +20,7 @@ inline constexpr UINT64 kMaxClusterPayloadBytes = UINT64{4} << 20;
 // ---- Strict ----
 
 inline constexpr INT64 kMaxStrictSpanMs = 5000;
-inline constexpr INT64 kMaxLiveSpanMs = 1000; // a player that watches waits no longer for the next
+inline constexpr INT64 kMaxLiveSpanMs = 1000;                     // a player that watches waits no longer for the next
 inline constexpr UINT64 kMaxStrictClusterBytes = UINT64{5} << 20; // of its data
 // So that what is remembered of each stays small; a hundred tracks have fewer in five seconds.
 inline constexpr size_t kMaxStrictBlocks = 65536;

@@ -28,8 +28,8 @@ class CGatheringIO : public libebml::IOCallback {
     CGatheringIO(const CGatheringIO&) = delete;
     CGatheringIO& operator=(const CGatheringIO&) = delete;
 
-    // The first byte goes to the target's start; it is asked to go there at once. False when it does not seek: the bytes
-    // follow each other from where it stands then, and it is never asked again.
+    // The first byte goes to the target's start; it is asked to go there at once. False when it does not seek: the
+    // bytes follow each other from where it stands then, and it is never asked again.
     [[nodiscard]] bool begin();
     // The next byte goes there; the target is asked to when there is one.
     void moveTo(uint64 position);

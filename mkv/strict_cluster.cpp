@@ -69,8 +69,7 @@ CElementBytes TimeElement(INT64 timeMs) {
 
 bool CStrictCluster::isTooSmallFor(INT64 startMs, UINT64 payloadBytes) const {
     return ExceedsStrictCluster(std::max(m_latestMs, startMs) - std::min(m_earliestMs, startMs),
-                                m_bytes.totalBytes() + payloadBytes + kMaxOtherBytes, m_blocks.size() + 1,
-                                m_maxSpanMs);
+                                m_bytes.totalBytes() + payloadBytes + kMaxOtherBytes, m_blocks.size() + 1, m_maxSpanMs);
 }
 
 void CStrictCluster::add(const Block& block, const FrameBytes& frame, std::span<const BYTE> addition) {

@@ -88,8 +88,9 @@ TEST_P(LiveFileTest, ItsInfoSaysAllButTheDuration) {
     for (const auto& child : layout.Segment()->Child(kInfo)->children) {
         names.emplace_back(child.Name());
     }
-    EXPECT_EQ(names, IsStrict() ? (Names{"TimestampScale", "MuxingApp", "WritingApp", "DateUTC", "SegmentUUID", "Title"})
-                                : (Names{"TimestampScale", "MuxingApp", "WritingApp"}));
+    EXPECT_EQ(names, IsStrict()
+                         ? (Names{"TimestampScale", "MuxingApp", "WritingApp", "DateUTC", "SegmentUUID", "Title"})
+                         : (Names{"TimestampScale", "MuxingApp", "WritingApp"}));
 }
 
 TEST_P(LiveFileTest, IsOnlyEverWrittenOnAtItsEnd) {
