@@ -27,8 +27,8 @@ struct VideoDescription {
     std::optional<UINT64> flagInterlaced{}; // Matroska's values; the strict description alone tells both
     std::optional<UINT64> fieldOrder{};
     std::optional<DWORD> uncompressedFourCc{}; // its first letter in the lowest byte
-    Colour colour{};                 // the strict description alone, as is what follows
-    bool mayTellColourLater = false; // with the first picture
+    Colour colour{};                           // the strict description alone, as is what follows
+    bool mayTellColourLater = false;           // with the first picture
 };
 
 struct AudioDescription {

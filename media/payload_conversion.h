@@ -27,7 +27,8 @@ namespace media {
 [[nodiscard]] bool NeedsStrictConversion(const AM_MEDIA_TYPE& type);
 
 // A copy of the payload, converted where the type needs it. Units begin behind start codes of either length, and zeros
-// behind them are left out; of AV1 stays what says something in a container; plain text becomes UTF-8; RGB has its uppermost row first, and no bytes between the rows.
+// behind them are left out; of AV1 stays what says something in a container; plain text becomes UTF-8; RGB has its
+// uppermost row first, and no bytes between the rows.
 [[nodiscard]] std::vector<BYTE> ConvertStrictPayload(const AM_MEDIA_TYPE& type, ByteView payload);
 
 // What stands beside the block of such a sample, in an addition of identifier 1: the settings and the like of a WebVTT

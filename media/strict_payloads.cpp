@@ -21,7 +21,8 @@ namespace {
 
 using InPlace = std::optional<std::span<BYTE>>;
 
-// ---- Byte streams, AV1 and plain text ---------------------------------------------------------------------------------
+// ---- Byte streams, AV1 and plain text
+// ---------------------------------------------------------------------------------
 
 InPlace UnitsInPlace(const AM_MEDIA_TYPE& /*type*/, std::span<BYTE> sample) {
     return codecs::ConvertAnnexBUnitsInPlace(sample);

@@ -57,9 +57,9 @@ class CMatroskaFile {
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
     [[nodiscard]] bool takeUntoldLoss() { return m_gathering.takeUntoldLoss(); }
 
-    // Whether the output does not seek, which is asked once, when the head is written. Then the file is written for those
-    // who watch it grow: its Segment has no known size, nothing is reserved, listed or patched, there are no cues and no
-    // statistics, and finalise writes the last cluster and nothing else.
+    // Whether the output does not seek, which is asked once, when the head is written. Then the file is written for
+    // those who watch it grow: its Segment has no known size, nothing is reserved, listed or patched, there are no cues
+    // and no statistics, and finalise writes the last cluster and nothing else.
     [[nodiscard]] bool isLive() const { return m_isLive; }
 
     // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.

@@ -118,8 +118,7 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
         }
         throw told;
     }
-    console.Inform(options.OutputName() + ": " + std::to_string(graph.Output().WrittenEnd()) +
-                   " bytes written\n");
+    console.Inform(options.OutputName() + ": " + std::to_string(graph.Output().WrittenEnd()) + " bytes written\n");
     if (!run.Stop()) {
         console.Warn("an input's filter does not stop and is left as it is; the file is finished");
         LeaveAtOnce(kExitDoneWithWarnings);

@@ -40,7 +40,8 @@ struct RawOptions {
 };
 
 void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
-    app.add_option("-o,--output", raw.output, "the file to write; a name that ends in .webm implies --webm; - is standard output")
+    app.add_option("-o,--output", raw.output,
+                   "the file to write; a name that ends in .webm implies --webm; - is standard output")
         ->type_name("FILE")
         ->check(NoOptionButDash());
     app.add_flag("-y,--yes", options.overwrite, "overwrite what exists");
@@ -197,7 +198,8 @@ std::string Contradiction(const Options& options) {
     if (options.json && !options.identify) {
         return "--json goes with --identify only";
     }
-    if (!options.saveConfig.empty() && !options.IsToStandardOutput() && IsSameFile(options.saveConfig, options.output)) {
+    if (!options.saveConfig.empty() && !options.IsToStandardOutput() &&
+        IsSameFile(options.saveConfig, options.output)) {
         return "--save-config and --output name the same file";
     }
     return {};

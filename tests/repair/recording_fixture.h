@@ -18,8 +18,8 @@ struct RecordedContent {
     bool hasSubtitles = false;
     bool hasAttachment = false;
     bool hasAnnotations = false; // chapters and tags, where the profile has any
-    bool hasStatistics = false; // where the profile has any
-    bool soundFirst = false;    // half a second of it comes in front of the first picture
+    bool hasStatistics = false;  // where the profile has any
+    bool soundFirst = false;     // half a second of it comes in front of the first picture
     // Tracks behind all others: pictures whose keyframes are others, and sound that comes in front of the first one's.
     bool hasSecondVideo = false;
     bool hasSecondSound = false;
