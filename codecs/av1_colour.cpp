@@ -10,7 +10,7 @@ namespace codecs {
 namespace {
 
 constexpr uint64_t kContentLight = 1;
-constexpr uint64_t kMasteringDisplay = 2;
+constexpr uint64_t kMasteringDisplayMetadata = 2;
 constexpr size_t kContentLightBytes = 4;
 constexpr size_t kMasteringBytes = 24; // red, green, blue, white; the luminances
 
@@ -75,7 +75,7 @@ void ReadMetadata(ByteView payload, LightMetadata& light) {
         !light.maxFrameAverageLight) {
         light.maxContentLight = Av1LightAt(content, 0);
         light.maxFrameAverageLight = Av1LightAt(content, 2);
-    } else if (type->value == kMasteringDisplay && content.size() >= kMasteringBytes && !light.mastering) {
+    } else if (type->value == kMasteringDisplayMetadata && content.size() >= kMasteringBytes && !light.mastering) {
         light.mastering = ReadAv1Mastering(content);
     }
 }

@@ -28,10 +28,10 @@ void AppendHead(Record& record, const Av1SequenceHeader& header, uint8_t present
 // What holds for the whole stream; other metadata belongs to its picture.
 bool IsStaticMetadata(const Av1Obu& obu) {
     constexpr uint64_t kContentLightLevel = 1;
-    constexpr uint64_t kMasteringDisplay = 2;
+    constexpr uint64_t kMasteringMetadata = 2;
     const std::optional<Leb128> type =
         obu.type == Av1ObuType::Metadata ? ReadLeb128(obu.payload) : std::optional<Leb128>();
-    return type && (type->value == kContentLightLevel || type->value == kMasteringDisplay);
+    return type && (type->value == kContentLightLevel || type->value == kMasteringMetadata);
 }
 
 std::vector<uint8_t> ConfigurationUnits(ByteView units) {

@@ -8,7 +8,7 @@ namespace codecs {
 
 namespace {
 
-constexpr uint32_t kMasteringDisplay = 137;
+constexpr uint32_t kMasteringDisplayMessage = 137;
 constexpr uint32_t kContentLight = 144;
 constexpr uint32_t kAlternativeTransfer = 147;
 
@@ -66,7 +66,7 @@ void ReadContentLight(ByteView payload, LightMetadata& light) {
 
 void ReadLightMessages(ByteView payload, LightMetadata& light) {
     while (const std::optional<SeiMessage> message = TakeSeiMessage(payload)) {
-        if (message->type == kMasteringDisplay && !light.mastering) {
+        if (message->type == kMasteringDisplayMessage && !light.mastering) {
             light.mastering = ReadMastering(message->payload);
         } else if (message->type == kContentLight) {
             ReadContentLight(message->payload, light);

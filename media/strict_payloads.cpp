@@ -95,7 +95,7 @@ constexpr StrictPayload kUnits{UnitsInPlace, UnitsOf};
 constexpr StrictPayload kAv1{Av1InPlace, Av1Of};
 constexpr StrictPayload kPlainText{TextInPlace, TextOf};
 constexpr StrictPayload kProRes{ProResInPlace, CopyThrough<ProResInPlace>};
-constexpr StrictPayload kRows{RowsInPlace, CopyThrough<RowsInPlace>};
+constexpr StrictPayload kPictureRows{RowsInPlace, CopyThrough<RowsInPlace>};
 constexpr StrictPayload kDvb{DvbInPlace, CopyThrough<DvbInPlace>};
 constexpr StrictPayload kCueBoxes{CueTextInPlace, CueTextOf};
 
@@ -107,7 +107,7 @@ const StrictPayload* FindVideoPayload(const AM_MEDIA_TYPE& type) {
         return &kAv1;
     }
     if (HasOtherRows(type)) {
-        return &kRows;
+        return &kPictureRows;
     }
     const CodecRow* const row = FindStrictCodecRow(type);
     return row != nullptr && std::string_view(row->codecId) == "V_PRORES" ? &kProRes : nullptr;

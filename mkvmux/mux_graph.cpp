@@ -51,7 +51,7 @@ std::string MuxGraph::WhyNotConnected(IPin& input, const AM_MEDIA_TYPE& type, HR
     if (input.QueryAccept(&type) == S_OK) {
         return ": cannot be connected to the muxer: " + DescribeResult(hr);
     }
-    const bool wouldTake = !m_isStrict && !WrittenCodecId(type, true).empty();
+    const bool wouldTake = WrittenCodecId(type, m_isStrict).empty() && !WrittenCodecId(type, true).empty();
     return wouldTake ? ": compatible files do not hold this type; --profile strict writes it"
                      : ": the muxer does not take this type";
 }

@@ -10,7 +10,7 @@ namespace records {
 
 namespace {
 
-constexpr size_t kCodeLength = 3;
+constexpr size_t kLongCodeLength = 3;
 constexpr size_t kMaxPartLength = 8;
 constexpr size_t kMinLanguageLength = 2;
 
@@ -57,8 +57,8 @@ bool AreFurtherParts(std::string_view rest) {
 bool HasCode(const LanguageRow& row, std::string_view code) {
     const std::string_view codes = row.code;
     return code == row.twoLetterCode ||
-           (code.size() == kCodeLength && codes.find('-') == std::string_view::npos &&
-            (codes.substr(0, kCodeLength) == code || (codes.size() > kCodeLength && codes.ends_with(code))));
+           (code.size() == kLongCodeLength && codes.find('-') == std::string_view::npos &&
+            (codes.substr(0, kLongCodeLength) == code || (codes.size() > kLongCodeLength && codes.ends_with(code))));
 }
 
 LanguageCodes CodesOfPart(const std::string& language) {
@@ -66,7 +66,7 @@ LanguageCodes CodesOfPart(const std::string& language) {
         if (HasCode(row, language)) {
             // Of rows with one name, the first has the bibliographic code.
             const LanguageRow& first = LanguageRows()[languageIndexByName(row.name)];
-            const std::string code(first.code, kCodeLength);
+            const std::string code(first.code, kLongCodeLength);
             return {code, *first.twoLetterCode != 0 ? first.twoLetterCode : code};
         }
     }
