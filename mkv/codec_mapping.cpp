@@ -1,9 +1,5 @@
 #include "mkv/codec_mapping.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <new>
-
 #include <matroska/KaxTrackAudio.h>
 #include <matroska/KaxTrackVideo.h>
 #include <matroska/KaxTracks.h>
@@ -50,7 +46,7 @@ void Apply(libmatroska::KaxTrackEntry& entry, const media::CodecDescription& des
         ApplyAudio(libebml::GetChild<libmatroska::KaxTrackAudio>(entry), *description.audio);
     }
     if (description.codecPrivate) {
-        SetCodecPrivate(entry, *description.codecPrivate);
+        SetBytesChild<libmatroska::KaxCodecPrivate>(entry, *description.codecPrivate);
     }
 }
 
@@ -68,17 +64,6 @@ std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entr
     const media::CodecDescription description = media::DescribeCodec(type);
     Apply(entry, description);
     return description.codecId;
-}
-
-// libebml would make a copy without a look at whether there is memory for it. An empty block needs a pointer, too.
-void SetCodecPrivate(libmatroska::KaxTrackEntry& entry, const std::vector<BYTE>& bytes) {
-    auto& element = libebml::GetChild<libmatroska::KaxCodecPrivate>(entry);
-    auto* const copy = static_cast<BYTE*>(std::malloc(bytes.size() + 1)); // freed by the element, with free
-    if (copy == nullptr) {
-        throw std::bad_alloc();
-    }
-    std::copy(bytes.begin(), bytes.end(), copy);
-    element.SetBuffer(copy, static_cast<UINT32>(bytes.size()));
 }
 
 } // namespace mkv

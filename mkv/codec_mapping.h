@@ -3,7 +3,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "win/platform.h"
 
@@ -19,8 +18,5 @@ namespace mkv {
 // Fills the entry and returns the codec identifier for KaxCodecID; empty when the type has no mapping, and the
 // entry is then of no use.
 [[nodiscard]] std::string MapCodec(const AM_MEDIA_TYPE& type, libmatroska::KaxTrackEntry& entry);
-
-// The element copies the bytes. Throws std::bad_alloc.
-void SetCodecPrivate(libmatroska::KaxTrackEntry& entry, const std::vector<BYTE>& bytes);
 
 } // namespace mkv

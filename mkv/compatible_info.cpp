@@ -14,20 +14,20 @@ constexpr UINT64 kPlaceHeadBytes = 3;
 
 } // namespace
 
-void CCompatibleInfo::open(bool /*isWebM*/, const Listing& /*list*/) {
+void CCompatibleInfo::open(bool /*isWebM*/, CSeekHead& /*seekHead*/) {
     m_place.SetSize(kPlaceBytes - kPlaceHeadBytes);
     m_place.Render(m_io);
 }
 
-void CCompatibleInfo::openLive(bool /*isWebM*/, const Listing& list) {
+void CCompatibleInfo::openLive(bool /*isWebM*/, CSeekHead& seekHead) {
     SetChild<libmatroska::KaxTimecodeScale>(m_element, kTimecodeScaleNs);
     nameApplications();
     m_element.Render(m_io, true);
-    list(m_element);
+    seekHead.list(m_element);
 }
 
-void CCompatibleInfo::resume(UINT64 /*tracks*/, const Listing& list) {
-    open(false, list);
+void CCompatibleInfo::resume(UINT64 /*tracks*/, CSeekHead& seekHead) {
+    open(false, seekHead);
 }
 
 void CCompatibleInfo::setDuration(double durationNs) {
@@ -44,11 +44,11 @@ void CCompatibleInfo::nameApplications() {
 }
 
 // One that does not fit or was lost is not listed; the place then stays as it is, and is as long.
-void CCompatibleInfo::patch(const Patch& arrives, const Listing& list) {
+void CCompatibleInfo::patch(CFilePatcher& patcher, CSeekHead& seekHead) {
     UINT64 replaced = INVALID_FILEPOS_T;
-    const bool arrived = arrives([&] { replaced = m_place.ReplaceWith(m_element, m_io, true, true); });
+    const bool arrived = patcher.arrives([&] { replaced = m_place.ReplaceWith(m_element, m_io, true, true); });
     if (arrived && replaced != INVALID_FILEPOS_T) {
-        list(m_element);
+        seekHead.list(m_element);
     }
 }
 

@@ -15,11 +15,11 @@ class CCompatibleInfo final : public CSegmentInfo {
 
     explicit CCompatibleInfo(CGatheringIO& io) : m_io(io) {}
 
-    void open(bool isWebM, const Listing& list) override;
-    void openLive(bool isWebM, const Listing& list) override;
-    void resume(UINT64 tracks, const Listing& list) override;
+    void open(bool isWebM, CSeekHead& seekHead) override;
+    void openLive(bool isWebM, CSeekHead& seekHead) override;
+    void resume(UINT64 tracks, CSeekHead& seekHead) override;
     void setDuration(double durationNs) override;
-    void patch(const Patch& arrives, const Listing& list) override;
+    void patch(CFilePatcher& patcher, CSeekHead& seekHead) override;
 
   private:
     void nameApplications();

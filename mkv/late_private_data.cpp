@@ -1,6 +1,7 @@
 #include "mkv/late_private_data.h"
 
 #include "media/av1_stream.h"
+#include "mkv/element_values.h"
 
 namespace mkv {
 
@@ -17,7 +18,7 @@ void CLatePrivateData::fill(UINT32 stream, std::span<const BYTE> keyframe, CFile
     }
     if (const auto bytes = media::LatePrivateOf(keyframe)) {
         libmatroska::KaxCodecPrivate element;
-        element.CopyBuffer(bytes->data(), static_cast<uint32>(bytes->size()));
+        SetBytes(element, *bytes);
         (void)place->second.fill(element, patcher);
     }
 }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <new>
-#include <string_view>
+#include <string>
 #include <utility>
 
 #include <ebml/EbmlHead.h>
@@ -26,6 +26,7 @@ namespace mkv {
 
 namespace {
 
+constexpr const char* kMatroskaDocType = "matroska";
 constexpr const char* kWebMDocType = "webm";
 
 // All ones behind the mark of the field's length.
@@ -41,18 +42,16 @@ CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& option
     : m_options(options), m_form(FormOf(options.profile)), m_origin(OriginNow(options.seed)),
       m_identifiers(options.seed), m_io(io), m_gathering(io), m_patcher(m_gathering),
       m_seekHead(m_gathering, m_segment), m_annotations(m_gathering, m_patcher, m_seekHead, m_identifiers),
-      m_arrives([this](const std::function<void()>& write) { return m_patcher.arrives(write); }),
-      m_list([this](const libebml::EbmlElement& element) { m_seekHead.list(element); }),
       m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)),
       m_clusters(MakeClusters(options.isStrict(), m_gathering, m_segment, m_cues)) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
 
-void CMatroskaFile::writeHead(const char* docType) {
-    m_isWebm = std::string_view(docType) == kWebMDocType;
+void CMatroskaFile::writeHead(DocType docType) {
+    m_isWebm = docType == DocType::webm;
     m_isLive = !m_gathering.begin();
     libebml::EbmlHead head;
-    SetChild<libebml::EDocType>(head, std::string(docType));
+    SetChild<libebml::EDocType>(head, std::string(m_isWebm ? kWebMDocType : kMatroskaDocType));
     SetChild<libebml::EDocTypeVersion>(head, m_form.docTypeVersion);
     SetChild<libebml::EDocTypeReadVersion>(head, m_form.docTypeReadVersion);
     head.Render(m_gathering, true);
@@ -67,14 +66,14 @@ void CMatroskaFile::writeHead(const char* docType) {
 
 // A recording may go on for days: what nobody will write is not kept.
 void CMatroskaFile::writeLiveInfo() {
-    m_info->openLive(m_isWebm, m_list);
+    m_info->openLive(m_isWebm, m_seekHead);
     m_clusters->writeLive();
     m_cues.keepNone();
 }
 
 void CMatroskaFile::writePlacesAndInfo() {
     m_seekHead.writePlace(m_form.seekHeadPlaceBytes);
-    m_info->open(m_isWebm, m_list);
+    m_info->open(m_isWebm, m_seekHead);
 }
 
 // The library writes a known size of 0, with which readers see a recording that was cut off as an empty file.
@@ -174,7 +173,7 @@ void CMatroskaFile::resume(const CutRecording& recording) {
     m_gathering.moveTo(recording.segment);
     writeSegmentHead();
     m_seekHead.writePlace(m_form.seekHeadPlaceBytes);
-    m_info->resume(recording.tracks, m_list);
+    m_info->resume(recording.tracks, m_seekHead);
     m_gathering.discard();
     m_seekHead.listAt<libmatroska::KaxTracks>(recording.tracks);
     if (recording.attachments) {
@@ -213,7 +212,7 @@ void CMatroskaFile::finalise(double durationNs) {
 // The data's start tells the Segment's size: all between it and the end belongs to the Segment.
 void CMatroskaFile::patch(UINT64 dataStart) {
     m_patcher.writeLostHeadParts();
-    m_info->patch(m_arrives, m_list);
+    m_info->patch(m_patcher, m_seekHead);
     writeCues();
     patchAnnotations();
     m_seekHead.fillPlace(m_patcher);

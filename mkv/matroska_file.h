@@ -5,7 +5,6 @@
 // Destroying it frees everything and writes nothing.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -30,6 +29,8 @@
 
 namespace mkv {
 
+enum class DocType { matroska, webm };
+
 class CMatroskaFile {
   public:
     explicit CMatroskaFile(CFileOutput& io, const records::FileOptions& options = {});
@@ -38,7 +39,7 @@ class CMatroskaFile {
     ~CMatroskaFile() = default;
 
     // The steps of opening, in this order. The tracks outlive the file. It begins at the output's start.
-    void writeHead(const char* docType);
+    void writeHead(DocType docType);
     void writeTracks(const TrackList& tracks);
     // Nothing is written of none.
     void writeAttachments(const std::vector<const MuxAttachment*>& records);
@@ -99,8 +100,6 @@ class CMatroskaFile {
     CSeekHead m_seekHead;
     CAnnotations m_annotations;
     TrackUids m_trackUids;
-    const CSegmentInfo::Patch m_arrives; // what makes a write arrive, and what lists an element in the seek head
-    const CSegmentInfo::Listing m_list;
     bool m_isFinished = false;
     bool m_isWebm = false;
     bool m_isLive = false;

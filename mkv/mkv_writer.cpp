@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr const char* kMatroskaDocType = "matroska";
-constexpr const char* kWebMDocType = "webm";
-
 void LogPacket(const mkv::Packet& packet) {
     if (!g_Logger.IsEnabled()) {
         return;
@@ -73,7 +70,7 @@ void CMkvWriter::writeMatroskaHead(const records::FileOptions& options, bool isW
         throw mkv::kNoOutputError;
     }
     m_file = std::make_unique<mkv::CMatroskaFile>(*m_io, options);
-    m_file->writeHead(isWebm ? kWebMDocType : kMatroskaDocType);
+    m_file->writeHead(isWebm ? mkv::DocType::webm : mkv::DocType::matroska);
 }
 
 void CMkvWriter::WritePacket(const mkv::Packet& packet) {

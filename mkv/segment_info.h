@@ -4,14 +4,13 @@
 // Threads: the writer's. Errors: what the output throws, std::bad_alloc.
 #pragma once
 
-#include <functional>
 #include <memory>
 
-#include <ebml/EbmlElement.h>
-
 #include "mkv/file_origin.h"
+#include "mkv/file_patcher.h"
 #include "mkv/gathering_io.h"
 #include "mkv/identifiers.h"
+#include "mkv/seek_head.h"
 #include "records/file_options.h"
 
 namespace mkv {
@@ -21,25 +20,20 @@ inline constexpr const char* kMuxingAppText = "libmatroska 1.4.1";
 
 class CSegmentInfo {
   public:
-    // Lists an element in the seek head, where it lies.
-    using Listing = std::function<void(const libebml::EbmlElement&)>;
-    // Makes a write until it arrives; false when it did not.
-    using Patch = std::function<bool(const std::function<void()>& write)>;
-
     [[nodiscard]] static std::unique_ptr<CSegmentInfo> of(const records::FileOptions& options, const FileOrigin& origin,
                                                           CGatheringIO& io, CIdentifiers& identifiers);
 
     virtual ~CSegmentInfo() = default;
 
     // Writes what stands there while the file is recorded.
-    virtual void open(bool isWebM, const Listing& list) = 0;
+    virtual void open(bool isWebM, CSeekHead& seekHead) = 0;
     // Instead of that, where nothing can be patched: all but the duration, which nobody knows yet.
-    virtual void openLive(bool isWebM, const Listing& list) = 0;
+    virtual void openLive(bool isWebM, CSeekHead& seekHead) = 0;
     // Instead of that, it was written there before, and the tracks begin behind it; renders what must be discarded.
-    virtual void resume(UINT64 tracks, const Listing& list) = 0;
+    virtual void resume(UINT64 tracks, CSeekHead& seekHead) = 0;
     // What patch is to write.
     virtual void setDuration(double durationNs) = 0;
-    virtual void patch(const Patch& arrives, const Listing& list) = 0;
+    virtual void patch(CFilePatcher& patcher, CSeekHead& seekHead) = 0;
 
   protected:
     CSegmentInfo() = default;

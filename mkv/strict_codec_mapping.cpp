@@ -6,7 +6,6 @@
 #include <matroska/KaxTrackVideo.h>
 #include <matroska/KaxTracks.h>
 
-#include "mkv/codec_mapping.h"
 #include "mkv/element_values.h"
 
 namespace mkv {
@@ -15,11 +14,11 @@ namespace {
 
 using libebml::EbmlMaster;
 
-// Copied by the element; its first letter is in the lowest byte.
-void SetFourCc(libebml::EbmlBinary& element, DWORD fourCc) {
+// Its first letter is in the lowest byte.
+void SetColourSpace(EbmlMaster& video, DWORD fourCc) {
     BYTE letters[sizeof(fourCc)];
     std::memcpy(letters, &fourCc, sizeof(letters));
-    element.CopyBuffer(letters, sizeof(letters));
+    SetBytesChild<libmatroska::KaxVideoColourSpace>(video, letters);
 }
 
 void FillVideo(EbmlMaster& video, const media::VideoDescription& description, bool isWebm) {
@@ -30,7 +29,7 @@ void FillVideo(EbmlMaster& video, const media::VideoDescription& description, bo
         SetChild<libmatroska::KaxVideoDisplayHeight>(video, description.display->height);
     }
     if (description.uncompressedFourCc) {
-        SetFourCc(libebml::GetChild<libmatroska::KaxVideoColourSpace>(video), *description.uncompressedFourCc);
+        SetColourSpace(video, *description.uncompressedFourCc);
     }
     if (description.flagInterlaced) {
         SetToldChild<libmatroska::KaxVideoFlagInterlaced>(video, *description.flagInterlaced);
@@ -57,7 +56,7 @@ void FillAudio(EbmlMaster& audio, const media::AudioDescription& description) {
 void FillStrictCodec(libmatroska::KaxTrackEntry& entry, const media::CodecDescription& description, bool isWebm) {
     SetChild<libmatroska::KaxCodecID>(entry, description.codecId);
     if (description.codecPrivate) {
-        SetCodecPrivate(entry, *description.codecPrivate);
+        SetBytesChild<libmatroska::KaxCodecPrivate>(entry, *description.codecPrivate);
     }
     if (description.defaultDurationNs) {
         SetChild<libmatroska::KaxTrackDefaultDuration>(entry, *description.defaultDurationNs);

@@ -100,7 +100,7 @@ void AddDolbyVision(KaxTrackEntry& entry, const MuxTrackColour& record) {
     auto& mapping = libebml::GetChild<KaxBlockAdditionMapping>(entry);
     const bool isFirst = DolbyVisionProfile(record) <= kLastFirstProfile;
     SetChild<KaxBlockAddIDType>(mapping, isFirst ? kConfigurationOfFirstProfiles : kConfigurationOfLaterProfiles);
-    libebml::GetChild<KaxBlockAddIDExtraData>(mapping).CopyBuffer(record.dolbyVision, sizeof(record.dolbyVision));
+    SetBytesChild<KaxBlockAddIDExtraData>(mapping, record.dolbyVision);
 }
 
 } // namespace mkv

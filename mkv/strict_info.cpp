@@ -1,9 +1,5 @@
 #include "mkv/strict_info.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <new>
-
 #include <ebml/EbmlVoid.h>
 
 #include "mkv/cluster_rule.h"
@@ -18,44 +14,33 @@ constexpr UINT64 kVoidHeadBytes = 2;
 
 } // namespace
 
-void CStrictInfo::open(bool isWebM, const Listing& list) {
+void CStrictInfo::open(bool isWebM, CSeekHead& seekHead) {
     describe(isWebM);
     libebml::AddNewChild<libebml::EbmlVoid>(m_element).SetSize(kDurationBytes - kVoidHeadBytes);
-    render(list);
+    render(seekHead);
     m_durationPlace = m_io.getFilePointer() - kDurationBytes;
 }
 
-void CStrictInfo::openLive(bool isWebM, const Listing& list) {
+void CStrictInfo::openLive(bool isWebM, CSeekHead& seekHead) {
     describe(isWebM);
-    render(list);
+    render(seekHead);
 }
 
 // WebM has no identifier of the segment.
 void CStrictInfo::describe(bool isWebM) {
     fill();
     if (!isWebM) {
-        setSegmentUid(m_identifiers.nextUuid());
+        SetBytesChild<libmatroska::KaxSegmentUID>(m_element, m_identifiers.nextUuid());
     }
     if (const std::string title = win::Utf8FromWide(m_options.title.c_str()); !title.empty()) {
         SetUtf8Child<libmatroska::KaxTitle>(m_element, title);
     }
 }
 
-// The library's own copy does not look whether there was memory for it.
-void CStrictInfo::setSegmentUid(const CIdentifiers::Uuid& uuid) {
-    auto& element = libebml::GetChild<libmatroska::KaxSegmentUID>(m_element);
-    auto* const copy = static_cast<BYTE*>(std::malloc(uuid.size())); // freed by the element, with free
-    if (copy == nullptr) {
-        throw std::bad_alloc();
-    }
-    std::copy(uuid.begin(), uuid.end(), copy);
-    element.SetBuffer(copy, static_cast<uint32>(uuid.size()));
-}
-
 // What lies there says more, and stays.
-void CStrictInfo::resume(UINT64 tracks, const Listing& list) {
+void CStrictInfo::resume(UINT64 tracks, CSeekHead& seekHead) {
     fill();
-    render(list);
+    render(seekHead);
     m_durationPlace = tracks - kDurationBytes;
 }
 
@@ -66,9 +51,9 @@ void CStrictInfo::fill() {
     SetChild<libmatroska::KaxDateUTC>(m_element, m_origin.startedS);
 }
 
-void CStrictInfo::render(const Listing& list) {
+void CStrictInfo::render(CSeekHead& seekHead) {
     m_element.Render(m_io, true);
-    list(m_element);
+    seekHead.list(m_element);
 }
 
 // A file without any block has none: it is never 0.
@@ -78,11 +63,11 @@ void CStrictInfo::setDuration(double durationNs) {
     m_duration.SetValue(durationNs / static_cast<double>(kTimecodeScaleNs));
 }
 
-void CStrictInfo::patch(const Patch& arrives, const Listing& /*list*/) {
+void CStrictInfo::patch(CFilePatcher& patcher, CSeekHead& /*seekHead*/) {
     if (!m_hasDuration) {
         return;
     }
-    (void)arrives([this] {
+    (void)patcher.arrives([this] {
         m_io.bringTo(m_durationPlace);
         m_duration.Render(m_io);
     });

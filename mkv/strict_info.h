@@ -19,17 +19,16 @@ class CStrictInfo final : public CSegmentInfo {
                 CIdentifiers& identifiers)
         : m_options(options), m_origin(origin), m_io(io), m_identifiers(identifiers) {}
 
-    void open(bool isWebM, const Listing& list) override;
-    void openLive(bool isWebM, const Listing& list) override;
-    void resume(UINT64 tracks, const Listing& list) override;
+    void open(bool isWebM, CSeekHead& seekHead) override;
+    void openLive(bool isWebM, CSeekHead& seekHead) override;
+    void resume(UINT64 tracks, CSeekHead& seekHead) override;
     void setDuration(double durationNs) override;
-    void patch(const Patch& arrives, const Listing& list) override;
+    void patch(CFilePatcher& patcher, CSeekHead& seekHead) override;
 
   private:
     void fill();
-    void setSegmentUid(const CIdentifiers::Uuid& uuid);
     void describe(bool isWebM);
-    void render(const Listing& list);
+    void render(CSeekHead& seekHead);
 
     const records::FileOptions& m_options;
     const FileOrigin& m_origin;

@@ -7,6 +7,7 @@
 
 #include "mkvmux/failure.h"
 #include "mkvmux/file_bytes.h"
+#include "mkvmux/language_choice.h"
 #include "mkvmux/language_spelling.h"
 #include "mkvmux/mime_types.h"
 #include "mkvmux/text.h"
@@ -67,7 +68,7 @@ TrackOptions ChangeOf(const SourceStream& stream, const Options& options, bool i
 // A row begins with English, whatever the input is. What nobody said of a strict file's track is unknown.
 void LeaveLanguageUnknown(size_t input, const MuxerSettings& settings, TrackOptions& change) {
     if (!change.language && settings.LanguageOf(input)) {
-        change.language = L"Undetermined"; // as the list names it
+        change.language = kUndeterminedLanguage;
     }
 }
 

@@ -11,6 +11,9 @@
 
 namespace mkvmux {
 
+// As the list names what nobody said.
+inline constexpr const wchar_t* kUndeterminedLanguage = L"Undetermined";
+
 // The name as the list spells it, for that name in any case, or for a code of two or three letters ("de", "ger").
 [[nodiscard]] std::optional<std::wstring> FindLanguage(std::wstring_view text);
 

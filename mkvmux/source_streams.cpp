@@ -61,7 +61,7 @@ SourceStream StreamOf(const std::wstring& path, const win::ComPtr<IPin>& pin) {
 StreamTags TagsOf(const source::TrackProperties& properties) {
     StreamTags tags;
     tags.name = WideFromUtf8(properties.name);
-    tags.language = FindLanguage(WideFromUtf8(properties.language)).value_or(L"Undetermined");
+    tags.language = FindLanguage(WideFromUtf8(properties.language)).value_or(kUndeterminedLanguage);
     tags.isDefault = properties.isDefault;
     tags.isForced = properties.isForced;
     tags.isEnabled = properties.isEnabled;

@@ -69,7 +69,7 @@ class LargeSegmentTest : public testing::Test {
         records::FileOptions options;
         options.profile = profile;
         mkv::CMatroskaFile file(m_output, options);
-        file.writeHead("matroska");
+        file.writeHead(mkv::DocType::matroska);
         file.writeTracks(noTracks);
         mkv::CAttachmentsElement attachments(pointers);
         file.writeElement(attachments);

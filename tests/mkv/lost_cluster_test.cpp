@@ -66,7 +66,7 @@ constexpr int kCallsOfTheHead = 3;
 TEST_F(LostClusterTest, IsDroppedNeverRenderedAgainAndTheNextPacketOpensAnother) {
     ThrowingOutput output(kCallsOfTheHead + 1);
     mkv::CMatroskaFile file(output);
-    file.writeHead("matroska");
+    file.writeHead(mkv::DocType::matroska);
     file.writeTracks(m_tracks);
     file.startFirstCluster();
     const auto headBytes = output.writtenBytes();
@@ -88,7 +88,7 @@ TEST_F(LostClusterTest, IsDroppedWhicheverOfItsWritesFails) {
     for (int call = 1; call <= 2 * kPayloads; ++call) {
         ThrowingOutput output(kCallsOfTheHead + call);
         mkv::CMatroskaFile file(output);
-        file.writeHead("matroska");
+        file.writeHead(mkv::DocType::matroska);
         file.writeTracks(m_tracks);
         file.startFirstCluster();
         for (INT64 i = 0; i < kPayloads; ++i) {
@@ -110,7 +110,7 @@ TEST_F(LostClusterTest, IsDroppedWhicheverOfItsWritesFails) {
 TEST_F(LostClusterTest, AFailureInTheLastClusterReachesTheCallerAndClosingAgainFinalises) {
     ThrowingOutput output(kCallsOfTheHead + 1);
     mkv::CMatroskaFile file(output);
-    file.writeHead("matroska");
+    file.writeHead(mkv::DocType::matroska);
     file.writeTracks(m_tracks);
     file.startFirstCluster();
     (void)file.clusters().addFrameToCurrentCluster(Packet(0));

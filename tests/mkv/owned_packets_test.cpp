@@ -66,7 +66,7 @@ mkv::TrackList Tracks() {
 // A file with the three tracks, as far as its first cluster.
 struct OpenFile {
     explicit OpenFile(mkv::CFileOutput& output) : file(output) {
-        file.writeHead("matroska");
+        file.writeHead(mkv::DocType::matroska);
         file.writeTracks(tracks);
         file.startFirstCluster();
     }

@@ -367,7 +367,7 @@ TEST_F(StrictClustersTest, ObserversAreToldOfWrittenBlocksWithTheirFinalTimes) {
     BlockList list;
     {
         mkv::CMatroskaFile file(io, options);
-        file.writeHead("matroska");
+        file.writeHead(mkv::DocType::matroska);
         file.writeTracks(tracks);
         file.clusters().observe(&list);
         const Bytes payload(7);
@@ -397,7 +397,7 @@ TEST_F(StrictClustersTest, TheFirstKeyframeOfEachTrackIsToldOnce) {
     std::vector<std::pair<UINT32, size_t>> told;
     {
         mkv::CMatroskaFile file(io, options);
-        file.writeHead("matroska");
+        file.writeHead(mkv::DocType::matroska);
         file.writeTracks(tracks);
         file.clusters().onFirstKeyframes(
             [&told](UINT32 stream, std::span<const BYTE> frame) { told.emplace_back(stream, frame.size()); });
