@@ -9,10 +9,10 @@ namespace codecs {
 
 namespace {
 
-constexpr uint64_t kContentLight = 1;
+constexpr uint64_t kContentLightMetadata = 1;
 constexpr uint64_t kMasteringDisplayMetadata = 2;
-constexpr size_t kContentLightBytes = 4;
-constexpr size_t kMasteringBytes = 24; // red, green, blue, white; the luminances
+constexpr size_t kLightLevelBytes = 4;
+constexpr size_t kMasteringDisplayBytes = 24; // red, green, blue, white; the luminances
 
 // Fixed point: 0.16, 24.8, 18.14.
 constexpr double kAv1ChromaticityUnits = 65536;
@@ -71,11 +71,12 @@ void ReadMetadata(ByteView payload, LightMetadata& light) {
         return;
     }
     const ByteView content = payload.subspan(type->bytes);
-    if (type->value == kContentLight && content.size() >= kContentLightBytes && !light.maxContentLight &&
+    if (type->value == kContentLightMetadata && content.size() >= kLightLevelBytes && !light.maxContentLight &&
         !light.maxFrameAverageLight) {
         light.maxContentLight = Av1LightAt(content, 0);
         light.maxFrameAverageLight = Av1LightAt(content, 2);
-    } else if (type->value == kMasteringDisplayMetadata && content.size() >= kMasteringBytes && !light.mastering) {
+    } else if (type->value == kMasteringDisplayMetadata && content.size() >= kMasteringDisplayBytes &&
+               !light.mastering) {
         light.mastering = ReadAv1Mastering(content);
     }
 }

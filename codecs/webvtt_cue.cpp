@@ -6,9 +6,9 @@ namespace codecs {
 
 namespace {
 
-constexpr size_t kSizeBytes = 4;
+constexpr size_t kBoxSizeBytes = 4;
 constexpr size_t kNameBytes = 4;
-constexpr size_t kHeadBytes = kSizeBytes + kNameBytes;
+constexpr size_t kBoxHeadBytes = kBoxSizeBytes + kNameBytes;
 
 std::string TextOf(ByteView bytes) {
     return {bytes.begin(), bytes.end()};
@@ -17,18 +17,18 @@ std::string TextOf(ByteView bytes) {
 // Calls visit(name, content) for each box; one that reaches behind the end is the last, and not given.
 template <typename Visit>
 void ForEachBox(ByteView bytes, Visit visit) {
-    while (bytes.size() >= kHeadBytes) {
-        const auto size = static_cast<size_t>(ReadBigEndian(bytes.first(kSizeBytes)));
-        if (size < kHeadBytes || size > bytes.size()) {
+    while (bytes.size() >= kBoxHeadBytes) {
+        const auto size = static_cast<size_t>(ReadBigEndian(bytes.first(kBoxSizeBytes)));
+        if (size < kBoxHeadBytes || size > bytes.size()) {
             return;
         }
-        visit(TextOf(bytes.subspan(kSizeBytes, kNameBytes)), bytes.subspan(kHeadBytes, size - kHeadBytes));
+        visit(TextOf(bytes.subspan(kBoxSizeBytes, kNameBytes)), bytes.subspan(kBoxHeadBytes, size - kBoxHeadBytes));
         bytes = bytes.subspan(size);
     }
 }
 
 void AddBox(std::vector<std::uint8_t>& output, std::string_view name, std::string_view content) {
-    AppendBigEndian(output, kHeadBytes + content.size(), kSizeBytes);
+    AppendBigEndian(output, kBoxHeadBytes + content.size(), kBoxSizeBytes);
     output.insert(output.end(), name.begin(), name.end());
     output.insert(output.end(), content.begin(), content.end());
 }

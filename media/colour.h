@@ -4,6 +4,7 @@
 // Units: CIE 1931 coordinates, candelas per square metre.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -48,7 +49,9 @@ struct Colour {
     std::array<std::optional<double>, kMasterings> mastering{};
 
     [[nodiscard]] bool IsEmpty() const { return *this == Colour(); }
-    [[nodiscard]] bool TellsMastering() const { return mastering != decltype(mastering)(); }
+    [[nodiscard]] bool TellsMastering() const {
+        return std::ranges::any_of(mastering, [](const auto& value) { return value.has_value(); });
+    }
     // What the other one tells and this one does not.
     void TakeMissing(const Colour& other);
 

@@ -15,31 +15,27 @@ namespace {
 
 using enum Acceptance;
 
-constexpr const GUID* kVideo = &MEDIATYPE_Video;
-constexpr const GUID* kAudio = &MEDIATYPE_Audio;
-constexpr const GUID* kSubtitle = &mediatype::kSubtitle;
-
 // clang-format off
-constexpr std::array kRows = std::to_array<CodecRow>({
+constexpr std::array kSingleRows = std::to_array<CodecRow>({
     // ---- Video. What the codec table knows in one of the two plain blocks only: samples are the same in both. ----
-    {kVideo, &mediasubtype::kVp8,  &FORMAT_VideoInfo2, AsMapped, "V_VP8",  &kPictureLayout},
-    {kVideo, &mediasubtype::kVp9,  &FORMAT_VideoInfo,  AsMapped, "V_VP9",  &kPictureLayout},
-    {kVideo, &mediasubtype::kFfv1, &FORMAT_VideoInfo2, AsMapped, "V_FFV1", &kExtraPicture2Layout},
-    {kVideo, &mediasubtype::kFfv1, &FORMAT_VideoInfo,  AsMapped, "V_FFV1", &kExtraPictureLayout},
-    {kVideo, &mediasubtype::kAv01, &FORMAT_VideoInfo2, AsMapped, "V_AV1",  &kExtraPicture2Layout},
-    {kVideo, &mediasubtype::kAv01, &FORMAT_VideoInfo,  AsMapped, "V_AV1",  &kExtraPictureLayout},
+    {&MEDIATYPE_Video, &mediasubtype::kVp8,  &FORMAT_VideoInfo2, AsMapped, "V_VP8",  &kPictureLayout},
+    {&MEDIATYPE_Video, &mediasubtype::kVp9,  &FORMAT_VideoInfo,  AsMapped, "V_VP9",  &kPictureLayout},
+    {&MEDIATYPE_Video, &mediasubtype::kFfv1, &FORMAT_VideoInfo2, AsMapped, "V_FFV1", &kExtraPicture2Layout},
+    {&MEDIATYPE_Video, &mediasubtype::kFfv1, &FORMAT_VideoInfo,  AsMapped, "V_FFV1", &kExtraPictureLayout},
+    {&MEDIATYPE_Video, &mediasubtype::kAv01, &FORMAT_VideoInfo2, AsMapped, "V_AV1",  &kExtraPicture2Layout},
+    {&MEDIATYPE_Video, &mediasubtype::kAv01, &FORMAT_VideoInfo,  AsMapped, "V_AV1",  &kExtraPictureLayout},
 
     // ---- Audio ----
-    {kAudio, &mediasubtype::kIn24,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
-    {kAudio, &mediasubtype::kIn32,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
-    {kAudio, &mediasubtype::kTwos,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
-    {kAudio, &mediasubtype::kAlacWaveTag, nullptr, AsMapped, "A_ALAC",        &kExtraWaveLayout},
-    {kAudio, &mediasubtype::kAlac,        nullptr, AsMapped, "A_ALAC",        &kExtraWaveLayout},
+    {&MEDIATYPE_Audio, &mediasubtype::kIn24,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
+    {&MEDIATYPE_Audio, &mediasubtype::kIn32,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
+    {&MEDIATYPE_Audio, &mediasubtype::kTwos,        nullptr, AsMapped, "A_PCM/INT/BIG", &kBigEndianLayout},
+    {&MEDIATYPE_Audio, &mediasubtype::kAlacWaveTag, nullptr, AsMapped, "A_ALAC",        &kExtraWaveLayout},
+    {&MEDIATYPE_Audio, &mediasubtype::kAlac,        nullptr, AsMapped, "A_ALAC",        &kExtraWaveLayout},
 
     // ---- Subtitles ----
-    {kSubtitle, &mediasubtype::kWebVttBoxes, nullptr, AsMapped, "S_TEXT/WEBVTT", &kSubtitleInfoLayout},
-    {kSubtitle, &mediasubtype::kWebVtt,      nullptr, AsMapped, "S_TEXT/WEBVTT", &kOneWaySubtitleLayout},
-    {kSubtitle, &mediasubtype::kDvbSubtitle, nullptr, AsMapped, "S_DVBSUB",      &kSubtitleInfoLayout},
+    {&mediatype::kSubtitle, &mediasubtype::kWebVttBoxes, nullptr, AsMapped, "S_TEXT/WEBVTT", &kSubtitleInfoLayout},
+    {&mediatype::kSubtitle, &mediasubtype::kWebVtt,      nullptr, AsMapped, "S_TEXT/WEBVTT", &kOneWaySubtitleLayout},
+    {&mediatype::kSubtitle, &mediasubtype::kDvbSubtitle, nullptr, AsMapped, "S_DVBSUB",      &kSubtitleInfoLayout},
 });
 // clang-format on
 
@@ -50,18 +46,19 @@ constexpr std::array kProResSubtypes = {
 
 // Two of each, for both blocks; tracks come back in the larger one.
 constexpr size_t kBlocks = 2;
-constexpr size_t kAllRows = kRows.size() + kBlocks * (kProResSubtypes.size() + std::size(kUncompressedKinds));
+constexpr size_t kAllRows = kSingleRows.size() + kBlocks * (kProResSubtypes.size() + std::size(kUncompressedKinds));
 
 constexpr std::array<CodecRow, kAllRows> MakeRows() {
     std::array<CodecRow, kAllRows> rows{};
-    auto next = std::copy(kRows.begin(), kRows.end(), rows.begin());
+    auto next = std::copy(kSingleRows.begin(), kSingleRows.end(), rows.begin());
     for (const GUID& subtype : kProResSubtypes) {
-        *next++ = {kVideo, &subtype, &FORMAT_VideoInfo2, AsMapped, "V_PRORES", &kProResLayout};
-        *next++ = {kVideo, &subtype, &FORMAT_VideoInfo, AsMapped, "V_PRORES", &kPictureLayout};
+        *next++ = {&MEDIATYPE_Video, &subtype, &FORMAT_VideoInfo2, AsMapped, "V_PRORES", &kProResLayout};
+        *next++ = {&MEDIATYPE_Video, &subtype, &FORMAT_VideoInfo, AsMapped, "V_PRORES", &kPictureLayout};
     }
     for (const UncompressedKind& kind : kUncompressedKinds) {
-        *next++ = {kVideo, &kind.subtype, &FORMAT_VideoInfo2, AsMapped, "V_UNCOMPRESSED", &kUncompressedLayout};
-        *next++ = {kVideo, &kind.subtype, &FORMAT_VideoInfo, AsMapped, "V_UNCOMPRESSED", &kPictureLayout};
+        *next++ = {&MEDIATYPE_Video, &kind.subtype,    &FORMAT_VideoInfo2,
+                   AsMapped,         "V_UNCOMPRESSED", &kUncompressedLayout};
+        *next++ = {&MEDIATYPE_Video, &kind.subtype, &FORMAT_VideoInfo, AsMapped, "V_UNCOMPRESSED", &kPictureLayout};
     }
     return rows;
 }

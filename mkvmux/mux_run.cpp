@@ -16,7 +16,7 @@ namespace mkvmux {
 namespace {
 
 constexpr DWORD kProgressIntervalMs = 200;
-constexpr size_t kMaxLineChars = 400;
+constexpr size_t kMaxStatusChars = 400;
 
 } // namespace
 
@@ -86,8 +86,8 @@ void MuxRun::ShowProgress() {
     if (m_status.IsDue(file.elapsed)) {
         const std::string share = std::to_string(percent) + "%, ";
         const size_t columns = static_cast<size_t>(std::max(Console::TerminalColumns() - 1, 0));
-        m_status.Show(file.elapsed, (share + StatusLine(ReadFigures(m_graph), kMaxLineChars))
-                                        .substr(0, Console::IsTerminal() ? columns : kMaxLineChars));
+        m_status.Show(file.elapsed, (share + StatusLine(ReadFigures(m_graph), kMaxStatusChars))
+                                        .substr(0, Console::IsTerminal() ? columns : kMaxStatusChars));
     }
 }
 

@@ -9,6 +9,7 @@
 #include "mkvmux/failure.h"
 #include "mkvmux/file_checks.h"
 #include "mkvmux/file_stream.h"
+#include "mkvmux/temporary_name.h"
 #include "mkvmux/text.h"
 #include "records/track_colour.h"
 #include "win/temporary_file.h"
@@ -23,10 +24,6 @@ constexpr UINT64 kSeedOfAttachments = 0x6174746163686564;
 UINT64 RandomUid() {
     std::random_device source;
     return std::uniform_int_distribution<UINT64>(1)(source);
-}
-
-std::wstring NewTemporaryName() {
-    return win::TemporaryFile::RandomName(L"mkvmux");
 }
 
 } // namespace

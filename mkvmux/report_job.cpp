@@ -7,6 +7,7 @@
 #include "mkvmux/failure.h"
 #include "mkvmux/file_checks.h"
 #include "mkvmux/input_guard.h"
+#include "mkvmux/temporary_name.h"
 #include "mkvmux/text.h"
 #include "report/file_survey.h"
 #include "report/page.h"
@@ -17,10 +18,6 @@
 namespace mkvmux {
 
 namespace {
-
-std::wstring NewTemporaryName() {
-    return win::TemporaryFile::RandomName(L"mkvmux");
-}
 
 std::unique_ptr<source::ByteSource> Open(const std::wstring& path) {
     auto file = std::make_unique<source::FileSource>();

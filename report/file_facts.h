@@ -12,6 +12,9 @@
 
 namespace report {
 
+// Three decades of milliseconds; a time beyond it comes from damage.
+inline constexpr UINT64 kMaxTicks = UINT64{1} << 40;
+
 // An element with what it holds. Of those with one name in one parent only the first are kept.
 struct Node {
     std::string name;

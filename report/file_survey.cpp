@@ -30,7 +30,6 @@ using matroska::MayContain;
 constexpr size_t kMostDamages = 100;
 constexpr size_t kMostPieces = 400;
 constexpr UINT64 kMostCheckedCuePoints = 100'000;
-constexpr UINT64 kMostTicks = UINT64{1} << 40; // three decades; a time beyond it comes from damage
 
 } // namespace
 
@@ -120,7 +119,7 @@ UINT64 FileSurvey::ReadCluster(Element cluster, const Element& segment) {
         cluster.end = EndOfCluster(cluster);
     }
     const UINT64 ticks = ReadBlocks(cluster);
-    if (ticks <= kMostTicks) {
+    if (ticks <= kMaxTicks) {
         ++m_facts.timeline.At(0, ticks).blocks;
     }
     ++m_facts.clusters;
@@ -202,7 +201,7 @@ void FileSurvey::ReadCuePoint(const Element& point, const Element& segment) {
     bool leadsAstray = false;
     (void)m_reader.ForEachChild(point, [&](const Element& child) {
         if (child.id == IdOf<KaxCueTime>()) {
-            if (const UINT64 ticks = m_reader.ReadUnsigned(child); ticks <= kMostTicks) {
+            if (const UINT64 ticks = m_reader.ReadUnsigned(child); ticks <= kMaxTicks) {
                 ++m_facts.timeline.At(0, ticks).keys;
             }
         } else if (child.id == IdOf<KaxCueTrackPositions>() && m_facts.cuePoints < kMostCheckedCuePoints) {

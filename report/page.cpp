@@ -79,8 +79,8 @@ std::string Summary(const FileFacts& facts) {
                      (facts.lostCuePoints == 0
                           ? ""
                           : " <span class=\"bad\">(" + CountText(facts.lostCuePoints) + " lead to no cluster)</span>"));
-    constexpr double kMostTicks = 1e15; // more than any file has
-    if (facts.durationTicks > 0 && facts.durationTicks < kMostTicks) {
+    constexpr double kMaxDurationTicks = 1e15; // more than any file has
+    if (facts.durationTicks > 0 && facts.durationTicks < kMaxDurationTicks) {
         html += Fact("length it says", TimeText(NsOf(facts, static_cast<UINT64>(facts.durationTicks))));
     }
     html += facts.writingApp.empty() ? "" : Fact("written by", Escaped(facts.writingApp));
@@ -106,18 +106,20 @@ std::string Damages(const FileFacts& facts) {
     return html + "</ul></div>\n";
 }
 
-std::string Cell(const std::string& text, bool isNumber = false) {
+std::string TableCell(const std::string& text, bool isNumber = false) {
     return std::string(isNumber ? "<td class=\"number\">" : "<td>") + text + "</td>";
 }
 
 std::string TrackRow(const FileFacts& facts, const TrackReport& track) {
     const UINT64 length = track.end - std::min(track.begin, track.end);
-    std::string html = "<tr>" + Cell(TrackTitle(track)) + Cell(Escaped(track.codecId)) + Cell(Escaped(track.format)) +
-                       Cell(Escaped(track.name)) + Cell(Escaped(track.language));
-    html += Cell(CountText(track.blocks), true) + Cell(CountText(track.keyframes), true) +
-            Cell(BytesText(track.bytes), true) + Cell(RateText(RateOf(facts, track.bytes, length)), true);
-    html += Cell(track.gapCount == 0 ? "none" : "<span class=\"bad\">" + CountText(track.gapCount) + "</span>", true) +
-            Cell(TimeText(NsOf(facts, track.lag)), true);
+    std::string html = "<tr>" + TableCell(TrackTitle(track)) + TableCell(Escaped(track.codecId)) +
+                       TableCell(Escaped(track.format)) + TableCell(Escaped(track.name)) +
+                       TableCell(Escaped(track.language));
+    html += TableCell(CountText(track.blocks), true) + TableCell(CountText(track.keyframes), true) +
+            TableCell(BytesText(track.bytes), true) + TableCell(RateText(RateOf(facts, track.bytes, length)), true);
+    html +=
+        TableCell(track.gapCount == 0 ? "none" : "<span class=\"bad\">" + CountText(track.gapCount) + "</span>", true) +
+        TableCell(TimeText(NsOf(facts, track.lag)), true);
     return html + "</tr>\n";
 }
 

@@ -14,7 +14,6 @@ constexpr size_t kMostGaps = 200; // of a track
 constexpr UINT64 kGapDistances = 4;
 constexpr UINT64 kLeastGapNs = 500'000'000;
 // A time beyond three decades comes from damage.
-constexpr INT64 kMostTicks = INT64{1} << 40;
 
 std::string FormatOf(const matroska::Track& track) {
     if (track.type == UINT64{media::kTrackTypeVideo}) {
@@ -63,13 +62,13 @@ TrackMeters::Meter* TrackMeters::MeterOf(UINT64 number) {
 }
 
 void TrackMeters::Add(const matroska::Block& block) {
-    Meter* const meter = block.ticks > kMostTicks ? nullptr : MeterOf(block.track);
+    Meter* const meter = block.ticks > static_cast<INT64>(kMaxTicks) ? nullptr : MeterOf(block.track);
     if (meter == nullptr) {
         return;
     }
     TrackReport& track = m_facts.tracks[meter->track];
     const auto start = static_cast<UINT64>(std::max<INT64>(block.ticks, 0));
-    const UINT64 length = std::min<UINT64>(block.durationTicks.value_or(meter->durationTicks), UINT64{kMostTicks});
+    const UINT64 length = std::min<UINT64>(block.durationTicks.value_or(meter->durationTicks), kMaxTicks);
     Cell& cell = m_facts.timeline.At(track.row, start);
     const UINT64 lag = LagOf(block.track, start);
     cell.bytes += block.size;

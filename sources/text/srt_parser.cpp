@@ -10,8 +10,6 @@ namespace subtitles {
 
 namespace {
 
-constexpr std::string_view kArrow = "-->";
-
 struct Timing {
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
@@ -19,11 +17,11 @@ struct Timing {
 
 // "00:00:01,000 --> 00:00:02,500", with coordinates behind that nobody needs.
 std::optional<Timing> ParseTiming(std::string_view line) {
-    const size_t arrow = line.find(kArrow);
+    const size_t arrow = line.find(kTimingArrow);
     if (arrow == std::string_view::npos) {
         return {};
     }
-    std::string_view behind = Trimmed(line.substr(arrow + kArrow.size()));
+    std::string_view behind = Trimmed(line.substr(arrow + kTimingArrow.size()));
     behind = behind.substr(0, behind.find_first_of(" \t"));
     const auto start = ParseTime(line.substr(0, arrow));
     const auto stop = ParseTime(behind);
@@ -37,9 +35,9 @@ bool ResemblesTime(std::string_view text) {
 
 // What was meant as a timing, whole or damaged: an arrow alone may be part of a text.
 bool ResemblesTiming(std::string_view line) {
-    const size_t arrow = line.find(kArrow);
+    const size_t arrow = line.find(kTimingArrow);
     return arrow != std::string_view::npos &&
-           (ResemblesTime(line.substr(0, arrow)) || ResemblesTime(line.substr(arrow + kArrow.size())));
+           (ResemblesTime(line.substr(0, arrow)) || ResemblesTime(line.substr(arrow + kTimingArrow.size())));
 }
 
 bool IsNumber(std::string_view line) {

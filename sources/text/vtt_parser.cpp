@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::string_view kSignature = "WEBVTT";
 constexpr std::string_view kComment = "NOTE";
-constexpr std::string_view kArrow = "-->";
 constexpr size_t kMaxOtherBytes = source::kMiB; // of a header, and of the comments in front of a cue
 
 // "01:02.500" or "00:01:02.500".
@@ -30,19 +29,19 @@ std::optional<REFERENCE_TIME> ParseVttTime(std::string_view text) {
     return hasHours ? ParseTime(text) : ParseTime("0:" + std::string(Trimmed(text)));
 }
 
-struct Timing {
+struct CueTiming {
     REFERENCE_TIME start = 0;
     REFERENCE_TIME stop = 0;
     std::string_view settings;
 };
 
-std::optional<Timing> ParseTiming(std::string_view line) {
-    const size_t arrow = line.find(kArrow);
-    const std::string_view behind = Trimmed(line.substr(arrow + kArrow.size()));
+std::optional<CueTiming> ParseCueTiming(std::string_view line) {
+    const size_t arrow = line.find(kTimingArrow);
+    const std::string_view behind = Trimmed(line.substr(arrow + kTimingArrow.size()));
     const size_t end = std::min(behind.find_first_of(" \t"), behind.size());
     const auto start = ParseVttTime(line.substr(0, arrow));
     const auto stop = ParseVttTime(behind.substr(0, end));
-    return start && stop ? std::optional(Timing{*start, std::max(*start, *stop), Trimmed(behind.substr(end))})
+    return start && stop ? std::optional(CueTiming{*start, std::max(*start, *stop), Trimmed(behind.substr(end))})
                          : std::nullopt;
 }
 
@@ -90,7 +89,7 @@ std::string WithTimesFrom(REFERENCE_TIME start, const std::string& text) {
 }
 
 bool HasArrow(std::string_view line) {
-    return line.find(kArrow) != std::string_view::npos;
+    return line.find(kTimingArrow) != std::string_view::npos;
 }
 
 // Takes the parts of the file that empty lines part.
@@ -119,7 +118,7 @@ class VttBuilder {
 
   private:
     void TakeCue(std::string_view identifier, std::string_view timingLine, LineReader text) {
-        const std::optional<Timing> timing = ParseTiming(timingLine);
+        const std::optional<CueTiming> timing = ParseCueTiming(timingLine);
         if (!timing) {
             m_file.isDamaged = true;
             return;
