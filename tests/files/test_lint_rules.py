@@ -7,8 +7,9 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-FOLDERS = ("include win log codecs dshow media records mux mkv matroska_muxer settings client ui module repair sources/base "
-           "sources/avi sources/matroska sources/annexb sources/av1 sources/text sources/chapters mkvmux examples").split()
+FOLDERS = ("include win log codecs dshow media records mux mkv matroska_muxer settings client ui module repair report "
+           "sources/base sources/avi sources/matroska sources/annexb sources/av1 sources/text sources/chapters mkvmux "
+           "examples").split()
 
 
 class LintRules(unittest.TestCase):

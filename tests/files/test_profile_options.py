@@ -77,7 +77,7 @@ class ProfileOptions(MkvmuxCase):
         path = self.directory / "flagged.mkv"
         done = run_tool(["mkvmerge", "-q", "-o", str(path), "--title", "Ein Film \U0001F3AC", "--default-track-flag", "0:0",
                          "--forced-display-flag", "0:1", "--hearing-impaired-flag", "0:1", "--original-flag", "0:0",
-                         str(make_input("flac.mka", *sound(1), "-c:a", "flac"))])
+                         "--no-global-tags", "--no-track-tags", str(make_input("flac.mka", *sound(1), "-c:a", "flac"))])
         self.assertEqual(done.returncode, 0, done.stdout)
         return path
 
