@@ -10,9 +10,11 @@ namespace mkv {
 
 namespace {
 
-// Behind the tags, which are the ones that a reader looks for.
+// Behind the tags, which are the ones that a reader looks for. Memory may end before the first of them moves, and not
+// between them: a child of both would be freed twice.
 void MoveChildren(libebml::EbmlMaster& from, libebml::EbmlMaster& to) {
     auto& children = from.GetElementList();
+    to.GetElementList().reserve(to.ListSize() + children.size());
     for (libebml::EbmlElement* child : children) {
         to.PushElement(*child);
     }
