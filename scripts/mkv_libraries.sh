@@ -1,8 +1,9 @@
-# libebml and libmatroska for mingw, from Debian's pristine tarballs.
+# libebml and libmatroska for mingw, and pugixml for the tool, from Debian's pristine tarballs.
 # Sourced by ./dev; expects `die`, `say`, $ROOT, $BUILD.
 
 LIBEBML_VERSION=1.4.4
 LIBMATROSKA_VERSION=1.7.1
+PUGIXML_VERSION=1.13
 LIBWEBM_VERSION=1.0.0.29 # only compared with
 DEPS="$BUILD/deps"
 
@@ -60,9 +61,9 @@ apply_debian_patches() {
   done || exit 1
 }
 
-# build_mkv_library NAME VERSION SYSTEM [OPTION…]: builds and installs it as a static library for that system, mingw or
+# build_library NAME VERSION SYSTEM [OPTION…]: builds and installs it as a static library for that system, mingw or
 # linux.
-build_mkv_library() {
+build_library() {
   local name=$1 version=$2 system=$3 log="$DEPS/$1-$3-build.log" folder="$DEPS/build-$1"
   shift 3
   [ -f "$DEPS/$system/.$name-$version" ] && return 0
@@ -79,13 +80,14 @@ build_mkv_library() {
 
 need_mkv_libraries() {
   mkdir -p "$DEPS"
-  build_mkv_library libebml "$LIBEBML_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
-  build_mkv_library libmatroska "$LIBMATROSKA_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
+  build_library libebml "$LIBEBML_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
+  build_library libmatroska "$LIBMATROSKA_VERSION" mingw -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
+  build_library pugixml "$PUGIXML_VERSION" mingw -DPUGIXML_NO_XPATH=ON -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64.cmake"
 }
 
 # The same releases for Linux: Debian's own packages keep the libraries' asserts, which would be measured too.
 need_native_mkv_libraries() {
   mkdir -p "$DEPS"
-  build_mkv_library libebml "$LIBEBML_VERSION" linux
-  build_mkv_library libmatroska "$LIBMATROSKA_VERSION" linux
+  build_library libebml "$LIBEBML_VERSION" linux
+  build_library libmatroska "$LIBMATROSKA_VERSION" linux
 }

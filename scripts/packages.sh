@@ -16,14 +16,16 @@ PACKAGES_PLAYERS=(
   ffmpeg python3 chromium chromium-driver chromium-sandbox
   gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
 )
-PACKAGES_SANITIZE=(g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev zlib1g-dev googletest git)
+PACKAGES_SANITIZE=(
+  g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev libpugixml-dev zlib1g-dev googletest git
+)
 PACKAGES_COVERAGE=(gcovr python3)
 # The fuzzers, and the encoders that make their first inputs.
 PACKAGES_FUZZ=(clang libclang-rt-14-dev libexpat1-dev ffmpeg python3)
 # The native benchmarks, the muxers that ours is compared with, and the plot.
 PACKAGES_BENCH=(
-  g++ cmake ninja-build make pkg-config dpkg-dev xz-utils patch libwine-dev zlib1g-dev googletest nlohmann-json3-dev
-  libavformat-dev libavcodec-dev libavutil-dev ffmpeg mkvtoolnix python3 python3-matplotlib
+  g++ cmake ninja-build make pkg-config dpkg-dev xz-utils patch libwine-dev libpugixml-dev zlib1g-dev googletest
+  nlohmann-json3-dev libavformat-dev libavcodec-dev libavutil-dev ffmpeg mkvtoolnix python3 python3-matplotlib
 )
 PACKAGES_LINT=(clang-format clang-tidy python3)
 

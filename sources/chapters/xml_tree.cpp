@@ -1,250 +1,97 @@
 #include "sources/chapters/xml_tree.h"
 
 #include <algorithm>
-#include <charconv>
-#include <optional>
+#include <cctype>
+#include <new>
 
-#include "sources/base/printable.h"
+#include <pugixml.hpp>
+
 #include "sources/chapters/text_error.h"
 
 namespace chapters {
 
 namespace {
 
-constexpr std::string_view kSpaces = " \t\r\n";
-
-// Gives the text away from its front, and counts lines.
-class Cursor {
+// Counts lines on the way through the text, which nobody goes backwards.
+class LineCounter {
   public:
-    explicit Cursor(std::string_view text) : m_rest(text) {}
+    explicit LineCounter(std::string_view text) : m_text(text) {}
 
-    [[nodiscard]] std::string_view Rest() const { return m_rest; }
-    [[nodiscard]] size_t Line() const { return m_line; }
-
-    std::string_view Take(size_t length) {
-        const std::string_view taken = m_rest.substr(0, length);
-        m_line += static_cast<size_t>(std::count(taken.begin(), taken.end(), '\n'));
-        m_rest.remove_prefix(taken.size());
-        return taken;
+    size_t LineAt(ptrdiff_t offset) {
+        const size_t wanted =
+            std::clamp<size_t>(static_cast<size_t>(std::max<ptrdiff_t>(offset, 0)), m_offset, m_text.size());
+        m_line += static_cast<size_t>(std::count(m_text.begin() + static_cast<ptrdiff_t>(m_offset),
+                                                 m_text.begin() + static_cast<ptrdiff_t>(wanted), '\n'));
+        m_offset = wanted;
+        return m_line;
     }
-    bool TakeIf(std::string_view prefix) {
-        const bool isThere = m_rest.starts_with(prefix);
-        Take(isThere ? prefix.size() : 0);
-        return isThere;
-    }
-    // What stands before the end, which is taken too.
-    std::string_view TakeUntil(std::string_view end, const char* what) {
-        const size_t length = m_rest.find(end);
-        if (length == std::string_view::npos) {
-            throw TextError(m_line, std::string(what) + " does not end");
-        }
-        const std::string_view taken = Take(length);
-        Take(end.size());
-        return taken;
-    }
-    void SkipSpaces() { Take(std::min(m_rest.find_first_not_of(kSpaces), m_rest.size())); }
 
   private:
-    std::string_view m_rest;
+    std::string_view m_text;
+    size_t m_offset = 0;
     size_t m_line = 1;
 };
 
-std::string Quoted(std::string_view text) {
-    return "'" + source::Printable(text) + "'";
-}
-
-void AddUtf8(std::string& text, unsigned long character) {
-    constexpr unsigned kBits = 6;
-    constexpr unsigned kMask = 0x3F;
-    const auto add = [&text](unsigned long byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
-    if (character < 0x80) {
-        add(character);
-        return;
-    }
-    const unsigned more = character < 0x800 ? 1 : (character < 0x10000 ? 2 : 3);
-    constexpr unsigned kFirst[] = {0, 0xC0, 0xE0, 0xF0};
-    add(kFirst[more] | character >> (kBits * more));
-    for (unsigned left = more; left-- > 0;) {
-        add(0x80 | (character >> (kBits * left) & kMask));
-    }
-}
-
-// What XML calls a character; a null character among others is none.
-bool IsCharacter(unsigned long c) {
-    const bool isControl = c < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    return !isControl && !(c >= 0xD800 && c < 0xE000) && c <= 0x10FFFF;
-}
-
-std::optional<unsigned long> CharacterOf(std::string_view reference) {
-    const bool isHex = reference.starts_with("#x");
-    reference.remove_prefix(isHex ? 2 : 1);
-    unsigned long number = 0;
-    const auto [end, error] =
-        std::from_chars(reference.data(), reference.data() + reference.size(), number, isHex ? 16 : 10);
-    const bool isWhole = error == std::errc() && end == reference.data() + reference.size();
-    return isWhole && IsCharacter(number) ? std::optional(number) : std::nullopt;
-}
-
-void AddReference(std::string& text, Cursor& cursor) {
-    constexpr size_t kLongest = 12;
-    const size_t line = cursor.Line();
-    const std::string_view ahead = cursor.Rest().substr(0, kLongest);
-    const size_t length = ahead.find(';');
-    const std::string_view name = ahead.substr(0, length);
-    if (length == std::string_view::npos) {
-        throw TextError(line, "'&' begins no reference; '&amp;' stands for the character itself");
-    }
-    cursor.Take(length + 1);
-    constexpr std::pair<std::string_view, char> kNames[] = {
-        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
-    for (const auto& [known, character] : kNames) {
-        if (name == known) {
-            text += character;
-            return;
-        }
-    }
-    const auto character = name.starts_with("#") ? CharacterOf(name) : std::nullopt;
-    if (!character) {
-        throw TextError(line, "the entity " + Quoted(name) + " is not known");
-    }
-    AddUtf8(text, *character);
-}
-
-std::string_view TakeName(Cursor& cursor) {
-    constexpr std::string_view kEnds = " \t\r\n/><&=\"'!?";
-    const std::string_view name = cursor.Rest().substr(0, cursor.Rest().find_first_of(kEnds));
-    if (name.empty()) {
-        throw TextError(cursor.Line(), "'<' is followed by no name; '&lt;' stands for the character itself");
-    }
-    return cursor.Take(name.size());
-}
-
-// Whether the tag ends its element at once.
-bool SkipAttributes(Cursor& cursor) {
-    for (;;) {
-        const size_t next = cursor.Rest().find_first_of("\"'<>");
-        if (next == std::string_view::npos || cursor.Rest()[next] == '<') {
-            throw TextError(cursor.Line(), "a tag does not end");
-        }
-        const std::string_view before = cursor.Take(next);
-        const char found = cursor.Rest()[0];
-        cursor.Take(1);
-        if (found == '>') {
-            return before.ends_with('/');
-        }
-        (void)cursor.TakeUntil(std::string_view(&found, 1), "an attribute");
-    }
-}
-
-void SkipDocumentType(Cursor& cursor) {
-    for (;;) {
-        const size_t next = cursor.Rest().find_first_of("\"'[>");
-        if (next == std::string_view::npos || cursor.Rest()[next] == '[') {
-            throw TextError(cursor.Line(), "a document type with declarations of its own is not read");
-        }
-        cursor.Take(next);
-        const char found = cursor.Rest()[0];
-        cursor.Take(1);
-        if (found == '>') {
-            return;
-        }
-        (void)cursor.TakeUntil(std::string_view(&found, 1), "the document type");
-    }
-}
-
-// Comments and instructions; false when none comes.
-bool SkipOther(Cursor& cursor) {
-    if (cursor.TakeIf("<!--")) {
-        (void)cursor.TakeUntil("-->", "a comment");
-        return true;
-    }
-    if (cursor.TakeIf("<?")) {
-        (void)cursor.TakeUntil("?>", "an instruction");
-        return true;
-    }
-    return false;
-}
-
 class TreeReader {
   public:
-    explicit TreeReader(std::string_view text) : m_cursor(text) {}
+    explicit TreeReader(std::string_view text) : m_lines(text) {}
 
-    XmlElement Read() {
-        SkipAround(true);
-        if (!m_cursor.TakeIf("<")) {
-            throw TextError(m_cursor.Line(), "it is no XML document");
-        }
-        XmlElement root;
-        ReadElement(root, 1);
-        SkipAround(false);
-        if (!m_cursor.Rest().empty()) {
-            throw TextError(m_cursor.Line(), "something stands behind the document's end");
-        }
-        return root;
-    }
-
-  private:
-    void SkipAround(bool mayHaveType) {
-        do {
-            m_cursor.SkipSpaces();
-            if (mayHaveType && m_cursor.TakeIf("<!DOCTYPE")) {
-                SkipDocumentType(m_cursor);
-                m_cursor.SkipSpaces();
-            }
-        } while (SkipOther(m_cursor));
-    }
-
-    // Behind its '<'. No deeper than the bound.
-    void ReadElement(XmlElement& element, size_t depth) { // NOLINT(misc-no-recursion)
-        element.line = m_cursor.Line();
+    // No deeper than the bound.
+    void Read(const pugi::xml_node& node, XmlElement& element, size_t depth) { // NOLINT(misc-no-recursion)
+        element.line = m_lines.LineAt(node.offset_debug());
         if (++m_count > kMaxXmlElements || depth > kMaxXmlDepth) {
             throw TextError(element.line, "it has too many elements, or too deep ones");
         }
-        element.name = TakeName(m_cursor);
-        if (SkipAttributes(m_cursor)) {
-            return;
-        }
-        while (!m_cursor.TakeIf("</")) {
-            if (!ReadText(element) && !SkipOther(m_cursor)) {
-                m_cursor.Take(1);
-                ReadElement(element.children.emplace_back(), depth + 1);
+        element.name = node.name();
+        for (const pugi::xml_node& child : node.children()) {
+            if (child.type() == pugi::node_element) {
+                Read(child, element.children.emplace_back(), depth + 1);
+            } else if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+                element.text += child.value();
             }
         }
-        const size_t line = m_cursor.Line();
-        const std::string_view name = TakeName(m_cursor);
-        m_cursor.SkipSpaces();
-        if (name != element.name || !m_cursor.TakeIf(">")) {
-            throw TextError(line, "<" + source::Printable(element.name) + "> of line " + std::to_string(element.line) +
-                                      " is not ended by </" + source::Printable(name) + ">");
-        }
     }
 
-    // False when markup comes.
-    bool ReadText(XmlElement& element) {
-        if (m_cursor.TakeIf("<![CDATA[")) {
-            element.text += m_cursor.TakeUntil("]]>", "a section of character data");
-            return true;
-        }
-        const size_t next = m_cursor.Rest().find_first_of("<&");
-        if (next == std::string_view::npos) {
-            throw TextError(element.line, "<" + source::Printable(element.name) + "> does not end");
-        }
-        element.text += m_cursor.Take(next);
-        if (m_cursor.TakeIf("&")) {
-            AddReference(element.text, m_cursor);
-            return true;
-        }
-        return next > 0;
-    }
-
-    Cursor m_cursor;
+  private:
+    LineCounter m_lines;
     size_t m_count = 0;
 };
+
+void Check(const pugi::xml_parse_result& result, std::string_view text) {
+    if (result.status == pugi::status_out_of_memory) {
+        throw std::bad_alloc();
+    }
+    if (!result) {
+        std::string reason = result.description();
+        reason[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(reason[0])));
+        throw TextError(LineCounter(text).LineAt(result.offset), "it is no XML document: " + reason);
+    }
+}
+
+// What it declares would be missing in the texts.
+void RefuseDeclarations(const pugi::xml_document& document, std::string_view text) {
+    for (const pugi::xml_node& node : document.children()) {
+        if (node.type() == pugi::node_doctype && std::string_view(node.value()).find('[') != std::string_view::npos) {
+            throw TextError(LineCounter(text).LineAt(node.offset_debug()),
+                            "a document type with declarations of its own is not read");
+        }
+    }
+}
 
 } // namespace
 
 XmlElement ParseXml(std::string_view text) {
-    return TreeReader(text).Read();
+    pugi::xml_document document;
+    constexpr unsigned kParts = pugi::parse_default | pugi::parse_doctype;
+    Check(document.load_buffer(text.data(), text.size(), kParts, pugi::encoding_utf8), text);
+    RefuseDeclarations(document, text);
+    const pugi::xml_node root = document.document_element();
+    if (const pugi::xml_node second = root.next_sibling()) {
+        throw TextError(LineCounter(text).LineAt(second.offset_debug()), "something stands behind the document's end");
+    }
+    XmlElement element;
+    TreeReader(text).Read(root, element, 1);
+    return element;
 }
 
 } // namespace chapters

@@ -1,9 +1,8 @@
-// ParseXml: a whole XML document as a tree of its elements. Written here, since the files come from strangers: nothing
-// is looked up outside of the document, no entity but the five that XML has itself stands for a text, a document type
-// that declares any is refused, and every error tells its line.
+// ParseXml: a whole XML document as a tree of its elements, for files that come from strangers: nothing is looked up
+// outside of the document, one with declarations of its own is refused, and every error tells its line.
 //
-// Units: UTF-8; lines from 1. Threads: any. Errors: TextError, std::bad_alloc. Memory: in proportion to the text, and
-// bounded by the number of elements and their depth.
+// Units: UTF-8; lines from 1. Threads: any. Errors: TextError, std::bad_alloc. Memory: in proportion to the text; the
+// tree is bounded by the number of elements and their depth.
 #pragma once
 
 #include <string>

@@ -198,12 +198,12 @@ class Chapters(MkvmuxCase):
     def test_what_is_wrong_is_told_with_file_and_line(self):
         bomb = '<!DOCTYPE a [<!ENTITY b "bb"><!ENTITY c "&b;&b;">]>\n<Chapters>&c;</Chapters>'
         cases = [("--chapters", "c.xml", CHAPTERS.replace("<ChapterUID>6<", "<ChapterUID>six<"), "c.xml:10: <ChapterUID>: 'six' is no number"),
-                 ("--chapters", "c.xml", CHAPTERS[:-27], "c.xml:3: <EditionEntry> does not end"),
+                 ("--chapters", "c.xml", CHAPTERS[:-27], "c.xml:14: it is no XML document: start-end tags mismatch"),
                  ("--chapters", "c.xml", bomb, "c.xml:1: a document type with declarations of its own is not read"),
                  ("--chapters", "c.txt", LINES + "CHAPTER03=soon\n", "c.txt:5: 'soon' is no time"),
-                 ("--chapters", "c.txt", "hello\n", "c.txt:1: it is no XML document"),
+                 ("--chapters", "c.txt", "hello\n", "c.txt:2: it is no XML document: no document element found"),
                  ("--chapters", "c.txt", " " * (8 * 1024 * 1024 + 1), "is too large"),
-                 ("--chapters", "c.xml", "<a>" * 100_000, "c.xml:1: it has too many elements, or too deep ones"),
+                 ("--chapters", "c.xml", "<a>" * 100_000 + "</a>" * 100_000, "c.xml:1: it has too many elements, or too deep ones"),
                  ("--global-tags", "t.xml", TAGS.replace("<Name>TITLE</Name>", ""), "t.xml:5: <Name> is missing"),
                  ("--global-tags", "t.xml", CHAPTERS, "t.xml:3: <Tags> is missing here")]
         for option, name, text, complaint in cases:
