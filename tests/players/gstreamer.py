@@ -54,10 +54,10 @@ def demultiplex(path, pad):
     return play(path, pad)
 
 
-def decode(path, pad):
-    return play(path, pad, "decodebin", "!")
+def decode(path, pad, container="matroska"):
+    return play(path, pad, "decodebin", "!", container=container)
 
 
-def play(path, pad, *between):
-    return Playback("filesrc", f"location={path}", "!", "matroskademux", "name=demux", f"demux.{pad}", "!", "queue",
+def play(path, pad, *between, container="matroska"):
+    return Playback("filesrc", f"location={path}", "!", f"{container}demux", "name=demux", f"demux.{pad}", "!", "queue",
                     "!", *between, *SINK)
