@@ -72,11 +72,13 @@ struct Scenario {
     size_t videoBytes;
     bool logs;
     MuxProfile profile;
+    bool isAnnotated = false;
 };
 
 constexpr Scenario kScenarios[] = {{"Small", kSmall, false, MuxProfile_Compatible},
                                    {"LargeAndLogged", kLarge, true, MuxProfile_Compatible},
                                    {"SmallStrict", kSmall, false, MuxProfile_Strict},
+                                   {"SmallAnnotatedStrict", kSmall, false, MuxProfile_Strict, true},
                                    {"LargeAndLoggedStrict", kLarge, true, MuxProfile_Strict}};
 
 void PrintTo(const Scenario& scenario, std::ostream* stream) {
@@ -88,7 +90,8 @@ class AllocationFaults : public testing::TestWithParam<Scenario> {
     ~AllocationFaults() override { g_Logger.SetEnabled(false); }
 
     [[nodiscard]] Recording What() const {
-        return {GetParam().videoBytes, GetParam().profile, GetParam().logs ? m_logs.Path() : WideString()};
+        return {GetParam().videoBytes, GetParam().profile, GetParam().logs ? m_logs.Path() : WideString(),
+                GetParam().isAnnotated};
     }
 
     Result RunWithFault(size_t n) {

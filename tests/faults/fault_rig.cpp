@@ -7,6 +7,7 @@
 #include "dshow/base_object.h"
 #include "dshow/class_factory.h"
 #include "matroska_muxer/matroska_muxer.h"
+#include "records/track_colour.h"
 #include "tests/support/watchdog.h"
 #include "win/bstr.h"
 
@@ -65,6 +66,19 @@ HRESULT AskForStrictFiles(IModuleConfig& config) {
     HRESULT hr = Call([&] { return config.SetValue(&MKVMUX_Profile, &profile); });
     hr = FAILED(hr) ? hr : SetText(config, MKVMUX_Title, OLESTR("A title that no short string holds"));
     return FAILED(hr) ? hr : SetByReference(config, MKVMUX_TrackFlags, &flags);
+}
+
+// The tag stands in front of the clusters, and once more behind them with the statistics.
+HRESULT Annotate(IModuleConfig& config) {
+    const win::Bstr text{WideStringView(OLESTR("A text that no short string holds"))};
+    MuxChapter chapter{MuxListIndex_Add, MuxLevel_Top, 0, MuxChapterTime_None, 0, 0, 0, text.Get(), nullptr};
+    MuxTag tag{MuxListIndex_Add, MuxTagTrack_All, MuxLevel_Top, 0, nullptr, text.Get(), text.Get(), nullptr};
+    MuxTrackColour colour = records::UntoldColour(kVideo);
+    colour.range = 1;
+    colour.redX = 0.5;
+    HRESULT hr = SetByReference(config, MKVMUX_Chapter, &chapter);
+    hr = FAILED(hr) ? hr : SetByReference(config, MKVMUX_Tag, &tag);
+    return FAILED(hr) ? hr : SetByReference(config, MKVMUX_TrackColour, &colour);
 }
 
 } // namespace
@@ -136,6 +150,9 @@ HRESULT FaultRig::Configure() {
     HRESULT hr = SetRowAndAttachment(*config.Get());
     if (SUCCEEDED(hr) && m_recording.IsStrict()) {
         hr = AskForStrictFiles(*config.Get());
+    }
+    if (SUCCEEDED(hr) && m_recording.isAnnotated) {
+        hr = Annotate(*config.Get());
     }
     if (SUCCEEDED(hr) && !m_recording.logDirectory.empty()) {
         hr = SetText(*config.Get(), MKVMUX_LogDirectory, m_recording.logDirectory);

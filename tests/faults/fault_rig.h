@@ -1,6 +1,6 @@
 // FaultRig: a muxer filter with video, audio, subtitles and an attachment between fakes, and with title and flags where
-// its files are strict, driven through COM alone, and what it said to each call. Nothing that the filter refuses ends
-// the program: a fault may lie behind any call.
+// its files are strict, on demand with what strict files tell besides, driven through COM alone, and what it said to
+// each call. Nothing that the filter refuses ends the program: a fault may lie behind any call.
 //
 // Units: bytes. Owner: the test. Threads: one. Errors: as the filter answers; a run that does not end is aborted.
 #pragma once
@@ -58,7 +58,8 @@ struct Outcome {
 struct Recording {
     size_t videoBytes = kSmall; // of each frame
     MuxProfile profile = MuxProfile_Compatible;
-    WideString logDirectory; // a trace log is written there; empty for none
+    WideString logDirectory;  // a trace log is written there; empty for none
+    bool isAnnotated = false; // with a chapter, a tag and the picture's colours, which strict files alone have
 
     [[nodiscard]] bool IsStrict() const { return profile == MuxProfile_Strict; }
 };

@@ -146,10 +146,12 @@ void FileJudge::ExpectSound(const Bytes& file, bool mayBeCut) const {
     }
     EXPECT_EQ(kInputs, layout.tracks.size());
     const Frames frames = FramesOf(layout);
-    const bool hasStatistics = layout.Segment()->Child(ebml_id::kTags) != nullptr;
+    const EbmlElement* const tags = layout.Segment()->Child(ebml_id::kTags);
+    const bool hasStatistics = tags != nullptr && tags->Children(kTag).size() > UserTags();
     if (!mayBeCut) {
         ExpectDuration(layout, frames);
         EXPECT_EQ(m_rig.What().IsStrict(), hasStatistics);
+        EXPECT_EQ(m_rig.What().isAnnotated, layout.Segment()->Child(ebml_id::kChapters) != nullptr);
     }
     if (hasStatistics) {
         ExpectStatistics(layout, frames);
@@ -173,10 +175,11 @@ void FileJudge::ExpectStatistics(const MatroskaLayout& layout, const Frames& fra
         bytes[frame.input] += m_rig.PayloadOf(static_cast<Input>(frame.input), frame.number).size();
     }
     const auto tags = layout.Segment()->Child(ebml_id::kTags)->Children(kTag);
-    ASSERT_EQ(kInputs, tags.size());
+    ASSERT_EQ(UserTags() + kInputs, tags.size());
     for (size_t input = 0; input < kInputs; ++input) {
-        EXPECT_EQ(std::to_string(counts[input]), SimpleTagOf(layout, *tags[input], "NUMBER_OF_FRAMES")) << input;
-        EXPECT_EQ(std::to_string(bytes[input]), SimpleTagOf(layout, *tags[input], "NUMBER_OF_BYTES")) << input;
+        const EbmlElement& tag = *tags[UserTags() + input];
+        EXPECT_EQ(std::to_string(counts[input]), SimpleTagOf(layout, tag, "NUMBER_OF_FRAMES")) << input;
+        EXPECT_EQ(std::to_string(bytes[input]), SimpleTagOf(layout, tag, "NUMBER_OF_BYTES")) << input;
     }
 }
 

@@ -53,6 +53,8 @@ class FileJudge {
   private:
     [[nodiscard]] Frames FramesOf(const test_support::MatroskaLayout& layout) const;
     void ExpectDuration(const test_support::MatroskaLayout& layout, const Frames& frames) const;
+    // That stand in front of the statistics, and by themselves where those are not written.
+    [[nodiscard]] size_t UserTags() const { return m_rig.What().isAnnotated ? 1 : 0; }
     void ExpectStatistics(const test_support::MatroskaLayout& layout, const Frames& frames) const;
 
     const FaultRig& m_rig;
