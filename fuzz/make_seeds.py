@@ -59,7 +59,7 @@ def counted(text):
 def options_block():
     """A field of each tag, and one that nobody knows."""
     fields = [(1, struct.pack("<I", 1)), (2, "t".encode("utf-16-le")), (3, struct.pack("<Q", 5)), (4, b"\0"),
-              (5, struct.pack("<IBBBBB", 1, 1, 0, 255, 1, 255)), (6, b"later"),
+              (5, struct.pack("<IBBBBB", 1, 1, 0, 255, 1, 255)), (99, b"later"),
               (7, struct.pack("<iqqQBB", 0, 5, -1, 77, 1, 0) + counted("t") + counted("de")),
               (7, struct.pack("<iqqQBB", -1, 0, -1, 0, 0, 0) + counted("u") + counted("")),
               (8, struct.pack("<iiI", -1, 0, 30) + b"".join(map(counted, ("SONG", "ARTIST", "X", "en"))))]
