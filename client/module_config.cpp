@@ -282,6 +282,20 @@ HRESULT ModuleConfig::ClearTags() const {
     return Set(MKVMUX_Tag, ReferenceTo(&record));
 }
 
+HRESULT ModuleConfig::GetReservedIndex(MuxReservedIndex& index) const {
+    MuxReservedIndex read{};
+    VARIANT value = ReferenceTo(&read);
+    const HRESULT hr = Get(MKVMUX_ReserveIndex, value);
+    if (SUCCEEDED(hr)) {
+        index = read;
+    }
+    return hr;
+}
+
+HRESULT ModuleConfig::SetReservedIndex(const MuxReservedIndex& index) const {
+    return Set(MKVMUX_ReserveIndex, ReferenceTo(&index));
+}
+
 HRESULT ModuleConfig::SetLogDirectory(WideStringView directory) const {
     const win::Bstr text(directory);
     VARIANT value = Tagged(VT_BSTR);

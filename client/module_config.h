@@ -64,6 +64,8 @@ class ModuleConfig {
     [[nodiscard]] HRESULT AddTag(const Tag& tag) const;
     [[nodiscard]] HRESULT GetTag(INT32 index, Tag& tag) const;
     [[nodiscard]] HRESULT ClearTags() const;
+    [[nodiscard]] HRESULT GetReservedIndex(MuxReservedIndex& index) const;
+    [[nodiscard]] HRESULT SetReservedIndex(const MuxReservedIndex& index) const;
     // An empty one switches the log off.
     [[nodiscard]] HRESULT SetLogDirectory(WideStringView directory) const;
     // The length written so far.

@@ -77,6 +77,11 @@ DEFINE_GUID(MKVMUX_Statistics, 0x37c55997, 0x434d, 0x482a, 0xa1, 0xe7, 0xac, 0xb
 // input.
 DEFINE_GUID(MKVMUX_InputStatistics, 0xd9fb599e, 0x6782, 0x4f3b, 0x95, 0x36, 0x56, 0x39, 0x76, 0x76, 0xcb, 0x84);
 
+// Set and get, VARIANT::byref: a MuxReservedIndex record, the room that the strict profile keeps for the index in front
+// of the clusters; at first all 0, and the index stands at the end of the file. E_INVALIDARG for more than 16 MiB and for
+// a length below 0; nothing is changed then.
+DEFINE_GUID(MKVMUX_ReserveIndex, 0x7dc98997, 0xc973, 0x47c5, 0x80, 0x9c, 0xf3, 0x6c, 0x10, 0x4b, 0x6f, 0x42);
+
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
 
@@ -153,7 +158,10 @@ enum MuxEvent {
     // Not all that arrived is in the file, since a write failed, as on a full disk, or memory ran out. The first
     // parameter is the HRESULT of the first such failure, the second one 0. Once a run, from its start until Stop.
     // The run goes on, but the inputs begin to refuse samples with that result; Stop finishes the file with what fits.
-    MuxEvent_OutputFailed = 0x8000 + 0x4D58
+    MuxEvent_OutputFailed = 0x8000 + 0x4D58,
+    // The index stands at the end of the file, since it does not fit into the room that was kept for it. The first
+    // parameter is its size, the second one that of the room, both in bytes. In Stop.
+    MuxEvent_IndexAtEnd = 0x8000 + 0x4D59
 };
 
 // ---- Records passed by reference --------------------------------------------------------------------------------
@@ -202,6 +210,14 @@ struct MuxTrackColour {
     double minLuminance;
     // DOVIDecoderConfigurationRecord as the box dvcC has it; all 0 where the stream is no Dolby Vision.
     BYTE dolbyVision[24];
+};
+
+// The room for the index, with which players seek in a file without reading its end; the value of MKVMUX_ReserveIndex.
+// An index that does not fit is written at the end of the file (MuxEvent_IndexAtEnd). An output that cannot seek has
+// neither.
+struct MuxReservedIndex {
+    UINT64 bytes;            // 0: what a recording of the expected length will need
+    LONGLONG expectedLength; // in 100 ns; counts without bytes; 0: nothing is kept
 };
 
 // A file that is attached to the output. Null fields are left out of the file, empty ones are not.
@@ -275,9 +291,9 @@ struct MuxInputStatistics {
 // ---- The parameter interface ------------------------------------------------------------------------------------
 
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
-// rows, document type, attachments, profile, flags, title, seed and statistics reach the file when streaming starts,
-// and a file that is being written keeps what it began with; chapters and tags reach it until Stop. The log directory
-// takes effect at once. The VARIANT's type tag is neither checked nor set.
+// rows, document type, attachments, profile, flags, title, seed, statistics and the room for the index reach the file
+// when streaming starts, and a file that is being written keeps what it began with; chapters and tags reach it until
+// Stop. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

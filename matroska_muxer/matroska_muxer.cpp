@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <optional>
 
 #include "dshow/com_guard.h"
 #include "log/logger.h"
@@ -187,15 +188,20 @@ void CMatroskaMuxer::RegisterTracks() {
 
 HRESULT CMatroskaMuxer::OnStopStreaming() {
     HRESULT untold = S_OK;
+    std::optional<CMkvWriter::IndexBeyondPlace> index;
     {
         const CAutoLock lock(&m_writerLock);
         LogIfPossible([] { g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n"); });
         if (m_writer->isOpen()) {
             untold = TakeUntoldFailure(CloseWriter());
+            index = m_writer->indexBeyondPlace();
         }
         CBaseMux::OnStopStreaming();
     }
     TellGraph(untold);
+    if (index) {
+        NotifyEvent(MuxEvent_IndexAtEnd, static_cast<LONG_PTR>(index->bytes), static_cast<LONG_PTR>(index->placeBytes));
+    }
     return S_OK;
 }
 

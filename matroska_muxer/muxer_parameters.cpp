@@ -176,6 +176,7 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_TrackColour, SetTrackColour, GetTrackColour},
     {MKVMUX_Chapter, SetChapter, GetChapter},
     {MKVMUX_Tag, SetTag, GetTag},
+    {MKVMUX_ReserveIndex, SetReserveIndex, GetReserveIndex},
     {MKVMUX_LogDirectory, SetLogDirectory, nullptr},
     {MKVMUX_Position, nullptr, GetPosition},
     {MKVMUX_InputCount, nullptr, GetInputCount},

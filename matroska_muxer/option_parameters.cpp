@@ -114,3 +114,29 @@ HRESULT GetTrackStatistics(const ParameterTargets& targets, VARIANT& value) {
     V_UI4(&value) = targets.options.Get().trackStatistics ? 1 : 0;
     return S_OK;
 }
+
+HRESULT SetReserveIndex(const ParameterTargets& targets, const VARIANT& value, bool& changed) {
+    const auto* const record = static_cast<const MuxReservedIndex*>(V_BYREF(&value));
+    if (record == nullptr) {
+        return E_POINTER;
+    }
+    const MuxReservedIndex index = *record; // checked and stored as one
+    if (!records::IsReservedIndex(index)) {
+        return E_INVALIDARG;
+    }
+    changed = targets.options.Change([&index](FileOptions& options) {
+        options.indexBytes = index.bytes;
+        options.indexLength = index.expectedLength;
+    });
+    return S_OK;
+}
+
+HRESULT GetReserveIndex(const ParameterTargets& targets, VARIANT& value) {
+    auto* const record = static_cast<MuxReservedIndex*>(V_BYREF(&value));
+    if (record == nullptr) {
+        return E_POINTER;
+    }
+    const FileOptions options = targets.options.Get();
+    *record = {options.indexBytes, options.indexLength};
+    return S_OK;
+}

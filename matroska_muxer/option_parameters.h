@@ -25,3 +25,5 @@ HRESULT GetSeed(const ParameterTargets& targets, VARIANT& value);
 
 HRESULT SetTrackStatistics(const ParameterTargets& targets, const VARIANT& value, bool& changed);
 HRESULT GetTrackStatistics(const ParameterTargets& targets, VARIANT& value);
+HRESULT SetReserveIndex(const ParameterTargets& targets, const VARIANT& value, bool& changed);
+HRESULT GetReserveIndex(const ParameterTargets& targets, VARIANT& value);

@@ -23,6 +23,7 @@ enum Tag : UINT32 {
     kSeed = 3,
     kTrackStatistics = 4,
     kTrackFlags = 5,
+    kReserveIndex = 6,
     kChapter = 7, // one of them, as many as there are
     kTag = 8,
 };
@@ -103,6 +104,12 @@ void PutTag(Fields& fields, const records::Tag& tag) {
         content.PutText(*text);
     }
     fields.PutField(kTag, content);
+}
+
+void PutReserveIndex(Fields& fields, const records::FileOptions& options) {
+    fields.PutHead(kReserveIndex, sizeof(options.indexBytes) + sizeof(options.indexLength));
+    fields.Put(options.indexBytes);
+    fields.Put(options.indexLength);
 }
 
 // ---- Reading -------------------------------------------------------------------------------------------------------
@@ -231,14 +238,30 @@ void ReadTag(CFieldReader& in, UINT32 size, AllOptions& options) {
     AddTo(options.tags, std::move(tag));
 }
 
+void ReadReserveIndex(CFieldReader& in, UINT32 size, AllOptions& options) {
+    MuxReservedIndex index{};
+    RequireThat(size == sizeof(index.bytes) + sizeof(index.expectedLength));
+    index.bytes = in.Read<UINT64>();
+    index.expectedLength = in.Read<INT64>();
+    RequireThat(records::IsReservedIndex(index));
+    options.file.indexBytes = index.bytes;
+    options.file.indexLength = index.expectedLength;
+}
+
 struct FieldReader {
     UINT32 tag;
     void (*read)(CFieldReader& in, UINT32 size, AllOptions& options);
 };
 
 constexpr FieldReader kReaders[] = {
-    {kProfile, ReadProfile},       {kTitle, ReadTitle},     {kSeed, ReadSeed}, {kTrackStatistics, ReadTrackStatistics},
-    {kTrackFlags, ReadTrackFlags}, {kChapter, ReadChapter}, {kTag, ReadTag},
+    {kProfile, ReadProfile},
+    {kTitle, ReadTitle},
+    {kSeed, ReadSeed},
+    {kTrackStatistics, ReadTrackStatistics},
+    {kTrackFlags, ReadTrackFlags},
+    {kReserveIndex, ReadReserveIndex},
+    {kChapter, ReadChapter},
+    {kTag, ReadTag},
 };
 
 void ReadField(CFieldReader& in, UINT32 tag, UINT32 size, AllOptions& options) {
@@ -267,6 +290,9 @@ void WriteOptionsBlock(CFieldWriter& out, const AllOptions& options) {
     }
     if (options.file.trackStatistics != standard.trackStatistics) {
         fields.PutNumber(kTrackStatistics, static_cast<BYTE>(options.file.trackStatistics ? 1 : 0));
+    }
+    if (options.file.indexBytes != 0 || options.file.indexLength != 0) {
+        PutReserveIndex(fields, options.file);
     }
     for (const auto& [index, flags] : options.flags) {
         PutFlags(fields, flags);

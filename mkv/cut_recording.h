@@ -20,12 +20,22 @@ struct CutRecording {
         UINT64 durationNs = 0;       // of a text
     };
 
+    // Kept for the cues in front of the clusters.
+    struct IndexPlace {
+        static constexpr size_t kHeadBytes = 5; // of the empty element
+
+        UINT64 position = 0;
+        UINT64 bytes = 0;
+        bool isFilled = false; // by a finalisation that did not come to its end
+    };
+
     MuxProfile profile = MuxProfile_Compatible;
     UINT64 segment = 0; // where the element begins
     UINT64 tracks = 0;  // and this one
     std::optional<UINT64> attachments;
     std::optional<UINT64> chapters;
     std::optional<UINT64> tags;
+    std::optional<IndexPlace> indexPlace;
     std::vector<CuePoint> cuePoints;
     UINT64 end = 0;   // behind the last cluster that is whole
     UINT64 endNs = 0; // when the last block ends

@@ -10,6 +10,7 @@
 #include <ebml/EbmlHead.h>
 #include <ebml/EbmlSubHead.h>
 #include <matroska/KaxAttachments.h>
+#include <matroska/KaxCues.h>
 #include <matroska/KaxTags.h>
 
 #include "media/track_type.h"
@@ -42,7 +43,7 @@ CMatroskaFile::CMatroskaFile(CFileOutput& io, const records::FileOptions& option
     : m_options(options), m_form(FormOf(options.profile)), m_origin(OriginNow(options.seed)),
       m_identifiers(options.seed), m_io(io), m_gathering(io), m_patcher(m_gathering),
       m_seekHead(m_gathering, m_segment), m_annotations(m_gathering, m_patcher, m_seekHead, m_identifiers),
-      m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)),
+      m_info(CSegmentInfo::of(m_options, m_origin, m_gathering, m_identifiers)), m_reservedIndex(m_gathering),
       m_clusters(MakeClusters(options.isStrict(), m_gathering, m_segment, m_cues)) {
     m_cues.SetGlobalTimecodeScale(kTimecodeScaleNs);
 }
@@ -119,6 +120,7 @@ void CMatroskaFile::writeTracks(const TrackList& tracks) {
     m_clusters->setTracks(tracks, entries, cueTrack);
     m_clusters->onFirstKeyframes(
         [this](UINT32 stream, std::span<const BYTE> frame) { keepFirstKeyframe(stream, frame); });
+    m_indexBytes = m_isLive ? 0 : CReservedIndex::bytesFor(m_options, tracks);
     observeBlocks(entries);
 }
 
@@ -168,6 +170,11 @@ void CMatroskaFile::changeAnnotations(Annotations annotations) {
     }
 }
 
+void CMatroskaFile::startFirstCluster() {
+    m_reservedIndex.write(m_indexBytes);
+    m_clusters->startCluster(0);
+}
+
 // What was written then is rendered once more and forgotten.
 void CMatroskaFile::resume(const CutRecording& recording) {
     m_gathering.moveTo(recording.segment);
@@ -180,6 +187,9 @@ void CMatroskaFile::resume(const CutRecording& recording) {
         m_seekHead.listAt<libmatroska::KaxAttachments>(*recording.attachments);
     }
     m_annotations.resume(recording.chapters, recording.tags);
+    if (recording.indexPlace) {
+        m_reservedIndex.resume(*recording.indexPlace);
+    }
     for (const CutRecording::CuePoint& point : recording.cuePoints) {
         m_cues.announce({point.timeNs, point.track, point.relativePosition, point.durationNs});
         m_cues.keepAnnounced(point.clusterPosition);
@@ -213,6 +223,7 @@ void CMatroskaFile::finalise(double durationNs) {
 void CMatroskaFile::patch(UINT64 dataStart) {
     m_patcher.writeLostHeadParts();
     m_info->patch(m_patcher, m_seekHead);
+    m_reservedIndex.empty(m_patcher);
     writeCues();
     patchAnnotations();
     m_seekHead.fillPlace(m_patcher);
@@ -250,9 +261,26 @@ void CMatroskaFile::patchAnnotations() {
 }
 
 void CMatroskaFile::writeCues() {
-    if (m_cues.pointCount() > 0) {
+    if (m_cues.pointCount() > 0 && !writeCuesInFront()) {
         append(m_cues);
     }
+}
+
+bool CMatroskaFile::writeCuesInFront() {
+    if (!m_reservedIndex.isThere()) {
+        return false;
+    }
+    m_cues.UpdateSize();
+    const UINT64 size = m_cues.ElementSize();
+    if (!m_reservedIndex.takes(size)) {
+        m_cuesBeyondPlace = size;
+        return false;
+    }
+    const bool isThere = m_reservedIndex.fill(m_cues, m_patcher);
+    if (isThere) {
+        m_seekHead.listAt<libmatroska::KaxCues>(m_reservedIndex.position());
+    }
+    return isThere;
 }
 
 // The library would accept a size that the field cannot hold, and write a wrong one.

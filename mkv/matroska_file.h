@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -21,6 +22,7 @@
 #include "mkv/identifiers.h"
 #include "mkv/late_private_data.h"
 #include "mkv/mkv_cues.h"
+#include "mkv/reserved_index.h"
 #include "mkv/seek_head.h"
 #include "mkv/segment_info.h"
 #include "mkv/track_colours.h"
@@ -48,7 +50,8 @@ class CMatroskaFile {
     void changeAnnotations(Annotations annotations);
     // A further element of the Segment's own level; it is not kept.
     void writeElement(libebml::EbmlMaster& element);
-    void startFirstCluster() { m_clusters->startCluster(0); }
+    // Behind all that stands in front of the clusters; the room for the index comes first, where one is asked for.
+    void startFirstCluster();
 
     // Instead of all of them: the output holds such a recording, which finalise finishes. Writes nothing itself.
     void resume(const CutRecording& recording);
@@ -66,6 +69,9 @@ class CMatroskaFile {
     // Writes the last cluster, fills the places reserved at the head, and cuts off what the output held behind the end.
     // Throws only before anything is patched.
     void finalise(double durationNs);
+    // The cues' own size, where there is room for cues and they stand at the end since they do not fit into it.
+    [[nodiscard]] std::optional<UINT64> cuesBeyondPlace() const { return m_cuesBeyondPlace; }
+    [[nodiscard]] UINT64 indexPlaceBytes() const { return m_reservedIndex.bytes(); }
     // Whether memory sufficed for it.
     [[nodiscard]] bool isFinished() const { return m_isFinished; }
 
@@ -79,6 +85,7 @@ class CMatroskaFile {
     void keepFirstKeyframe(UINT32 stream, std::span<const BYTE> frame);
     void patch(UINT64 dataStart);
     void writeCues();
+    [[nodiscard]] bool writeCuesInFront();
     void observeBlocks(const std::vector<libmatroska::KaxTrackEntry*>& entries);
     // Chapters, tags and statistics.
     void patchAnnotations();
@@ -105,6 +112,9 @@ class CMatroskaFile {
     bool m_isLive = false;
     UINT64 m_dataStart = 0; // of the Segment, behind its head
     std::unique_ptr<CSegmentInfo> m_info;
+    UINT64 m_indexBytes = 0; // that are to be kept
+    CReservedIndex m_reservedIndex;
+    std::optional<UINT64> m_cuesBeyondPlace;
     CMkvCues m_cues;
     CTrackStatistics m_statistics;         // without tracks when the file is to have none
     std::unique_ptr<CClusters> m_clusters; // the last, since it uses the others until its end

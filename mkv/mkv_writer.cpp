@@ -48,6 +48,7 @@ void CMkvWriter::Open(CMkvIO* io, const records::FileOptions& options) {
     m_file.reset(); // of an open that failed
     m_durationNs = 0.0;
     forgetClusters();
+    m_indexBeyondPlace.reset();
     m_io = io;
     // Asked once, since any thread may set them.
     const bool isWebm = m_outputFormat == kWebMFormat;
@@ -99,9 +100,21 @@ void CMkvWriter::Close() {
         m_file->finalise(m_durationNs);
         m_isFinished = m_file->isFinished();
         tellClusters();
+        keepIndexFacts();
     }
     releaseFile();
     mkv::DebugTrace("Stoped.... ");
+}
+
+void CMkvWriter::keepIndexFacts() {
+    if (const auto bytes = m_file->cuesBeyondPlace()) {
+        m_indexBeyondPlace = {*bytes, m_file->indexPlaceBytes()};
+        LogIfPossible([this] {
+            g_Logger << OLESTR("CMkvWriter::Close the index is at the end: it takes ")
+                     << static_cast<INT64>(m_indexBeyondPlace->bytes) << OLESTR(" bytes, kept were ")
+                     << static_cast<INT64>(m_indexBeyondPlace->placeBytes) << OLESTR("\r\n");
+        });
+    }
 }
 
 void CMkvWriter::abandon() noexcept {

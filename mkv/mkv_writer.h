@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 #include "mkv/matroska_file.h"
 #include "mkv/mkv_io.h"
@@ -60,6 +61,12 @@ class CMkvWriter {
     void Close();
     // False when memory ran out while the last file's head was patched: all the rest of the file is there.
     [[nodiscard]] bool isFinished() const { return m_isFinished; }
+    // Of the last file: its index stands at the end since it does not fit into the room that was kept for it.
+    struct IndexBeyondPlace {
+        UINT64 bytes;
+        UINT64 placeBytes;
+    };
+    [[nodiscard]] const std::optional<IndexBeyondPlace>& indexBeyondPlace() const { return m_indexBeyondPlace; }
     // Forgets the output.
     void detach() noexcept { m_io = nullptr; }
     // Releases all that belongs to the file, the tracks and the output, and writes nothing.
@@ -75,6 +82,7 @@ class CMkvWriter {
 
   private:
     void writeMatroskaHead(const records::FileOptions& options, bool isWebm);
+    void keepIndexFacts();
     void releaseFile() noexcept;
     void tellClusters();
 
@@ -83,6 +91,7 @@ class CMkvWriter {
     std::atomic<double> m_durationNs{0.0};
     std::atomic<UINT64> m_writtenClusters{0};
     bool m_isFinished = true;
+    std::optional<IndexBeyondPlace> m_indexBeyondPlace;
     records::CAttachmentList m_attachments;
     records::CRecordList<records::Chapter> m_chapters;
     records::CRecordList<records::Tag> m_tags;

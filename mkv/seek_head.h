@@ -29,7 +29,8 @@ class CSeekHead {
     void listAt(UINT64 position) {
         Element element;
         m_io.moveTo(position);
-        element.Render(m_io, true, false, true); // without children it is a default, and not rendered else
+        static_cast<libebml::EbmlElement&>(element).Render(
+            m_io, true, false, true); // without children it is a default, and not rendered else
         m_io.discard();
         list(element);
     }

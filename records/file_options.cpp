@@ -31,6 +31,10 @@ bool IsProfile(UINT32 value) {
     return value == MuxProfile_Compatible || value == MuxProfile_Strict;
 }
 
+bool IsReservedIndex(const MuxReservedIndex& index) {
+    return index.bytes <= kMaxIndexBytes && index.expectedLength >= 0;
+}
+
 bool IsTitle(WideStringView text) {
     return text.size() <= kMaxTitleLength && text.find(WCHAR{}) == WideStringView::npos;
 }

@@ -20,11 +20,16 @@ namespace records {
 
 constexpr size_t kMaxTitleLength = 32767; // UTF-16 code units
 
+constexpr UINT64 kMaxIndexBytes = UINT64{16} << 20;
+
 struct FileOptions {
     MuxProfile profile = MuxProfile_Compatible;
     WideString title;
     UINT64 seed = 0; // 0: none
     bool trackStatistics = true;
+    // What is kept for the index: so many bytes, or what a recording of that length needs; 0 and 0: nothing.
+    UINT64 indexBytes = 0;
+    REFERENCE_TIME indexLength = 0;
 
     [[nodiscard]] bool isStrict() const { return profile == MuxProfile_Strict; }
     bool operator==(const FileOptions&) const = default;
@@ -47,6 +52,7 @@ struct AllOptions {
 
 // What may be set. A title ends where a null character stands in it; one that has any is none.
 [[nodiscard]] bool IsProfile(UINT32 value);
+[[nodiscard]] bool IsReservedIndex(const MuxReservedIndex& index);
 [[nodiscard]] bool IsTitle(WideStringView text);
 [[nodiscard]] bool AreTrackFlags(const MuxTrackFlags& flags);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <ebml/EbmlVoid.h>
 #include <matroska/KaxAttachments.h>
 #include <matroska/KaxChapters.h>
 #include <matroska/KaxCluster.h>
@@ -70,7 +71,7 @@ UINT64 RecordingSurvey::ReadClusters(UINT64 position) {
         }
         if (isCluster) {
             AddCluster(*element);
-        } else if (!TakeHeadElement(*element)) {
+        } else if (!TakeHeadElement(*element) && !TakeIndexPlace(*element)) {
             break;
         }
         position = element->end;
@@ -92,6 +93,23 @@ bool RecordingSurvey::TakeHeadElement(const Element& element) {
         return false;
     }
     place = element.start;
+    return true;
+}
+
+// Cues that are there already may be of an earlier state; they are written anew, into the whole place.
+bool RecordingSurvey::TakeIndexPlace(const Element& element) {
+    const bool isCues = element.id == IdOf<KaxCues>();
+    const bool isVoid = element.id == IdOf<libebml::EbmlVoid>();
+    if (m_recording.clusters > 0 || m_head.profile != MuxProfile_Strict || (!isCues && !isVoid)) {
+        return false;
+    }
+    auto& place = m_recording.cut.indexPlace;
+    const UINT64 bytes = element.end - element.start;
+    if (isVoid && place && place->isFilled && place->position + place->bytes == element.start) {
+        place->bytes += bytes; // what the cues leave of it
+    } else if (isCues || element.data - element.start == mkv::CutRecording::IndexPlace::kHeadBytes) {
+        place = mkv::CutRecording::IndexPlace{element.start, bytes, isCues};
+    }
     return true;
 }
 

@@ -42,6 +42,8 @@ class RecordingSurvey {
 
     [[nodiscard]] UINT64 ReadClusters(UINT64 position);
     [[nodiscard]] bool TakeHeadElement(const matroska::Element& element);
+    // Whether the element in front of the clusters is, or was, kept for the cues, or is of no meaning.
+    [[nodiscard]] bool TakeIndexPlace(const matroska::Element& element);
     void AddCluster(const matroska::Element& cluster);
     void AddCuePoints(const matroska::Element& cluster, bool isFirst);
     void AddCuePoint(const matroska::Block& block, const matroska::Element& cluster);

@@ -28,7 +28,7 @@ FakeModuleConfig::Attached CopyOf(const MuxAttachment& record) {
 
 bool IsOption(const GUID& key) {
     return key == MKVMUX_Profile || key == MKVMUX_TrackFlags || key == MKVMUX_Title || key == MKVMUX_Seed ||
-           key == MKVMUX_TrackStatistics || key == MKVMUX_TrackColour;
+           key == MKVMUX_TrackStatistics || key == MKVMUX_TrackColour || key == MKVMUX_ReserveIndex;
 }
 
 } // namespace
@@ -127,6 +127,8 @@ HRESULT FakeModuleConfig::SetOption(const GUID& key, const VARIANT& value) {
         options->statistics = V_UI4(&value);
     } else if (key == MKVMUX_TrackColour) {
         options->colour = *static_cast<const MuxTrackColour*>(V_BYREF(&value));
+    } else if (key == MKVMUX_ReserveIndex) {
+        options->index = *static_cast<const MuxReservedIndex*>(V_BYREF(&value));
     } else {
         const auto& flags = *static_cast<const MuxTrackFlags*>(V_BYREF(&value));
         options->flags[flags.index] = flags;
@@ -148,6 +150,8 @@ HRESULT FakeModuleConfig::GetOption(const GUID& key, VARIANT& value) const {
         V_UI4(&value) = options->statistics;
     } else if (key == MKVMUX_TrackColour) {
         *static_cast<MuxTrackColour*>(V_BYREF(&value)) = options->colour;
+    } else if (key == MKVMUX_ReserveIndex) {
+        *static_cast<MuxReservedIndex*>(V_BYREF(&value)) = options->index;
     } else {
         auto& flags = *static_cast<MuxTrackFlags*>(V_BYREF(&value));
         const auto found = options->flags.find(flags.index);

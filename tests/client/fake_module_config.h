@@ -46,7 +46,8 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
         WideString title;
         UINT64 seed = 0;
         UINT32 statistics = 1;
-        MuxTrackColour colour{};              // the last that was set, of whichever input
+        MuxTrackColour colour{}; // the last that was set, of whichever input
+        MuxReservedIndex index{};
         std::map<INT32, MuxTrackFlags> flags; // what is not here is out of range
     };
 

@@ -66,6 +66,7 @@ TEST_F(ModuleConfigTest, WithoutAFilterTheOptionsAnswerThatThereIsNoInterface) {
     WideString title;
     UINT64 seed = 0;
     bool statistics = false;
+    MuxReservedIndex index{};
     const std::array answers{none.GetProfile(profile),
                              none.SetProfile(profile),
                              none.GetFlags(0, flags),
@@ -75,7 +76,9 @@ TEST_F(ModuleConfigTest, WithoutAFilterTheOptionsAnswerThatThereIsNoInterface) {
                              none.GetSeed(seed),
                              none.SetSeed(seed),
                              none.GetTrackStatistics(statistics),
-                             none.SetTrackStatistics(statistics)};
+                             none.SetTrackStatistics(statistics),
+                             none.GetReservedIndex(index),
+                             none.SetReservedIndex(index)};
     for (const HRESULT hr : answers) {
         EXPECT_EQ(E_NOINTERFACE, hr);
     }
@@ -218,6 +221,18 @@ TEST_F(ModuleConfigTest, TitleAndSeedGoBothWaysWhole) {
     EXPECT_EQ(0xfedcba9876543210ULL, seed);
 }
 
+TEST_F(ModuleConfigTest, TheRoomForTheIndexGoesBothWays) {
+    MuxReservedIndex index{3, 4};
+    EXPECT_EQ(E_FAIL, m_config.GetReservedIndex(index));
+    EXPECT_EQ(3u, index.bytes);
+    m_filter.options.emplace();
+    ASSERT_EQ(S_OK, m_config.SetReservedIndex({5, 6}));
+    EXPECT_EQ(VT_BYREF, m_filter.lastTag);
+    ASSERT_EQ(S_OK, m_config.GetReservedIndex(index));
+    EXPECT_EQ(5u, index.bytes);
+    EXPECT_EQ(6, index.expectedLength);
+}
+
 TEST_F(ModuleConfigTest, FlagsAreThoseOfTheInputThatIsAskedFor) {
     m_filter.options.emplace();
     ASSERT_EQ(S_OK, m_config.SetFlags({7, 1, 0, MuxFlag_Unset, 1, 0}));
@@ -347,6 +362,7 @@ TEST(PublicHeader, TheNumbersOfProfilesAndFlagsStand) {
     EXPECT_EQ(0, MuxFlag_Off);
     EXPECT_EQ(1, MuxFlag_On);
     EXPECT_EQ(0xFF, MuxFlag_Unset);
+    EXPECT_EQ(16u, sizeof(MuxReservedIndex));
     EXPECT_EQ(12u, sizeof(MuxTrackFlags));
     EXPECT_EQ(8u, offsetof(MuxTrackFlags, commentary));
     EXPECT_EQ(160u, sizeof(MuxTrackColour));

@@ -72,6 +72,18 @@ class OptionParameters : public ::testing::Test {
         V_BYREF(&value) = &flags;
         return m_rig.Config()->GetValue(&MKVMUX_TrackFlags, &value);
     }
+    HRESULT SetIndex(const MuxReservedIndex& index) {
+        VARIANT value{};
+        V_BYREF(&value) = const_cast<MuxReservedIndex*>(&index);
+        return m_rig.Config()->SetValue(&MKVMUX_ReserveIndex, &value);
+    }
+    [[nodiscard]] std::pair<UINT64, REFERENCE_TIME> Index() const {
+        MuxReservedIndex index{9, 9};
+        VARIANT value{};
+        V_BYREF(&value) = &index;
+        EXPECT_EQ(S_OK, m_rig.Config()->GetValue(&MKVMUX_ReserveIndex, &value));
+        return {index.bytes, index.expectedLength};
+    }
     // Saves and throws away, so that the filter is clean.
     void Clean() {
         MemoryStream saved;
@@ -96,6 +108,7 @@ TEST_F(OptionParameters, AFreshFilterIsCompatibleAndHasStatisticsAndNothingElse)
     EXPECT_EQ(UINT32{MuxProfile_Compatible}, Number(MKVMUX_Profile));
     EXPECT_EQ(1u, Number(MKVMUX_TrackStatistics));
     EXPECT_EQ(0u, Seed());
+    EXPECT_EQ(std::pair(UINT64{0}, REFERENCE_TIME{0}), Index());
     EXPECT_EQ(WideString(), Title());
     MuxTrackFlags flags{99, 1, 1, 1, 1, 1};
     EXPECT_EQ(S_OK, GetFlags(flags));
@@ -119,6 +132,20 @@ TEST_F(OptionParameters, EverySeedComesBackWhole) {
         EXPECT_EQ(S_OK, SetSeed(seed));
         EXPECT_EQ(seed, Seed());
     }
+}
+
+TEST_F(OptionParameters, TheRoomForTheIndexComesBackAndWhatIsNoneIsRefusedAndChangesNothing) {
+    constexpr UINT64 kMost = UINT64{16} << 20;
+    for (const MuxReservedIndex& index : {MuxReservedIndex{kMost, 0}, MuxReservedIndex{0, INT64_MAX},
+                                          MuxReservedIndex{1, 2}, MuxReservedIndex{0, 0}, MuxReservedIndex{7, 8}}) {
+        EXPECT_EQ(S_OK, SetIndex(index));
+        EXPECT_EQ(std::pair(index.bytes, index.expectedLength), Index());
+    }
+    EXPECT_EQ(E_INVALIDARG, SetIndex({kMost + 1, 0}));
+    EXPECT_EQ(E_INVALIDARG, SetIndex({0, -1}));
+    EXPECT_EQ(std::pair(UINT64{7}, REFERENCE_TIME{8}), Index());
+    EXPECT_EQ(E_POINTER, m_rig.Config()->SetValue(&MKVMUX_ReserveIndex, std::make_unique<VARIANT>().get()));
+    EXPECT_EQ(E_POINTER, m_rig.Config()->GetValue(&MKVMUX_ReserveIndex, std::make_unique<VARIANT>().get()));
 }
 
 TEST_F(OptionParameters, ATitleIsCopiedBothWays) {
@@ -230,6 +257,12 @@ TEST_F(OptionParameters, AChangeMakesTheFilterDirtyAndTheSameValueDoesNot) {
         [this] { return SetNumber(MKVMUX_Profile, MuxProfile_Strict); },
         [this] { return SetNumber(MKVMUX_TrackStatistics, 0); },
         [this] { return SetSeed(77); },
+        [this] {
+            return SetIndex({5, 0});
+        },
+        [this] {
+            return SetIndex({0, 5});
+        },
         [this] { return SetTitle(WideStringView(OLESTR("A film"))); },
         [this] {
             return SetFlags({4, 1, 0xff, 0xff, 0xff, 0xff});

@@ -9,6 +9,7 @@
 
 #include "tests/matroska_muxer/muxer_rig.h"
 #include "tests/support/watchdog.h"
+#include "win/bstr.h"
 
 using namespace test_support;
 
@@ -45,6 +46,7 @@ class Asker {
         flags.forced = MuxFlag_On;
         EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackFlags, &value));
         AskStatistics();
+        AskRecords();
         TrackSettings row{};
         V_BYREF(&value) = &row;
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackInfo, &value));
@@ -63,6 +65,58 @@ class Asker {
         input.size = sizeof(input);
         V_BYREF(&value) = &input;
         EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_InputStatistics, &value));
+    }
+    void AskRecords() {
+        VARIANT value{};
+        MuxTrackColour colour{};
+        V_BYREF(&value) = &colour;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_TrackColour, &value));
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_TrackColour, &value));
+        MuxReservedIndex index{};
+        V_BYREF(&value) = &index;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_ReserveIndex, &value));
+        index.expectedLength = m_rounds.load();
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_ReserveIndex, &value));
+        AskChapters();
+        AskTags();
+    }
+    void AskChapters() {
+        VARIANT value{};
+        MuxChapter chapter{};
+        V_BYREF(&value) = &chapter;
+        chapter.index = MuxListIndex_Add;
+        chapter.end = MuxChapterTime_None;
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Chapter, &value));
+        // A mark needs a file, which in the calls of open and close there may not be.
+        chapter.start = MuxChapterTime_Now;
+        const HRESULT hr = m_config->SetValue(&MKVMUX_Chapter, &value);
+        EXPECT_TRUE(hr == S_OK || hr == VFW_E_WRONG_STATE) << hr;
+        chapter.index = 0;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_Chapter, &value));
+        SysFreeString(chapter.title);
+        SysFreeString(chapter.language);
+        chapter = {};
+        chapter.index = MuxListIndex_Clear;
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Chapter, &value));
+    }
+    void AskTags() {
+        VARIANT value{};
+        MuxTag tag{};
+        V_BYREF(&value) = &tag;
+        tag.index = MuxListIndex_Add;
+        tag.track = MuxTagTrack_All;
+        const win::Bstr name(WideStringView(OLESTR("ARTIST")));
+        tag.name = name.Get();
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Tag, &value));
+        MuxTag read{};
+        V_BYREF(&value) = &read;
+        EXPECT_EQ(S_OK, m_config->GetValue(&MKVMUX_Tag, &value));
+        for (const BSTR text : {read.target, read.name, read.value, read.language}) {
+            SysFreeString(text);
+        }
+        V_BYREF(&value) = &tag;
+        tag.index = MuxListIndex_Clear;
+        EXPECT_EQ(S_OK, m_config->SetValue(&MKVMUX_Tag, &value));
     }
     void SetValues() {
         VARIANT value{};

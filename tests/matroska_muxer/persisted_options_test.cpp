@@ -63,6 +63,10 @@ Bytes TagOf(UINT32 level, const char* name) {
     return Field(8, value.Append(Text("X").Get()).Append(Text("").Get()).Get()).Get();
 }
 
+Bytes ReserveIndex(UINT64 bytes, UINT64 length) {
+    return Field(6, Golden().Number(bytes, 8).Number(length, 8).Get()).Get();
+}
+
 Bytes Joined(std::initializer_list<Bytes> parts) {
     Golden joined;
     for (const Bytes& part : parts) {
@@ -84,7 +88,7 @@ Bytes WithFields(const Bytes& fields) {
 }
 
 Bytes EveryField() {
-    return Joined({Profile(), Title("A film"), Seed(0x0123456789abcdefULL), Statistics(0),
+    return Joined({Profile(), Title("A film"), Seed(0x0123456789abcdefULL), Statistics(0), ReserveIndex(5000, 70000000),
                    Flags(2, {1, 0xff, 0xff, 0, 0xff}), Flags(99, {0xff, 1, 1, 1, 1})});
 }
 
@@ -116,6 +120,9 @@ class PersistedOptions : public ::testing::Test {
         EXPECT_EQ(S_OK, Set(MKVMUX_Profile, value));
         V_UI4(&value) = 0;
         EXPECT_EQ(S_OK, Set(MKVMUX_TrackStatistics, value));
+        MuxReservedIndex index{5000, 70000000};
+        V_BYREF(&value) = &index;
+        EXPECT_EQ(S_OK, Set(MKVMUX_ReserveIndex, value));
         V_UI8(&value) = 0x0123456789abcdefULL;
         EXPECT_EQ(S_OK, Set(MKVMUX_Seed, value));
         const win::Bstr title{WideStringView(OLESTR("A film"))};
@@ -151,6 +158,8 @@ TEST_F(PersistedOptions, EachOptionAloneIsABlockOfOneField) {
                             Title("x"),
                             Seed(1),
                             Statistics(0),
+                            ReserveIndex(1, 0),
+                            ReserveIndex(0, 1),
                             Flags(0, {0, 0, 0, 0, 0}),
                             Flags(99, {0xff, 0xff, 0xff, 0xff, 1})};
     for (const Bytes& field : fields) {
@@ -163,7 +172,8 @@ TEST_F(PersistedOptions, SettingEverythingBackGivesTheStreamOfAFreshFilter) {
     SetEverything();
     ASSERT_EQ(S_OK, LoadBytes(WithFields({})));
     EXPECT_EQ(golden::FreshFilter(), Saved());
-    const Bytes defaults = Joined({Profile(0), Title(""), Seed(0), Statistics(1), Flags(0, Bytes(5, 0xff))});
+    const Bytes defaults =
+        Joined({Profile(0), Title(""), Seed(0), Statistics(1), ReserveIndex(0, 0), Flags(0, Bytes(5, 0xff))});
     ASSERT_EQ(S_OK, LoadBytes(WithFields(defaults)));
     EXPECT_EQ(golden::FreshFilter(), Saved());
 }
@@ -195,7 +205,7 @@ TEST_F(PersistedOptions, TheFieldsThatEveryStreamHasStandWhereTheyAlwaysStood) {
 
 TEST_F(PersistedOptions, UnknownTagsAreSkippedAndOfTwoTheLaterCounts) {
     const Bytes unknown = Field(0x7fffffff, Bytes(10000, 7)).Get();
-    ASSERT_EQ(S_OK, LoadBytes(WithFields(Joined({unknown, Seed(1), Field(6, {}).Get(), Seed(2), unknown}))));
+    ASSERT_EQ(S_OK, LoadBytes(WithFields(Joined({unknown, Seed(1), Field(1000, {}).Get(), Seed(2), unknown}))));
     EXPECT_EQ(WithFields(Seed(2)), Saved());
 }
 
@@ -235,6 +245,9 @@ TEST_F(PersistedOptions, ADamagedBlockIsAnErrorThatLeavesTheOptionsAsTheyWere) {
         BlockOf(Field(3, {1, 2, 3, 4}).Get()),
         BlockOf(Statistics(2)),
         BlockOf(Statistics(0, 4)),
+        BlockOf(ReserveIndex((UINT64{16} << 20) + 1, 0)),
+        BlockOf(ReserveIndex(0, 0x8000000000000000ULL)),
+        BlockOf(Field(6, Bytes(8, 1)).Get()),
         BlockOf(Flags(0, {1, 1, 1, 1})),
         BlockOf(Flags(0, {1, 1, 1, 1, 2})),
         BlockOf(ChapterOf(16, "too deep")),
@@ -272,7 +285,7 @@ TEST_F(PersistedOptions, LengthsOfGibibytesWithoutBytesEndWithTheStream) {
         return WithBlock(block.Raw("some bytes").Get());
     };
     EXPECT_EQ(kEndOfStream, LoadBytes(endless(1000)));
-    for (const UINT32 known : {1u, 2u, 3u, 4u, 5u, 7u, 8u}) {
+    for (const UINT32 known : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u}) {
         EXPECT_EQ(VFW_E_INVALID_FILE_FORMAT, LoadBytes(endless(known))) << known;
     }
 }

@@ -97,6 +97,34 @@ TEST_P(FinishRecordingTest, ACopyOfAFinishedFileThatBrokeOffIsFinishedAgain) {
     ExpectRepaired(size, Repair(Bytes(m_finished.begin(), m_finished.begin() + static_cast<ptrdiff_t>(size))));
 }
 
+TEST_P(FinishRecordingTest, TheRoomForTheIndexIsUsedAsStopWouldHave) {
+    for (const UINT64 bytes : {UINT64{4000}, UINT64{64}}) { // the other is too small
+        Record({.hasAttachment = true, .indexBytes = bytes});
+        const repair::Recording recording = Repair(m_cut);
+        EXPECT_EQ(recording.cut.indexPlace.has_value(), GetParam() == MuxProfile_Strict);
+        EXPECT_TRUE(m_stream.Bytes() == m_finished);
+        EXPECT_THAT(test_support::CheckLayout(m_stream.Bytes()), IsEmpty());
+    }
+}
+
+TEST_P(FinishRecordingTest, CuesInFrontOfAStopThatDidNotComeToItsEndAreWrittenAnew) {
+    Record({.indexBytes = 4000});
+    // All but the seek head and the Segment's size, which are the last.
+    Bytes broken(m_finished.begin(), m_finished.begin() + static_cast<ptrdiff_t>(ClustersEnd()));
+    const UINT64 tracks = test_support::ReadLayout(m_finished).Segment()->Child(test_support::ebml_id::kTracks)->offset;
+    std::copy_n(m_cut.begin(), tracks, broken.begin());
+    const repair::Recording recording = Repair(broken);
+    EXPECT_FALSE(recording.isFinished);
+    EXPECT_TRUE(m_stream.Bytes() == m_finished);
+    // What the cues of the last cluster told goes with it.
+    broken.resize(ClusterStarts().back() + 1);
+    Repair(broken);
+    const auto layout = test_support::ReadLayout(m_stream.Bytes());
+    EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());
+    EXPECT_EQ(layout.clusters.size() + 1, ClusterStarts().size());
+    EXPECT_TRUE(repair::SurveyRecording(m_stream, [](UINT64, UINT64) {}).isFinished);
+}
+
 TEST_P(FinishRecordingTest, AFileThatIsWholeIsLeftAlone) {
     Record();
     m_stream.ClearCalls();

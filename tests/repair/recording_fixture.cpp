@@ -95,6 +95,7 @@ void RecordingTest::Record(const RecordedContent& content) {
     options.profile = GetParam();
     options.title = OLESTR("A title");
     options.trackStatistics = content.hasStatistics;
+    options.indexBytes = content.indexBytes;
     m_writer.Open(&io, options);
     WriteAll(content);
     const Bytes open = stream.Bytes();
@@ -108,6 +109,9 @@ void RecordingTest::Record(const RecordedContent& content) {
     m_cut = m_finished;
     std::copy_n(open.begin(), patched, m_cut.begin());
     m_cut.resize(ClustersEnd());
+    if (content.indexBytes > 0) { // between the tracks and the clusters, as it was
+        std::copy(open.begin(), open.begin() + static_cast<ptrdiff_t>(HeadEnd()), m_cut.begin());
+    }
 }
 
 std::vector<UINT64> RecordingTest::ClusterStarts() const {

@@ -23,7 +23,8 @@ struct RecordedContent {
     // Tracks behind all others: pictures whose keyframes are others, and sound that comes in front of the first one's.
     bool hasSecondVideo = false;
     bool hasSecondSound = false;
-    int pictures = 60; // as long is the sound
+    int pictures = 60;     // as long is the sound
+    UINT64 indexBytes = 0; // kept in front of the clusters, where the profile keeps any
 };
 
 class RecordingTest : public testing::TestWithParam<MuxProfile> {
