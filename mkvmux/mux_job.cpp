@@ -11,6 +11,7 @@
 #include "mkvmux/file_checks.h"
 #include "mkvmux/graph_stopper.h"
 #include "mkvmux/identify.h"
+#include "mkvmux/index_room.h"
 #include "mkvmux/input_guard.h"
 #include "mkvmux/language_check.h"
 #include "mkvmux/mux_graph.h"
@@ -79,6 +80,9 @@ void Configure(const MuxGraph& graph, const Options& options, MuxerSettings& set
     ApplyGlobalTags(graph, options, settings, console);
     CarryAttachments(graph, options, settings);
     AttachFiles(options, settings);
+    if (options.cuesInFront) {
+        settings.ReserveIndex(*options.cuesInFront ? IndexRoomFor(graph, options) : MuxReservedIndex{});
+    }
     if (options.showProperties) {
         ShowPropertyPages(graph.Muxer().Get());
     }

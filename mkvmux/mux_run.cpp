@@ -151,6 +151,20 @@ void MuxRun::Finish() {
         m_display.Show(kWholePercent);
     }
     FinishDisplays();
+    WarnOfIndexAtEnd();
+}
+
+void MuxRun::WarnOfIndexAtEnd() {
+    LONG code = 0;
+    LONG_PTR first = 0;
+    LONG_PTR second = 0;
+    while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
+        if (code == MuxEvent_IndexAtEnd) {
+            m_console.Warn("the index is at the end of the file: it takes " + std::to_string(first) +
+                           " bytes, and room was kept for " + std::to_string(second) + " (--reserve-index-space)");
+        }
+        m_events->FreeEventParams(code, first, second);
+    }
 }
 
 bool MuxRun::Stop() {

@@ -83,6 +83,12 @@ void MuxerSettings::WriteNoStatistics() {
     }
 }
 
+void MuxerSettings::ReserveIndex(const MuxReservedIndex& index) {
+    if (const HRESULT hr = m_config.SetReservedIndex(index); FAILED(hr)) {
+        throw Failure("--cues: the muxer refuses the room for them: " + DescribeResult(hr));
+    }
+}
+
 void MuxerSettings::LogTo(const std::wstring& directory) {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::absolute(directory, error);

@@ -32,6 +32,7 @@ class MuxerSettings {
     // For the muxer's identifiers and for those that are made here.
     void UseSeed(UINT64 seed);
     void WriteNoStatistics();
+    void ReserveIndex(const MuxReservedIndex& index);
     // The directory is created where it is missing.
     void LogTo(const std::wstring& directory);
     // False when the muxer has no settings row for that input, in which case nothing is changed.

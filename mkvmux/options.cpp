@@ -11,6 +11,7 @@
 #include "mkvmux/options_file.h"
 #include "mkvmux/same_file.h"
 #include "mkvmux/text.h"
+#include "records/file_options.h"
 
 namespace mkvmux {
 
@@ -19,7 +20,12 @@ namespace {
 const std::map<std::string, ProgressMode> kProgressModes{
     {"auto", ProgressMode::Auto}, {"always", ProgressMode::Always}, {"never", ProgressMode::Never}};
 
+const std::map<std::string, bool> kCuesInFront{{"front", true}, {"end", false}};
+
 const std::map<std::string, bool> kProfiles{{"strict", true}, {"compatible", false}};
+
+// As many as the muxer takes.
+constexpr UINT64 kMaxIndexBytes = records::kMaxIndexBytes;
 
 // The texts as the parser stores them; it knows UTF-8 alone.
 struct RawOptions {
@@ -36,6 +42,8 @@ struct RawOptions {
     std::string title;
     std::string seed;
     bool noStatistics = false;
+    std::string cues;
+    std::optional<UINT64> indexBytes;
     bool listLanguages = false;
 };
 
@@ -59,6 +67,14 @@ void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
         ->type_name("SEED")
         ->check(NoOptionOf(app));
     app.add_flag("--disable-track-statistics-tags", raw.noStatistics, "write no statistics of the tracks");
+    app.add_option(
+           "--cues", raw.cues,
+           "where the index stands: end, or front, so that players seek over a network without reading the end; "
+           "front keeps room for as long as the inputs say that they are (default end)")
+        ->type_name("WHERE");
+    app.add_option("--reserve-index-space", raw.indexBytes, "keep so many bytes for --cues front, which it implies")
+        ->type_name("BYTES")
+        ->check(CLI::Range(UINT64{1}, kMaxIndexBytes));
     app.add_option("INPUT", raw.inputs,
                    "the files whose streams go into the output; @FILE reads arguments from a "
                    "JSON array of strings")
@@ -130,6 +146,14 @@ bool ReadIsStrict(const std::string& text) {
     return profile->second;
 }
 
+bool ReadCuesInFront(const std::string& text) {
+    const auto place = kCuesInFront.find(text);
+    if (place == kCuesInFront.end()) {
+        throw Failure("--cues: '" + text + "' is not front or end");
+    }
+    return place->second;
+}
+
 // FNV-1a of 64 bits; 0 stands for no seed.
 UINT64 SeedOf(const std::string& text) {
     constexpr UINT64 kOffsetBasis = 0xCBF29CE484222325;
@@ -151,6 +175,12 @@ void CompleteWhatStrictWrites(Options& options, const RawOptions& raw, const CLI
         options.seed = SeedOf(raw.seed);
     }
     options.trackStatistics = !raw.noStatistics;
+    options.indexBytes = raw.indexBytes;
+    if (app.count("--cues") > 0) {
+        options.cuesInFront = ReadCuesInFront(raw.cues);
+    } else if (raw.indexBytes) {
+        options.cuesInFront = true;
+    }
 }
 
 void Complete(Options& options, const RawOptions& raw) {
@@ -194,6 +224,12 @@ std::string Contradiction(const Options& options) {
     }
     if (!options.identify && options.output.empty()) {
         return "no output is given (-o FILE)";
+    }
+    if (options.cuesInFront.value_or(false) && options.IsToStandardOutput()) {
+        return "--cues front goes with a file: nobody goes back in standard output";
+    }
+    if (options.indexBytes && !*options.cuesInFront) {
+        return "--cues end and --reserve-index-space exclude each other";
     }
     if (options.json && !options.identify) {
         return "--json goes with --identify only";

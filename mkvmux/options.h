@@ -33,6 +33,8 @@ struct Options {
     std::optional<std::wstring> title; // none: that of the inputs
     std::optional<UINT64> seed;        // where identifiers and dates come from; none: the system
     bool trackStatistics = true;
+    std::optional<bool> cuesInFront;  // none: as a loaded configuration says, or at the end
+    std::optional<UINT64> indexBytes; // for cues in front; none: estimated
     bool identify = false;
     bool json = false;       // the identification as JSON
     bool noRegister = false; // load the module from beside the program

@@ -35,6 +35,9 @@ std::vector<std::string> StrictOptionsIn(const Options& options) {
     if (!options.chapters.globalTags.empty()) {
         names.emplace_back("--global-tags");
     }
+    if (options.cuesInFront.value_or(false)) {
+        names.emplace_back(options.indexBytes ? "--reserve-index-space" : "--cues");
+    }
     if (options.seed) {
         names.emplace_back("--deterministic");
     }

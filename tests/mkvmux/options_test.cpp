@@ -162,6 +162,18 @@ TEST(Options, WhatStrictFilesAreToldIsUnsaidUntilItIsSaid) {
     EXPECT_THAT(Refused({"-o", "o", "--title", "--webm", "a"}).output, HasSubstr("--title"));
 }
 
+TEST(Options, TheIndexStandsWhereItIsAskedFor) {
+    EXPECT_EQ(Parsed({"-o", "o", "a"}).cuesInFront, std::nullopt);
+    EXPECT_EQ(Parsed({"-o", "o", "--cues", "end", "a"}).cuesInFront, false);
+    EXPECT_EQ(Parsed({"-o", "-", "--cues", "end", "a"}).cuesInFront, false);
+    const Options estimated = Parsed({"-o", "o", "--cues", "front", "a"});
+    EXPECT_EQ(estimated.cuesInFront, true);
+    EXPECT_EQ(estimated.indexBytes, std::nullopt);
+    const Options told = Parsed({"-o", "o", "--reserve-index-space", "16777216", "a"});
+    EXPECT_EQ(told.cuesInFront, true);
+    EXPECT_EQ(told.indexBytes, 16777216u);
+}
+
 // The values of the algorithm's own description for "", "a" and "foobar".
 TEST(Options, ASeedIsTheFnv1aHashOfItsText) {
     EXPECT_EQ(Parsed({"-o", "o", "--deterministic", "a", "x"}).seed, 0xaf63dc4c8601ec8cULL);
@@ -255,12 +267,43 @@ TEST(Options, TheLanguagesCanBeListed) {
 TEST(Options, HelpAndVersionEndWithSuccess) {
     const EarlyExit help = Refused({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* option : {"--output",         "--webm",        "--identify",    "--no-register",
-                               "--quiet",          "--progress",    "--version",     "--help",
-                               "--track-name",     "--language",    "--default",     "--disable",
-                               "--attach",         "--attach-mime", "--attach-name", "--attach-description",
-                               "--json",           "--log",         "--save-config", "--load-config",
-                               "--list-languages", "--repair",      "--report",      "--verbose"}) {
+    for (const char* option : {"--output",
+                               "--webm",
+                               "--identify",
+                               "--no-register",
+                               "--quiet",
+                               "--progress",
+                               "--version",
+                               "--help",
+                               "--track-name",
+                               "--language",
+                               "--default",
+                               "--disable",
+                               "--attach",
+                               "--attach-mime",
+                               "--attach-name",
+                               "--attach-description",
+                               "--json",
+                               "--log",
+                               "--save-config",
+                               "--load-config",
+                               "--list-languages",
+                               "--repair",
+                               "--report",
+                               "--verbose",
+                               "--cues",
+                               "--reserve-index-space",
+                               "--chapters",
+                               "--chapter-language",
+                               "--chapter-charset",
+                               "--no-chapters",
+                               "--global-tags",
+                               "--no-global-tags",
+                               "--title",
+                               "--profile",
+                               "--deterministic",
+                               "--disable-track-statistics-tags",
+                               "--fps"}) {
         EXPECT_THAT(help.output, HasSubstr(option));
     }
     const EarlyExit version = Refused({"--version"});
@@ -286,6 +329,15 @@ TEST(Options, WhatCannotBeFollowedIsOneLineAndStatus2) {
         {{"-o", "o", "--disable", "1x", "a"}, "--disable: '1x' is no track number"},
         {{"-o", "o", "a", "--attach-name", "n"}, "--attach-name: speaks of the next attachment"},
         {{"-o", "o", "--json", "a"}, "--json goes with --identify only"},
+        {{"-o", "o", "--cues", "middle", "a"}, "--cues: 'middle' is not front or end"},
+        {{"-o", "o", "--cues", "", "a"}, "--cues: '' is not front or end"},
+        {{"-o", "o", "--reserve-index-space", "0", "a"}, "--reserve-index-space"},
+        {{"-o", "o", "--reserve-index-space", "16777217", "a"}, "--reserve-index-space"},
+        {{"-o", "o", "--reserve-index-space", "-1", "a"}, "--reserve-index-space"},
+        {{"-o", "o", "--reserve-index-space", "some", "a"}, "--reserve-index-space"},
+        {{"-o", "o", "--cues", "end", "--reserve-index-space", "9", "a"}, "exclude each other"},
+        {{"-o", "-", "--cues", "front", "a"}, "--cues front goes with a file"},
+        {{"-o", "-", "--reserve-index-space", "9", "a"}, "--cues front goes with a file"},
         {{"-o", "o", "--save-config", "o", "a"}, "name the same file"},
         {{"-o", "o", "--save-config", ".\\x\\..\\O", "a"}, "name the same file"},
         {{"@no_such.json"}, "no_such.json: cannot be opened"},
