@@ -1,9 +1,12 @@
 // Outputs that cannot seek: the file is written for those who watch it grow.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
+#include "dshow/media_subtypes.h"
 #include "tests/mkv/writer_fixture.h"
 #include "tests/support/ebml_schema.h"
-
+#include "tests/support/hex_bytes.h"
 #include "tests/support/written_files.h"
 
 namespace {
@@ -181,7 +184,93 @@ INSTANTIATE_TEST_SUITE_P(Profiles, LiveFileTest, testing::Values(MuxProfile_Comp
                          });
 
 // A player waits for a whole cluster.
-class LiveStrictTest : public LiveFileTest {};
+class LiveStrictTest : public LiveFileTest {
+  protected:
+    static constexpr uint32_t kColour = 0x55b0;
+
+    void AddChapter(INT64 start) {
+        records::Chapter chapter;
+        chapter.start = start;
+        chapter.title = OLESTR("Part");
+        EXPECT_EQ(m_writer.chapters().Add(chapter), records::ListChange::Done);
+    }
+    void AddTag() {
+        records::Tag tag;
+        tag.name = OLESTR("ARTIST");
+        tag.value = OLESTR("Somebody");
+        tag.track = MuxTagTrack_All;
+        EXPECT_EQ(m_writer.tags().Add(tag), records::ListChange::Done);
+    }
+    // What is there stays as it is, and what comes is clusters.
+    void ExpectOnlyClustersBehind(const Bytes& before) {
+        const Bytes after = m_stream.Bytes();
+        ASSERT_GT(after.size(), before.size());
+        EXPECT_TRUE(std::equal(before.begin(), before.end(), after.begin()));
+        const auto layout = Snapshot();
+        for (const auto& child : layout.Segment()->children) {
+            if (child.offset >= before.size()) {
+                EXPECT_EQ(child.Name(), std::string("Cluster"));
+            }
+        }
+    }
+    // Element and those below it, by name.
+    static bool HasVoid(const test_support::EbmlElement& element) {
+        return element.Name() == std::string("Void") || std::ranges::any_of(element.children, HasVoid);
+    }
+};
+
+TEST_P(LiveStrictTest, ChaptersAndTagsOfTheStartStandInFrontAndWhatComesLaterIsNotWritten) {
+    AddChapter(0);
+    AddTag();
+    RegisterVideo();
+    RegisterAudio();
+    OpenLive();
+    const Bytes head = m_stream.Bytes();
+    EXPECT_EQ(NamesIn(Snapshot()), (Names{"Info", "Tracks", "Chapters", "Tags"}));
+    WriteFrames(0, 30);
+    AddChapter(MuxChapterTime_Now);
+    AddChapter(500 * kMs);
+    AddTag();
+    WriteFrames(30, 60);
+    CloseLive();
+    EXPECT_EQ(Snapshot().Segment()->Child(kChapters)->children.at(0).Children(0xb6).size(), 1u);
+    ExpectOnlyClustersBehind(head);
+    ExpectSoundLayout("ChaptersAndTagsOfTheStartStandInFront");
+}
+
+// A reader gets the header with the keyframe itself.
+TEST_P(LiveStrictTest, PrivateDataThatComesWithTheFirstKeyframeHasNoPlace) {
+    VideoShape shape;
+    Register(VideoInfo2Type(mediasubtype::kAv01, shape, {}));
+    OpenLive();
+    const Bytes head = m_stream.Bytes();
+    EXPECT_FALSE(HasVoid(*Snapshot().Segment()));
+    Write(0, 0, 40 * kMs, true, mkv_test::FromHex("12000a0a0000000337f8e6d7c8023203100102"));
+    Write(0, 40 * kMs, 80 * kMs, false, mkv_test::FromHex("120032023003"));
+    CloseLive();
+    ExpectOnlyClustersBehind(head);
+    EXPECT_EQ(Snapshot().BlocksOf(1).size(), 2u);
+}
+
+TEST_P(LiveStrictTest, ColoursAreThoseThatAreKnownAtTheStart) {
+    // Of libx265: BT.2020, PQ, ten bits; its light comes in front of the picture.
+    const auto unit = [](const char* hex) { return mkv_test::FromHex(hex); };
+    const auto header = mkv_test::ByteStream(
+        {unit("40010c01ffff02200000030090000003000003001e959409"),
+         unit("42010102200000030090000003000003001ea02083136595952930bc05a848804db080000003008000000c84"),
+         unit("4401c073c089")});
+    Register(Mpeg2VideoType(mediasubtype::kHevcAnnexB, {}, header));
+    OpenLive();
+    const Bytes head = m_stream.Bytes();
+    const auto opened = Snapshot();
+    EXPECT_FALSE(HasVoid(*opened.Segment()));
+    const test_support::EbmlElement* const video = opened.Segment()->Child(kTracks)->children.at(0).Child(kVideo);
+    EXPECT_NE(video->Child(kColour), nullptr);
+    Write(0, 0, 40 * kMs, true, mkv_test::ByteStream({unit("4e01900403e8019080"), unit("2801ac76a10f")}));
+    CloseLive();
+    ExpectOnlyClustersBehind(head);
+    EXPECT_EQ(Snapshot().BlocksOf(1).size(), 1u);
+}
 
 TEST_P(LiveStrictTest, AClusterEndsAfterASecondWhereNoKeyframeComes) {
     RegisterVideo();

@@ -171,6 +171,19 @@ TEST_F(ReservedIndexTest, TheLengthIsEnoughForAKeyframeEachHalfSecond) {
     EXPECT_LT(File().Segment()->Child(kCues)->offset, File().Segment()->Child(kCluster)->offset);
 }
 
+TEST_F(ReservedIndexTest, TheLengthIsEnoughForPicturesThatAreAllKeyframes) {
+    test_support::VideoShape shape;
+    Register(VideoInfo2Type(mediasubtype::kFfv1, shape, {}));
+    OpenWith(0, 60 * 1000 * kMs);
+    for (INT64 i = 0; i < 3000; ++i) {
+        Write(0, i * 20 * kMs, (i + 1) * 20 * kMs, true, Bytes(300));
+    }
+    KeepFromJudges(); // the pictures are none
+    Finish();
+    EXPECT_EQ(m_writer.indexBeyondPlace(), std::nullopt);
+    ExpectIndex(Snapshot(), 3000);
+}
+
 TEST_F(ReservedIndexTest, TheCompatibleProfileKeepsNoRoom) {
     RegisterVideo();
     OpenWith(kRoomy, 0, MuxProfile_Compatible);
