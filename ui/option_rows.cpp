@@ -1,7 +1,9 @@
 #include "ui/option_rows.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <iterator>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -39,6 +41,41 @@ void TakeOver(const PropTreeItem& item, MuxTrackFlags& flags) {
     }
 }
 
+// ---- The room for the index ----------------------------------------------------------------------------------------
+
+const std::wstring kMinutes = L" min";
+const std::wstring kBytes = L" bytes";
+constexpr LONGLONG kMinute = 60LL * 10000000; // in 100 ns
+constexpr size_t kMostDigits = 9;
+
+// "90 min", "4000 bytes", or nothing where none is kept.
+std::wstring TextOfIndex(const MuxReservedIndex& index) {
+    if (index.bytes > 0) {
+        return std::to_wstring(index.bytes) + kBytes;
+    }
+    const LONGLONG minutes = index.expectedLength / kMinute + (index.expectedLength % kMinute > 0 ? 1 : 0);
+    if (minutes == 0) {
+        return {};
+    }
+    std::wstring text = std::to_wstring(minutes);
+    text += kMinutes;
+    return text;
+}
+
+// A number alone counts minutes.
+std::optional<MuxReservedIndex> IndexOfText(const std::wstring& text) {
+    const size_t digits = std::min(text.find_first_not_of(L"0123456789"), text.size());
+    const std::wstring unit = text.substr(digits);
+    if (text.empty()) {
+        return MuxReservedIndex{};
+    }
+    if (digits == 0 || digits > kMostDigits || (!unit.empty() && unit != kMinutes && unit != kBytes)) {
+        return std::nullopt;
+    }
+    const UINT64 number = std::wcstoul(text.c_str(), nullptr, 10);
+    return unit == kBytes ? MuxReservedIndex{number, 0} : MuxReservedIndex{0, static_cast<LONGLONG>(number) * kMinute};
+}
+
 } // namespace
 
 void COptionRows::AddOfFile(CPropTree& tree, HTREEITEM parent, const client::ModuleConfig& config) {
@@ -53,6 +90,11 @@ void COptionRows::AddOfFile(CPropTree& tree, HTREEITEM parent, const client::Mod
     bool statistics = true;
     if (SUCCEEDED(config.GetTrackStatistics(statistics))) {
         m_statistics = tree.AddBool(parent, L"Statistics", statistics);
+    }
+    MuxReservedIndex index{};
+    if (SUCCEEDED(config.GetReservedIndex(index))) {
+        m_knownIndex = TextOfIndex(index);
+        m_index = tree.AddText(parent, L"Index in front", m_knownIndex);
     }
 }
 
@@ -77,16 +119,33 @@ HRESULT COptionRows::ApplyOfFile(const CPropTree& tree, const client::ModuleConf
         const bool isStrict = CPropTree::GetSelectedText(*profile) == kStrict;
         keep(config.SetProfile(isStrict ? MuxProfile_Strict : MuxProfile_Compatible));
     }
-    const PropTreeItem* const title = tree.GetItem(m_title);
-    if (title != nullptr && CPropTree::GetText(*title) != m_knownTitle) {
-        const HRESULT hr = config.SetTitle(CPropTree::GetText(*title));
-        m_knownTitle = SUCCEEDED(hr) ? CPropTree::GetText(*title) : m_knownTitle;
-        keep(hr);
-    }
+    keep(ApplyTitle(tree, config));
     if (const PropTreeItem* const statistics = tree.GetItem(m_statistics)) {
         keep(config.SetTrackStatistics(CPropTree::GetBool(*statistics)));
     }
+    keep(ApplyIndex(tree, config));
     return firstHr;
+}
+
+HRESULT COptionRows::ApplyTitle(const CPropTree& tree, const client::ModuleConfig& config) {
+    const PropTreeItem* const title = tree.GetItem(m_title);
+    if (title == nullptr || CPropTree::GetText(*title) == m_knownTitle) {
+        return S_OK;
+    }
+    const HRESULT hr = config.SetTitle(CPropTree::GetText(*title));
+    m_knownTitle = SUCCEEDED(hr) ? CPropTree::GetText(*title) : m_knownTitle;
+    return hr;
+}
+
+HRESULT COptionRows::ApplyIndex(const CPropTree& tree, const client::ModuleConfig& config) {
+    const PropTreeItem* const item = tree.GetItem(m_index);
+    if (item == nullptr || CPropTree::GetText(*item) == m_knownIndex) {
+        return S_OK;
+    }
+    const auto index = IndexOfText(CPropTree::GetText(*item));
+    const HRESULT hr = index ? config.SetReservedIndex(*index) : E_INVALIDARG;
+    m_knownIndex = SUCCEEDED(hr) ? CPropTree::GetText(*item) : m_knownIndex;
+    return hr;
 }
 
 HRESULT COptionRows::ApplyFlags(const CPropTree& tree, HTREEITEM parent, const client::ModuleConfig& config,

@@ -25,7 +25,7 @@ const Texts kTrackRows{L"..bEnabled",         L"..Track Name",      L"..Track La
 
 // "Common" and what it has, and then the groups and tracks with their rows.
 Texts PageOf(const Texts& groupsAndTracks) {
-    Texts rows{L"Common", L".DocType", L".Profile", L".Title", L".Statistics"};
+    Texts rows{L"Common", L".DocType", L".Profile", L".Title", L".Statistics", L".Index in front"};
     for (const std::wstring& row : groupsAndTracks) {
         rows.push_back(row);
         if (row[0] == L'.') {
@@ -60,7 +60,7 @@ class SettingsPageTest : public testing::Test {
 TEST_F(SettingsPageTest, AMuxerWithoutConnectedInputsShowsCommonOnly) {
     MuxerUnderTest muxer;
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ((Texts{L"Common", L".DocType", L".Profile", L".Title", L".Statistics"}), m_rig.Tree().Rows());
+    EXPECT_EQ(PageOf({}), m_rig.Tree().Rows());
     m_rig.Page().Deactivate();
     m_rig.Page().SetObjects(0, nullptr);
 }
@@ -322,7 +322,7 @@ TEST_F(SettingsPageTest, AHundredConnectedInputsAreShownEditedAndWritten) {
         muxer.SetTrack({input, 1, 0, 0, win::Bstr(L"English"), win::Bstr(L"name " + std::to_wstring(input))});
     }
     m_rig.Show(muxer.Filter());
-    EXPECT_EQ(5u + 2u + 100u * 9u, m_rig.Tree().Rows().size());
+    EXPECT_EQ(6u + 2u + 100u * 9u, m_rig.Tree().Rows().size());
     SendMessageW(m_rig.Tree().Tree(), WM_VSCROLL, SB_BOTTOM, 0);
     PumpMessages();
     m_rig.ClickValue(L"Audio/In 99/Track Name");
@@ -361,6 +361,7 @@ class SettingsPageOptionsTest : public SettingsPageTest {
         m_config.options->profile = MuxProfile_Strict;
         m_config.options->title = L"A film";
         m_config.options->statistics = 0;
+        m_config.options->index = {0, 90LL * 60 * 10000000 - 1};
         m_config.options->flags[0] = {0, MuxFlag_On, MuxFlag_Off, MuxFlag_Unset, MuxFlag_On, MuxFlag_Off};
         m_config.options->flags[1] = {1, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset, MuxFlag_Unset};
     }
@@ -378,11 +379,15 @@ class SettingsPageOptionsTest : public SettingsPageTest {
 TEST_F(SettingsPageOptionsTest, ItsEditorsShowWhatTheFilterHasAndOfferTheirChoices) {
     m_rig.Show(&m_config);
     EXPECT_EQ(PageOf({L"Video", L".In 0", L"Audio", L".In 1"}), m_rig.Tree().Rows());
-    const std::pair<std::wstring, const WCHAR*> shown[] = {
-        {L"Common/Profile", L"strict"},          {L"Common/Title", L"A film"},
-        {L"Common/Statistics", L"False"},        {L"Video/In 0/Forced", L"yes"},
-        {L"Video/In 0/Hearing impaired", L"no"}, {L"Video/In 0/Visual impaired", L"unset"},
-        {L"Video/In 0/Original", L"yes"},        {L"Video/In 0/Commentary", L"no"}};
+    const std::pair<std::wstring, const WCHAR*> shown[] = {{L"Common/Profile", L"strict"},
+                                                           {L"Common/Title", L"A film"},
+                                                           {L"Common/Index in front", L"90 min"},
+                                                           {L"Common/Statistics", L"False"},
+                                                           {L"Video/In 0/Forced", L"yes"},
+                                                           {L"Video/In 0/Hearing impaired", L"no"},
+                                                           {L"Video/In 0/Visual impaired", L"unset"},
+                                                           {L"Video/In 0/Original", L"yes"},
+                                                           {L"Video/In 0/Commentary", L"no"}};
     for (const auto& [path, value] : shown) {
         m_rig.ClickValue(path);
         EXPECT_EQ(value, TextOf(m_rig.Tree().Editor()));
@@ -400,7 +405,8 @@ TEST_F(SettingsPageOptionsTest, ApplyingWithoutAChangeChangesNothing) {
     EXPECT_EQ(0u, m_config.options->statistics);
     EXPECT_EQ((Texts{L"1", L"0", L"255", L"1", L"0"}), FlagsOf(0));
     EXPECT_EQ(Texts(5, L"255"), FlagsOf(1));
-    EXPECT_EQ(4u, m_config.optionWrites) << "the title is not written";
+    EXPECT_EQ(90LL * 60 * 10000000 - 1, m_config.options->index.expectedLength);
+    EXPECT_EQ(4u, m_config.optionWrites) << "title and index are not written";
 }
 
 TEST_F(SettingsPageOptionsTest, WhatIsEditedIsSetByApplyAndNotBefore) {
@@ -420,6 +426,41 @@ TEST_F(SettingsPageOptionsTest, WhatIsEditedIsSetByApplyAndNotBefore) {
     TypeInto(L"Common/Title", L"A film");
     EXPECT_EQ(S_OK, Apply());
     EXPECT_EQ(L"A film", m_config.options->title) << "as it was when the page was opened";
+}
+
+TEST_F(SettingsPageOptionsTest, TheRoomForTheIndexIsMinutesOrBytes) {
+    constexpr LONGLONG kMinute = 60LL * 10000000;
+    struct Case {
+        const WCHAR* text;
+        UINT64 bytes;
+        LONGLONG length;
+    };
+    m_rig.Show(&m_config);
+    for (const auto& [text, bytes, length] :
+         {Case{L"7", 0, 7 * kMinute}, Case{L"120 min", 0, 120 * kMinute}, Case{L"4000 bytes", 4000, 0},
+          Case{L"999999999", 0, 999999999 * kMinute}, Case{L"0", 0, 0}}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(text)));
+        TypeInto(L"Common/Index in front", text);
+        EXPECT_EQ(S_OK, Apply());
+        EXPECT_EQ(bytes, m_config.options->index.bytes);
+        EXPECT_EQ(length, m_config.options->index.expectedLength);
+    }
+    for (const WCHAR* text : {L"-1", L"1.5", L"7 hours", L" 7", L"bytes", L"7min", L"1234567890", L"min"}) {
+        TypeInto(L"Common/Index in front", text);
+        EXPECT_EQ(E_INVALIDARG, Apply());
+        EXPECT_EQ(0, m_config.options->index.expectedLength);
+    }
+    m_config.options->index = {4000, 0};
+    m_rig.ClickValue(L"Common/Index in front");
+    PressKey(VK_DELETE); // all of the text is selected
+    m_rig.ClickLabel(L"Common");
+    EXPECT_EQ(S_OK, Apply());
+    EXPECT_EQ(0u, m_config.options->index.bytes) << "nothing is kept";
+    m_config.options->index = {4000, 0};
+    m_rig.Page().Deactivate();
+    ASSERT_EQ(S_OK, m_rig.Activate());
+    m_rig.ClickValue(L"Common/Index in front");
+    EXPECT_EQ(L"4000 bytes", TextOf(m_rig.Tree().Editor()));
 }
 
 TEST_F(SettingsPageOptionsTest, ARefusedOptionIsReportedAndTheDocTypeIsWrittenAllTheSame) {
