@@ -31,13 +31,17 @@ class RangeHandler(http.server.SimpleHTTPRequestHandler):
         if first >= len(content):
             self.send_error(HTTPStatus.REQUESTED_RANGE_NOT_SATISFIABLE)
             return
+        self.server.firsts.append((self.path, first))
         part = content[first:None if last is None else last + 1]
         self.send_response(HTTPStatus.PARTIAL_CONTENT)
         self.send_header("Content-Type", self.guess_type(self.path))
         self.send_header("Content-Length", str(len(part)))
         self.send_header("Content-Range", f"bytes {first}-{first + len(part) - 1}/{len(content)}")
         self.end_headers()
-        self.wfile.write(part)
+        try:
+            self.wfile.write(part)
+        except ConnectionError:
+            pass  # a player stops reading when it has seen enough
 
     def end_headers(self):
         self.send_header("Accept-Ranges", "bytes")
@@ -59,9 +63,14 @@ class RangeServer:
     def __init__(self, directory):
         handler = functools.partial(RangeHandler, directory=str(directory))
         self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+        self._server.firsts = []  # of each part that was asked for: the file, and where the part begins
         self._thread = threading.Thread(target=self._server.serve_forever, daemon=True)
         self._thread.start()
         self.address = f"http://127.0.0.1:{self._server.server_address[1]}"
+
+    def asked_for(self, name):
+        """Where the parts of that file begin that were asked for so far."""
+        return [first for path, first in list(self._server.firsts) if path == f"/{name}"]
 
     def close(self):
         self._server.shutdown()
