@@ -21,6 +21,21 @@ PAL = "colorprim=bt470bg:transfer=bt470bg:colormatrix=bt470bg"
 NTSC = "colorprim=smpte170m:transfer=smpte170m:colormatrix=smpte170m"
 X265_LIGHT = f"hdr10=1:master-display={DISPLAY}:max-cll=1000,400"
 X264_LIGHT = f"mastering-display={DISPLAY}:cll=1000,400"
+SVT = "lp=1" # threads
+SVT_LIGHT = ("enable-hdr=1:mastering-display=G(0.265,0.69)B(0.15,0.06)R(0.68,0.32)WP(0.3127,0.329)L(1000,0.005):"
+             "content-light=1000,400")
+# Of each encoder: what its streams are called, its least picture, its parameters of all streams, and how they are given.
+ENCODERS = {
+    "libx264": ("h264", "64x48", X264, ("-preset", "ultrafast", "-x264-params")),
+    "libx265": ("h265", "64x48", X265, ("-preset", "ultrafast", "-x265-params")),
+    "libsvtav1": ("ivf", "64x64", SVT, ("-preset", "12", "-svtav1-params")),
+}
+
+
+def told_to_ffmpeg(primaries, transfer, matrix, values="tv"):
+    return "-color_primaries", primaries, "-color_trc", transfer, "-colorspace", matrix, "-color_range", values
+
+
 
 # name: encoder, pixel format, its parameters, more arguments of ffmpeg
 STREAMS = {
@@ -41,6 +56,13 @@ STREAMS = {
     "avc_full_range": ("libx264", "yuv420p", HD, "-color_range", "pc"),
     "avc_444": ("libx264", "yuv444p", HD),
     "avc_says_nothing": ("libx264", "yuv420p", ""),
+    "av1_hdr10": ("libsvtav1", "yuv420p10le", SVT_LIGHT, *told_to_ffmpeg("bt2020", "smpte2084", "bt2020nc")),
+    "av1_hlg": ("libsvtav1", "yuv420p10le", "", *told_to_ffmpeg("bt2020", "arib-std-b67", "bt2020nc")),
+    "av1_709": ("libsvtav1", "yuv420p", "", *told_to_ffmpeg("bt709", "bt709", "bt709")),
+    "av1_601_pal": ("libsvtav1", "yuv420p", "", *told_to_ffmpeg("bt470bg", "smpte170m", "bt470bg")),
+    "av1_601_ntsc": ("libsvtav1", "yuv420p", "", *told_to_ffmpeg("smpte170m", "smpte170m", "smpte170m")),
+    "av1_full_range": ("libsvtav1", "yuv420p", "", *told_to_ffmpeg("bt709", "bt709", "bt709", "pc")),
+    "av1_says_nothing": ("libsvtav1", "yuv420p", ""),
 }
 # ffprobe's names, and what mkvmerge says of the file.
 NUMBERS = {
@@ -64,11 +86,10 @@ DVVC = 0x64767643
 @functools.lru_cache(maxsize=None)
 def stream(name):
     encoder, pixels, parameters, *more = STREAMS[name]
-    avc = encoder == "libx264"
-    joined = ":".join(part for part in (X264 if avc else X265, parameters) if part)
-    return make_input(f"{name}.{'h264' if avc else 'h265'}", "-f", "lavfi", "-i", "testsrc2=size=64x48:rate=25:duration=1",
-                      "-frames:v", "3", "-pix_fmt", pixels, *more, "-c:v", encoder, "-preset", "ultrafast",
-                      "-x264-params" if avc else "-x265-params", joined)
+    extension, size, common, options = ENCODERS[encoder]
+    joined = ":".join(part for part in (common, parameters) if part)
+    return make_input(f"{name}.{extension}", "-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25:duration=1",
+                      "-frames:v", "3", "-pix_fmt", pixels, *more, "-c:v", encoder, *options, joined)
 
 
 def copied_by_mkvmerge(source, name, *options):
@@ -188,6 +209,19 @@ class Colours(CodecCase):
                 self.assertEqual(track["chromaticity_coordinates"], "0.68,0.32,0.265,0.69,0.15,0.06")
                 self.assertEqual(track["white_color_coordinates"], "0.3127,0.329")
                 self.assertEqual(track["chroma_siting"], "1,1")
+
+    def test_light_of_metadata_units_is_told_without_the_stream(self):
+        """AV1 has the coordinates in 65536ths."""
+        output = self.directory / "av1_light.mkv"
+        self.mux(output, stream("av1_hdr10"))
+        track, = self.words_of_mkvmerge(output)
+        self.assertEqual((track["max_content_light"], track["max_frame_light"]), (1000, 400))
+        self.assertEqual(track["max_luminance"], 1000)
+        self.assertAlmostEqual(track["min_luminance"], 0.005, delta=1 / 16384)
+        told = [float(number) for name in ("chromaticity_coordinates", "white_color_coordinates")
+                for number in track[name].split(",")]
+        for number, expected in zip(told, (0.68, 0.32, 0.265, 0.69, 0.15, 0.06, 0.3127, 0.329), strict=True):
+            self.assertAlmostEqual(number, expected, delta=1 / 65536)
 
     def test_a_remux_tells_what_the_file_told(self):
         inputs = {
