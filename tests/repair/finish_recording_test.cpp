@@ -99,7 +99,7 @@ TEST_P(FinishRecordingTest, ACopyOfAFinishedFileThatBrokeOffIsFinishedAgain) {
 
 TEST_P(FinishRecordingTest, TheRoomForTheIndexIsUsedAsStopWouldHave) {
     for (const UINT64 bytes : {UINT64{4000}, UINT64{64}}) { // the other is too small
-        Record({.hasAttachment = true, .indexBytes = bytes});
+        Record({.hasAttachment = true, .hasAnnotations = true, .indexBytes = bytes});
         const repair::Recording recording = Repair(m_cut);
         EXPECT_EQ(recording.cut.indexPlace.has_value(), GetParam() == MuxProfile_Strict);
         EXPECT_TRUE(m_stream.Bytes() == m_finished);
