@@ -81,6 +81,16 @@ DEFINE_GUID(MKVMUX_InputStatistics, 0xd9fb599e, 0x6782, 0x4f3b, 0x95, 0x36, 0x56
 // of the clusters; at first all 0, and the index stands at the end of the file. E_INVALIDARG for more than 16 MiB and for
 // a length below 0; nothing is changed then.
 DEFINE_GUID(MKVMUX_ReserveIndex, 0x7dc98997, 0xc973, 0x47c5, 0x80, 0x9c, 0xf3, 0x6c, 0x10, 0x4b, 0x6f, 0x42);
+// Going on into another file, while one is recorded. Neither is saved.
+// Set and get, VARIANT::punkVal: an object with IStream, the next file. The muxer goes over to it at the next keyframe of
+// the first video track, as MKVMUX_NextOutputRule says, and tells so with MuxEvent_NextOutputBegun. What is set takes the
+// place of what still waits; null withdraws that. The stream is called on the muxer's own thread, and let go when its
+// file is finished, or when it is no longer wanted. VFW_E_WRONG_STATE while no file is open, E_NOINTERFACE for an object
+// without IStream. What is got is what still waits, and the caller's to release, or null.
+DEFINE_GUID(MKVMUX_NextOutput, 0xeb7b8acd, 0xfd8f, 0x4f1c, 0x9f, 0x48, 0x1f, 0x80, 0xbd, 0xe6, 0x97, 0x84);
+// Set and get, VARIANT::byref: a MuxNextOutputRule record, of what is set with MKVMUX_NextOutput from then on. E_INVALIDARG
+// for a size or a value that cannot be; nothing is changed then.
+DEFINE_GUID(MKVMUX_NextOutputRule, 0x897674eb, 0x6b90, 0x4a1d, 0xa4, 0x4a, 0xbc, 0xb6, 0x44, 0x0d, 0x62, 0x5c);
 
 // {9C41D7B5-68E2-4F30-A50C-D1B7E83F2946}
 DEFINE_GUID(IID_IModuleConfig, 0x9c41d7b5, 0x68e2, 0x4f30, 0xa5, 0x0c, 0xd1, 0xb7, 0xe8, 0x3f, 0x29, 0x46);
@@ -126,6 +136,12 @@ enum MuxListIndex {
 inline constexpr INT64 MuxChapterTime_None = -1; // of an end: where the next one begins
 inline constexpr INT64 MuxChapterTime_Now = -2;  // of a start: what is written of the file so far
 
+// The times of a file that goes on where another one ended; the value of MuxNextOutputRule::times.
+enum MuxOutputTimes {
+    MuxOutputTimes_FromZero = 0, // each file begins at 0
+    MuxOutputTimes_RunOn = 1     // they go on from file to file
+};
+
 // Levels of MuxChapter and MuxTag.
 enum MuxLevel {
     MuxLevel_Top = 0,          // others are parts of the one before that is one level up
@@ -158,10 +174,18 @@ enum MuxEvent {
     // Not all that arrived is in the file, since a write failed, as on a full disk, or memory ran out. The first
     // parameter is the HRESULT of the first such failure, the second one 0. Once a run, from its start until Stop.
     // The run goes on, but the inputs begin to refuse samples with that result; Stop finishes the file with what fits.
+    // With MKVMUX_NextOutput once a file.
     MuxEvent_OutputFailed = 0x8000 + 0x4D58,
+    // The file before is finished and let go, and the one of MKVMUX_NextOutput has begun. The first parameter is its
+    // number, 2 for the first such file of a run, the second one where it begins, in milliseconds of the recording.
+    MuxEvent_NextOutputBegun = MuxEvent_OutputFailed + 1,
+    // The stream of MKVMUX_NextOutput was let go, and the file before goes on, without a loss: the head of the next one
+    // could not be written, or Stop came first (E_ABORT). The first parameter is the HRESULT, the second one the number
+    // that the file would have had.
+    MuxEvent_NextOutputFailed = MuxEvent_OutputFailed + 2,
     // The index stands at the end of the file, since it does not fit into the room that was kept for it. The first
-    // parameter is its size, the second one that of the room, both in bytes. In Stop.
-    MuxEvent_IndexAtEnd = 0x8000 + 0x4D59
+    // parameter is its size, the second one that of the room, both in bytes. When the file is finished.
+    MuxEvent_IndexAtEnd = MuxEvent_OutputFailed + 3
 };
 
 // ---- Records passed by reference --------------------------------------------------------------------------------
@@ -257,8 +281,19 @@ struct MuxTag {
     BSTR language;     // as above
 };
 
-// What a run has written. The caller sets size to the size of its record, E_INVALIDARG when that is less than this
-// one's; as much is filled as both know, and size says how many bytes these are. Times are in units of 100 ns.
+// When and how the muxer goes over to the stream of MKVMUX_NextOutput: at the first keyframe at which all of this is
+// so. The caller sets size to the size of its record; times are in units of 100 ns.
+struct MuxNextOutputRule {
+    UINT32 size;       // of this record in bytes
+    UINT32 times;      // a MuxOutputTimes
+    INT64 notBefore;   // the time of the recording, as MKVMUX_Position counts it, that must have come; 0 for any
+    INT64 minDuration; // how long the file before must be; 0 for any length
+    UINT64 minBytes;   // and how large
+};
+
+// What a run has written, all its files together. The caller sets size to the size of its record, E_INVALIDARG when
+// that is less than this one's; as much is filled as both know, and size says how many bytes these are. Times are in
+// units of 100 ns.
 struct MuxStatistics {
     UINT32 size;         // of this record in bytes
     UINT32 isRunning;    // 1 from Pause to Stop
@@ -293,7 +328,8 @@ struct MuxInputStatistics {
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
 // rows, document type, attachments, profile, flags, title, seed, statistics and the room for the index reach the file
 // when streaming starts, and a file that is being written keeps what it began with; chapters and tags reach it until
-// Stop. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
+// Stop. Title, seed, attachments, statistics and room for the index of a file that follows within a run are those of its
+// beginning. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

@@ -6,23 +6,13 @@
 
 #include "dshow/com_guard.h"
 #include "log/logger.h"
+#include "matroska_muxer/file_sequence.h"
 #include "matroska_muxer/muxer_parameters.h"
 #include "matroska_muxer/stream_kind.h"
 #include "matroska_muxer/writer_guard.h"
 #include "media/input_types.h"
-#include "mkv/mkv_io.h"
 #include "mkv/mkv_writer.h"
 #include "mux/base_mux_output_pin.h"
-
-namespace {
-
-void CountLost(const CMuxInterPacket& packet, CMuxInterStream* stream) {
-    if (stream != nullptr) {
-        stream->CountLost(packet.size);
-    }
-}
-
-} // namespace
 
 CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
     return new CMatroskaMuxer(outer, result); // counted from 0: the class factory's first reference owns it
@@ -30,8 +20,10 @@ CUnknown* CMatroskaMuxer::CreateInstance(LPUNKNOWN outer, HRESULT* result) {
 
 CMatroskaMuxer::CMatroskaMuxer(LPUNKNOWN outer, HRESULT* result)
     : CBaseMux(OLESTR("CMatroskaMuxer"), outer, CLSID_MatroskaMuxer), CPersistStream(GetOwner(), result),
-      m_io(std::make_unique<CMkvIO>()), m_writer(std::make_unique<CMkvWriter>()),
-      m_parameters(std::make_unique<CMuxerParameters>(*m_writer, Inputs(), Statistics(), m_io->figures())) {
+      m_writer(std::make_unique<CMkvWriter>()),
+      m_files(std::make_unique<CFileSequence>(*m_writer, m_nextOutput, Interleaver(), m_options)),
+      m_parameters(std::make_unique<CMuxerParameters>(
+          CMuxerParameters::Reach{m_options, *m_writer, m_nextOutput, Inputs(), Statistics(), m_files->Figures()})) {
     HRESULT pinHr = S_OK;
     m_outputPin = std::make_unique<CBaseMuxOutputPin>(OLESTR("OutPin"), this, &m_filterLock, &pinHr, OLESTR("Out"));
     AddInputPin();
@@ -121,7 +113,7 @@ int CMatroskaMuxer::CreateInputPin(CBaseMuxInputPin** pin, LPCWSTR name) {
 
 HRESULT CMatroskaMuxer::CheckInputType(const CMediaType* type) {
     return ComGuard([&] {
-        const bool isStrict = m_parameters->Options().Get().isStrict();
+        const bool isStrict = m_options.Get().isStrict();
         const bool isAccepted = isStrict ? media::IsAcceptedStrictInputType(*type) : media::IsAcceptedInputType(*type);
         return isAccepted ? S_OK : kMuxFailedResult;
     });
@@ -137,37 +129,35 @@ bool CMatroskaMuxer::IsInputActive(int index) {
 
 HRESULT CMatroskaMuxer::OnStartStreaming() {
     CBaseMux::OnStartStreaming();
-    HRESULT untold = S_OK;
+    std::vector<FileEvent> events;
     {
         const CAutoLock lock(&m_writerLock);
-        m_io->forgetFigures();
-        m_writer->forgetClusters();
+        m_files->ForgetFigures();
         if (!m_downstream) {
             return kMuxFailedResult; // runs on without a file
         }
-        m_isFailureTold = false;
         m_writer->detach();
-        m_io->releaseStream();
-        const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] {
-            m_writerLock.AssertHeld();
-            return OpenWriter();
-        });
+        const HRESULT hr = OpenFile();
         if (FAILED(hr)) {
-            m_writer->abandon();
-            m_io->releaseStream();
             return hr;
         }
-        untold = TakeUntoldFailure(S_OK);
+        events = m_files->TakeEvents();
     }
-    TellGraph(untold);
+    TellGraph(events);
     return S_OK;
 }
 
-HRESULT CMatroskaMuxer::OpenWriter() {
-    RegisterTracks();
-    m_io->setStream(m_downstream.Get());
-    m_writer->Open(m_io.get(), m_parameters->Options().Get());
-    return S_OK;
+HRESULT CMatroskaMuxer::OpenFile() {
+    const HRESULT hr = GuardWriter(OLESTR("OnStartStreaming"), [this] {
+        m_writerLock.AssertHeld();
+        RegisterTracks();
+        return S_OK;
+    });
+    if (FAILED(hr)) {
+        m_writer->abandon();
+        return hr;
+    }
+    return m_files->Open(m_downstream.Get());
 }
 
 // One for each stream. Whether the row is enabled was asked when the streams were made; it may have changed since.
@@ -178,117 +168,43 @@ void CMatroskaMuxer::RegisterTracks() {
         if (pin->Stream() != nullptr) {
             const records::CTrackSettingsRow row =
                 m_parameters->Rows().At(index).value_or(records::CTrackSettingsRow(index));
-            const auto& options = m_parameters->Options();
-            m_writer->registerTrack(pin->CurrentMediaType(), row.Get(), options.FlagsOf(index),
-                                    options.ColourOf(index));
+            m_writer->registerTrack(pin->CurrentMediaType(), row.Get(), m_options.FlagsOf(index),
+                                    m_options.ColourOf(index));
         }
         ++index;
     }
 }
 
 HRESULT CMatroskaMuxer::OnStopStreaming() {
-    HRESULT untold = S_OK;
-    std::optional<CMkvWriter::IndexBeyondPlace> index;
+    std::vector<FileEvent> events;
     {
         const CAutoLock lock(&m_writerLock);
         LogIfPossible([] { g_Logger << OLESTR("CMatroskaMuxer::OnStopStreaming\r\n"); });
         if (m_writer->isOpen()) {
-            untold = TakeUntoldFailure(CloseWriter());
-            index = m_writer->indexBeyondPlace();
+            m_files->Close();
+            events = m_files->TakeEvents();
         }
         CBaseMux::OnStopStreaming();
     }
-    TellGraph(untold);
-    if (index) {
-        NotifyEvent(MuxEvent_IndexAtEnd, static_cast<LONG_PTR>(index->bytes), static_cast<LONG_PTR>(index->placeBytes));
-    }
+    TellGraph(events);
     return S_OK;
-}
-
-HRESULT CMatroskaMuxer::CloseWriter() {
-    const auto close = [this] {
-        return GuardWriter(OLESTR("OnStopStreaming"), [this] {
-            m_writerLock.AssertHeld();
-            m_writer->Close();
-            return m_writer->isFinished() ? S_OK : E_OUTOFMEMORY;
-        });
-    };
-    const HRESULT hr = close();
-    // What was thrown cost the last cluster; without that one the file can be finished.
-    if (FAILED(hr) && m_writer->isOpen() && FAILED(close())) {
-        m_writer->abandon();
-    }
-    m_io->releaseStream();
-    m_writer->detach();
-    return hr;
 }
 
 int CMatroskaMuxer::ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) {
-    HRESULT untold = S_OK;
+    std::vector<FileEvent> events;
     {
         const CAutoLock lock(&m_writerLock);
-        untold = TakeUntoldFailure(WriteTold(*packet, pin->Stream()));
+        m_files->Write(*packet, pin->Stream());
+        if (m_files->HasEvents()) {
+            events = m_files->TakeEvents();
+        }
     }
-    TellGraph(untold);
+    TellGraph(events);
     return kMuxOk;
 }
 
-HRESULT CMatroskaMuxer::WriteTold(CMuxInterPacket& packet, CMuxInterStream* stream) {
-    if (const HRESULT written = WriteResult(); written != S_OK && stream != nullptr) {
-        stream->SetStreamResult(written);
+void CMatroskaMuxer::TellGraph(const std::vector<FileEvent>& events) {
+    for (const FileEvent& event : events) {
+        NotifyEvent(event.code, event.first, event.second);
     }
-    // Text and subtitles: the kind was found out once, when streaming began.
-    if (stream != nullptr && stream->Kind() == MuxStreamKind::Subtitle) {
-        packet.muxerFlag = kBlockGroupFlag;
-    }
-    if (!m_writer->isOpen()) {
-        CountLost(packet, stream);
-        return S_OK;
-    }
-    const HRESULT hr = GuardWriter(OLESTR("ProcessPacket"), [&] {
-        m_writerLock.AssertHeld();
-        return WriteToWriter(packet);
-    });
-    if (FAILED(hr) && stream != nullptr) {
-        stream->SetStreamResult(hr);
-        CountLost(packet, stream);
-    }
-    return hr;
-}
-
-HRESULT CMatroskaMuxer::TakeUntoldFailure(HRESULT thrown) {
-    const HRESULT failure = FAILED(m_io->firstLoss()) ? m_io->firstLoss() : thrown;
-    if (SUCCEEDED(failure) || m_isFailureTold) {
-        return S_OK;
-    }
-    m_isFailureTold = true;
-    return failure;
-}
-
-void CMatroskaMuxer::TellGraph(HRESULT failure) {
-    if (FAILED(failure)) {
-        NotifyEvent(MuxEvent_OutputFailed, failure, 0);
-    }
-}
-
-// A write that says that it succeeded may have kept a part only, and one behind the one that failed may have succeeded:
-// what was lost all the same is told once.
-HRESULT CMatroskaMuxer::WriteResult() {
-    const HRESULT written = m_io->lastWriteResult();
-    const bool hasLost = m_writer->takeUntoldLoss();
-    return written == S_OK && hasLost ? STG_E_WRITEFAULT : written;
-}
-
-HRESULT CMatroskaMuxer::WriteToWriter(CMuxInterPacket& packet) {
-    mkv::Packet out;
-    out.start = packet.start;
-    out.stop = packet.stop;
-    out.data = packet.data.get();
-    out.size = packet.size;
-    out.syncPoint = packet.syncPoint;
-    out.stream = static_cast<UINT32>(packet.streamIndex);
-    out.blockGroup = packet.muxerFlag == kBlockGroupFlag;
-    out.owned = &packet.data;
-    m_writer->WritePacket(out);
-    return S_OK;
 }

@@ -7,12 +7,16 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "dshow/persist_stream.h"
+#include "matroska_muxer/file_event.h"
 #include "matroska_muxer/module_config_base.h"
+#include "matroska_muxer/next_output.h"
 #include "mux/base_mux.h"
+#include "records/file_options.h"
 
-class CMkvIO;
+class CFileSequence;
 class CMkvWriter;
 class CMuxerParameters;
 
@@ -61,24 +65,15 @@ class CMatroskaMuxer final : public CBaseMux,
     int ProcessPacket(CMuxInterPacket* packet, CBaseMuxInputPin* pin) override;
 
   private:
-    // The value of a packet's muxer flag that asks for a block group.
-    static constexpr BYTE kBlockGroupFlag = 1;
-
-    HRESULT OpenWriter() QRX_REQUIRES(m_writerLock);
+    HRESULT OpenFile() QRX_REQUIRES(m_writerLock);
     void RegisterTracks() QRX_REQUIRES(m_writerLock);
-    [[nodiscard]] HRESULT WriteResult() QRX_REQUIRES(m_writerLock);
-    // The packet with what it was told of the output before, and why it did not reach the file.
-    HRESULT WriteTold(CMuxInterPacket& packet, CMuxInterStream* stream) QRX_REQUIRES(m_writerLock);
-    HRESULT WriteToWriter(CMuxInterPacket& packet) QRX_REQUIRES(m_writerLock);
-    HRESULT CloseWriter() QRX_REQUIRES(m_writerLock);
-    // The first failure of the run's output, once: what was thrown just now, or what a write met. S_OK for none.
-    [[nodiscard]] HRESULT TakeUntoldFailure(HRESULT thrown) QRX_REQUIRES(m_writerLock);
-    // To the graph, which may ask the filter something back: without the writer lock.
-    void TellGraph(HRESULT failure);
+    // Without the writer lock: it may ask the filter something back.
+    void TellGraph(const std::vector<FileEvent>& events) QRX_EXCLUDES(m_writerLock);
 
+    records::CFileOptions m_options;
+    CNextOutput m_nextOutput;
     CCritSec m_writerLock;
-    const std::unique_ptr<CMkvIO> m_io QRX_PT_GUARDED_BY(m_writerLock);
     const std::unique_ptr<CMkvWriter> m_writer QRX_PT_GUARDED_BY(m_writerLock);
-    bool m_isFailureTold QRX_GUARDED_BY(m_writerLock) = false; // to the graph, in this run
+    const std::unique_ptr<CFileSequence> m_files QRX_PT_GUARDED_BY(m_writerLock);
     const std::unique_ptr<CMuxerParameters> m_parameters;
 };

@@ -11,6 +11,7 @@
 #include "log/logger.h"
 #include "matroska_muxer/field_stream.h"
 #include "matroska_muxer/list_parameters.h"
+#include "matroska_muxer/next_output_parameters.h"
 #include "matroska_muxer/option_parameters.h"
 #include "matroska_muxer/options_block.h"
 #include "matroska_muxer/record_fields.h"
@@ -182,6 +183,8 @@ constexpr Parameter kParameters[] = {
     {MKVMUX_InputCount, nullptr, GetInputCount},
     {MKVMUX_Statistics, nullptr, GetStatistics},
     {MKVMUX_InputStatistics, nullptr, GetInputStatistics},
+    {MKVMUX_NextOutput, SetNextOutput, GetNextOutput},
+    {MKVMUX_NextOutputRule, SetNextOutputRule, GetNextOutputRule},
 };
 
 // Null for an unknown key.
@@ -213,9 +216,9 @@ HRESULT GuardStream(Body body) {
 
 } // namespace
 
-CMuxerParameters::CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs, const CMuxStatistics& statistics,
-                                   const mkv::CWriteFigures& writes)
-    : m_targets{m_rows, m_options, writer, inputs, statistics, writes} {}
+CMuxerParameters::CMuxerParameters(const Reach& reach)
+    : m_options(reach.options), m_targets{m_rows,       m_options,        reach.writer, reach.nextOutput,
+                                          reach.inputs, reach.statistics, reach.writes} {}
 
 HRESULT CMuxerParameters::Set(const GUID& key, const VARIANT& value, bool& changed) {
     changed = false;

@@ -16,12 +16,15 @@ namespace mkv {
 class CWriteFigures;
 }
 
+class CNextOutput;
+
 // What the parameters reach. Of the writer only what any thread may ask: document type, attachments, chapters, tags,
 // duration, clusters.
 struct ParameterTargets {
     records::CTrackSettingsTable& rows;
     records::CFileOptions& options;
     CMkvWriter& writer;
+    CNextOutput& nextOutput;
     const CConnectedInputs& inputs;
     const CMuxStatistics& statistics;
     const mkv::CWriteFigures& writes;
@@ -29,8 +32,16 @@ struct ParameterTargets {
 
 class CMuxerParameters {
   public:
-    CMuxerParameters(CMkvWriter& writer, const CConnectedInputs& inputs, const CMuxStatistics& statistics,
-                     const mkv::CWriteFigures& writes);
+    // The same without the rows, which are its own.
+    struct Reach {
+        records::CFileOptions& options;
+        CMkvWriter& writer;
+        CNextOutput& nextOutput;
+        const CConnectedInputs& inputs;
+        const CMuxStatistics& statistics;
+        const mkv::CWriteFigures& writes;
+    };
+    explicit CMuxerParameters(const Reach& reach);
     CMuxerParameters(const CMuxerParameters&) = delete;
     CMuxerParameters& operator=(const CMuxerParameters&) = delete;
 
@@ -52,13 +63,12 @@ class CMuxerParameters {
 
     // One for each of the first 100 inputs.
     [[nodiscard]] const records::CTrackSettingsTable& Rows() const { return m_rows; }
-    [[nodiscard]] const records::CFileOptions& Options() const { return m_options; }
 
   private:
     // What the options' block holds.
     [[nodiscard]] records::AllOptions AllOptions() const;
 
     records::CTrackSettingsTable m_rows;
-    records::CFileOptions m_options;
+    records::CFileOptions& m_options;
     const ParameterTargets m_targets;
 };

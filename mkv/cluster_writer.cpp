@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dshow/ref_time.h"
 #include "media/payload_conversion.h"
 #include "mkv/cluster_rule.h"
 
@@ -11,6 +12,14 @@ void CClusterWriter::setTracks(const TrackList& tracks, const std::vector<libmat
                                INT32 cueTrack) {
     keepTracks(tracks, entries, media::NeedsAnnexBConversion);
     m_cueTrack = cueTrack;
+}
+
+bool CClusterWriter::isKeyframe(const Packet& packet) const {
+    return IsKeyframe(packet, trackOf(packet));
+}
+
+REFERENCE_TIME CClusterWriter::shiftOf(UINT32 stream) const {
+    return static_cast<REFERENCE_TIME>(std::min(m_shifter.offsetOf(stream), static_cast<UINT64>(kMaxReferenceTime)));
 }
 
 void CClusterWriter::startCluster(UINT64 timeNs) {

@@ -18,6 +18,9 @@ class CClusterWriter final : public CClusters {
                    INT32 cueTrack) override;
     void startCluster(UINT64 timeNs) override;
     std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet) override;
+    [[nodiscard]] bool isKeyframe(const Packet& packet) const override;
+    [[nodiscard]] REFERENCE_TIME shiftOf(UINT32 stream) const override;
+    [[nodiscard]] UINT64 openBytes() const override { return m_cluster.totalBytes(); }
 
   private:
     // CClusters

@@ -58,6 +58,13 @@ class CClusters {
     // An end time of the blocks so far, that of this one at least; none when the packet left no payload.
     virtual std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet) = 0;
 
+    // Whether decoding can begin with the packet; of sound and texts with any.
+    [[nodiscard]] virtual bool isKeyframe(const Packet& packet) const = 0;
+    // How much later than its packets a track's blocks are, in units of 100 ns.
+    [[nodiscard]] virtual REFERENCE_TIME shiftOf(UINT32 stream) const = 0;
+    // Of the blocks that wait in the open cluster.
+    [[nodiscard]] virtual UINT64 openBytes() const = 0;
+
   protected:
     CClusters(CGatheringIO& io, const libmatroska::KaxSegment& segment, CMkvCues& cues)
         : m_io(io), m_segment(segment), m_cues(cues) {}

@@ -57,6 +57,8 @@ class CMatroskaFile {
     void resume(const CutRecording& recording);
 
     [[nodiscard]] CClusters& clusters() { return *m_clusters; }
+    // From the output's start to here, with what waits in the open cluster.
+    [[nodiscard]] UINT64 bytes() { return m_gathering.getFilePointer() + m_clusters->openBytes(); }
 
     // Whether a write did not bring all of its bytes since the last call, whatever it answered.
     [[nodiscard]] bool takeUntoldLoss() { return m_gathering.takeUntoldLoss(); }

@@ -5,6 +5,8 @@
 // consistent; a failed seek throws kSeekFailedError.
 #pragma once
 
+#include <memory>
+
 #include "mkv/file_output.h"
 #include "mkv/write_figures.h"
 #include "win/com_ptr.h"
@@ -12,7 +14,10 @@
 
 class CMkvIO : public mkv::CFileOutput {
   public:
-    explicit CMkvIO(mkv::CWriteFigures::Clock clock = win::SteadyTime) : m_figures(clock) {}
+    explicit CMkvIO(mkv::CWriteFigures::Clock clock = win::SteadyTime)
+        : m_ownFigures(std::make_unique<mkv::CWriteFigures>(clock)), m_figures(*m_ownFigures) {}
+    // Several outputs count together, one at a time; the figures outlive them.
+    explicit CMkvIO(mkv::CWriteFigures& figures) : m_figures(figures) {}
     CMkvIO(const CMkvIO&) = delete;
     CMkvIO& operator=(const CMkvIO&) = delete;
 
@@ -44,7 +49,8 @@ class CMkvIO : public mkv::CFileOutput {
   private:
     [[nodiscard]] std::optional<uint64> streamSize();
 
-    mkv::CWriteFigures m_figures;
+    const std::unique_ptr<mkv::CWriteFigures> m_ownFigures; // null when they are shared
+    mkv::CWriteFigures& m_figures;
     win::ComPtr<IStream> m_stream;
     HRESULT m_lastWriteResult = S_OK;
     HRESULT m_firstLoss = S_OK;

@@ -20,6 +20,7 @@ class COpenCluster {
     [[nodiscard]] bool isOpen() const { return m_isOpen; }
     [[nodiscard]] UINT64 startNs() const { return m_startNs; }
     [[nodiscard]] UINT64 payloadBytes() const { return m_blocks.payloadBytes(); }
+    [[nodiscard]] UINT64 totalBytes() const { return m_blocks.totalBytes(); }
 
     // The block's time is one that fits its 16-bit offset (FitsBlockOffset). The track is its number, from 1.
     void addSimpleBlock(UINT16 track, UINT64 timeNs, const FrameBytes& frame, bool keyframe);

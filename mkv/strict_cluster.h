@@ -36,6 +36,7 @@ class CStrictCluster {
     void useLiveSpan() noexcept { m_maxSpanMs = kMaxLiveSpanMs; }
 
     [[nodiscard]] bool isEmpty() const { return m_blocks.empty(); }
+    [[nodiscard]] UINT64 totalBytes() const { return m_bytes.totalBytes(); }
     [[nodiscard]] INT64 earliestMs() const { return m_earliestMs; }
     [[nodiscard]] INT64 latestEndMs() const { return m_latestEndMs; }
     [[nodiscard]] const std::vector<PlacedBlock>& blocks() const { return m_blocks; }

@@ -62,6 +62,11 @@ std::optional<UINT64> CStrictClusterWriter::addFrameToCurrentCluster(const Packe
     return openEndNs();
 }
 
+// The units of a frame tell it before they are made into those of a block, too.
+bool CStrictClusterWriter::isKeyframe(const Packet& packet) const {
+    return IsStrictKeyframe(packet, trackOf(packet), {{packet.data, packet.size}, nullptr});
+}
+
 CStrictCluster::Block CStrictClusterWriter::blockOf(const Packet& packet, const FrameBytes& frame) {
     const TrackFacts& track = trackOf(packet);
     CStrictCluster::Block block;

@@ -4,6 +4,7 @@
 // every two seconds.
 #pragma once
 
+#include "dshow/ref_time.h"
 #include "mkv/clusters.h"
 #include "mkv/strict_cluster.h"
 #include "mkv/strict_times.h"
@@ -21,6 +22,11 @@ class CStrictClusterWriter final : public CClusters {
     void startCluster(UINT64 /*timeNs*/) override {}
     void writeLive() noexcept override { m_cluster.useLiveSpan(); }
     std::optional<UINT64> addFrameToCurrentCluster(const Packet& packet) override;
+    [[nodiscard]] bool isKeyframe(const Packet& packet) const override;
+    [[nodiscard]] REFERENCE_TIME shiftOf(UINT32 /*stream*/) const override {
+        return m_times.shiftMs() * kReferenceTimesPerMs;
+    }
+    [[nodiscard]] UINT64 openBytes() const override { return m_cluster.totalBytes(); }
 
   private:
     // CClusters

@@ -15,7 +15,7 @@ UINT64 Magnitude(REFERENCE_TIME negative) {
 } // namespace
 
 BlockTimes CTimeShifter::toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop) {
-    const UINT64 offset = offsetOf(track, start);
+    const UINT64 offset = fixOffset(track, start);
     start = AddSaturated(start, offset);
     stop = AddSaturated(stop, offset);
     if (start < 0) {
@@ -29,7 +29,11 @@ BlockTimes CTimeShifter::toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERE
     return times;
 }
 
-UINT64 CTimeShifter::offsetOf(UINT32 track, REFERENCE_TIME start) {
+UINT64 CTimeShifter::offsetOf(UINT32 track) const {
+    return track < m_offsets.size() ? m_offsets[track].value_or(0) : 0;
+}
+
+UINT64 CTimeShifter::fixOffset(UINT32 track, REFERENCE_TIME start) {
     if (track >= m_offsets.size()) {
         m_offsets.resize(size_t{track} + 1);
     }

@@ -21,9 +21,11 @@ class CTimeShifter {
   public:
     // The first call for a track fixes that track's offset. Tracks are counted from 0 without gaps.
     [[nodiscard]] BlockTimes toBlockTimes(UINT32 track, REFERENCE_TIME start, REFERENCE_TIME stop);
+    // 0 for a track that has not begun.
+    [[nodiscard]] UINT64 offsetOf(UINT32 track) const;
 
   private:
-    UINT64 offsetOf(UINT32 track, REFERENCE_TIME start);
+    UINT64 fixOffset(UINT32 track, REFERENCE_TIME start);
 
     std::vector<std::optional<UINT64>> m_offsets; // by track, in units of 100 ns
 };
