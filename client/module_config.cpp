@@ -336,6 +336,16 @@ HRESULT ModuleConfig::GetInputStatistics(INT32 index, MuxInputStatistics& statis
     return hr;
 }
 
+HRESULT ModuleConfig::SetNextOutput(IUnknown* output) const {
+    VARIANT value = Tagged(VT_UNKNOWN);
+    V_UNKNOWN(&value) = output;
+    return Set(MKVMUX_NextOutput, value);
+}
+
+HRESULT ModuleConfig::SetNextOutputRule(const MuxNextOutputRule& rule) const {
+    return Set(MKVMUX_NextOutputRule, ReferenceTo(&rule));
+}
+
 HRESULT ModuleConfig::IsDirty() const {
     return m_config ? m_config->IsDirty() : E_NOINTERFACE;
 }

@@ -77,6 +77,10 @@ class ModuleConfig {
     [[nodiscard]] HRESULT GetStatistics(MuxStatistics& statistics) const;
     [[nodiscard]] HRESULT GetInputStatistics(INT32 index, MuxInputStatistics& statistics) const;
 
+    // Where and when the file that is being recorded is gone on from; null for nothing.
+    [[nodiscard]] HRESULT SetNextOutput(IUnknown* output) const;
+    [[nodiscard]] HRESULT SetNextOutputRule(const MuxNextOutputRule& rule) const;
+
     // S_FALSE when nothing has changed since the last save that cleared it.
     [[nodiscard]] HRESULT IsDirty() const;
     [[nodiscard]] HRESULT Save(IStream* stream, bool clearDirty) const;

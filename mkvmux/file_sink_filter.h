@@ -46,6 +46,7 @@ class CFileSinkFilter : public CBaseFilter, public IFileSinkFilter, public IAMFi
     // What is open already and cannot seek.
     void WriteTo(win::FileHandle pipe) { m_pin.Stream().TakePipe(std::move(pipe)); }
     [[nodiscard]] const CFileStream& Stream() const { return m_pin.Stream(); }
+    [[nodiscard]] CFileStream& Stream() { return m_pin.Stream(); }
 
     DECLARE_IUNKNOWN
     STDMETHODIMP NonDelegatingQueryInterface(REFIID iid, void** object) override;

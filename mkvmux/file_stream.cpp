@@ -5,6 +5,7 @@
 #include <limits>
 #include <mutex>
 
+#include "dshow/com_guard.h"
 #include "mkvmux/text.h"
 
 namespace mkvmux {
@@ -16,6 +17,8 @@ HRESULT CFileStream::Create(const std::wstring& path, bool overwrite) {
                                      overwrite ? CREATE_ALWAYS : CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
     const HRESULT hr = file ? S_OK : LastResult();
     Take(std::move(file), path);
+    const win::LockGuard lock(m_lock);
+    m_created = hr;
     return hr;
 }
 
@@ -68,6 +71,7 @@ STDMETHODIMP CFileStream::Write(const void* data, ULONG size, ULONG* written) no
     if (data == nullptr) {
         return STG_E_INVALIDPOINTER;
     }
+    TellFirstUse();
     ULONG done = 0;
     HRESULT hr = S_OK;
     {
@@ -82,6 +86,9 @@ STDMETHODIMP CFileStream::Write(const void* data, ULONG size, ULONG* written) no
 
 // The lock is held.
 HRESULT CFileStream::WriteAll(const BYTE* data, ULONG size, ULONG& written) {
+    if (FAILED(m_created)) {
+        return m_created;
+    }
     while (written < size) {
         DWORD count = 0;
         if (!BringHandle() || WriteFile(m_file.Get(), data + written, size - written, &count, nullptr) == FALSE) {
@@ -121,6 +128,7 @@ HRESULT CFileStream::FailedCall() {
 }
 
 STDMETHODIMP CFileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* position) noexcept {
+    TellFirstUse();
     HRESULT hr = S_OK;
     {
         const win::LockGuard lock(m_lock);
@@ -231,6 +239,16 @@ STDMETHODIMP CFileStream::Clone(IStream** stream) noexcept {
     }
     *stream = nullptr;
     return E_NOTIMPL;
+}
+
+// What the handler throws is memory that ran out: the next call meets the same.
+void CFileStream::TellFirstUse() {
+    if (m_onFirstUse && !m_isUsed.exchange(true)) {
+        (void)ComGuard([this] {
+            m_onFirstUse();
+            return S_OK;
+        });
+    }
 }
 
 // Keeps and reports the first failure; no lock is held, since the handler may do what it likes.

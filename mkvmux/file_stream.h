@@ -20,6 +20,7 @@ namespace mkvmux {
 class CFileStream : public CUnknown, public IStream {
   public:
     using FailureHandler = std::function<void(HRESULT)>;
+    using FirstUseHandler = std::function<void()>;
 
     explicit CFileStream(LPUNKNOWN outer);
 
@@ -31,6 +32,9 @@ class CFileStream : public CUnknown, public IStream {
     void TakePipe(win::FileHandle pipe);
     // Called once, at the first write or seek that fails, on the thread of the caller that met it.
     void SetFailureHandler(FailureHandler handler) { m_onFailure = std::move(handler); }
+    // Called once, at the first write or seek, on the thread of the caller, before anything is done: it may create the
+    // file.
+    void SetFirstUseHandler(FirstUseHandler handler) { m_onFirstUse = std::move(handler); }
     // S_OK as long as all went well.
     [[nodiscard]] HRESULT FirstFailure() const { return m_firstFailure; }
     // The end of the last byte written, for those who show progress.
@@ -62,6 +66,7 @@ class CFileStream : public CUnknown, public IStream {
     HRESULT MovePosition(INT64 move, DWORD origin) QRX_REQUIRES(m_lock);
     HRESULT FileSize(UINT64& size) const;
     HRESULT Report(HRESULT hr);
+    void TellFirstUse();
 
     win::CriticalSection m_lock;
     win::FileHandle m_file;
@@ -72,6 +77,9 @@ class CFileStream : public CUnknown, public IStream {
     std::atomic<UINT64> m_writtenEnd{0};
     std::atomic<HRESULT> m_firstFailure{S_OK};
     FailureHandler m_onFailure;
+    FirstUseHandler m_onFirstUse;
+    std::atomic<bool> m_isUsed{false};
+    HRESULT m_created QRX_GUARDED_BY(m_lock) = S_OK; // why there is no file
 };
 
 } // namespace mkvmux

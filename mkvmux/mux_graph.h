@@ -54,6 +54,7 @@ class MuxGraph {
     [[nodiscard]] const win::ComPtr<IGraphBuilder>& Graph() const { return m_graph; }
     [[nodiscard]] const win::ComPtr<IBaseFilter>& Muxer() const { return m_muxer; }
     [[nodiscard]] const CFileStream& Output() const { return m_sink->Stream(); }
+    [[nodiscard]] CFileStream& Output() { return m_sink->Stream(); }
 
   private:
     void ConnectSink();

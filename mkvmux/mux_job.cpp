@@ -22,6 +22,7 @@
 #include "mkvmux/progress_display.h"
 #include "mkvmux/property_pages.h"
 #include "mkvmux/run_figures.h"
+#include "mkvmux/split_outputs.h"
 #include "mkvmux/standard_output.h"
 #include "mkvmux/text.h"
 
@@ -104,7 +105,8 @@ void ListTracks(const MuxGraph& graph, const MuxerSettings& settings, const Cons
 }
 
 // From here on the output exists: whatever fails says what became of it.
-void Run(const MuxGraph& graph, const Options& options, const Interruption& interruption, Console& console) {
+void Run(const MuxGraph& graph, const Options& options, SplitOutputs& split, const Interruption& interruption,
+         Console& console) {
     ProgressDisplay display = MakeDisplay(options);
     StatusDisplay status = MakeStatusDisplay(options);
     MuxRun run(graph, interruption, console, display, status);
@@ -123,6 +125,9 @@ void Run(const MuxGraph& graph, const Options& options, const Interruption& inte
         throw told;
     }
     console.Inform(options.OutputName() + ": " + std::to_string(graph.Output().WrittenEnd()) + " bytes written\n");
+    for (const SplitOutputs::Part& part : split.Parts()) {
+        console.Inform(Utf8FromWide(part.path) + ": " + std::to_string(part.bytes) + " bytes written\n");
+    }
     if (!run.Stop()) {
         console.Warn("an input's filter does not stop and is left as it is; the file is finished");
         LeaveAtOnce(kExitDoneWithWarnings);
@@ -145,6 +150,15 @@ win::FileHandle CheckOutputs(const Options& options) {
     return pipe;
 }
 
+// As if that file alone had been asked for.
+Options WithFirstPart(const Options& asked) {
+    Options options = asked;
+    if (asked.split.IsOn()) {
+        options.output = PartName(asked.output, 1);
+    }
+    return options;
+}
+
 void OpenOutput(MuxGraph& graph, const Options& options, win::FileHandle pipe) {
     if (pipe) {
         graph.WriteTo(std::move(pipe));
@@ -155,7 +169,8 @@ void OpenOutput(MuxGraph& graph, const Options& options, win::FileHandle pipe) {
 
 } // namespace
 
-void Mux(const Options& options, Interruption& interruption, Console& console) {
+void Mux(const Options& asked, Interruption& interruption, Console& console) {
+    const Options options = WithFirstPart(asked);
     CheckInputs(options);
     win::FileHandle pipe = CheckOutputs(options);
     MuxerLoader loader; // before all that comes from its module
@@ -176,7 +191,9 @@ void Mux(const Options& options, Interruption& interruption, Console& console) {
     CheckWebmSubset(graph, settings);
     interruption.Enter(Interruption::Stage::Running);
     OpenOutput(graph, options, std::move(pipe));
-    Run(graph, options, interruption, console);
+    SplitOutputs split(asked, graph.Muxer());
+    split.Begin(graph.Output());
+    Run(graph, options, split, interruption, console);
 }
 
 } // namespace mkvmux

@@ -102,15 +102,16 @@ bool MuxRun::HandleEvents() {
     LONG_PTR second = 0;
     while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
         const LONG_PTR value = first;
+        const LONG_PTR further = second;
         m_events->FreeEventParams(code, first, second);
-        if (HandleEvent(code, value)) {
+        if (HandleEvent(code, value, further)) {
             return true;
         }
     }
     return false;
 }
 
-bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
+bool MuxRun::HandleEvent(LONG code, LONG_PTR first, LONG_PTR second) {
     const HRESULT hr = static_cast<HRESULT>(first);
     switch (code) {
     case EC_COMPLETE:
@@ -121,6 +122,14 @@ bool MuxRun::HandleEvent(LONG code, LONG_PTR first) {
     case MuxEvent_OutputFailed:
         ThrowIfOutputFailed();
         throw Failure("cannot be written: " + DescribeResult(hr));
+    case MuxEvent_NextOutputFailed:
+        if (hr != E_ABORT) { // nothing was left for a further part
+            throw Failure("part " + std::to_string(second) + " cannot be written: " + DescribeResult(hr));
+        }
+        return false;
+    case MuxEvent_IndexAtEnd:
+        WarnOfIndex(first, second);
+        return false;
     case EC_STREAM_ERROR_STOPPED:
         m_console.Warn("a stream ended early: " + DescribeResult(hr));
         return false;
@@ -154,14 +163,18 @@ void MuxRun::Finish() {
     WarnOfIndexAtEnd();
 }
 
+void MuxRun::WarnOfIndex(LONG_PTR bytes, LONG_PTR placeBytes) {
+    m_console.Warn("the index is at the end of the file: it takes " + std::to_string(bytes) +
+                   " bytes, and room was kept for " + std::to_string(placeBytes) + " (--reserve-index-space)");
+}
+
 void MuxRun::WarnOfIndexAtEnd() {
     LONG code = 0;
     LONG_PTR first = 0;
     LONG_PTR second = 0;
     while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
         if (code == MuxEvent_IndexAtEnd) {
-            m_console.Warn("the index is at the end of the file: it takes " + std::to_string(first) +
-                           " bytes, and room was kept for " + std::to_string(second) + " (--reserve-index-space)");
+            WarnOfIndex(first, second);
         }
         m_events->FreeEventParams(code, first, second);
     }

@@ -41,6 +41,7 @@ struct RawOptions {
     std::vector<std::string> inputs;
     std::string title;
     std::string seed;
+    std::string split;
     bool noStatistics = false;
     std::string cues;
     std::optional<UINT64> indexBytes;
@@ -66,6 +67,12 @@ void DescribeOutput(CLI::App& app, Options& options, RawOptions& raw) {
                    "take identifiers and date from this text, so that the same inputs make the same file")
         ->type_name("SEED")
         ->check(NoOptionOf(app));
+    app.add_option(
+           "--split", raw.split,
+           "begin another file at a keyframe: duration:TIME, size:SIZE or timestamps:TIME,TIME... (00:10:00, 90s, "
+           "700M); the files are called FILE-001, FILE-002, or as a %d or %03d of FILE says")
+        ->type_name("WHERE")
+        ->check(NoOption());
     app.add_flag("--disable-track-statistics-tags", raw.noStatistics, "write no statistics of the tracks");
     app.add_option(
            "--cues", raw.cues,
@@ -199,6 +206,7 @@ void Complete(Options& options, const RawOptions& raw) {
         options.frameRate = *rate;
     }
     options.progress = ReadProgressMode(raw.progress);
+    options.split = ReadSplit(raw.split);
     for (const std::string& input : raw.inputs) {
         options.inputs.push_back({WideFromUtf8(input)});
     }
@@ -230,6 +238,9 @@ std::string Contradiction(const Options& options) {
     }
     if (options.indexBytes && !*options.cuesInFront) {
         return "--cues end and --reserve-index-space exclude each other";
+    }
+    if (options.split.IsOn() && options.IsToStandardOutput()) {
+        return "--split goes with files, not with standard output";
     }
     if (options.json && !options.identify) {
         return "--json goes with --identify only";

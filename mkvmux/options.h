@@ -10,6 +10,7 @@
 
 #include "mkvmux/attachment_options.h"
 #include "mkvmux/chapter_options.h"
+#include "mkvmux/split_options.h"
 #include "mkvmux/standard_output.h"
 #include "mkvmux/track_options.h"
 #include "sources/annexb/frame_rate.h"
@@ -47,6 +48,7 @@ struct Options {
     std::map<size_t, TrackOptions> tracks; // by the number of the track
     std::vector<AttachmentOptions> attachments;
     ChapterOptions chapters;
+    SplitOptions split;
     std::wstring logDirectory;              // empty: no trace log
     std::wstring saveConfig;                // empty: not saved
     std::wstring loadConfig;                // empty: not loaded

@@ -65,6 +65,14 @@ HRESULT FakeModuleConfig::SetValue(const GUID* key, const VARIANT* value) {
         attachments.push_back(CopyOf(*static_cast<const MuxAttachment*>(V_BYREF(value))));
         return S_OK;
     }
+    if (*key == MKVMUX_NextOutput) {
+        nextOutputs.push_back(V_UNKNOWN(value));
+        return S_OK;
+    }
+    if (*key == MKVMUX_NextOutputRule) {
+        nextOutputRules.push_back(*static_cast<const MuxNextOutputRule*>(V_BYREF(value)));
+        return S_OK;
+    }
     if (IsOption(*key)) {
         return SetOption(*key, *value);
     }

@@ -67,6 +67,8 @@ class FakeModuleConfig final : public UnimplementedModuleConfig {
     std::vector<Write> writes;
     std::vector<Attached> attachments;
     std::vector<Text> logDirectories;
+    std::vector<IUnknown*> nextOutputs; // not owned
+    std::vector<MuxNextOutputRule> nextOutputRules;
     VARTYPE lastTag = VT_EMPTY; // of the value that came last
     std::vector<IStream*> loads;
     std::vector<BOOL> saves; // whether each was to clear the dirty flag

@@ -17,6 +17,7 @@ using test_client::FakeModuleConfig;
 
 static_assert(MuxEvent_OutputFailed >= EC_USER, "the graph would take it for one of its own");
 static_assert(MuxEvent_OutputFailed == 0xCD58, "applications know the number");
+static_assert(MuxEvent_NextOutputBegun == 0xCD59 && MuxEvent_NextOutputFailed == 0xCD5A, "these, too");
 
 constexpr HRESULT kRefused = E_ACCESSDENIED;
 
@@ -40,6 +41,19 @@ TEST_F(ModuleConfigTest, HoldsOneReferenceUntilItIsResetOrConnectedElsewhere) {
     m_config.Reset();
     EXPECT_EQ(0, other.References());
     EXPECT_FALSE(m_config);
+}
+
+TEST_F(ModuleConfigTest, TheNextOutputIsHandedOnWithItsRule) {
+    EXPECT_EQ(S_OK, m_config.SetNextOutputRule({sizeof(MuxNextOutputRule), MuxOutputTimes_RunOn, 5, 6, 7}));
+    ASSERT_EQ(1u, m_filter.nextOutputRules.size());
+    EXPECT_EQ(UINT32{MuxOutputTimes_RunOn}, m_filter.nextOutputRules[0].times);
+    EXPECT_EQ(5, m_filter.nextOutputRules[0].notBefore);
+    EXPECT_EQ(6, m_filter.nextOutputRules[0].minDuration);
+    EXPECT_EQ(7u, m_filter.nextOutputRules[0].minBytes);
+    EXPECT_EQ(S_OK, m_config.SetNextOutput(&m_filter));
+    EXPECT_EQ(VT_UNKNOWN, m_filter.lastTag);
+    EXPECT_EQ(S_OK, m_config.SetNextOutput(nullptr));
+    EXPECT_EQ((std::vector<IUnknown*>{&m_filter, nullptr}), m_filter.nextOutputs);
 }
 
 TEST_F(ModuleConfigTest, WithoutAFilterEveryCallAnswersThatThereIsNoInterface) {
@@ -385,6 +399,8 @@ TEST(PublicHeader, TheRecordsOfFiguresKeepTheirLayout) {
     EXPECT_EQ(0u, offsetof(MuxStatistics, size));
     EXPECT_EQ(8u, offsetof(MuxStatistics, bytesWritten));
     EXPECT_EQ(48u, offsetof(MuxStatistics, elapsed));
+    EXPECT_EQ(32u, sizeof(MuxNextOutputRule));
+    EXPECT_EQ(8u, offsetof(MuxNextOutputRule, notBefore));
     EXPECT_EQ(88u, sizeof(MuxInputStatistics));
     EXPECT_EQ(0u, offsetof(MuxInputStatistics, size));
     EXPECT_EQ(4u, offsetof(MuxInputStatistics, index));
