@@ -27,6 +27,9 @@ PACKAGES_BENCH=(
   g++ cmake ninja-build make pkg-config dpkg-dev xz-utils patch libwine-dev libpugixml-dev zlib1g-dev googletest
   nlohmann-json3-dev libavformat-dev libavcodec-dev libavutil-dev ffmpeg mkvtoolnix python3 python3-matplotlib
 )
+# What ./dev package packs and makes: widl with the interfaces that it reads and the standard type library, the installer,
+# pages of the documents.
+PACKAGES_PACKAGE=(mingw-w64-tools libwine libwine-dev nsis pandoc python3 dpkg-dev xz-utils)
 PACKAGES_LINT=(clang-format clang-tidy python3)
 
 # have_package NAME: whether dpkg has it installed.

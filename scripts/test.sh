@@ -12,7 +12,7 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(files encoders players judge_self languages judge) # the judge comes after all that writes files
+TEST_SCRIPTS=(files encoders players package judge_self languages judge) # the judge comes after all that writes files
 TEST_SCRIPTS_AT_ONCE=2
 
 # report_crash LOG: the test that ran last, and what the program itself could say (tests/support/crash_report.cpp).
@@ -121,6 +121,10 @@ run_suite() {
       QRX_ENCODERS_FULL=${1#encoders} QRX_JUDGE_DIR="$BUILD/windows/judged" \
         run_script "$1" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/encoders"
       ;;
+    package)
+      need_packages "${PACKAGES_PACKAGE[@]}"
+      run_script package python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/package"
+      ;;
     files)
       mkdir -p "$BUILD/windows/judged"
       QRX_JUDGE_DIR="$BUILD/windows/judged" run_script files python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/files"
@@ -177,7 +181,7 @@ verb_test() {
     return
   fi
   if [ ${#suites[@]} -eq 0 ]; then
-    need_packages "${PACKAGES_DISPLAY[@]}" "${PACKAGES_PLAYERS[@]}"
+    need_packages "${PACKAGES_DISPLAY[@]}" "${PACKAGES_PLAYERS[@]}" "${PACKAGES_PACKAGE[@]}"
     run_all_suites
   else
     for suite in "${suites[@]}"; do run_suite "$suite"; done
