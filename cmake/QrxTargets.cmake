@@ -11,9 +11,15 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 # Flags, definitions and include paths that every target of ours takes.
 add_library(qrx_common INTERFACE)
 target_include_directories(qrx_common INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
-target_compile_options(qrx_common INTERFACE
-  # COM objects have no virtual destructor: Release alone destroys them, so only a delete through such a type is wrong.
-  -Wall -Wextra -Wshadow -Wconversion -Wdelete-non-virtual-dtor -Werror)
+if(MSVC)
+  target_compile_options(qrx_common INTERFACE /W4 /WX /permissive- /utf-8 /EHsc /Zc:__cplusplus /Zc:preprocessor
+    # Names that hide others, conversions and virtual destructors are what the other compilers warn of as we want it.
+    /wd4244 /wd4267 /wd4265 /wd4458)
+else()
+  target_compile_options(qrx_common INTERFACE
+    # COM objects have no virtual destructor: Release alone destroys them, so only a delete through such a type is wrong.
+    -Wall -Wextra -Wshadow -Wconversion -Wdelete-non-virtual-dtor -Werror)
+endif()
 target_compile_definitions(qrx_common INTERFACE UNICODE _UNICODE NO_DSHOW_STRSAFE NOMINMAX)
 
 if(NOT WIN32)
@@ -45,8 +51,13 @@ else()
   # No library of the toolchain's beside ours; and what tests/files/test_hardening.py looks for in the headers. The
   # toolchain has no control flow guard, and its stack protector asks the system's cryptography for random bytes while
   # a module is being loaded, where no library may be: SECURITY.md.
-  target_link_options(qrx_common INTERFACE -static
-    LINKER:--dynamicbase,--high-entropy-va,--nxcompat,--enable-reloc-section)
+  if(MSVC)
+    target_compile_options(qrx_common INTERFACE /guard:cf)
+    target_link_options(qrx_common INTERFACE /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT /guard:cf)
+  else()
+    target_link_options(qrx_common INTERFACE -static
+      LINKER:--dynamicbase,--high-entropy-va,--nxcompat,--enable-reloc-section)
+  endif()
 endif()
 
 # qrx_library(NAME [WITHOUT_PLATFORM] SOURCES … LINK …): the static library of one source folder. WITHOUT_PLATFORM: its
@@ -58,15 +69,19 @@ function(qrx_library name)
   if(NOT arg_WITHOUT_PLATFORM)
     target_precompile_headers(${name} REUSE_FROM qrx_precompiled)
   endif()
-  # The sanitizers' lanes are built whole more often than a file at a time, and a folder in pieces of ten sources takes
-  # half as long. Lint sees to it that the sources of a folder go together; those of tests need not.
-  if(QRX_SANITIZE AND NOT CMAKE_CURRENT_SOURCE_DIR MATCHES "/(tests|fuzz)(/|$)")
+  # What is built whole more often than a file at a time, as the sanitizers' lanes are: a folder in pieces of ten sources
+  # takes half as long. Lint sees to it that the sources of a folder go together; those of tests need not.
+  if((QRX_SANITIZE OR QRX_UNITY) AND NOT CMAKE_CURRENT_SOURCE_DIR MATCHES "/(tests|fuzz)(/|$)")
     set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
   endif()
 endfunction()
 
 # What is tested is optimised, the tests themselves need not be: that halves the build.
-set(QRX_TEST_OPTIONS -O0 -g1)
+if(MSVC)
+  set(QRX_TEST_OPTIONS /Od)
+else()
+  set(QRX_TEST_OPTIONS -O0 -g1)
+endif()
 
 # Sources of every test program.
 set(QRX_TEST_EVERYWHERE)
@@ -90,6 +105,13 @@ function(qrx_test name)
     file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/judged/${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600
       ENVIRONMENT "QRX_SOURCE_DIR=${CMAKE_SOURCE_DIR};QRX_JUDGE_DIR=${CMAKE_BINARY_DIR}/judged/${name}")
+  endif()
+endfunction()
+
+# qrx_wide_main(TARGET): its main function is wmain, which mingw's start-up code calls on request alone.
+function(qrx_wide_main target)
+  if(MINGW)
+    target_link_options(${target} PRIVATE -municode)
   endif()
 endfunction()
 

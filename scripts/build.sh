@@ -19,3 +19,11 @@ build_windows() {
   need_mkv_libraries
   build_preset windows "$@" >&2
 }
+
+# build_clang [TARGET…]: the same by clang, which warns of other things; headers, runtime and linker are those of GCC.
+build_clang() {
+  need_packages "${PACKAGES_BUILD[@]}" "${PACKAGES_CLANG[@]}"
+  need_mkv_libraries
+  build_preset windows-clang "$@" >&2
+  say "built: $BUILD/windows-clang/bin"
+}

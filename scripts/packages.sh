@@ -19,6 +19,7 @@ PACKAGES_PLAYERS=(
 PACKAGES_SANITIZE=(
   g++ cmake ninja-build pkg-config libwine-dev libebml-dev libmatroska-dev libpugixml-dev zlib1g-dev googletest git
 )
+PACKAGES_CLANG=(clang)
 PACKAGES_COVERAGE=(gcovr python3)
 # The fuzzers, and the encoders that make their first inputs.
 PACKAGES_FUZZ=(clang libclang-rt-14-dev libexpat1-dev ffmpeg python3)
