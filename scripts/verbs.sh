@@ -9,6 +9,10 @@ usage: ./dev VERB [ARGUMENT…]     each verb installs what it lacks (root or su
   mkvmux ARG…     run the command-line tool under Wine, with Linux paths
   example IN OUT COVER  run examples/mux_wave.cpp: a WAVE file with a cover into a Matroska file
   build           build the module, the tool, the tests and the benchmarks into build/windows/bin
+  package [--twice] what users get: zip, installer, symbols, into build/package/out; --twice: once more in another
+                  folder, and both are compared
+  build --compiler clang
+                  the same with clang, for the same target, into build/windows-clang/bin
   sanitize        the same sources and tests on Linux under ASan, leak check and UBSan; sanitize thread: under
                   ThreadSanitizer, what has threads
   coverage [NAME…] lines and branches that the tests on Linux reach, a row a folder
@@ -28,6 +32,17 @@ HELP
 }
 
 verb_build() {
+  if [ "${1:-}" = --compiler ]; then
+    case "${2:-}" in
+      gcc) shift 2 ;;
+      clang)
+        shift 2
+        build_clang "$@"
+        return
+        ;;
+      *) die "usage: ./dev build [--compiler gcc|clang] [TARGET…]" ;;
+    esac
+  fi
   build_windows "$@"
   say "built: $BUILD/windows/bin"
 }
