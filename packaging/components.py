@@ -39,6 +39,8 @@ def components(dependencies, versions):
         Component("mingw-w64-runtime", "ZPL-2.1 AND MIT AND BSD-3-Clause", BOTH,
                   "/usr/share/doc/mingw-w64-x86-64-dev/copyright", "mingw-w64-x86-64-dev"),
     ]
+    found += [Component("pugixml", "MIT", TOOL, str(file), "", file.parent.name.split("-")[1], "libpugixml.a")
+              for file in source.glob("pugixml-*/LICENSE.md")]
     for component in found:
         component.version = component.version or run("dpkg-query", "-W", "-f", "${Version}", component.package)
     return found
@@ -58,8 +60,13 @@ def package_entry(name, version, licence):
             "copyrightText": "NOASSERTION"}
 
 
+def file_identifier(name):
+    """The format has no underscores there."""
+    return "SPDXRef-File-" + Path(name).name.replace("_", "-")
+
+
 def file_entry(path, name):
-    return {"SPDXID": "SPDXRef-File-" + Path(name).name, "fileName": "./" + name, "fileTypes": ["BINARY"],
+    return {"SPDXID": file_identifier(name), "fileName": "./" + name, "fileTypes": ["BINARY"],
             "checksums": [{"algorithm": "SHA1", "checksumValue": hashlib.sha1(path.read_bytes()).hexdigest()},
                           {"algorithm": "SHA256", "checksumValue": sha256(path)}],
             "licenseConcluded": "NOASSERTION", "licenseInfoInFiles": ["NOASSERTION"], "copyrightText": "NOASSERTION"}
@@ -78,7 +85,7 @@ def write_sbom(output, parts, folder, version, epoch):
         relations.append(relation(ours["SPDXID"], "CONTAINS", file["SPDXID"]))
     for part in parts:
         for program in part.programs:
-            relations.append(relation("SPDXRef-File-" + program, "STATIC_LINK", "SPDXRef-Package-" + part.name))
+            relations.append(relation(file_identifier(program), "STATIC_LINK", "SPDXRef-Package-" + part.name))
     document = {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
         "name": f"quorlex-matroska-muxer-{version}",

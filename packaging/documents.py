@@ -4,7 +4,8 @@ import re
 import shutil
 import subprocess
 
-PAGES = ("README.md", "CHANGELOG.md", "ARCHITECTURE.md", "SECURITY.md", "docs/*.md")
+PAGES = ("README.md", "CHANGELOG.md", "ARCHITECTURE.md", "SECURITY.md", "docs/*.md", "fuzz/README.md")
+LINKED = ("LICENSE", "docs/performance.json")  # by the pages
 STYLE = """<style>
 body { max-width: 60em; margin: 2em auto; padding: 0 1em; font: 16px/1.5 sans-serif; }
 table { border-collapse: collapse; } td, th { border: 1px solid #8888; padding: .2em .6em; vertical-align: top; }
@@ -30,4 +31,6 @@ def add_documents(root, destination):
             output = (destination / source.relative_to(root)).with_suffix(".html")
             output.parent.mkdir(parents=True, exist_ok=True)
             output.write_text(page(source.read_text(encoding="utf-8"), source.stem), encoding="utf-8")
+    for name in LINKED:
+        shutil.copyfile(root / name, destination / name)
     shutil.copytree(root / "docs" / "images", destination / "docs" / "images")

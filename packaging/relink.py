@@ -20,7 +20,7 @@ def link_command(build, target):
 
 def library_name(root, path):
     """Of a file in lib/; objects of several folders have the same names."""
-    if not path.is_relative_to(root) or path.name in ("libebml.a", "libmatroska.a"):
+    if not path.is_relative_to(root) or path.is_relative_to(root / "build" / "deps"):
         return path.name
     folders = [part for part in path.relative_to(root).parts[2:-1] if part not in ("CMakeFiles", "__")]
     return "_".join([*folders, path.name])

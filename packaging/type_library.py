@@ -2,9 +2,14 @@
 """Makes the type library of the public interface: type_library.py OUTPUT.tlb. Of the same sources it is the same to the
 byte; widl and the headers that it reads come with Debian's packages (scripts/packages.sh)."""
 
+import calendar
+import os
+import re
+import struct
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
@@ -21,9 +26,23 @@ def make_type_library(output, idl=IDL):
         source.write_bytes(Path(idl).read_bytes())
         done = subprocess.run([WIDL, "--win64", "-t", f"-I{INTERFACES}", f"-L{STANDARD_LIBRARIES}", "-o",
                                str(Path(output).resolve()), source.name], cwd=folder, capture_output=True, text=True,
-                              check=False)
+                              env={**os.environ, "TZ": "UTC"}, check=False)
     if done.returncode != 0 or done.stderr:
         raise RuntimeError(f"widl: {done.stderr.strip() or done.returncode}")
+    Path(output).write_bytes(without_date(Path(output).read_bytes()))
+
+
+def without_date(library):
+    """widl notes when it ran, as a text and as a number behind it; both become those of the beginning of 1970."""
+    note = re.search(rb"Created by WIDL version [\d.]+ at (.{24})", library)
+    if not note:
+        return library
+    ran = calendar.timegm(time.strptime(note[1].decode("ascii")))
+    library = library.replace(note[1], time.asctime(time.gmtime(0)).encode("ascii"))
+    behind = library.find(b"\x13\0" + struct.pack("<I", ran), note.end())  # an unsigned number of 32 bits
+    if behind < 0:
+        raise RuntimeError("widl notes its date in another way than is known")
+    return library[:behind + 2] + bytes(4) + library[behind + 6:]
 
 
 if __name__ == "__main__":
