@@ -325,6 +325,10 @@ struct MuxInputStatistics {
 
 // ---- The parameter interface ------------------------------------------------------------------------------------
 
+#if defined(_MSC_VER)
+struct __declspec(uuid("9C41D7B5-68E2-4F30-A50C-D1B7E83F2946")) IModuleConfig; // for __uuidof; others: below
+#endif
+
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
 // rows, document type, attachments, profile, flags, title, seed, statistics and the room for the index reach the file
 // when streaming starts, and a file that is being written keeps what it began with; chapters and tags reach it until

@@ -54,6 +54,7 @@ STDAPI DllUnregisterServer() {
     return AMovieDllRegisterServer2(FALSE);
 }
 
+#if defined(__GNUC__)
 namespace __gnu_cxx {
 
 // Of the C++ runtime, which declares it in no header: gives back the memory that it keeps for exceptions thrown when
@@ -61,6 +62,7 @@ namespace __gnu_cxx {
 void __freeres();
 
 } // namespace __gnu_cxx
+#endif
 
 // reserved: set on detach when the process is ending; the settings stay then, for COM may be gone already.
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
@@ -71,7 +73,9 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved
         }
     } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
         DestroySettingsStore();
+#if defined(__GNUC__)
         __gnu_cxx::__freeres();
+#endif
     }
     return AMovieDllEntry(instance, reason);
 }

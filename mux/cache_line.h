@@ -8,6 +8,10 @@
 #include <array>
 #include <cstddef>
 
+#if defined(_MSC_VER)
+#include <xmmintrin.h>
+#endif
+
 struct CacheLineGap {
     static constexpr size_t kBytes = 64;
 
@@ -16,5 +20,9 @@ struct CacheLineGap {
 
 // Begins to fetch the line there, which this thread will read soon; any address will do.
 inline void FetchCacheLine(const void* address) {
+#if defined(_MSC_VER)
+    _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+#else
     __builtin_prefetch(address);
+#endif
 }
