@@ -332,8 +332,8 @@ struct __declspec(uuid("9C41D7B5-68E2-4F30-A50C-D1B7E83F2946")) IModuleConfig; /
 // Named parameters of the filter, and its persisted configuration. What is set is stored at once and can be got back;
 // rows, document type, attachments, profile, flags, title, seed, statistics and the room for the index reach the file
 // when streaming starts, and a file that is being written keeps what it began with; chapters and tags reach it until
-// Stop. Title, seed, attachments, statistics and room for the index of a file that follows within a run are those of its
-// beginning. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
+// Stop. Title, seed, attachments, statistics and room for the index of a file that follows within a run are those of
+// its beginning. The log directory takes effect at once. The VARIANT's type tag is neither checked nor set.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // COM objects are destroyed by Release alone

@@ -123,8 +123,8 @@ void CFileSequence::TellFailure(HRESULT thrown) {
 
 void CFileSequence::TellIndex() {
     if (const auto index = m_writer.indexBeyondPlace()) {
-        m_events.push_back({MuxEvent_IndexAtEnd, static_cast<LONG_PTR>(index->bytes),
-                            static_cast<LONG_PTR>(index->placeBytes)});
+        m_events.push_back(
+            {MuxEvent_IndexAtEnd, static_cast<LONG_PTR>(index->bytes), static_cast<LONG_PTR>(index->placeBytes)});
     }
 }
 

@@ -84,7 +84,8 @@ class CMkvWriter {
 
     // False when memory ran out while the last file's head was patched: all the rest of the file is there.
     [[nodiscard]] bool isFinished() const { return m_isFinished; }
-    // Of the file that was finished last: its index stands at the end since it does not fit into the room that was kept for it.
+    // Of the file that was finished last: its index stands at the end since it does not fit into the room that was kept
+    // for it.
     struct IndexBeyondPlace {
         UINT64 bytes;
         UINT64 placeBytes;

@@ -14,9 +14,9 @@ struct SplitOptions {
     enum class Kind { None, Duration, Size, Timestamps };
 
     Kind kind = Kind::None;
-    INT64 duration = 0;        // each file has at least that, but for the last one
-    UINT64 bytes = 0;          // the same
-    std::vector<INT64> times;  // of the recording, each later than the one before
+    INT64 duration = 0;       // each file has at least that, but for the last one
+    UINT64 bytes = 0;         // the same
+    std::vector<INT64> times; // of the recording, each later than the one before
 
     [[nodiscard]] bool IsOn() const { return kind != Kind::None; }
 };

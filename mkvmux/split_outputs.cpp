@@ -47,9 +47,8 @@ void SplitOutputs::AskForNext() {
         return;
     }
     const win::ComPtr<CFileStream> stream(new CFileStream(nullptr));
-    stream->SetFirstUseHandler([this, raw = stream.Get(), path = PartName(m_pattern, m_asked + 1)] {
-        BeginPart(*raw, path);
-    });
+    stream->SetFirstUseHandler(
+        [this, raw = stream.Get(), path = PartName(m_pattern, m_asked + 1)] { BeginPart(*raw, path); });
     if (SUCCEEDED(m_config.SetNextOutputRule(*rule)) && SUCCEEDED(m_config.SetNextOutput(stream.Get()))) {
         ++m_asked;
     }

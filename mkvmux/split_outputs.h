@@ -1,5 +1,5 @@
-// SplitOutputs: the files of "--split", one after the other. Each asks the muxer for the next one when its own first byte
-// is written, on the thread that writes, so that no keyframe passes in between; a file is created when it begins.
+// SplitOutputs: the files of "--split", one after the other. Each asks the muxer for the next one when its own first
+// byte is written, on the thread that writes, so that no keyframe passes in between; a file is created when it begins.
 //
 // Owner: the job, for longer than the graph runs. Threads: the muxer's; Parts after the graph was stopped.
 // Errors: what a file cannot do is its stream's answer, and so the muxer's event.
@@ -48,9 +48,9 @@ class SplitOutputs {
     const bool m_overwrite;
     const client::ModuleConfig m_config;
     win::CriticalSection m_lock;
-    std::vector<Part> m_parts QRX_GUARDED_BY(m_lock);   // that were begun
+    std::vector<Part> m_parts QRX_GUARDED_BY(m_lock);    // that were begun
     std::vector<OpenPart> m_open QRX_GUARDED_BY(m_lock); // of these, those that may not be finished
-    UINT32 m_asked = 1;                                   // parts that the muxer has or was asked to begin
+    UINT32 m_asked = 1;                                  // parts that the muxer has or was asked to begin
 };
 
 } // namespace mkvmux

@@ -20,10 +20,10 @@ TEST(SplitOptionsTest, NothingIsAskedFor) {
 
 TEST(SplitOptionsTest, Durations) {
     const std::vector<std::pair<std::string, INT64>> cases{
-        {"duration:00:10:00", 600 * kSecond},  {"duration:1:02:03.5", 3723 * kSecond + kSecond / 2},
-        {"duration:10:00", 600 * kSecond},     {"duration:90s", 90 * kSecond},
-        {"duration:1500ms", kSecond * 3 / 2},  {"duration:2h", 7200 * kSecond},
-        {"00:00:01.000000100", kSecond + 1},   {"120s", 120 * kSecond},
+        {"duration:00:10:00", 600 * kSecond},    {"duration:1:02:03.5", 3723 * kSecond + kSecond / 2},
+        {"duration:10:00", 600 * kSecond},       {"duration:90s", 90 * kSecond},
+        {"duration:1500ms", kSecond * 3 / 2},    {"duration:2h", 7200 * kSecond},
+        {"00:00:01.000000100", kSecond + 1},     {"120s", 120 * kSecond},
         {"duration:100:00:00", 360000 * kSecond}};
     for (const auto& [text, units] : cases) {
         SCOPED_TRACE(text);
@@ -34,8 +34,11 @@ TEST(SplitOptionsTest, Durations) {
 }
 
 TEST(SplitOptionsTest, Sizes) {
-    const std::vector<std::pair<std::string, UINT64>> cases{
-        {"size:700M", 700 << 20}, {"size:1k", 1024}, {"2G", UINT64{2} << 30}, {"size:1000000", 1000000}, {"5000", 5000}};
+    const std::vector<std::pair<std::string, UINT64>> cases{{"size:700M", 700 << 20},
+                                                            {"size:1k", 1024},
+                                                            {"2G", UINT64{2} << 30},
+                                                            {"size:1000000", 1000000},
+                                                            {"5000", 5000}};
     for (const auto& [text, bytes] : cases) {
         SCOPED_TRACE(text);
         const SplitOptions split = ReadSplit(text);
@@ -51,12 +54,30 @@ TEST(SplitOptionsTest, Timestamps) {
 }
 
 TEST(SplitOptionsTest, WhatCannotBeUnderstoodIsNamed) {
-    for (const char* const text :
-         {"duration:", "duration:abc", "duration:0s", "duration:00:60:00", "duration:00:00:61", "duration:1:2:3:4",
-          "duration:00:00:01.", "duration:00:00:01.1234567890", "duration:99999999999999999999s", "duration:12",
-          "duration:99999999999999h", "size:", "size:0", "size:12X", "size:-1", "size:99999999999G", "timestamps:",
-          "timestamps:10s,", "timestamps:10s,10s", "timestamps:20s,10s", "parts:00:00:01-00:00:02", "chapters:all",
-          "x", "12q"}) {
+    for (const char* const text : {"duration:",
+                                   "duration:abc",
+                                   "duration:0s",
+                                   "duration:00:60:00",
+                                   "duration:00:00:61",
+                                   "duration:1:2:3:4",
+                                   "duration:00:00:01.",
+                                   "duration:00:00:01.1234567890",
+                                   "duration:99999999999999999999s",
+                                   "duration:12",
+                                   "duration:99999999999999h",
+                                   "size:",
+                                   "size:0",
+                                   "size:12X",
+                                   "size:-1",
+                                   "size:99999999999G",
+                                   "timestamps:",
+                                   "timestamps:10s,",
+                                   "timestamps:10s,10s",
+                                   "timestamps:20s,10s",
+                                   "parts:00:00:01-00:00:02",
+                                   "chapters:all",
+                                   "x",
+                                   "12q"}) {
         SCOPED_TRACE(text);
         try {
             (void)ReadSplit(text);

@@ -62,9 +62,12 @@ TEST(PartChapters, AnEndThatIsToldIsCutWithTheFile) {
 }
 
 TEST(PartChapters, WithAChapterThatIsElsewhereGoItsPartsAndTitles) {
-    const std::vector<Chapter> all{Made(0, 0, 300, OLESTR("a")),    Made(MuxLevel_FurtherTitle, 0, kNone, OLESTR("A")),
-                                   Made(1, 100, kNone, OLESTR("a1")), Made(0, 300, kNone, OLESTR("b")),
-                                   Made(MuxLevel_FurtherTitle, 0, kNone, OLESTR("B")), Made(1, 400, kNone, OLESTR("b1")),
+    const std::vector<Chapter> all{Made(0, 0, 300, OLESTR("a")),
+                                   Made(MuxLevel_FurtherTitle, 0, kNone, OLESTR("A")),
+                                   Made(1, 100, kNone, OLESTR("a1")),
+                                   Made(0, 300, kNone, OLESTR("b")),
+                                   Made(MuxLevel_FurtherTitle, 0, kNone, OLESTR("B")),
+                                   Made(1, 400, kNone, OLESTR("b1")),
                                    Made(1, 700, kNone, OLESTR("b2"))};
     const auto kept = ChaptersOfPart(all, {500, std::nullopt, 500});
     ASSERT_EQ(4u, kept.size());
