@@ -233,7 +233,10 @@ TEST_P(LiveStrictTest, ChaptersAndTagsOfTheStartStandInFrontAndWhatComesLaterIsN
     AddTag();
     WriteFrames(30, 60);
     CloseLive();
-    EXPECT_EQ(Snapshot().Segment()->Child(kChapters)->children.at(0).Children(0xb6).size(), 1u);
+    const auto layout = Snapshot();
+    const test_support::EbmlElement* const chapters = layout.Segment()->Child(kChapters);
+    ASSERT_NE(chapters, nullptr);
+    EXPECT_EQ(chapters->children.at(0).Children(0xb6).size(), 1u);
     ExpectOnlyClustersBehind(head);
     ExpectSoundLayout("ChaptersAndTagsOfTheStartStandInFront");
 }
