@@ -422,12 +422,40 @@ void AddStatisticsRows(InterfaceTable<IModuleConfig>& table) {
             [](IModuleConfig& c) { return GetSized(c, MKVMUX_InputStatistics, 88, kMost); }, E_INVALIDARG);
 }
 
+HRESULT SetRuleOfSize(IModuleConfig& config, UINT32 size, UINT32 times) {
+    MuxNextOutputRule rule{size, times, 0, 0, 0};
+    return SetBy(config, MKVMUX_NextOutputRule, &rule);
+}
+
+// Null is no output; what waits is got back as null when nothing does.
+void AddNextOutputRows(InterfaceTable<IModuleConfig>& table) {
+    const auto set = &IModuleConfig::SetValue;
+    const auto get = &IModuleConfig::GetValue;
+    table
+        .With(
+            "no rule", set, [](IModuleConfig& c) { return SetBy(c, MKVMUX_NextOutputRule, nullptr); }, E_POINTER)
+        .With(
+            "a rule without room", set, [](IModuleConfig& c) { return SetRuleOfSize(c, 31, 0); }, E_INVALIDARG)
+        .With(
+            "times that are neither", set, [](IModuleConfig& c) { return SetRuleOfSize(c, 0xffffffff, 2); },
+            E_INVALIDARG)
+        .With(
+            "a rule with more room than there is", set,
+            [](IModuleConfig& c) { return SetRuleOfSize(c, 0xffffffff, 0); }, S_OK)
+        .With(
+            "a rule into nothing", get, [](IModuleConfig& c) { return GetBy(c, MKVMUX_NextOutputRule, nullptr); },
+            E_POINTER)
+        .With(
+            "what waits to be next", get, [](IModuleConfig& c) { return GetAny(c, MKVMUX_NextOutput); }, S_OK);
+}
+
 InterfaceTable<IModuleConfig> ConfigTable() {
     InterfaceTable<IModuleConfig> table("IModuleConfig");
     AddPersistRows(table);
     AddValueRows(table);
     AddStatisticsRows(table);
     AddOptionRows(table);
+    AddNextOutputRows(table);
     table.Nulls("DescribeValue", &IModuleConfig::DescribeValue, E_NOTIMPL)
         .With(
             "DescribeValue", &IModuleConfig::DescribeValue,

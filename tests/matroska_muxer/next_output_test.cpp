@@ -233,7 +233,7 @@ TEST_P(NextOutput, IsCutAtSoundOnceThePicturesHaveEnded) {
     ASSERT_EQ(S_OK, m_rig.Stop());
     const std::vector<BYTE> secondBytes = m_second.Bytes();
     const auto second = ReadLayout(secondBytes);
-    EXPECT_EQ(24u, second.BlocksOf(kSoundTrack).size()) << "from 520 on";
+    ASSERT_EQ(24u, second.BlocksOf(kSoundTrack).size()) << "from 520 on";
     EXPECT_EQ(0, TimesOf(second, kSoundTrack).front());
     EXPECT_TRUE(second.BlocksOf(kPictureTrack).empty());
     ExpectAll({m_rig.Layout(), second}, kSoundTrack, 0, 1000, kSoundMs);
@@ -262,7 +262,7 @@ TEST_P(NextOutput, EachNextOneMayBeAskedForWhileTheOneBeforeBegins) {
     m_second.OnEveryCall([&] {
         if (!isAsked) {
             isAsked = true;
-            EXPECT_EQ(S_OK, SetRule({0, MuxOutputTimes_FromZero, 0, 150 * kMs, 0}));
+            EXPECT_EQ(S_OK, SetRule({0, MuxOutputTimes_FromZero, 0, 250 * kMs, 0}));
             EXPECT_EQ(S_OK, Want(&m_third));
         }
     });
@@ -273,14 +273,14 @@ TEST_P(NextOutput, EachNextOneMayBeAskedForWhileTheOneBeforeBegins) {
     const std::vector<BYTE> thirdBytes = m_third.Bytes();
     const auto second = ReadLayout(secondBytes);
     const auto third = ReadLayout(thirdBytes);
-    EXPECT_EQ(5u, second.BlocksOf(kPictureTrack).size()) << "200 ms are the first group of more than 150";
-    EXPECT_EQ(10u, third.BlocksOf(kPictureTrack).size());
+    EXPECT_EQ(10u, second.BlocksOf(kPictureTrack).size()) << "one group of 200 ms is too short";
+    EXPECT_EQ(5u, third.BlocksOf(kPictureTrack).size());
     ExpectAll({m_rig.Layout(), second, third}, kPictureTrack, 1, 1000, kPictureMs);
     ExpectAll({m_rig.Layout(), second, third}, kSoundTrack, 0, 1000, kSoundMs);
     const auto begun = EventsOf(MuxEvent_NextOutputBegun);
     ASSERT_EQ(2u, begun.size());
     EXPECT_EQ(3, begun[1].parameter1);
-    EXPECT_EQ(600, begun[1].parameter2);
+    EXPECT_EQ(800, begun[1].parameter2);
     ExpectWhole(thirdBytes, "third");
 }
 
@@ -381,13 +381,35 @@ TEST_P(NextOutput, IsWrittenAlsoWhenTheOneBeforeFailed) {
     for (INT64 ms = 0; ms < 1000; ms += kPictureMs) {
         (void)Deliver(1, ms, kPictureMs, ms % kGroupMs == 0);
     }
-    DeliverSound(0, 1000);
+    for (INT64 ms = 0; ms < 1000; ms += kSoundMs) {
+        (void)Deliver(0, ms, kSoundMs);
+    }
     ASSERT_TRUE(m_rig.EndAll());
     ASSERT_EQ(S_OK, m_rig.Stop());
     const std::vector<BYTE> secondBytes = m_second.Bytes();
     EXPECT_EQ(15u, ReadLayout(secondBytes).BlocksOf(kPictureTrack).size());
     EXPECT_EQ(1, m_rig.Graph().EventCount(MuxEvent_OutputFailed));
     ExpectWhole(secondBytes, "behind_a_failed_one");
+}
+
+TEST_P(NextOutput, EachFileTellsOfItsOwnFailure) {
+    m_rig.Sink().Stream().FailFrom(StreamOperation::Write, 4, STG_E_MEDIUMFULL);
+    m_second.FailFrom(StreamOperation::Write, 4, E_ACCESSDENIED);
+    ASSERT_EQ(S_OK, m_rig.Pause());
+    ASSERT_EQ(S_OK, WantAt(&m_second, 590));
+    for (INT64 ms = 0; ms < 2000; ms += kPictureMs) {
+        (void)Deliver(1, ms, kPictureMs, ms % kGroupMs == 0); // none is taken before there is sound
+    }
+    for (INT64 ms = 0; ms < 2000; ms += kSoundMs) {
+        (void)Deliver(0, ms, kSoundMs);
+    }
+    ASSERT_TRUE(m_rig.EndAll());
+    ASSERT_EQ(S_OK, m_rig.Stop());
+    const auto failed = EventsOf(MuxEvent_OutputFailed);
+    ASSERT_EQ(2u, failed.size());
+    EXPECT_EQ(STG_E_MEDIUMFULL, static_cast<HRESULT>(failed[0].parameter1));
+    EXPECT_EQ(E_ACCESSDENIED, static_cast<HRESULT>(failed[1].parameter1));
+    EXPECT_EQ(1, m_rig.Graph().EventCount(MuxEvent_NextOutputBegun));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothProfiles, NextOutput, ::testing::Values(MuxProfile_Compatible, MuxProfile_Strict));
