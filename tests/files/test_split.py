@@ -15,7 +15,7 @@ CHAPTERS = "CHAPTER01=00:00:00.000\nCHAPTER01NAME=one\nCHAPTER02=00:00:03.500\nC
 def film(seconds=7):
     """Pictures with B frames, a keyframe a second, and sound that ends two seconds earlier."""
     return make_input(f"split{seconds}.mkv", *picture(seconds), *sound(seconds - 2), "-c:v", "libx264", "-g", "25",
-                      "-bf", "2", "-sc_threshold", "0", "-c:a", "libmp3lame")
+                      "-bf", "2", "-sc_threshold", "0", "-c:a", "pcm_s16le")
 
 
 def open_groups():
