@@ -4,7 +4,8 @@ import re
 import shutil
 import subprocess
 
-PAGES = ("README.md", "CHANGELOG.md", "ARCHITECTURE.md", "SECURITY.md", "docs/*.md", "fuzz/README.md")
+PAGES = ("README.md", "CHANGELOG.md", "ARCHITECTURE.md", "CONTRIBUTING.md", "SECURITY.md", "docs/*.md",
+         "fuzz/README.md")
 LINKED = ("LICENSE", "docs/performance.json")  # by the pages
 STYLE = """<style>
 body { max-width: 60em; margin: 2em auto; padding: 0 1em; font: 16px/1.5 sans-serif; }
