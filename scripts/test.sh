@@ -12,7 +12,7 @@ test_programs() {
     [ -f "$file" ] && file=${file##*/test_} && printf '%s\n' "${file%.exe}"
   done
 }
-TEST_SCRIPTS=(files encoders players package judge_self languages judge) # the judge comes after all that writes files
+TEST_SCRIPTS=(files encoders players types judge_self languages judge) # the judge comes after all that writes files
 TEST_SCRIPTS_AT_ONCE=2
 
 # report_crash LOG: the test that ran last, and what the program itself could say (tests/support/crash_report.cpp).
@@ -121,9 +121,11 @@ run_suite() {
       QRX_ENCODERS_FULL=${1#encoders} QRX_JUDGE_DIR="$BUILD/windows/judged" \
         run_script "$1" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/encoders"
       ;;
-    package)
+    types | package) # package makes one first, which takes minutes; it runs by its name alone
       need_packages "${PACKAGES_PACKAGE[@]}"
-      run_script package python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/package"
+      local modules=(test_type_library)
+      [ "$1" = types ] || modules=(test_package test_installed test_outside)
+      run_script "$1" python3 "$ROOT/tests/whole_files/run.py" "$ROOT/tests/package" "${modules[@]}"
       ;;
     files)
       mkdir -p "$BUILD/windows/judged"
