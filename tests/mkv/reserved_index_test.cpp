@@ -58,7 +58,8 @@ class ReservedIndexTest : public WriterTest {
     // The bytes that the cues of so many points take.
     [[nodiscard]] UINT64 CuesBytes(int frames) {
         WriteFile(0, frames);
-        const test_support::EbmlElement* const cues = Snapshot().Segment()->Child(kCues);
+        const Layout file = Snapshot();
+        const test_support::EbmlElement* const cues = file.Segment()->Child(kCues);
         const UINT64 bytes = cues->End() - cues->offset;
         m_stream.SetBytes({});
         return bytes;
@@ -201,7 +202,8 @@ TEST_F(ReservedIndexTest, AnOutputThatCannotSeekHasNoRoom) {
     m_writer.Close();
     m_writer.detach();
     m_io.releaseStream();
-    for (const auto& child : Snapshot().Segment()->children) {
+    const Layout file = Snapshot();
+    for (const auto& child : file.Segment()->children) {
         EXPECT_NE(child.Name(), "Void");
     }
 }

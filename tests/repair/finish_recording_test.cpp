@@ -119,7 +119,8 @@ TEST_P(FinishRecordingTest, CuesInFrontOfAStopThatDidNotComeToItsEndAreWrittenAn
     // What the cues of the last cluster told goes with it.
     broken.resize(ClusterStarts().back() + 1);
     Repair(broken);
-    const auto layout = test_support::ReadLayout(m_stream.Bytes());
+    const Bytes repaired = m_stream.Bytes();
+    const auto layout = test_support::ReadLayout(repaired);
     EXPECT_THAT(test_support::CheckLayout(layout), IsEmpty());
     EXPECT_EQ(layout.clusters.size() + 1, ClusterStarts().size());
     EXPECT_TRUE(repair::SurveyRecording(m_stream, [](UINT64, UINT64) {}).isFinished);
