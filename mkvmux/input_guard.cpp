@@ -7,6 +7,7 @@
 #include "mkvmux/failure.h"
 #include "mkvmux/muxer_settings.h"
 #include "mkvmux/same_file.h"
+#include "mkvmux/split_options.h"
 #include "mkvmux/text.h"
 
 namespace mkvmux {
@@ -66,7 +67,38 @@ void CheckWritten(const WrittenFile& written, const std::vector<std::wstring>& r
     }
 }
 
+// Whether some part would be that file: wherever digits in its name may be a part's number.
+bool IsPart(const std::wstring& pattern, const std::wstring& file) {
+    const std::wstring name = fs::path(file).filename().native();
+    constexpr size_t kMaxDigits = 9;
+    for (size_t begin = 0; begin < name.size(); ++begin) {
+        UINT32 number = 0;
+        for (size_t i = begin; i < name.size() && i < begin + kMaxDigits && name[i] >= L'0' && name[i] <= L'9'; ++i) {
+            number = number * 10 + static_cast<UINT32>(name[i] - L'0');
+            if (number > 0 && IsSameFile(file, PartName(pattern, number))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 } // namespace
+
+void CheckParts(const Options& options) {
+    if (!options.split.IsOn()) {
+        return;
+    }
+    for (const std::wstring& file : ReadFiles(options)) {
+        if (IsPart(options.output, file)) {
+            throw Failure(Utf8FromWide(file) + ": is an input and cannot be a part of the output");
+        }
+    }
+    if (!options.saveConfig.empty() && IsPart(options.output, options.saveConfig)) {
+        throw Failure(Utf8FromWide(options.saveConfig) +
+                      ": is the saved configuration and cannot be a part of the output");
+    }
+}
 
 void CheckWrittenFiles(const Options& options) {
     const std::vector<std::wstring> readFiles = ReadFiles(options);

@@ -10,4 +10,7 @@ namespace mkvmux {
 // exist when nothing may be overwritten; the log, which grows, may. Throws Failure.
 void CheckWrittenFiles(const Options& options);
 
+// Nor may a part of "--split", whichever number it has. The output is the pattern of their names.
+void CheckParts(const Options& options);
+
 } // namespace mkvmux

@@ -117,7 +117,10 @@ void Run(const MuxGraph& graph, const Options& options, SplitOutputs& split, con
     } catch (const Failure& failure) {
         display.Finish();
         status.Finish();
-        const Failure told(options.OutputName() + ": " + failure.what() + "; the file is unfinished");
+        const std::wstring part = split.FailedPart();
+        const Failure told(part.empty()
+                               ? options.OutputName() + ": " + failure.what() + "; the file is unfinished"
+                               : Utf8FromWide(part) + ": " + failure.what() + "; the parts before it are finished");
         if (!run.Stop()) {
             Console::Fail(told.what());
             LeaveAtOnce(kExitFailed);
@@ -138,7 +141,7 @@ void Run(const MuxGraph& graph, const Options& options, SplitOutputs& split, con
 }
 
 // Of what is written, before anything is opened. Standard output, where that is it, else nothing.
-win::FileHandle CheckOutputs(const Options& options) {
+win::FileHandle CheckOutputs(const Options& options, const Options& asked) {
     win::FileHandle pipe;
     if (options.IsToStandardOutput()) {
         pipe = TakeStandardOutput();
@@ -147,6 +150,7 @@ win::FileHandle CheckOutputs(const Options& options) {
     }
     CheckPlace(options.saveConfig);
     CheckWrittenFiles(options);
+    CheckParts(asked);
     return pipe;
 }
 
@@ -172,7 +176,7 @@ void OpenOutput(MuxGraph& graph, const Options& options, win::FileHandle pipe) {
 void Mux(const Options& asked, Interruption& interruption, Console& console) {
     const Options options = WithFirstPart(asked);
     CheckInputs(options);
-    win::FileHandle pipe = CheckOutputs(options);
+    win::FileHandle pipe = CheckOutputs(options, asked);
     MuxerLoader loader; // before all that comes from its module
     MuxGraph graph(loader.Create(options.noRegister ? MuxerSource::BesideProgram : MuxerSource::Registry));
     MuxerSettings settings(graph.Muxer());

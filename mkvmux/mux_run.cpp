@@ -124,7 +124,7 @@ bool MuxRun::HandleEvent(LONG code, LONG_PTR first, LONG_PTR second) {
         throw Failure("cannot be written: " + DescribeResult(hr));
     case MuxEvent_NextOutputFailed:
         if (hr != E_ABORT) { // nothing was left for a further part
-            throw Failure("part " + std::to_string(second) + " cannot be written: " + DescribeResult(hr));
+            throw Failure("cannot be written: " + DescribeResult(hr));
         }
         return false;
     case MuxEvent_IndexAtEnd:
@@ -160,24 +160,26 @@ void MuxRun::Finish() {
         m_display.Show(kWholePercent);
     }
     FinishDisplays();
-    WarnOfIndexAtEnd();
+    HandleLeftEvents();
+}
+
+// What the muxer said behind the end of the streams and in Stop. What sources say then is of no use to anybody.
+void MuxRun::HandleLeftEvents() {
+    LONG code = 0;
+    LONG_PTR first = 0;
+    LONG_PTR second = 0;
+    while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
+        if (code == MuxEvent_OutputFailed || code == MuxEvent_NextOutputFailed || code == MuxEvent_IndexAtEnd) {
+            (void)HandleEvent(code, first, second); // ours have nothing to be freed
+        } else {
+            m_events->FreeEventParams(code, first, second);
+        }
+    }
 }
 
 void MuxRun::WarnOfIndex(LONG_PTR bytes, LONG_PTR placeBytes) {
     m_console.Warn("the index is at the end of the file: it takes " + std::to_string(bytes) +
                    " bytes, and room was kept for " + std::to_string(placeBytes) + " (--reserve-index-space)");
-}
-
-void MuxRun::WarnOfIndexAtEnd() {
-    LONG code = 0;
-    LONG_PTR first = 0;
-    LONG_PTR second = 0;
-    while (m_events->GetEvent(&code, &first, &second, 0) == S_OK) {
-        if (code == MuxEvent_IndexAtEnd) {
-            WarnOfIndex(first, second);
-        }
-        m_events->FreeEventParams(code, first, second);
-    }
 }
 
 bool MuxRun::Stop() {

@@ -41,9 +41,8 @@ class MuxRun {
     // Whether one of the graph's events was the end.
     [[nodiscard]] bool HandleEvents();
     [[nodiscard]] bool HandleEvent(LONG code, LONG_PTR first, LONG_PTR second);
+    void HandleLeftEvents();
     void WarnOfIndex(LONG_PTR bytes, LONG_PTR placeBytes);
-    // What the muxer said in Stop.
-    void WarnOfIndexAtEnd();
     void WarnOfDamage(HRESULT damage);
     void ThrowIfOutputFailed() const;
 

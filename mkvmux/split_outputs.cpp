@@ -55,11 +55,16 @@ void SplitOutputs::AskForNext() {
 }
 
 void SplitOutputs::BeginPart(CFileStream& stream, const std::wstring& path) {
-    if (FAILED(stream.Create(path, m_overwrite))) {
-        return; // its writes tell
-    }
     {
         const win::LockGuard lock(m_lock);
+        NoteFailure();
+        if (!m_failed.empty()) {
+            return; // one that cannot be written is followed by no other; its writes tell
+        }
+        if (FAILED(stream.Create(path, m_overwrite))) {
+            m_failed = path;
+            return;
+        }
         m_parts.push_back({path, 0});
         m_open.push_back({m_parts.size() - 1, win::ComPtr<CFileStream>(&stream)});
         LetGoOfFinished();
@@ -67,7 +72,22 @@ void SplitOutputs::BeginPart(CFileStream& stream, const std::wstring& path) {
     AskForNext();
 }
 
+void SplitOutputs::NoteFailure() {
+    for (const OpenPart& part : m_open) {
+        if (m_failed.empty() && FAILED(part.stream->FirstFailure())) {
+            m_failed = m_parts[part.index].path;
+        }
+    }
+}
+
+std::wstring SplitOutputs::FailedPart() {
+    const win::LockGuard lock(m_lock);
+    NoteFailure();
+    return m_failed;
+}
+
 void SplitOutputs::LetGoOfFinished() {
+    NoteFailure();
     while (m_open.size() > kMostOpenParts) {
         m_parts[m_open.front().index].bytes = m_open.front().stream->WrittenEnd();
         m_open.erase(m_open.begin());

@@ -32,11 +32,14 @@ class SplitOutputs {
     };
     // Those behind the first one.
     [[nodiscard]] std::vector<Part> Parts();
+    // The first of them that could not be created or written; empty when there is none.
+    [[nodiscard]] std::wstring FailedPart();
 
   private:
     void AskForNext();
     void BeginPart(CFileStream& stream, const std::wstring& path);
     void LetGoOfFinished() QRX_REQUIRES(m_lock);
+    void NoteFailure() QRX_REQUIRES(m_lock);
 
     struct OpenPart {
         size_t index; // in m_parts
@@ -50,7 +53,8 @@ class SplitOutputs {
     win::CriticalSection m_lock;
     std::vector<Part> m_parts QRX_GUARDED_BY(m_lock);    // that were begun
     std::vector<OpenPart> m_open QRX_GUARDED_BY(m_lock); // of these, those that may not be finished
-    UINT32 m_asked = 1;                                  // parts that the muxer has or was asked to begin
+    std::wstring m_failed QRX_GUARDED_BY(m_lock);
+    UINT32 m_asked = 1; // parts that the muxer has or was asked to begin
 };
 
 } // namespace mkvmux

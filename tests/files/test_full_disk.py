@@ -94,3 +94,16 @@ class FullDisk(MkvmuxCase):
         source = make_input("disk_large.mkv", *picture(8, "640x480"), *sound(8), "-vf", "noise=alls=90:allf=t", "-c:v",
                             "mpeg4", "-g", "5", "-q:v", "1", "-c:a", "pcm_s16le")
         self.check_run(source, "9m", 10)
+
+    def test_the_last_part_of_a_split(self):
+        """Its end is written when the streams have ended already."""
+        source = make_input("disk_small.mkv", *picture(20), *sound(20), "-c:v", "mpeg4", "-g", "10", "-q:v", "2",
+                            "-c:a", "pcm_s16le")
+        self.mux(self.directory / "out.mkv", "--split", "6s", source)
+        parts = sorted(self.directory.glob("out-*.mkv"))
+        pages = sum(-(-part.stat().st_size // 4096) for part in parts)
+        disk = SmallDisk(self, (pages - 8) * 4096)
+        run = self.mkvmux("-o", disk.windows_path("out.mkv"), "--split", "6s", source)
+        self.assert_fails(run, f"{parts[-1].name}: cannot be written", DISK_FULL)
+        for part in parts[:-1]:
+            self.assertEqual((disk.path / part.name).stat().st_size, part.stat().st_size)

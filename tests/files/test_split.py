@@ -112,10 +112,23 @@ class Split(MkvmuxCase):
         there = self.directory / "out-002.mkv"
         there.write_bytes(b"mine")
         run = self.mkvmux("-o", self.directory / "out.mkv", "--split", "duration:3s", film())
-        self.assert_fails(run, "part 2", "exist")
+        self.assert_fails(run, "out-002.mkv: cannot be written", "exist")
         self.assertEqual(there.read_bytes(), b"mine")
         self.assert_decodes(self.directory / "out-001.mkv")
         self.split(film(), "-y", "--split", "duration:3s")
+
+    def test_what_the_run_reads_or_writes_is_no_part(self):
+        chapters = self.directory / "out-002.mkv"
+        for option, what in (("--chapters", "an input"), ("--save-config", "the saved configuration")):
+            chapters.write_text(CHAPTERS)
+            with self.subTest(option):
+                self.assert_fails(self.mkvmux("-y", "-o", self.directory / "out.mkv", "--split", "2s", option, chapters,
+                                              film()), f"out-002.mkv: is {what} and cannot be a part of the output")
+                self.assertEqual(chapters.read_text(), CHAPTERS)
+                self.assertFalse((self.directory / "out-001.mkv").exists())
+        source = (self.directory / "film12.mkv")
+        source.write_bytes(film().read_bytes())
+        self.assert_fails(self.mkvmux("-y", "-o", self.directory / "film%d.mkv", "--split", "2s", source), "film12.mkv: is an input")
 
     def test_what_cannot_be_is_told(self):
         for how in ("duration:x", "parts:1s-2s", "size:0"):
