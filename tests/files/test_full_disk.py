@@ -99,7 +99,7 @@ class FullDisk(MkvmuxCase):
         """Its end is written when the streams have ended already."""
         source = make_input("disk_small.mkv", *picture(20), *sound(20), "-c:v", "mpeg4", "-g", "10", "-q:v", "2",
                             "-c:a", "pcm_s16le")
-        self.mux(self.directory / "out.mkv", "--split", "6s", source)
+        self.assertEqual(self.mkvmux("-o", self.directory / "out.mkv", "--split", "6s", source).status, 0)
         parts = sorted(self.directory.glob("out-*.mkv"))
         pages = sum(-(-part.stat().st_size // 4096) for part in parts)
         disk = SmallDisk(self, (pages - 8) * 4096)
